@@ -1,0 +1,98 @@
+#include "opciones.h"
+
+namespace {
+bool numero(const QString &texto, int &valor)
+{
+    bool ok = false;
+    valor = texto.toInt(&ok);
+    return ok;
+}
+} // namespace
+
+OpcionesHost OpcionesHost::Leer(const QStringList &argumentos)
+{
+    OpcionesHost o;
+    for (qsizetype i = 1; i < argumentos.size(); ++i) {
+        const QString a = argumentos.at(i);
+        auto valor = [&](QString &destino) {
+            if (i + 1 >= argumentos.size()) {
+                o.error = QStringLiteral("Falta el valor de %1").arg(a);
+                return false;
+            }
+            destino = argumentos.at(++i);
+            return true;
+        };
+        QString v;
+        if (a == QLatin1String("--help") || a == QLatin1String("-h")) {
+            o.ayuda = true;
+        } else if (a == QLatin1String("--version")) {
+            o.version = true;
+        } else if (a == QLatin1String("--opening")) {
+            o.apertura = true;
+        } else if (a == QLatin1String("--db")) {
+            valor(o.baseDatos);
+        } else if (a == QLatin1String("--asiento")) {
+            valor(o.asiento);
+        } else if (a == QLatin1String("--temp")) {
+            valor(o.carpetaTemporal);
+        } else if (a == QLatin1String("--prefix")) {
+            valor(o.prefijo);
+        } else if (a == QLatin1String("--href")) {
+            valor(o.href);
+        } else if (a == QLatin1String("--screenshot")) {
+            valor(o.captura);
+        } else if (a == QLatin1String("--settings")) {
+            valor(o.ajustes);
+        } else if (a == QLatin1String("--user") || a == QLatin1String("--company") || a == QLatin1String("--lang")) {
+            if (!valor(v))
+                break;
+            int n = 0;
+            if (!numero(v, n)) {
+                o.error = QStringLiteral("%1 espera un número: %2").arg(a, v);
+                break;
+            }
+            (a == QLatin1String("--user") ? o.usuario : a == QLatin1String("--company") ? o.empresa : o.idioma) = n;
+        } else {
+            o.error = QStringLiteral("Opción desconocida: %1").arg(a);
+        }
+        if (!o.error.isEmpty())
+            break;
+    }
+    return o;
+}
+
+QString OpcionesHost::Uso()
+{
+    return QStringLiteral(
+        "Uso: asientos [opciones]\n"
+        "  --db RUTA|postgresql://usuario@servidor:puerto/base   base de datos (sin ella: la empresa de demostración)\n"
+        "  --user N          usuario (1)\n"
+        "  --company N       empresa (1)\n"
+        "  --lang N          idioma de los textos: 1 español, 2 inglés\n"
+        "  --asiento N       abrir mostrando el asiento N\n"
+        "  --temp CARPETA    carpeta del diseño de la grilla\n"
+        "  --prefix TEXTO    prefijo del archivo de diseño (el número de usuario)\n"
+        "  --opening         proponer el asiento de saldos iniciales si no existe\n"
+        "  --href DIRECCION  dirección base tal cual, en lugar de armarla\n"
+        "  --settings ARCHIVO  archivo de ajustes del usuario\n"
+        "  --screenshot ARCHIVO.png  guardar una imagen de la ventana al iniciar y salir\n"
+        "  --help, --version\n");
+}
+
+QString OpcionesHost::DireccionBase(const QString &carpetaTemporalPorDefecto) const
+{
+    if (!href.isEmpty())
+        return href;
+    QStringList pares;
+    pares << QStringLiteral("psidusuario=%1").arg(usuario) << QStringLiteral("psidempresa=%1").arg(empresa)
+          << QStringLiteral("psckey=lum01")
+          << QStringLiteral("pskeyinit=") + (prefijo.isEmpty() ? QString::number(usuario) : prefijo)
+          << QStringLiteral("pstempdir=")
+                 + QString(carpetaTemporal.isEmpty() ? carpetaTemporalPorDefecto : carpetaTemporal)
+                       .replace(QLatin1Char(' '), QLatin1String("%20"));
+    if (apertura)
+        pares << QStringLiteral("pshacerasi=si");
+    if (!asiento.isEmpty())
+        pares << QStringLiteral("prmidasi=") + asiento;
+    return QStringLiteral("lumapp://asientos/ingreso.htm?") + pares.join(QLatin1Char('|'));
+}

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+// The host's command line.
+struct OpcionesHost
+{
+    QString baseDatos;       // --db: file path or postgresql:// address; empty: the demo
+    int usuario = 1;
+    int empresa = 1;
+    int idioma = 0;          // 0: the settings file decides
+    QString asiento;         // --asiento: sent as prmidasi=N
+    QString carpetaTemporal; // --temp
+    QString prefijo;         // --prefix; empty: the user id
+    bool apertura = false;   // --opening
+    QString href;            // --href: the base address exactly as given
+    QString captura;         // --screenshot FILE
+    QString ajustes;         // --settings FILE
+    bool ayuda = false;
+    bool version = false;
+    QString error;           // a bad command line
+
+    static OpcionesHost Leer(const QStringList &argumentos);
+    static QString Uso();
+
+    // The base address the host hands the document: the query part carries the pairs.
+    QString DireccionBase(const QString &carpetaTemporalPorDefecto) const;
+};

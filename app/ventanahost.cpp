@@ -1,0 +1,151 @@
+#include "ventanahost.h"
+
+#include "services/serviciomensajesqt.h"
+#include "shell/lumingasiento.h"
+
+#include <QDialog>
+#include <QDialogButtonBox>
+#include <QFile>
+#include <QPushButton>
+#include <QStackedWidget>
+#include <QTextBrowser>
+#include <QTimer>
+#include <QVBoxLayout>
+
+#include <cstdio>
+
+namespace {
+
+QString escapar(const QString &texto)
+{
+    return texto.toHtmlEscaped().replace(QLatin1Char('\r'), QLatin1String("<br>")).replace(QLatin1Char('\n'), QLatin1String("<br>"));
+}
+
+QString hoja(const QString &titulo, const QString &cuerpo)
+{
+    return QStringLiteral("<html><body style=\"margin:24px; font-family:sans-serif;\">"
+                          "<h2 style=\"color:#3b4a63;\">%1</h2>%2</body></html>")
+        .arg(escapar(titulo), cuerpo);
+}
+
+} // namespace
+
+VentanaHost::VentanaHost(const OpcionesHost &opciones, const QString &baseDatos, const QString &archivoAjustes,
+                         const QString &carpetaDatos, bool desatendido)
+    : m_baseHRef(opciones.DireccionBase(carpetaDatos))
+    , m_mensajes(std::make_unique<ServicioMensajesQt>(this, desatendido))
+{
+    setObjectName(QStringLiteral("ventanaHost"));
+    setWindowTitle(QStringLiteral("Asientos"));
+    resize(1100, 700);
+
+    m_centro = new QStackedWidget(this);
+    m_centro->setObjectName(ComandoHost::kMarco);
+    setCentralWidget(m_centro);
+
+    EntornoDocumento entorno;
+    entorno.host = this;
+    entorno.mensajes = m_mensajes.get();
+    entorno.ajustes.archivoAjustes = archivoAjustes;
+    entorno.ajustes.baseDatos = baseDatos;
+    if (opciones.idioma > 0)
+        entorno.ajustes.forzados.insert(QStringLiteral("LUM01/Idioma"), QString::number(opciones.idioma));
+
+    m_documento = new lumIngAsiento(std::move(entorno), m_centro);
+    m_centro->addWidget(m_documento);
+}
+
+VentanaHost::~VentanaHost()
+{
+    delete m_documento;
+}
+
+QWidget *VentanaHost::paginaActual() const
+{
+    return m_centro->currentWidget();
+}
+
+void VentanaHost::Navegar(const QString &direccion, const QString &marco)
+{
+    Q_UNUSED(marco)
+    // One line per address, even when an error description carries line breaks.
+    QString linea = direccion;
+    linea.replace(QLatin1Char('\r'), QLatin1Char(' ')).replace(QLatin1Char('\n'), QLatin1Char(' '));
+    std::fprintf(stderr, "%s\n", qPrintable(linea));
+    std::fflush(stderr);
+    // The document may call from inside its own start-up; replace it only afterwards.
+    QTimer::singleShot(0, this, [this, direccion] { actuar(direccion); });
+}
+
+void VentanaHost::actuar(const QString &direccion)
+{
+    switch (ComandoHost::TipoDe(direccion)) {
+    case ComandoHost::Tipo::Error:
+        MostrarError(ComandoHost::Parametro(direccion));
+        break;
+    case ComandoHost::Tipo::AccesoDenegado:
+        MostrarAccesoDenegado(ComandoHost::Parametro(direccion));
+        break;
+    case ComandoHost::Tipo::Ayuda:
+        MostrarAyuda(ComandoHost::PaginaAyuda(direccion));
+        break;
+    case ComandoHost::Tipo::Otro:
+        break;
+    }
+}
+
+QTextBrowser *VentanaHost::pagina(const QString &nombre, const QString &html)
+{
+    auto *p = new QTextBrowser(m_centro);
+    p->setObjectName(nombre);
+    p->setHtml(html);
+    m_centro->addWidget(p);
+    m_centro->setCurrentWidget(p);
+    return p;
+}
+
+void VentanaHost::MostrarError(const QString &descripcion)
+{
+    const QString cuerpo = QStringLiteral("<p>No se pudo abrir el ingreso de asientos.</p>")
+                         + (descripcion.isEmpty() ? QString() : QStringLiteral("<p><b>%1</b></p>").arg(escapar(descripcion)));
+    QTextBrowser *p = pagina(QStringLiteral("paginaError"), hoja(QStringLiteral("Error"), cuerpo));
+    p->setAccessibleName(descripcion.isEmpty() ? QStringLiteral("Error") : descripcion);
+}
+
+void VentanaHost::MostrarAccesoDenegado(const QString &aplicacion)
+{
+    const QString cuerpo = QStringLiteral("<p>Su usuario no tiene permiso para usar <b>%1</b> en esta empresa.</p>"
+                                          "<p>Pida al administrador que le asigne los permisos necesarios.</p>")
+                               .arg(escapar(aplicacion));
+    QTextBrowser *p = pagina(QStringLiteral("paginaAccesoDenegado"), hoja(QStringLiteral("Acceso denegado"), cuerpo));
+    p->setAccessibleName(QStringLiteral("Acceso denegado"));
+}
+
+void VentanaHost::MostrarAyuda(const QString &archivo)
+{
+    m_ultimaAyuda = archivo;
+    if (!m_visorAyuda) {
+        auto *visor = new QDialog(this);
+        visor->setObjectName(QStringLiteral("visorAyuda"));
+        visor->setWindowTitle(QStringLiteral("Ayuda"));
+        visor->resize(720, 560);
+        auto *texto = new QTextBrowser(visor);
+        texto->setObjectName(QStringLiteral("textoAyuda"));
+        texto->setSearchPaths({QStringLiteral(":/help")});
+        texto->setOpenExternalLinks(false);
+        auto *botones = new QDialogButtonBox(QDialogButtonBox::Close, visor);
+        botones->button(QDialogButtonBox::Close)->setText(QStringLiteral("Cerrar"));
+        connect(botones, &QDialogButtonBox::rejected, visor, &QDialog::close);
+        auto *capa = new QVBoxLayout(visor);
+        capa->addWidget(texto);
+        capa->addWidget(botones);
+        m_visorAyuda = visor;
+    }
+    auto *texto = m_visorAyuda->findChild<QTextBrowser *>(QStringLiteral("textoAyuda"));
+    if (QFile::exists(QStringLiteral(":/help/") + archivo))
+        texto->setSource(QUrl(QStringLiteral("qrc:/help/") + archivo));
+    else
+        texto->setHtml(hoja(QStringLiteral("Ayuda"), QStringLiteral("<p>No se encontró la página de ayuda %1.</p>").arg(escapar(archivo))));
+    m_visorAyuda->show();
+    m_visorAyuda->raise();
+}

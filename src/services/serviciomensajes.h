@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QString>
+
+// The message service: questions, warnings and error displays. Everything the document
+// says to the user after start-up goes through here, so tests can answer and listen.
+class ServicioMensajes
+{
+public:
+    enum class Botones { SiNo, SiNoCancelar };
+    enum class Respuesta { Si, No, Cancelar };
+
+    virtual ~ServicioMensajes() = default;
+
+    // The language number of the catalogue in use: button captions follow it.
+    virtual void FijarIdioma(int idioma) = 0;
+    // Title of every message box (text 1000 of the catalogue).
+    virtual void FijarTitulo(const QString &titulo) = 0;
+
+    virtual Respuesta Preguntar(const QString &texto, Botones botones) = 0;
+    virtual void Advertir(const QString &texto) = 0;
+    // An error with its detail line; an empty titulo uses the application title.
+    virtual void MostrarError(const QString &texto, const QString &titulo, const QString &detalle) = 0;
+};
+
+// The detail line of an error display: number, " - ", description.
+QString DetalleError(int numero, const QString &descripcion);

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "serviciomensajes.h"
+
+#include <QPointer>
+#include <QWidget>
+
+// Message boxes titled with the application title, with button captions in the language
+// of the catalogue. In unattended mode (a screenshot run) nothing is shown: each text is
+// written to standard error and every question takes its first button.
+class ServicioMensajesQt final : public ServicioMensajes
+{
+public:
+    explicit ServicioMensajesQt(QWidget *padre = nullptr, bool desatendido = false);
+
+    void FijarIdioma(int idioma) override { m_idioma = idioma; }
+    void FijarTitulo(const QString &titulo) override { m_titulo = titulo; }
+
+    Respuesta Preguntar(const QString &texto, Botones botones) override;
+    void Advertir(const QString &texto) override;
+    void MostrarError(const QString &texto, const QString &titulo, const QString &detalle) override;
+
+private:
+    QString boton(int cual) const;
+
+    QPointer<QWidget> m_padre;
+    bool m_desatendido = false;
+    int m_idioma = 1;
+    QString m_titulo = QStringLiteral("Ingreso de Asientos");
+};

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <QHash>
+#include <QString>
+
+#include <memory>
+
+class ServicioConexion;
+class ServicioMensajes;
+
+// One text catalogue, found by component name ("LNG_TCO_001.clsResources") among the
+// program's resources. Texts are kept with their real line breaks.
+class ComponenteIdioma
+{
+public:
+    // Null when no catalogue of that name exists or it cannot be read.
+    static std::unique_ptr<ComponenteIdioma> Crear(const QString &nombreComponente);
+    // Reads a catalogue in its file format: "NNNN<TAB>text" per line, "#" comments,
+    // escapes \r \n \t \\. Lines that do not follow it are skipped.
+    static QHash<int, QString> LeerCatalogo(const QByteArray &contenido);
+
+    // Catalogue text number; false when the number is not in the catalogue.
+    bool resLoad(int numero, QString &texto) const;
+
+    QString IDAppName;
+    quint8 IDSLNG = 0;
+
+private:
+    QHash<int, QString> m_textos;
+};
+
+// The language component shared by every document of the process, with the count of the
+// documents that use it.
+namespace Idioma {
+
+// Creates the component for the user's language; answers 1, or 0 after telling the user
+// through the message service that the component is missing.
+int CrearComponenteIdioma(const QString &codigoAplicacion, const QString &nombreAplicacion,
+                          const ServicioConexion &conexion, ServicioMensajes &mensajes);
+// Catalogue text n + 1000; empty when the component is missing or has no such text.
+QString resLoad(int n);
+// One document stops using the component; the last one releases it.
+void Liberar();
+
+// For tests: what is held now.
+const ComponenteIdioma *Actual();
+int Cuenta();
+// Component name for an application code and language number ("LNG_TCO_001.clsResources").
+QString NombreComponente(const QString &codigoAplicacion, int idioma);
+
+} // namespace Idioma

@@ -1,0 +1,159 @@
+#pragma once
+
+#include "comandoshost.h"
+#include "parametroshost.h"
+#include "sesion.h"
+#include "services/servicioconexion.h"
+
+#include <QWidget>
+
+#include <memory>
+
+class QComboBox;
+class QDateEdit;
+class QFrame;
+class QLabel;
+class QLineEdit;
+class QTableView;
+class QTimer;
+class Conexion;
+class MenusDocumento;
+class ServicioMensajes;
+class lumHiperLink;
+class lumTooMenu;
+
+// What the host gives the document when it creates it.
+struct EntornoDocumento
+{
+    ContenedorHost *host = nullptr;
+    ServicioMensajes *mensajes = nullptr;
+    AjustesConexion ajustes;
+};
+
+// The journal-entry document. The host creates it, sets its user and company if it wants,
+// and shows it; the first show runs the start-up, which ends Ready or Stopped (a failure,
+// an empty parameter string or access denied, told to the host as a command address).
+class lumIngAsiento : public QWidget
+{
+    Q_OBJECT
+public:
+    enum class Estado { Creado, Detenido, Listo };
+
+    explicit lumIngAsiento(EntornoDocumento entorno, QWidget *padre = nullptr);
+    ~lumIngAsiento() override;
+
+    qint16 IDUsuario() const { return m_host.IDUsuario; }
+    void setIDUsuario(qint16 id) { m_host.IDUsuario = id; }
+    // The company id is process-wide; reading one beyond 16 bits throws std::overflow_error.
+    qint16 IDEmpresa() const;
+    void setIDEmpresa(qint16 id);
+
+    void LoadDocument();
+    void GetFechaAsientoApertura();
+
+    // Runs the start-up now (the first show does it when this was not called).
+    void Iniciar();
+
+    Estado estado() const { return m_estado; }
+    int EstadoInicio() const { return m_estadoInicio; }
+    const DatosHost &datosHost() const { return m_host; }
+    const ConfigEmpresa &empresa() const { return m_empresa; }
+    QString letrasPermiso() const { return m_letras; }
+    QDate FechaAsientoApertura() const { return m_fechaAsientoApertura; }
+    QString FormatoFecha() const { return m_formatoFecha; }
+    bool AsiSaveB() const { return m_asiSaveB; }
+    quint8 AsiOrder() const { return m_asiOrder; }
+    QString ComandoDiferido() const { return m_comandoDiferido; }
+    MenusDocumento &menus() const { return *m_menus; }
+
+    bool TienePermiso(QChar letra) const;
+    void BuscarPermisos(const QString &modulo, qint32 idEmpresa);
+    bool CargarConfigEmpresa();
+    void ConfigUsuario(bool guardar);
+
+    // Process-wide state shared by every document of the process.
+    static std::shared_ptr<Conexion> ConexionCompartida();
+    static const ParametrosSistema &Parametros();
+    static qint32 EmpresaProceso();
+
+protected:
+    void showEvent(QShowEvent *evento) override;
+    void keyPressEvent(QKeyEvent *evento) override;
+    void resizeEvent(QResizeEvent *evento) override;
+
+private:
+    void crearControles();
+    void conectarComandos();
+    void iniciarSinTrampa();
+    bool InicializarDocumento();
+    void AsignarTextos();
+    void EnviarComando(const QString &direccion);
+    void MostrarFallo(const Fallo &fallo);
+    void HabilitarEnlaces();
+    void LlenarAutorizadores(Conexion &conexion);
+    void CargarParametrosSistema();
+    void ClickEnlace(lumHiperLink *enlace, QMenu *menu);
+    void ArmarComandoDiferido(const QString &comando);
+    void tmShowASI_Timer();
+    void AcomodarPantalla();
+
+    // Hooks of later work, called where the start-up and the commands need them.
+    void CargarMonedas();
+    void BuscarAsientoApertura();
+    void FormatoColumnasImporte();
+    void CargarVistaInicial();
+    void MostrarAvisoApertura();
+    void CargarDisenoGrilla();
+    void GuardarDisenoGrilla();
+    int FilasDeDatosGrilla() const;
+    void CargarAsientoPendiente(qint32 idAsiento);
+    void SalirEdicion();
+    void NuevoAsiento();
+    void MostrarBusqueda();
+    void RepetirBusqueda();
+    void OrdenarCuentasGrilla();
+    void PrepararMenuVistas();
+    void AsientoApertura();
+    void NuevoFrecuente();
+    void RegistrarFrecuenteDiferido(qint32 idFrecuente);
+
+    EntornoDocumento m_entorno;
+    Estado m_estado = Estado::Creado;
+    int m_estadoInicio = 0;
+    bool m_usaIdioma = false;
+    bool m_iniciado = false;
+
+    DatosHost m_host;
+    ConfigEmpresa m_empresa;
+    QString m_letras;
+    QString m_formatoFecha;
+    QString m_claveVistaPrevia;
+    QDate m_fechaAsientoApertura;
+    bool m_existeAsientoApertura = false;
+    bool m_asiSaveB = false;
+    quint8 m_asiOrder = 0;
+    QString m_comandoDiferido;
+    int m_filaEdicion = 0;   // row mark of the edit panel: > 0 while an entry is edited
+
+    lumTooMenu *tmMenu = nullptr;
+    lumHiperLink *hlRegistro = nullptr;
+    lumHiperLink *hlAsientoFrecuente = nullptr;
+    lumHiperLink *hlOpSave = nullptr;
+    lumHiperLink *hlFind = nullptr;
+    lumHiperLink *hlCargar = nullptr;
+    QLabel *lbTitle = nullptr;
+    QFrame *picVBD = nullptr;
+    QFrame *picEdit = nullptr;
+    QFrame *picCabezal = nullptr;
+    QLabel *lDate = nullptr;
+    QDateEdit *odDate = nullptr;
+    QLabel *lLeyenda = nullptr;
+    QLineEdit *tLeyenda = nullptr;
+    QLabel *lLibro = nullptr;
+    QComboBox *cfTipo = nullptr;
+    QLabel *lAutoriza = nullptr;
+    QComboBox *cfAutoriza = nullptr;
+    QTableView *vsGrid = nullptr;
+    QTimer *tmShowASI = nullptr;
+    std::unique_ptr<MenusDocumento> m_menus;
+};

@@ -1,0 +1,88 @@
+#include "menusdocumento.h"
+
+#include <QAction>
+#include <QMenu>
+#include <QWidget>
+
+MenusDocumento::MenusDocumento(QWidget *dueno)
+{
+    auto menu = [&](const char *nombre, const QString &caption) {
+        auto *m = new QMenu(caption, dueno);
+        m->setObjectName(QString::fromLatin1(nombre));
+        return m;
+    };
+
+    MnuView = menu("MnuView", QStringLiteral("Vista"));
+    agregar(MnuView, "MnuVieitem", "Personalizada");
+    MnuViewMes = menu("MnuViewMes", QString());
+    m_textos.insert(MnuView->addMenu(MnuViewMes), 1057);
+
+    MnuEdicion = menu("MnuEdicion", QStringLiteral("Edicion"));
+    agregar(MnuEdicion, "MnuEdiShowEstado", "")->setVisible(false);
+    separador(MnuEdicion, "MnuEdiLineEstado")->setVisible(false);
+    agregar(MnuEdicion, "MnuEdiNew", "Nuevo", 1020);
+    agregar(MnuEdicion, "MnuEdiDel", "Eliminar", 1021);
+    agregar(MnuEdicion, "MnuEdiDelRow", "Eliminar Fila", 1022);
+    agregar(MnuEdicion, "MnuEdiAddCta", "Agregar cuenta", 1100);
+    separador(MnuEdicion, "MnuEdiLine");
+    agregar(MnuEdicion, "MnuEdiSaveNormal", "Grabar", 1023);
+    agregar(MnuEdicion, "MnuEdiCopy", "Copiar Asiento", 1024);
+    agregar(MnuEdicion, "MnuEdiHide", "Ocultar Asiento", 1025);
+    MnuEdiTC = menu("MnuEdiTC", QStringLiteral("Unificar Tasa de Cambio"));
+    MnuEdicion->addMenu(MnuEdiTC);
+    agregar(MnuEdiTC, "MnuUnificarTCCta", "a la moneda de la cuenta", 1101);
+    agregar(MnuEdiTC, "MnuUnificarTCMC", "a la moneda de la contabilidad", 1102);
+    agregar(MnuEdicion, "MnuEdiASI", "Convertir en Asiento SI", 1033);
+    agregar(MnuEdicion, "MnuEdiAPA", "Asiento de primera apertura", 1031);
+    agregar(MnuEdicion, "MnuEdiHacerFrecuente", "Hacer Asiento Frecuente", 1026);
+    agregar(MnuEdicion, "MnuEdiAgendarAsiento", "Agendar", 1027);
+    separador(MnuEdicion, "MnuEdiLineLibro");
+    agregar(MnuEdicion, "MnuEdiLibro", "Libro", 1035);
+    separador(MnuEdicion, "MnuEdiView");
+    MnuEdiVer = menu("MnuEdiVer", QStringLiteral("orden"));
+    m_textos.insert(MnuEdicion->addMenu(MnuEdiVer), 1047);
+    agregar(MnuEdiVer, "MnuEdiVCod", "", 1048)->setCheckable(true);
+    agregar(MnuEdiVer, "MnuEdiVIngreso", "Ingreso", 1049)->setCheckable(true);
+    separador(MnuEdicion, "MnuEdiLinePrint");
+    agregar(MnuEdicion, "MnuPriCnfgPage", "Configurar Página", 1028);
+    agregar(MnuEdicion, "MnuPriPrint", "Imprimir", 1029);
+    agregar(MnuEdicion, "MnuPriPrevia", "Vista Previa", 1030);
+    MnuExportar = menu("MnuExportar", QStringLiteral("Exportar"));
+    m_textos.insert(MnuEdicion->addMenu(MnuExportar), 1113);
+    agregar(MnuExportar, "MnuExpExcell", "Excell", 1114);
+    agregar(MnuExportar, "MnuExpCSV", "Separado por coma", 1116);
+    agregar(MnuExportar, "MnuExpHtml", "HTML", 1115);
+
+    MnuSave = menu("MnuSave", QStringLiteral("Save"));
+    agregar(MnuSave, "MnuSaveEnBorrador", "Los que están en Borrador");
+    separador(MnuSave, "MnuSaveLine");
+    agregar(MnuSave, "MnuSaveNewBorrador", "Pasar asientos nuevos como borrador")->setCheckable(true);
+
+    MnuAsientoFrecuente = menu("MnuAsientoFrecuente", QStringLiteral("Asientos Frecuentes"));
+    agregar(MnuAsientoFrecuente, "MnuAFrRegistrar", "Registrar", 1038);
+    agregar(MnuAsientoFrecuente, "MnuAFrNew", "Crear Nuevo", 1039);
+    separador(MnuAsientoFrecuente, "MnuAFrLine")->setVisible(false);
+}
+
+QAction *MenusDocumento::agregar(QMenu *menu, const char *nombre, const char *caption, int texto)
+{
+    QAction *a = menu->addAction(QString::fromUtf8(caption));
+    a->setObjectName(QString::fromLatin1(nombre));
+    m_acciones.insert(a->objectName(), a);
+    if (texto)
+        m_textos.insert(a, texto);
+    return a;
+}
+
+QAction *MenusDocumento::separador(QMenu *menu, const char *nombre)
+{
+    QAction *a = menu->addSeparator();
+    a->setObjectName(QString::fromLatin1(nombre));
+    m_acciones.insert(a->objectName(), a);
+    return a;
+}
+
+void MenusDocumento::setCaption(QAction *a, const QString &texto)
+{
+    a->setText(texto);
+}

@@ -1,0 +1,101 @@
+#pragma once
+
+#include <QDate>
+#include <QDateTime>
+#include <QString>
+#include <QVariant>
+#include <QVariantList>
+
+#include <memory>
+#include <stdexcept>
+
+// The database connection every part of the document reads and writes through.
+// Errors are reported by throwing ErrorBaseDatos; each operation of the document
+// catches it in one place and shows its own catalogue message.
+
+enum class Motor { SQLite, PostgreSQL };
+
+class ErrorBaseDatos : public std::runtime_error
+{
+public:
+    explicit ErrorBaseDatos(const QString &descripcion, int numero = -1);
+
+    QString descripcion() const { return m_descripcion; }
+    int numero() const { return m_numero; }
+
+private:
+    QString m_descripcion;
+    int m_numero = -1;
+};
+
+// A forward-only result set: read front to back once.
+class Recordset
+{
+public:
+    virtual ~Recordset() = default;
+
+    virtual bool Fin() const = 0;
+    virtual void MoverSiguiente() = 0;
+    virtual void Cerrar() = 0;
+
+    // Column by name (case ignored) or by position; a NULL comes back as a null QVariant.
+    // An unknown column is an error.
+    virtual QVariant Campo(const QString &nombre) const = 0;
+    virtual QVariant Campo(int indice) const = 0;
+    virtual int CantidadCampos() const = 0;
+
+    bool EsNulo(const QString &nombre) const { return Campo(nombre).isNull(); }
+
+    // Typed reads that give the same C++ type on both engines. Reading NULL into one of
+    // them is an error, as reading a NULL into a typed variable is in the suite.
+    QString Texto(const QString &nombre) const;
+    qint64 Entero(const QString &nombre) const;
+    double Numero(const QString &nombre) const;
+    QDate Fecha(const QString &nombre) const;
+    QDateTime FechaHora(const QString &nombre) const;
+};
+
+class Conexion
+{
+public:
+    virtual ~Conexion() = default;
+
+    virtual Motor motor() const = 0;
+    virtual bool abierta() const = 0;
+
+    // SQL in the suite's dialect; the connection adapts it to its engine before sending.
+    virtual std::unique_ptr<Recordset> Abrir(const QString &sql, const QVariantList &valores = {}) = 0;
+    // Runs a statement without rows; answers the number of rows it touched.
+    virtual int Ejecutar(const QString &sql, const QVariantList &valores = {}) = 0;
+    // Runs an INSERT and answers the id the engine gave the new row (column columnaId).
+    virtual qint64 Insertar(const QString &sql, const QVariantList &valores, const QString &columnaId) = 0;
+
+    virtual void Comenzar() = 0;
+    virtual void Confirmar() = 0;
+    virtual void Deshacer() = 0;
+    virtual void Cerrar() = 0;
+
+    // Values to bind for date and stamp columns, in the form the engine stores them.
+    static QVariant ValorFecha(const QDate &fecha);
+    static QVariant ValorFechaHora(const QDateTime &momento);
+};
+
+// Rolls back unless Confirmar() was called: a write either happens whole or not at all.
+class Transaccion
+{
+public:
+    explicit Transaccion(Conexion &conexion);
+    ~Transaccion();
+    Transaccion(const Transaccion &) = delete;
+    Transaccion &operator=(const Transaccion &) = delete;
+
+    void Confirmar();
+
+private:
+    Conexion &m_conexion;
+    bool m_terminada = false;
+};
+
+// Reads a date from what a driver hands back: a QDate, a QDateTime or ISO text.
+QDate FechaDeValor(const QVariant &valor);
+QDateTime FechaHoraDeValor(const QVariant &valor);

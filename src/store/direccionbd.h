@@ -1,0 +1,22 @@
+#pragma once
+
+#include "conexion.h"
+
+#include <QString>
+
+// Where the database is: a SQLite file path, or a PostgreSQL address
+// postgresql://user[:password]@[host][:port]/dbname[?host=/socket/dir&port=N&schema=NAME].
+struct DireccionBD
+{
+    Motor motor = Motor::SQLite;
+    QString archivo;    // SQLite
+    QString usuario;    // PostgreSQL from here on
+    QString clave;
+    QString servidor;   // host name or socket folder
+    int puerto = 5432;
+    QString base;
+    QString esquema;    // PostgreSQL schema to work in (?schema=NAME); empty: the default
+
+    bool valida() const;
+    static DireccionBD Leer(const QString &texto);
+};

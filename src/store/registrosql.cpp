@@ -1,0 +1,3 @@
+#include "registrosql.h"
+
+Q_LOGGING_CATEGORY(lcSql, "asientos.sql", QtWarningMsg)

@@ -1,0 +1,68 @@
+#include "basesprueba.h"
+
+#include "store/basedemo.h"
+#include "store/conexionqt.h"
+#include "store/esquema.h"
+
+#include <QAtomicInt>
+#include <QCoreApplication>
+#include <QUuid>
+
+namespace {
+QString direccionPG()
+{
+    return qEnvironmentVariable("ASIENTOS_TEST_PG");
+}
+
+QString conEsquema(const QString &direccion, const QString &esquema)
+{
+    return direccion + (direccion.contains(QLatin1Char('?')) ? QStringLiteral("&") : QStringLiteral("?"))
+         + QStringLiteral("schema=") + esquema;
+}
+} // namespace
+
+BaseDePrueba::BaseDePrueba(Motor motor, Contenido contenido)
+    : m_motor(motor)
+{
+    if (motor == Motor::SQLite) {
+        m_direccion = m_carpeta.filePath(QStringLiteral("prueba.sqlite"));
+        m_conexion = ConexionQt::Abrir(DireccionBD::Leer(m_direccion), true);
+    } else {
+        m_esquema = QStringLiteral("t_") + QUuid::createUuid().toString(QUuid::Id128).left(16);
+        {
+            auto admin = ConexionQt::Abrir(DireccionBD::Leer(direccionPG()));
+            admin->Ejecutar(QStringLiteral("CREATE SCHEMA ") + m_esquema);
+        }
+        m_direccion = conEsquema(direccionPG(), m_esquema);
+        m_conexion = ConexionQt::Abrir(DireccionBD::Leer(m_direccion));
+    }
+    if (contenido == Contenido::Esquema)
+        CrearEsquema(*m_conexion);
+    else if (contenido == Contenido::Demo)
+        CrearBaseDemo(*m_conexion, Hoy());
+}
+
+BaseDePrueba::~BaseDePrueba()
+{
+    m_conexion->Cerrar();
+    if (m_motor == Motor::PostgreSQL) {
+        try {
+            auto admin = ConexionQt::Abrir(DireccionBD::Leer(direccionPG()));
+            admin->Ejecutar(QStringLiteral("DROP SCHEMA ") + m_esquema + QStringLiteral(" CASCADE"));
+        } catch (const ErrorBaseDatos &) {
+        }
+    }
+}
+
+std::vector<Motor> MotoresDePrueba()
+{
+    std::vector<Motor> motores{Motor::SQLite};
+    if (!direccionPG().isEmpty())
+        motores.push_back(Motor::PostgreSQL);
+    return motores;
+}
+
+QString NombreMotor(Motor motor)
+{
+    return motor == Motor::SQLite ? QStringLiteral("SQLite") : QStringLiteral("PostgreSQL");
+}

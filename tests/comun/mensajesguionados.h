@@ -1,0 +1,31 @@
+#pragma once
+
+#include "services/serviciomensajes.h"
+
+#include <QList>
+#include <QStringList>
+
+// A message service for tests: answers each question as the test said, in order, and
+// records every text shown ("pregunta: ", "advertencia: ", "error: " + text).
+class MensajesGuionados final : public ServicioMensajes
+{
+public:
+    void Responder(Respuesta r) { m_respuestas.append(r); }
+
+    void FijarIdioma(int idioma) override { m_idioma = idioma; }
+    void FijarTitulo(const QString &titulo) override { m_titulo = titulo; }
+    Respuesta Preguntar(const QString &texto, Botones botones) override;
+    void Advertir(const QString &texto) override;
+    void MostrarError(const QString &texto, const QString &titulo, const QString &detalle) override;
+
+    QStringList mostrados;
+    QStringList detalles;
+    QStringList titulos;
+    int idioma() const { return m_idioma; }
+    QString titulo() const { return m_titulo; }
+
+private:
+    QList<Respuesta> m_respuestas;
+    int m_idioma = 0;
+    QString m_titulo;
+};
