@@ -85,7 +85,8 @@ Nivel separarNivel(const QString &sql, Motor motor)
 }
 
 // Replaces every match of patron in the visible part of the level.
-void reemplazarVisible(Nivel &nivel, const QRegularExpression &patron, const QString &nuevo)
+template <typename Reemplazo>
+void reemplazarVisible(Nivel &nivel, const QRegularExpression &patron, Reemplazo nuevo)
 {
     Nivel resultado;
     qsizetype desde = 0;
@@ -94,7 +95,7 @@ void reemplazarVisible(Nivel &nivel, const QRegularExpression &patron, const QSt
         const auto m = it.next();
         resultado.texto += nivel.texto.mid(desde, m.capturedStart() - desde);
         resultado.mascara += nivel.mascara.mid(desde, m.capturedStart() - desde);
-        resultado.agregar(nuevo, false);
+        resultado.agregar(nuevo(m.captured()), false);
         desde = m.capturedEnd();
     }
     resultado.texto += nivel.texto.mid(desde);
@@ -135,8 +136,8 @@ QString adaptarNivel(const QString &sql, Motor motor)
                                              QRegularExpression::CaseInsensitiveOption);
         static const QRegularExpression desc(QStringLiteral("\\bDesc\\b(?!\\s+NULLS\\b)"),
                                              QRegularExpression::CaseInsensitiveOption);
-        reemplazarVisible(nivel, like, QStringLiteral("ILIKE"));
-        reemplazarVisible(nivel, desc, QStringLiteral("Desc NULLS LAST"));
+        reemplazarVisible(nivel, like, [](const QString &) { return QStringLiteral("ILIKE"); });
+        reemplazarVisible(nivel, desc, [](const QString &d) { return d + QStringLiteral(" NULLS LAST"); });
     }
 
     static const QRegularExpression union_(QStringLiteral("\\bUNION(\\s+ALL)?\\b"),

@@ -1,0 +1,245 @@
+#include "comun/basesprueba.h"
+#include "comun/mensajesguionados.h"
+
+#include "shell/idioma.h"
+#include "shell/lumingasiento.h"
+#include "shell/menusdocumento.h"
+#include "store/basedemo.h"
+
+#include <QAction>
+#include <QComboBox>
+#include <QSettings>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QToolButton>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+class HostDePrueba : public ContenedorHost
+{
+public:
+    QString base;
+    QStringList comandos;
+    QStringList marcos;
+
+    QString BaseHRef() const override { return base; }
+    void Navegar(const QString &direccion, const QString &marco) override
+    {
+        comandos << direccion;
+        marcos << marco;
+    }
+};
+
+class Documento : public ::testing::Test
+{
+protected:
+    Documento()
+        : m_base(Motor::SQLite, BaseDePrueba::Contenido::Demo)
+    {
+    }
+
+    // The company id is process-wide: each test starts without one.
+    void SetUp() override
+    {
+        MensajesGuionados callados;
+        EntornoDocumento e;
+        e.mensajes = &callados;
+        lumIngAsiento(std::move(e)).setIDEmpresa(0);
+    }
+
+    std::unique_ptr<lumIngAsiento> abrir(const QString &parametros, const QString &baseDatos = {})
+    {
+        m_host.base = QStringLiteral("lumapp://asientos/ingreso.htm?") + parametros;
+        EntornoDocumento e;
+        e.host = &m_host;
+        e.mensajes = &m_mensajes;
+        e.ajustes.archivoAjustes = m_carpeta.filePath(QStringLiteral("ajustes.ini"));
+        e.ajustes.baseDatos = baseDatos.isNull() ? m_base.direccion() : baseDatos;
+        e.ajustes.forzados = m_forzados;
+        auto doc = std::make_unique<lumIngAsiento>(std::move(e));
+        doc->Iniciar();
+        return doc;
+    }
+
+    static QString usuario(int id)
+    {
+        return QStringLiteral("psidusuario=%1|psidempresa=1|psckey=lum01|pskeyinit=%1").arg(id);
+    }
+
+    bool habilitado(lumIngAsiento &doc, const char *enlace)
+    {
+        auto *l = doc.findChild<QToolButton *>(QString::fromLatin1(enlace));
+        EXPECT_NE(l, nullptr) << enlace;
+        return l && l->isEnabled();
+    }
+
+    BaseDePrueba m_base;
+    QTemporaryDir m_carpeta;
+    HostDePrueba m_host;
+    MensajesGuionados m_mensajes;
+    QHash<QString, QString> m_forzados;
+};
+
+TEST_F(Documento, AdministradorQuedaListoConTodosLosEnlaces)
+{
+    auto doc = abrir(usuario(Demo::kUsuarioAdministrador));
+    EXPECT_EQ(doc->estado(), lumIngAsiento::Estado::Listo);
+    EXPECT_TRUE(m_host.comandos.isEmpty()) << m_host.comandos.join(QLatin1Char('\n')).toStdString();
+    EXPECT_TRUE(m_mensajes.mostrados.isEmpty()) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
+    for (const char *l : {"hlRegistro", "hlAsientoFrecuente", "hlOpSave", "hlFind", "hlCargar"})
+        EXPECT_TRUE(habilitado(*doc, l)) << l;
+    EXPECT_EQ(doc->letrasPermiso(), QStringLiteral("AMEQ"));
+    EXPECT_EQ(doc->IDEmpresa(), 1);
+    EXPECT_EQ(doc->IDUsuario(), Demo::kUsuarioAdministrador);
+    EXPECT_EQ(doc->datosHost().NombreEmpresa, doc->empresa().NombreEmpresa); // the company row wins
+    EXPECT_EQ(lumIngAsiento::Parametros().delimitadorFecha, QStringLiteral("'"));
+    EXPECT_EQ(doc->FechaAsientoApertura().day(), 1);
+    EXPECT_EQ(doc->FechaAsientoApertura().month(), 1);
+    EXPECT_EQ(m_mensajes.titulo(), QStringLiteral("Ingreso de Asientos"));
+
+    // Entries carry an authoriser in the demo company, which is multi-user.
+    auto *autoriza = doc->findChild<QComboBox *>(QStringLiteral("cfAutoriza"));
+    ASSERT_NE(autoriza, nullptr);
+    EXPECT_FALSE(autoriza->isHidden());
+    EXPECT_EQ(autoriza->count(), 2);
+    EXPECT_NE(autoriza->findData(Demo::kUsuarioAdministrador), -1);
+}
+
+TEST_F(Documento, UsuarioDeConsultaSoloBuscaYCambiaVista)
+{
+    auto doc = abrir(usuario(Demo::kUsuarioConsulta));
+    EXPECT_EQ(doc->estado(), lumIngAsiento::Estado::Listo);
+    EXPECT_FALSE(habilitado(*doc, "hlRegistro"));
+    EXPECT_FALSE(habilitado(*doc, "hlAsientoFrecuente"));
+    EXPECT_FALSE(habilitado(*doc, "hlOpSave"));
+    EXPECT_TRUE(habilitado(*doc, "hlFind"));
+    EXPECT_TRUE(habilitado(*doc, "hlCargar"));
+}
+
+TEST_F(Documento, SinLetrasSeDeniegaElAcceso)
+{
+    auto doc = abrir(usuario(Demo::kUsuarioSinPermisos));
+    EXPECT_EQ(doc->estado(), lumIngAsiento::Estado::Detenido);
+    ASSERT_EQ(m_host.comandos.size(), 1);
+    EXPECT_EQ(m_host.comandos[0], QStringLiteral("lumcod:inf_AccesoDenegado<prm>[NombreApp]:=Ingreso de Asientos</prm>"));
+    EXPECT_EQ(m_host.marcos[0], QStringLiteral("centro"));
+}
+
+TEST_F(Documento, FallasDeArranqueVanAlHost)
+{
+    struct Caso
+    {
+        QString parametros;
+        QString baseDatos;
+        QString comando;
+    };
+    const QString noHay = m_carpeta.filePath(QStringLiteral("no-hay.sqlite"));
+    const Caso casos[] = {
+        {QStringLiteral("psidusuario=1|psidempresa=0"), {},
+         QStringLiteral("lumcod:main_Error<prm>[prmErrDesc]:=Error al obtener los parámetros para el ingreso de asientos.</prm>")},
+        {QStringLiteral("psidusuario=uno|psidempresa=1"), {},
+         QStringLiteral("lumcod:main_Error<prm>[prmErrDesc]:=No coinciden los tipos</prm>")},
+        {usuario(1), noHay,
+         QStringLiteral("lumcod:main_Error<prm>[prmErrDesc]:=Error al iniciar la conexión a los datos, error: no existe el archivo ")
+             + noHay + QStringLiteral("</prm>")},
+    };
+    for (const Caso &c : casos) {
+        m_host.comandos.clear();
+        auto doc = abrir(c.parametros, c.baseDatos);
+        EXPECT_EQ(doc->estado(), lumIngAsiento::Estado::Detenido);
+        EXPECT_EQ(m_host.comandos, QStringList{c.comando});
+    }
+}
+
+TEST_F(Documento, SinParametrosQuedaVacioSinMensaje)
+{
+    auto doc = abrir(QString());
+    EXPECT_EQ(doc->estado(), lumIngAsiento::Estado::Detenido);
+    EXPECT_TRUE(m_host.comandos.isEmpty());
+    EXPECT_TRUE(m_mensajes.mostrados.isEmpty());
+}
+
+TEST_F(Documento, SinComponenteDeIdiomaNoArranca)
+{
+    m_forzados.insert(QStringLiteral("LUM01/Idioma"), QStringLiteral("9"));
+    auto doc = abrir(usuario(1));
+    EXPECT_EQ(doc->EstadoInicio(), 9);
+    ASSERT_EQ(m_mensajes.mostrados.size(), 1);
+    EXPECT_TRUE(m_mensajes.mostrados[0].contains(QStringLiteral("LNG_TCO_009.dll")));
+    // Without the catalogue the failure text is empty.
+    EXPECT_EQ(m_host.comandos, QStringList{QStringLiteral("lumcod:main_Error<prm>[prmErrDesc]:=</prm>")});
+}
+
+TEST_F(Documento, ParametrosDelSistemaQueFallanNoDetienenElArranque)
+{
+    m_base.conexion().Ejecutar(QStringLiteral("Drop Table genParametros"));
+    auto doc = abrir(usuario(1));
+    EXPECT_EQ(doc->estado(), lumIngAsiento::Estado::Listo);
+    ASSERT_FALSE(m_mensajes.mostrados.isEmpty());
+    EXPECT_EQ(m_mensajes.mostrados[0], QStringLiteral("error: Error al cargar los parámetros del sistema."));
+}
+
+TEST_F(Documento, PreferenciasDelUsuarioSobrevivenAlReinicio)
+{
+    {
+        auto doc = abrir(usuario(1));
+        EXPECT_FALSE(doc->AsiSaveB());
+        EXPECT_EQ(doc->AsiOrder(), 0);
+        EXPECT_TRUE(doc->menus().accion(QStringLiteral("MnuEdiVCod"))->isChecked());
+        doc->menus().accion(QStringLiteral("MnuSaveNewBorrador"))->trigger();
+        doc->menus().accion(QStringLiteral("MnuEdiVIngreso"))->trigger();
+        EXPECT_TRUE(doc->AsiSaveB());
+        EXPECT_EQ(doc->AsiOrder(), 1);
+    }
+    auto doc = abrir(usuario(1));
+    EXPECT_TRUE(doc->AsiSaveB());
+    EXPECT_EQ(doc->AsiOrder(), 1);
+    EXPECT_TRUE(doc->menus().accion(QStringLiteral("MnuSaveNewBorrador"))->isChecked());
+    EXPECT_TRUE(doc->menus().accion(QStringLiteral("MnuEdiVIngreso"))->isChecked());
+    EXPECT_FALSE(doc->menus().accion(QStringLiteral("MnuEdiVCod"))->isChecked());
+
+    // Another user keeps their own preferences.
+    doc.reset();
+    auto otro = abrir(usuario(Demo::kUsuarioContador));
+    EXPECT_FALSE(otro->AsiSaveB());
+}
+
+TEST_F(Documento, CaptionsDelCatalogoYAyuda)
+{
+    auto doc = abrir(usuario(1));
+    EXPECT_EQ(doc->findChild<QToolButton *>(QStringLiteral("hlRegistro"))->text(), QStringLiteral("Asientos"));
+    EXPECT_EQ(doc->findChild<QToolButton *>(QStringLiteral("hlCargar"))->text(), QStringLiteral("Vista"));
+    EXPECT_EQ(doc->menus().accion(QStringLiteral("MnuPriCnfgPage"))->text(), QStringLiteral("&Configurar Página"));
+    EXPECT_EQ(doc->menus().accion(QStringLiteral("MnuSaveNewBorrador"))->text(), QStringLiteral("Pasar asientos nuevos como borrador"));
+
+    auto *ayuda = doc->findChild<QToolButton *>(QStringLiteral("imgHelp"));
+    ASSERT_NE(ayuda, nullptr);
+    ayuda->click();
+    EXPECT_EQ(m_host.comandos, QStringList{QStringLiteral("lumNav:navhelp?Main|asientos\\ingreso_de_asientos.htm")});
+    EXPECT_EQ(m_host.marcos, QStringList{QString()});
+}
+
+TEST_F(Documento, PedidoDeSaldosInicialesArmaElComandoDiferido)
+{
+    auto doc = abrir(usuario(1) + QStringLiteral("|pshacerasi=Si"));
+    EXPECT_EQ(doc->ComandoDiferido(), QStringLiteral("1"));
+    auto sinPedido = abrir(usuario(1));
+    EXPECT_EQ(sinPedido->ComandoDiferido(), QString());
+}
+
+TEST_F(Documento, DosDocumentosCompartenEmpresaEIdioma)
+{
+    auto uno = abrir(usuario(1));
+    auto dos = abrir(QStringLiteral("psidusuario=2|psckey=lum01")); // the company comes from the process
+    EXPECT_EQ(dos->estado(), lumIngAsiento::Estado::Listo);
+    EXPECT_EQ(Idioma::Cuenta(), 2);
+    uno.reset();
+    EXPECT_EQ(Idioma::Cuenta(), 1);
+    EXPECT_EQ(Idioma::resLoad(0), QStringLiteral("Ingreso de Asientos"));
+    dos.reset();
+    EXPECT_EQ(Idioma::Cuenta(), 0);
+}
+
+} // namespace

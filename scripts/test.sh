@@ -1,0 +1,26 @@
+#!/usr/bin/env bash
+# Installs, builds and runs the whole test suite, on SQLite and on a private PostgreSQL
+# server started here for the run (and stopped at the end).
+set -euo pipefail
+cd "$(dirname "$0")/.."
+bash scripts/setup.sh
+
+pgbin=$(ls -d /usr/lib/postgresql/*/bin 2>/dev/null | sort -V | tail -n 1 || true)
+if [ -n "$pgbin" ] && id postgres > /dev/null 2>&1; then
+    dir=$(mktemp -d /tmp/asientos-pg.XXXXXX)
+    chown postgres "$dir"
+    como_postgres() { if [ "$(id -u)" -eq 0 ]; then runuser -u postgres -- "$@"; else sudo -u postgres "$@"; fi; }
+    puerto=$((54000 + RANDOM % 1000))
+    como_postgres "$pgbin/initdb" -D "$dir/data" -U postgres -A trust -E UTF8 --locale=C.UTF-8 --no-sync > /dev/null
+    como_postgres mkdir -p "$dir/sock"
+    como_postgres "$pgbin/pg_ctl" -D "$dir/data" -l "$dir/log" -w -o \
+        "-p $puerto -k $dir/sock -c listen_addresses= -c fsync=off -c synchronous_commit=off -c full_page_writes=off" start > /dev/null
+    trap 'como_postgres "$pgbin/pg_ctl" -D "$dir/data" -m immediate stop > /dev/null 2>&1 || true; rm -rf "$dir"' EXIT
+    "$pgbin/psql" -h "$dir/sock" -p "$puerto" -U postgres -q -c "CREATE DATABASE asientos_pruebas" > /dev/null
+    export ASIENTOS_TEST_PG="postgresql://postgres@/asientos_pruebas?host=$dir/sock&port=$puerto"
+    echo "PostgreSQL de pruebas: $ASIENTOS_TEST_PG"
+else
+    echo "Sin PostgreSQL: las pruebas corren solo sobre SQLite."
+fi
+
+ctest --test-dir build --output-on-failure -j2
