@@ -18,7 +18,7 @@ constexpr int kTipoCotizacion = 1;
 constexpr int kUsuarioAdministrador = 1; // letters "AMEQ", may authorise
 constexpr int kUsuarioConsulta = 2;      // letter "Q" only
 constexpr int kUsuarioSinPermisos = 3;   // no letters at all
-constexpr int kUsuarioContador = 4;      // letters "AMEQ", may authorise
+constexpr int kUsuarioContador = 4;      // letters "amqe" (case does not matter), may authorise
 
 constexpr int kLibroDiario = 1;          // the default book (EmpPrms "lib:1")
 constexpr int kLibroResumen = 90;        // system books
