@@ -1,3 +1,4 @@
+#include "disenodemo.h"
 #include "opciones.h"
 #include "ventanahost.h"
 
@@ -26,6 +27,8 @@ QString BaseDemo(const QString &carpeta, QString &error)
     try {
         auto conexion = ConexionQt::Abrir(DireccionBD::Leer(provisoria), true);
         CrearBaseDemo(*conexion, QDate::currentDate());
+        SembrarDisenosDemo(*conexion, carpeta,
+                           {Demo::kUsuarioAdministrador, Demo::kUsuarioConsulta, Demo::kUsuarioContador});
         conexion->Ejecutar(QStringLiteral("PRAGMA journal_mode=DELETE"));
         conexion->Cerrar();
     } catch (const ErrorBaseDatos &e) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "store/fallo.h"
+
 #include <QString>
 
 // The message service: questions, warnings and error displays. Everything the document
@@ -22,6 +24,3 @@ public:
     // An error with its detail line; an empty titulo uses the application title.
     virtual void MostrarError(const QString &texto, const QString &titulo, const QString &detalle) = 0;
 };
-
-// The detail line of an error display: number, " - ", description.
-QString DetalleError(int numero, const QString &descripcion);

@@ -4,6 +4,9 @@
 #include "lumhiperlink.h"
 #include "lumtoomenu.h"
 #include "menusdocumento.h"
+#include "currency/catalogomonedas.h"
+#include "entries/vistas.h"
+#include "entries/vsgrid.h"
 #include "services/serviciomensajes.h"
 #include "services/servicioconfigusuario.h"
 #include "services/serviciopermisos.h"
@@ -13,11 +16,11 @@
 #include <QDateEdit>
 #include <QGridLayout>
 #include <QHeaderView>
+#include <QHeaderView>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
-#include <QTableView>
 #include <QTimer>
 #include <QVBoxLayout>
 
@@ -32,6 +35,7 @@ struct Proceso
     qint32 IDEmpresa = 0;
     std::shared_ptr<Conexion> conexion;
     ParametrosSistema parametros;
+    CatalogoMonedas monedas;
 };
 
 Proceso &proceso()
@@ -58,6 +62,11 @@ const ParametrosSistema &lumIngAsiento::Parametros()
 qint32 lumIngAsiento::EmpresaProceso()
 {
     return proceso().IDEmpresa;
+}
+
+CatalogoMonedas &lumIngAsiento::Monedas()
+{
+    return proceso().monedas;
 }
 
 lumIngAsiento::lumIngAsiento(EntornoDocumento entorno, QWidget *padre)
@@ -176,15 +185,12 @@ void lumIngAsiento::crearControles()
     edicion->addWidget(picCabezal);
     picEdit->setVisible(false);
 
-    vsGrid = new QTableView(picVBD);
-    vsGrid->setObjectName(QStringLiteral("vsGrid"));
-    vsGrid->setAccessibleName(QStringLiteral("Asientos"));
-    vsGrid->verticalHeader()->setVisible(false);
+    m_vsGrid = new vsGrid(m_grilla, picVBD);
 
     auto *principal = new QVBoxLayout(picVBD);
     principal->setContentsMargins(0, 0, 0, 0);
     principal->addWidget(picEdit);
-    principal->addWidget(vsGrid, 1);
+    principal->addWidget(m_vsGrid, 1);
 
     auto *todo = new QVBoxLayout(this);
     todo->setContentsMargins(0, 0, 0, 0);
@@ -199,6 +205,9 @@ void lumIngAsiento::crearControles()
     tmShowASI->setInterval(0);
 
     m_menus = std::make_unique<MenusDocumento>(this);
+
+    PrepararGrillaAsientos(m_grilla, QStringLiteral("<Cuenta|<|>Debe|>Haber|>T. Cambio|>Importe M/E"));
+    m_vsGrid->AplicarAnchos();
 }
 
 void lumIngAsiento::conectarComandos()
@@ -219,6 +228,24 @@ void lumIngAsiento::conectarComandos()
         MostrarBusqueda();
     });
 
+    connect(m_vsGrid, &vsGrid::Click, this, &lumIngAsiento::vsGrid_Click);
+    connect(m_vsGrid, &vsGrid::KeyDown, this, &lumIngAsiento::vsGrid_KeyDown);
+    connect(m_vsGrid, &vsGrid::KeyPress, this, &lumIngAsiento::vsGrid_KeyPress);
+    connect(m_vsGrid, &vsGrid::MouseDown, this, &lumIngAsiento::vsGrid_MouseDown);
+    connect(m_vsGrid, &vsGrid::FilaActualCambiada, this, &lumIngAsiento::vsGrid_FilaActual);
+    connect(m_vsGrid->horizontalHeader(), &QHeaderView::sectionClicked, this, [this] {
+        if (m_filaEdicion > 0) {
+            SalirEdicion();
+            return;
+        }
+        SeleccionarFila(m_grilla.FilasFijas());
+        m_filaRecordada = m_grilla.FilasFijas();
+    });
+    for (int i = 0; i < m_menus->MnuVieitem.size(); ++i)
+        connect(m_menus->MnuVieitem[i], &QAction::triggered, this, [this, i] { ElegirVista(i); });
+    for (int i = 0; i < m_menus->MnuViewMItem.size(); ++i)
+        connect(m_menus->MnuViewMItem[i], &QAction::triggered, this, [this, i] { ElegirVista(Vista::kPrimerMes + i); });
+
     connect(m_menus->accion(QStringLiteral("MnuSaveNewBorrador")), &QAction::triggered, this, [this](bool marcado) {
         m_asiSaveB = marcado;
         ConfigUsuario(true);
@@ -238,14 +265,13 @@ void lumIngAsiento::conectarComandos()
 
     // Commands whose operations are not in this build yet stay disabled rather than
     // doing nothing when chosen.
-    for (const char *pendiente : {"MnuVieitem", "MnuEdiNew", "MnuEdiDel", "MnuEdiDelRow", "MnuEdiAddCta",
+    for (const char *pendiente : {"MnuEdiNew", "MnuEdiDel", "MnuEdiDelRow", "MnuEdiAddCta",
                                   "MnuEdiSaveNormal", "MnuEdiCopy", "MnuEdiHide", "MnuUnificarTCCta",
                                   "MnuUnificarTCMC", "MnuEdiASI", "MnuEdiAPA", "MnuEdiHacerFrecuente",
                                   "MnuEdiAgendarAsiento", "MnuEdiLibro", "MnuPriCnfgPage", "MnuPriPrint",
                                   "MnuPriPrevia", "MnuExpExcell", "MnuExpCSV", "MnuExpHtml", "MnuSaveEnBorrador",
                                   "MnuAFrRegistrar", "MnuAFrNew"})
         m_menus->accion(QString::fromLatin1(pendiente))->setEnabled(false);
-    m_menus->MnuViewMes->menuAction()->setEnabled(false);
     m_menus->MnuExportar->menuAction()->setEnabled(false);
     m_menus->MnuEdiTC->menuAction()->setEnabled(false);
 }
@@ -362,7 +388,7 @@ bool lumIngAsiento::InicializarDocumento()
 
     hlCargar->Tag = QStringLiteral("0");
     CargarVistaInicial();
-    vsGrid->setVisible(true);
+    m_vsGrid->setVisible(true);
     MostrarAvisoApertura();
     AcomodarPantalla();
     return true;
@@ -491,6 +517,7 @@ void lumIngAsiento::AsignarTextos()
     for (lumHiperLink *l : {hlRegistro, hlAsientoFrecuente, hlOpSave, hlFind, hlCargar})
         l->setAccessibleName(l->text());
     lbTitle->setText(Idioma::resLoad(1));
+    m_grilla.FijarEncabezados(Idioma::resLoad(60));
     lDate->setText(Idioma::resLoad(76));
     lLeyenda->setText(Idioma::resLoad(77));
     lLibro->setText(Idioma::resLoad(78));
@@ -518,6 +545,8 @@ void lumIngAsiento::ClickEnlace(lumHiperLink *enlace, QMenu *menu)
     }
     if (enlace == hlCargar)
         PrepararMenuVistas();
+    if (enlace == hlRegistro)
+        PrepararMenuEdicion();
     menu->popup(enlace->mapToGlobal(QPoint(0, enlace->height())));
 }
 
@@ -536,10 +565,10 @@ void lumIngAsiento::tmShowASI_Timer()
         AsientoApertura();
     } else if (codigo == 2) {
         NuevoFrecuente();
-        vsGrid->setFocus();
+        m_vsGrid->setFocus();
     } else if (codigo == 3) {
         RegistrarFrecuenteDiferido(campos.value(1).toInt());
-        vsGrid->setFocus();
+        m_vsGrid->setFocus();
     }
 }
 

@@ -3,6 +3,8 @@
 #include "comandoshost.h"
 #include "parametroshost.h"
 #include "sesion.h"
+#include "entries/asientosgrilla.h"
+#include "entries/grilla.h"
 #include "services/servicioconexion.h"
 
 #include <QWidget>
@@ -14,7 +16,9 @@ class QDateEdit;
 class QFrame;
 class QLabel;
 class QLineEdit;
-class QTableView;
+class QMenu;
+class CatalogoMonedas;
+class vsGrid;
 class QTimer;
 class Conexion;
 class MenusDocumento;
@@ -65,6 +69,13 @@ public:
     quint8 AsiOrder() const { return m_asiOrder; }
     QString ComandoDiferido() const { return m_comandoDiferido; }
     MenusDocumento &menus() const { return *m_menus; }
+    AsientosGrilla &asientos() { return m_asientos; }
+    Grilla &grilla() { return m_grilla; }
+    vsGrid *grid() const { return m_vsGrid; }
+    QString VistaActual() const;
+    // Loads a view of the view menu (0 to 4, 10 + month) as the menu does.
+    void ElegirVista(int vista);
+    QString RutaDisenoGrilla() const;
 
     bool TienePermiso(QChar letra) const;
     void BuscarPermisos(const QString &modulo, qint32 idEmpresa);
@@ -75,6 +86,7 @@ public:
     static std::shared_ptr<Conexion> ConexionCompartida();
     static const ParametrosSistema &Parametros();
     static qint32 EmpresaProceso();
+    static CatalogoMonedas &Monedas();
 
 protected:
     void showEvent(QShowEvent *evento) override;
@@ -117,6 +129,23 @@ private:
     void NuevoFrecuente();
     void RegistrarFrecuenteDiferido(qint32 idFrecuente);
 
+    // The grid.
+    void CargarAsientos(const QString &sql);
+    void MostrarVista();
+    void CargarMeses();
+    void ActualizarContexto();
+    void SeleccionarFila(int fila);
+    void vsGrid_Click();
+    void vsGrid_KeyDown(int tecla, Qt::KeyboardModifiers modificadores, bool *atendida);
+    void vsGrid_KeyPress(int ascii, bool *atendida);
+    void vsGrid_MouseDown(Qt::MouseButton boton, const QPoint &posicion);
+    void vsGrid_FilaActual();
+    void MenuEdicionEnCelda();
+    void PrepararMenuEdicion();
+    bool EntrarEdicion(int fila);
+    bool EliminarConTecla(int fila);
+    bool TeclaEdicion(int ascii);
+
     EntornoDocumento m_entorno;
     Estado m_estado = Estado::Creado;
     int m_estadoInicio = 0;
@@ -134,6 +163,13 @@ private:
     quint8 m_asiOrder = 0;
     QString m_comandoDiferido;
     int m_filaEdicion = 0;   // row mark of the edit panel: > 0 while an entry is edited
+    int m_filaRecordada = -1; // the row a second click opens
+    int m_vista = 0;
+    QDate m_mesVista;
+
+    Grilla m_grilla;
+    ContextoAsientos m_ctx;
+    AsientosGrilla m_asientos{m_grilla, m_ctx};
 
     lumTooMenu *tmMenu = nullptr;
     lumHiperLink *hlRegistro = nullptr;
@@ -153,7 +189,7 @@ private:
     QComboBox *cfTipo = nullptr;
     QLabel *lAutoriza = nullptr;
     QComboBox *cfAutoriza = nullptr;
-    QTableView *vsGrid = nullptr;
+    vsGrid *m_vsGrid = nullptr;
     QTimer *tmShowASI = nullptr;
     std::unique_ptr<MenusDocumento> m_menus;
 };

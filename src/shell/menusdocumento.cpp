@@ -13,9 +13,20 @@ MenusDocumento::MenusDocumento(QWidget *dueno)
     };
 
     MnuView = menu("MnuView", QStringLiteral("Vista"));
-    agregar(MnuView, "MnuVieitem", "Personalizada");
+    for (int i = 0; i < 5; ++i) {
+        QAction *a = agregar(MnuView, "MnuVieitem", "Personalizada", 1052 + i);
+        a->setObjectName(QStringLiteral("MnuVieitem%1").arg(i));
+        a->setCheckable(true);
+        MnuVieitem.append(a);
+    }
     MnuViewMes = menu("MnuViewMes", QString());
     m_textos.insert(MnuView->addMenu(MnuViewMes), 1057);
+    for (int i = 0; i < 12; ++i) {
+        QAction *a = MnuViewMes->addAction(QString());
+        a->setObjectName(QStringLiteral("MnuViewMItem%1").arg(i));
+        a->setCheckable(true);
+        MnuViewMItem.append(a);
+    }
 
     MnuEdicion = menu("MnuEdicion", QStringLiteral("Edicion"));
     agregar(MnuEdicion, "MnuEdiShowEstado", "")->setVisible(false);

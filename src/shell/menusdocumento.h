@@ -2,6 +2,7 @@
 
 #include <QHash>
 #include <QString>
+#include <QVector>
 
 class QAction;
 class QMenu;
@@ -23,6 +24,9 @@ public:
     QMenu *MnuExportar = nullptr;
     QMenu *MnuSave = nullptr;
     QMenu *MnuAsientoFrecuente = nullptr;
+
+    QVector<QAction *> MnuVieitem;    // view i: 0 new entries ... 4 last 15 days
+    QVector<QAction *> MnuViewMItem;  // month i months before this one
 
     QAction *accion(const QString &nombre) const { return m_acciones.value(nombre); }
     // Sets every catalogue caption; resLoad gives the text of a catalogue number.

@@ -1,23 +1,17 @@
-// Start-up and command hooks whose work belongs to the grid, editing, search, opening
-// balance and frequent-entry parts of the document. Each is called where the document
-// needs it; none does anything yet.
+// Command hooks whose work belongs to editing, saving, deleting, search, opening balance
+// and frequent entries. Each is called where the document needs it; none does anything yet
+// (those that answer a flag answer that nothing was done).
 #include "lumingasiento.h"
 
-void lumIngAsiento::CargarMonedas() {}
 void lumIngAsiento::BuscarAsientoApertura() {}
-void lumIngAsiento::FormatoColumnasImporte() {}
-void lumIngAsiento::CargarVistaInicial() {}
 void lumIngAsiento::MostrarAvisoApertura() {}
-void lumIngAsiento::CargarDisenoGrilla() {}
-void lumIngAsiento::GuardarDisenoGrilla() {}
-int lumIngAsiento::FilasDeDatosGrilla() const { return 0; }
-void lumIngAsiento::CargarAsientoPendiente(qint32) {}
 void lumIngAsiento::SalirEdicion() {}
 void lumIngAsiento::NuevoAsiento() {}
 void lumIngAsiento::MostrarBusqueda() {}
 void lumIngAsiento::RepetirBusqueda() {}
-void lumIngAsiento::OrdenarCuentasGrilla() {}
-void lumIngAsiento::PrepararMenuVistas() {}
 void lumIngAsiento::AsientoApertura() {}
 void lumIngAsiento::NuevoFrecuente() {}
 void lumIngAsiento::RegistrarFrecuenteDiferido(qint32) {}
+bool lumIngAsiento::EntrarEdicion(int) { return false; }
+bool lumIngAsiento::EliminarConTecla(int) { return false; }
+bool lumIngAsiento::TeclaEdicion(int) { return false; }

@@ -9,11 +9,6 @@ namespace {
 
 const QDate kSinFecha(1939, 12, 31);
 
-Fallo falloDe(int numero, const ErrorBaseDatos &e)
-{
-    return {numero, DetalleError(e.numero(), e.descripcion())};
-}
-
 } // namespace
 
 bool ConfigEmpresa::ConAutoriza() const
@@ -56,7 +51,7 @@ std::optional<Fallo> CargarParametrosSistema(Conexion &conexion, ParametrosSiste
         }
         rs->Cerrar();
     } catch (const ErrorBaseDatos &e) {
-        return falloDe(1926, e);
+        return FalloDe(1926, e);
     }
     return std::nullopt;
 }
@@ -110,7 +105,7 @@ std::optional<Fallo> LeerConfigEmpresa(Conexion &conexion, qint32 idEmpresa, Con
         }
     } catch (const ErrorBaseDatos &e) {
         leida = false;
-        return falloDe(1920, e);
+        return FalloDe(1920, e);
     }
     return std::nullopt;
 }
@@ -165,7 +160,7 @@ std::optional<Fallo> GetFechaAsientoApertura(Conexion &conexion, const Parametro
             d = hoy;
         fecha = InicioEjercicio(d, c.baseEjercicio);
     } catch (const ErrorBaseDatos &e) {
-        return falloDe(1909, e);
+        return FalloDe(1909, e);
     }
     return std::nullopt;
 }

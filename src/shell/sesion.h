@@ -1,18 +1,12 @@
 #pragma once
 
 #include "store/conexion.h"
+#include "store/fallo.h"
 
 #include <QDate>
 #include <QString>
 
 #include <optional>
-
-// A failed read: the catalogue number to show and the error's detail line.
-struct Fallo
-{
-    int numeroTexto = 0;
-    QString detalle;
-};
 
 // System parameters of the suite (genParametros), process-wide.
 struct ParametrosSistema

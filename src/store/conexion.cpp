@@ -1,4 +1,5 @@
 #include "conexion.h"
+#include "fallo.h"
 
 ErrorBaseDatos::ErrorBaseDatos(const QString &descripcion, int numero)
     : std::runtime_error(descripcion.toStdString())
@@ -129,4 +130,9 @@ QDateTime FechaHoraDeValor(const QVariant &valor)
     if (!d.isValid())
         d = QDateTime::fromString(texto.left(19), QStringLiteral("yyyy-MM-dd hh:mm:ss"));
     return d;
+}
+
+Fallo FalloDe(int numeroTexto, const ErrorBaseDatos &error)
+{
+    return {numeroTexto, DetalleError(error.numero(), error.descripcion())};
 }

@@ -43,6 +43,9 @@ public:
     virtual QVariant Campo(const QString &nombre) const = 0;
     virtual QVariant Campo(int indice) const = 0;
     virtual int CantidadCampos() const = 0;
+    // Position of a column (case ignored), -1 when there is none; a loop over many rows
+    // looks its columns up once and reads them by position.
+    virtual int IndiceCampo(const QString &nombre) const = 0;
 
     bool EsNulo(const QString &nombre) const { return Campo(nombre).isNull(); }
 

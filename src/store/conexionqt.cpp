@@ -72,6 +72,7 @@ public:
     }
 
     int CantidadCampos() const override { return m_registro.count(); }
+    int IndiceCampo(const QString &nombre) const override { return m_registro.indexOf(nombre); }
 
 private:
     void avanzar()

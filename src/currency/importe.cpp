@@ -1,0 +1,88 @@
+#include "importe.h"
+
+#include <QLocale>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+QString TextoDecimal(double valor)
+{
+    return QLocale::c().toString(valor, 'f', QLocale::FloatingPointShortest);
+}
+
+// Rounding is done on the decimal digits, half away from zero, as an accountant does it by
+// hand and as the suite's formatter does: 2.675 shown with two decimals is 2.68, although
+// the nearest double is 2.67499999....
+QString RedondearDecimal(const QString &texto, int decimales)
+{
+    QString t = texto;
+    const bool negativo = t.startsWith(QLatin1Char('-'));
+    if (negativo)
+        t.remove(0, 1);
+    qsizetype punto = t.indexOf(QLatin1Char('.'));
+    QString entera = punto < 0 ? t : t.left(punto);
+    QString fraccion = punto < 0 ? QString() : t.mid(punto + 1);
+    if (entera.isEmpty())
+        entera = QStringLiteral("0");
+
+    const bool subir = fraccion.size() > decimales && fraccion.at(decimales) >= QLatin1Char('5');
+    fraccion = fraccion.left(decimales).leftJustified(decimales, QLatin1Char('0'));
+    QString digitos = entera + fraccion;
+    if (subir) {
+        qsizetype i = digitos.size() - 1;
+        for (; i >= 0; --i) {
+            if (digitos[i] == QLatin1Char('9')) {
+                digitos[i] = QLatin1Char('0');
+            } else {
+                digitos[i] = QChar(digitos[i].unicode() + 1);
+                break;
+            }
+        }
+        if (i < 0)
+            digitos.prepend(QLatin1Char('1'));
+    }
+    QString resultado = digitos.left(digitos.size() - decimales);
+    while (resultado.size() > 1 && resultado.startsWith(QLatin1Char('0')))
+        resultado.remove(0, 1);
+    if (decimales > 0)
+        resultado += QLatin1Char('.') + digitos.right(decimales);
+    const bool cero = std::all_of(resultado.cbegin(), resultado.cend(), [](QChar c) { return c == u'0' || c == u'.'; });
+    return negativo && !cero ? QLatin1Char('-') + resultado : resultado;
+}
+
+Importe Importe::DesdeDouble(double valor)
+{
+    if (!std::isfinite(valor))
+        return {};
+    Importe i;
+    DesdeTexto(RedondearDecimal(TextoDecimal(valor), 4), i);
+    return i;
+}
+
+bool Importe::DesdeTexto(const QString &texto, Importe &resultado)
+{
+    const QString t = texto.trimmed();
+    if (t.isEmpty())
+        return false;
+    const QString redondo = RedondearDecimal(t, 4);
+    bool ok = false;
+    const qint64 n = QString(redondo).remove(QLatin1Char('.')).toLongLong(&ok);
+    if (!ok)
+        return false;
+    // The digits must have been digits: toLongLong alone would accept " 12" or "+12".
+    for (QChar c : t)
+        if (!(c.isDigit() || c == u'.' || c == u'-'))
+            return false;
+    resultado = DesdeDiezmilesimos(n);
+    return true;
+}
+
+QString Importe::aTexto() const
+{
+    const qint64 a = m_n < 0 ? -m_n : m_n;
+    return QStringLiteral("%1%2.%3")
+        .arg(m_n < 0 ? QStringLiteral("-") : QString())
+        .arg(a / kEscala)
+        .arg(a % kEscala, 4, 10, QLatin1Char('0'));
+}

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <QString>
+#include <QtGlobal>
+
+#include <compare>
+
+// An amount as the suite keeps it: a whole number of ten-thousandths. Amounts are stored,
+// shown and added up in this type; sums never run in floating point.
+class Importe
+{
+public:
+    static constexpr qint64 kEscala = 10000;
+
+    constexpr Importe() = default;
+    static constexpr Importe DesdeDiezmilesimos(qint64 n) { Importe i; i.m_n = n; return i; }
+    // Rounds to four decimals, halves away from zero, on the value as written (1.00005 is
+    // 1.0001 even though its binary double is slightly less).
+    static Importe DesdeDouble(double valor);
+    // Reads "1234.5", "-0.25" (a point as decimal separator, no grouping); false when the
+    // text is no number or does not fit.
+    static bool DesdeTexto(const QString &texto, Importe &resultado);
+
+    qint64 diezmilesimos() const { return m_n; }
+    double aDouble() const { return double(m_n) / kEscala; }
+    QString aTexto() const; // "1234.5000"
+
+    Importe operator+(Importe o) const { return DesdeDiezmilesimos(m_n + o.m_n); }
+    Importe operator-(Importe o) const { return DesdeDiezmilesimos(m_n - o.m_n); }
+    Importe operator-() const { return DesdeDiezmilesimos(-m_n); }
+    Importe &operator+=(Importe o) { m_n += o.m_n; return *this; }
+    Importe &operator-=(Importe o) { m_n -= o.m_n; return *this; }
+    auto operator<=>(const Importe &) const = default;
+    bool esCero() const { return m_n == 0; }
+    Importe abs() const { return DesdeDiezmilesimos(m_n < 0 ? -m_n : m_n); }
+
+private:
+    qint64 m_n = 0;
+};
+
+// Rounds the decimal text of a number (digits, optional "-", optional "." part) to the given
+// number of decimals, halves away from zero. Used by Importe and by the masks so that both
+// round the same value the same way.
+QString RedondearDecimal(const QString &digitos, int decimales);
+// The shortest decimal text that reads back as the same double ("0.1", "1.005", "1e-07" never).
+QString TextoDecimal(double valor);

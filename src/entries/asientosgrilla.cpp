@@ -1,0 +1,338 @@
+#include "asientosgrilla.h"
+
+#include "currency/catalogomonedas.h"
+#include "currency/importe.h"
+#include "store/valoressql.h"
+
+#include <QFontMetrics>
+
+const QString AsientosGrilla::kClaveDiferencia = QStringLiteral("-1|0|0|0|999");
+const QString AsientosGrilla::kTextoDiferencia = QStringLiteral("................?");
+
+void PrepararGrillaAsientos(Grilla &grilla, const QString &encabezados)
+{
+    // Column 0 takes what the others leave when a view is loaded.
+    const int anchos[] = {3600, 3000, 1500, 1500, 1300, 1500};
+    for (int c = 0; c < grilla.Columnas() && c < 6; ++c)
+        grilla.FijarAnchoColumna(c, anchos[c]);
+    grilla.FijarEncabezados(encabezados);
+}
+
+AsientosGrilla::AsientosGrilla(Grilla &grilla, ContextoAsientos &contexto)
+    : m_g(grilla)
+    , m_ctx(contexto)
+{
+    ResetCabezal();
+}
+
+QString AsientosGrilla::mascaraImporte(qint16 moneda)
+{
+    return m_ctx.monedas ? m_ctx.monedas->DatoMoneda(moneda, 4).toString() : QStringLiteral("#,##0.00");
+}
+
+bool AsientosGrilla::tieneTexto(int fila, int columna) const
+{
+    return m_g.EsNumero(fila, columna) || !m_g.celda(fila, columna).texto.isEmpty();
+}
+
+bool AsientosGrilla::EsFilaCabezal(int fila) const
+{
+    return fila >= m_g.FilasFijas() && fila < m_g.Filas() && m_g.Dato(fila, 0).isValid() && !m_g.Dato(fila, 1).isValid();
+}
+
+bool AsientosGrilla::EsFilaDiferencia(int fila) const
+{
+    return m_g.Dato(fila, 1).toString() == kClaveDiferencia;
+}
+
+bool AsientosGrilla::EsFilaNuevoAsiento(int fila) const
+{
+    return fila >= m_g.FilasFijas() && !m_g.Dato(fila, 0).isValid();
+}
+
+qint32 AsientosGrilla::IdDeFila(int fila) const
+{
+    return m_g.Dato(fila, 0).toInt();
+}
+
+int AsientosGrilla::FilaCabezalDe(int fila) const
+{
+    if (fila >= m_g.Filas() || EsFilaNuevoAsiento(fila))
+        return -1;
+    while (fila >= m_g.FilasFijas() && !EsFilaCabezal(fila))
+        --fila;
+    return fila >= m_g.FilasFijas() ? fila : -1;
+}
+
+int AsientosGrilla::UltimaFilaAsiento(int filaCabezal) const
+{
+    const QVariant id = m_g.Dato(filaCabezal, 0);
+    int r = filaCabezal;
+    while (r + 1 < m_g.Filas() && !EsFilaCabezal(r + 1) && m_g.Dato(r + 1, 0).isValid()
+           && m_g.Dato(r + 1, 0).toInt() == id.toInt())
+        ++r;
+    return r;
+}
+
+// The legends of all header rows start at one position whatever the date's width: the date
+// is followed by enough blanks to fill 1000 twips, measured in the document's font.
+int AsientosGrilla::anchoRelleno()
+{
+    if (m_relleno >= 0 && m_fuenteRelleno == m_ctx.fuente)
+        return m_relleno;
+    const QFontMetricsF fm(m_ctx.fuente);
+    const double aTwips = 1440.0 / (m_ctx.puntosPorPulgada > 0 ? m_ctx.puntosPorPulgada : 96.0);
+    const double w = fm.horizontalAdvance(QStringLiteral("88/88/88     ")) * aTwips;
+    const double blanco = fm.horizontalAdvance(QLatin1Char(' ')) * aTwips;
+    m_relleno = w < 1000 && blanco > 0 ? int((1000 - int(w)) / int(std::max(1.0, blanco))) : 0;
+    m_fuenteRelleno = m_ctx.fuente;
+    return m_relleno;
+}
+
+void AsientosGrilla::FilaCabezalAsiento(const QString &libro)
+{
+    const int r = Cabezal.FilaCabezal;
+    m_g.FijarDato(r, 0, Cabezal.AsiID);
+    m_g.FijarDato(r, 1, QVariant());
+    m_g.FijarDato(r, 2, Cabezal.AsiFechaAsiento);
+    m_g.FijarDato(r, 3, Cabezal.AsiEstado);
+    m_g.FijarDato(r, 4, Cabezal.AsiFechaModificado);
+    m_g.FijarDato(r, 5, QStringLiteral("%1:%2").arg(Cabezal.AsiTipo).arg(Cabezal.AsiUsuarioVerificador));
+    m_g.LimpiarTextos(r);
+    m_g.FijarTexto(r, 1, FormatoFechaSuite(Cabezal.AsiFechaAsiento.startOfDay(), m_ctx.formatoFecha)
+                             + QString(anchoRelleno() + 5, QLatin1Char(' ')) + Cabezal.AsiLeyenda.trimmed());
+    if (Cabezal.AsiTipo > 0)
+        m_g.FijarTexto(r, 4, libro);
+    m_g.FijarAlineacion(r, 4, Qt::AlignLeft | Qt::AlignVCenter);
+    m_g.FijarFondoFila(r, ColoresGrilla::kFondoCabezal);
+    if (r > m_g.FilasFijas())
+        m_g.FijarBordeSuperior(r, ColoresGrilla::kBordeAsiento);
+}
+
+void AsientosGrilla::ClaveLinea(int fila, qint32 lCta, qint16 iMon, qint16 iPry, qint16 iDep, qint16 ACuOrden)
+{
+    m_g.FijarDato(fila, 1, QStringLiteral("%1|%2|%3|%4|%5").arg(lCta).arg(iPry).arg(iDep).arg(iMon).arg(ACuOrden));
+}
+
+void AsientosGrilla::FilaLineaAsiento(int fila, const RegistroLinea &l)
+{
+    m_g.LimpiarTextos(fila);
+    m_g.FijarDato(fila, 0, Cabezal.AsiID);
+    ClaveLinea(fila, l.lCta, l.iMon, l.iPry, l.iDep, l.ACuOrden);
+    m_g.FijarDato(fila, 2, l.dFechaCierre);
+    m_g.FijarDato(fila, 5, QVariant());
+    m_g.FijarTexto(fila, l.bEsAlDebe ? 0 : 1, l.sTextDisplay);
+
+    const int columnaImporte = l.bEsAlDebe ? 2 : 3;
+    if (l.iMon != m_ctx.monedaContabilidad && l.iMon >= 1) {
+        m_g.FijarNumero(fila, columnaImporte, l.dImporteMC);
+        const QString mascaraTasa = m_ctx.monedas ? m_ctx.monedas->DatoMoneda(l.iMon, 5).toString() : QString();
+        m_g.FijarNumero(fila, 4, l.dTCambio, mascaraTasa);
+        m_g.FijarNumero(fila, 5, l.dImporte, mascaraImporte(l.iMon));
+        if (l.dTCambio != 0)
+            m_g.FijarDato(fila, 5, l.dImporteMC / l.dTCambio);
+    } else {
+        m_g.FijarNumero(fila, columnaImporte, l.dImporte);
+    }
+    m_g.FijarColorTexto(fila, 1, ColoresGrilla::kHaber);
+    m_g.FijarColorTexto(fila, 3, ColoresGrilla::kHaber);
+}
+
+void AsientosGrilla::FilaNuevoAsiento()
+{
+    const int r = m_g.Filas();
+    m_g.InsertarFila(r);
+    m_g.FijarTexto(r, 0, m_ctx.texto ? m_ctx.texto(1110) : QStringLiteral("Nuevo Asiento"));
+}
+
+void AsientosGrilla::ClaveEstado(int fila, qint16 estado)
+{
+    m_g.FijarImagen(fila, ClaveImagenEstado(estado));
+}
+
+qint16 AsientosGrilla::EstadoDeFila(int fila) const
+{
+    const int cabezal = FilaCabezalDe(fila);
+    return cabezal < 0 ? 0 : qint16(m_g.Dato(cabezal, 3).toInt());
+}
+
+qint16 AsientosGrilla::LibroDeFila(int fila) const
+{
+    return qint16(m_g.Dato(fila, 5).toString().section(QLatin1Char(':'), 0, 0).toInt());
+}
+
+qint16 AsientosGrilla::AutorizaDeFila(int fila) const
+{
+    return qint16(m_g.Dato(fila, 5).toString().section(QLatin1Char(':'), 1, 1).toInt());
+}
+
+void AsientosGrilla::FijarLibroAutoriza(int fila, qint16 tipo, qint16 autoriza)
+{
+    m_g.FijarDato(fila, 5, QStringLiteral("%1:%2").arg(tipo).arg(autoriza));
+}
+
+void AsientosGrilla::TomarAsientoDeFila(int fila)
+{
+    ResetCabezal();
+    const int r = FilaCabezalDe(fila);
+    if (r < 0)
+        return;
+    Cabezal.FilaCabezal = qint16(r);
+    Cabezal.AsiID = m_g.Dato(r, 0).toInt();
+    Cabezal.AsiFechaAsiento = m_g.Dato(r, 2).toDate();
+    Cabezal.AsiEstado = qint16(m_g.Dato(r, 3).toInt());
+    Cabezal.AsiFechaModificado = m_g.Dato(r, 4).toDateTime();
+    Cabezal.AsiTipo = LibroDeFila(r);
+    Cabezal.AsiUsuarioVerificador = AutorizaDeFila(r);
+}
+
+void AsientosGrilla::QuitarAsientoDeGrilla()
+{
+    const int r = Cabezal.FilaCabezal;
+    if (r < m_g.FilasFijas() || r >= m_g.Filas())
+        return;
+    m_g.QuitarFilas(r, UltimaFilaAsiento(r) - r + 1);
+    ResetCabezal();
+}
+
+namespace {
+
+// Column positions of the loading query, looked up once per fill.
+struct Columnas
+{
+    int AsiID, AsiEstado, AsiFechaAsiento, AsiFechaModificado, AsiLeyenda, AsiTipo, LibNombre,
+        AsiUsuarioVerificador, AcuHaber, CueMoneda, CueFechaCerrada, CueCodigo, CueNombre, ACuDebe,
+        ACuImporteMC, ACuOrden, ACuCuenta, ACuProyecto, ACuDepartamento;
+
+    explicit Columnas(const Recordset &rs)
+    {
+        auto i = [&](const char *n) {
+            const int k = rs.IndiceCampo(QString::fromLatin1(n));
+            if (k < 0)
+                throw ErrorBaseDatos(QStringLiteral("No se encontró el elemento en esta colección (%1).").arg(QLatin1String(n)), 3265);
+            return k;
+        };
+        AsiID = i("AsiID");
+        AsiEstado = i("AsiEstado");
+        AsiFechaAsiento = i("AsiFechaAsiento");
+        AsiFechaModificado = i("AsiFechaModificado");
+        AsiLeyenda = i("AsiLeyenda");
+        AsiTipo = i("AsiTipo");
+        LibNombre = i("LibNombre");
+        AsiUsuarioVerificador = i("AsiUsuarioVerificador");
+        AcuHaber = i("AcuHaber");
+        CueMoneda = i("CueMoneda");
+        CueFechaCerrada = i("CueFechaCerrada");
+        CueCodigo = i("CueCodigo");
+        CueNombre = i("CueNombre");
+        ACuDebe = i("ACuDebe");
+        ACuImporteMC = i("ACuImporteMC");
+        ACuOrden = i("ACuOrden");
+        ACuCuenta = i("ACuCuenta");
+        ACuProyecto = i("ACuProyecto");
+        ACuDepartamento = i("ACuDepartamento");
+    }
+};
+
+// Amounts are rounded to the fixed-point type as soon as they are read.
+double importe(const QVariant &v)
+{
+    return Importe::DesdeDouble(v.toString().toDouble()).aDouble();
+}
+
+int entero(const QVariant &v)
+{
+    return v.isNull() ? 0 : qRound(v.toString().toDouble());
+}
+
+} // namespace
+
+int AsientosGrilla::LlenarGrilla(Conexion &conexion, const QString &sql, int fila)
+{
+    const int destino = fila <= 0 ? m_g.Filas() : std::min(fila, m_g.Filas());
+    // Rows are written at the end and moved into place in one step afterwards, so that a
+    // fill in the middle of a long grid does not shift the rows below once per row.
+    const int inicio = m_g.Filas();
+    int r = inicio;
+    bool hayAsiento = false;
+    Cabezal.AsiID = 0;
+
+    auto rs = conexion.Abrir(sql);
+    if (!rs->Fin()) {
+        const Columnas c(*rs);
+        for (; !rs->Fin(); rs->MoverSiguiente()) {
+            const qint32 id = rs->Campo(c.AsiID).toInt();
+            if (!hayAsiento || id != Cabezal.AsiID) {
+                if (hayAsiento && FormatoEntrada())
+                    ++r;
+                m_g.InsertarFila(r);
+                const QVariant tipo = rs->Campo(c.AsiTipo);
+                const QVariant libro = rs->Campo(c.LibNombre);
+                Cabezal.AsiEstado = qint16(entero(rs->Campo(c.AsiEstado)));
+                Cabezal.AsiFechaAsiento = FechaDeValor(rs->Campo(c.AsiFechaAsiento));
+                Cabezal.AsiFechaModificado = FechaHoraDeValor(rs->Campo(c.AsiFechaModificado));
+                Cabezal.AsiID = id;
+                Cabezal.AsiLeyenda = rs->Campo(c.AsiLeyenda).toString().trimmed();
+                Cabezal.AsiTipo = qint16(entero(tipo));
+                Cabezal.AsiUsuarioVerificador = qint16(entero(rs->Campo(c.AsiUsuarioVerificador)));
+                Cabezal.FilaCabezal = r;
+                const QString nombreLibro = tipo.isNull() || libro.isNull() ? QString() : libro.toString().trimmed();
+                FilaCabezalAsiento(nombreLibro);
+                ClaveEstado(r, Cabezal.AsiEstado);
+                hayAsiento = true;
+                ++r;
+            }
+
+            RegistroLinea l;
+            const QVariant haber = rs->Campo(c.AcuHaber);
+            l.bEsAlDebe = haber.isNull();
+            l.lCta = rs->Campo(c.ACuCuenta).toInt();
+            l.iPry = qint16(entero(rs->Campo(c.ACuProyecto)));
+            l.iDep = qint16(entero(rs->Campo(c.ACuDepartamento)));
+            l.iMon = qint16(entero(rs->Campo(c.CueMoneda)));
+            const QVariant cierre = rs->Campo(c.CueFechaCerrada);
+            l.dFechaCierre = cierre.isNull() ? QString() : FechaDeValor(cierre).toString(Qt::ISODate);
+            l.sTextDisplay = TextoCuenta(rs->Campo(c.CueCodigo).toString(), rs->Campo(c.CueNombre).toString(),
+                                         m_ctx.mostrarCodigoCta);
+            l.ACuOrden = qint16(entero(rs->Campo(c.ACuOrden)));
+            l.dImporteMC = importe(rs->Campo(c.ACuImporteMC));
+            if (l.iMon != m_ctx.monedaContabilidad && l.iMon != 0)
+                l.dImporte = importe(rs->Campo(l.bEsAlDebe ? c.ACuDebe : c.AcuHaber));
+            else
+                l.dImporte = l.dImporteMC;
+            l.dTCambio = l.dImporte != 0 ? l.dImporteMC / l.dImporte : 0;
+            m_g.InsertarFila(r);
+            FilaLineaAsiento(r, l);
+            ++r;
+        }
+    }
+    rs->Cerrar();
+    if (hayAsiento)
+        FormatoEntrada();
+
+    const int agregadas = m_g.Filas() - inicio;
+    if (agregadas > 0 && destino < inicio) {
+        m_g.MoverFilas(inicio, agregadas, destino);
+        // The entry now right under the caption row needs no separating line; the one that
+        // was there before now does.
+        if (destino == m_g.FilasFijas())
+            m_g.FijarBordeSuperior(destino, 0);
+        if (EsFilaCabezal(destino + agregadas))
+            m_g.FijarBordeSuperior(destino + agregadas, ColoresGrilla::kBordeAsiento);
+    }
+
+    const int ultima = m_g.Filas() - 1;
+    if (m_g.Filas() == m_g.FilasFijas() || m_g.Dato(ultima, 0).toInt() > 0)
+        FilaNuevoAsiento();
+    ResetCabezal();
+
+    if (m_ctx.anchoClienteTwips > 0) {
+        int resto = m_ctx.anchoClienteTwips - 300;
+        for (int col = 1; col < m_g.Columnas(); ++col)
+            resto -= m_g.ColumnaOculta(col) ? 0 : m_g.AnchoColumna(col);
+        if (resto >= 0)
+            m_g.FijarAnchoColumna(0, resto);
+    }
+    listo = true;
+    return agregadas > 0 ? (destino < inicio ? destino : inicio) : -1;
+}

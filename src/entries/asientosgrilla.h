@@ -1,0 +1,125 @@
+#pragma once
+
+#include "grilla.h"
+#include "modeloasiento.h"
+
+#include "store/conexion.h"
+#include "store/fallo.h"
+
+#include <QFont>
+#include <QLocale>
+
+#include <functional>
+#include <optional>
+#include <vector>
+
+class CatalogoMonedas;
+
+// What the entry logic needs to know of the session.
+struct ContextoAsientos
+{
+    CatalogoMonedas *monedas = nullptr;
+    qint16 monedaContabilidad = 0;
+    bool mostrarCodigoCta = true;
+    QString formatoFecha = QStringLiteral("dd/mm/yyyy"); // header dates, suite notation
+    std::function<QString(int)> texto;                   // catalogue text by its number
+    QFont fuente;                                        // the document's font
+    double puntosPorPulgada = 96;                        // logical DPI, for twips
+    int anchoClienteTwips = 0;                           // the grid's client width; 0 unknown
+    quint8 AsiOrder = 0;                                 // line order: 0 by account, 1 by entry
+    qint32 empresa = 0;
+    QString delimitadorFecha = QStringLiteral("'");
+    QString patronFecha = QStringLiteral("yyyy-mm-dd");
+};
+
+// Grid colours, as the suite states them.
+namespace ColoresGrilla {
+constexpr QRgb kHaber = 0xff000080;          // credit accounts and amounts: dark blue
+constexpr QRgb kFondoCabezal = 0xffe5e5e5;   // header rows
+constexpr QRgb kBordeAsiento = 0xffb9dbea;   // line between entries
+constexpr QRgb kSeleccionCabezal = 0xffc9dae6;
+} // namespace ColoresGrilla
+
+// A journal grid as the document starts it: six columns, default widths (twips) and the
+// captions and alignments of the heading format ("<Cuenta|<|>Debe|...").
+void PrepararGrillaAsientos(Grilla &grilla, const QString &encabezados);
+
+// The sort key of one line row.
+struct ClaveOrden
+{
+    bool alDebe = false;        // the row has text in column 0
+    QString texto0;
+    QString texto1;
+    int orden = 0;              // ACuOrden, the last part of the line key
+    bool esDiferencia = false;  // the difference row
+};
+// Whether row a must go below row b (the exchange sort's test), in mode 0 or 1.
+bool FueraDeOrden(const ClaveOrden &a, const ClaveOrden &b, quint8 modo);
+// The order the exchange sort leaves the rows in, found in O(n log n): element i of the
+// result is the index of the row that ends up at position i.
+std::vector<int> OrdenCuentas(const std::vector<ClaveOrden> &filas, quint8 modo);
+
+// The entries in the grid: header and line rows, the current entry, filling from a result
+// set, balance test, difference row and line order. Works on a Grilla; shows nothing.
+class AsientosGrilla
+{
+public:
+    static const QString kClaveDiferencia;     // "-1|0|0|0|999"
+    static const QString kTextoDiferencia;     // "................?"
+
+    AsientosGrilla(Grilla &grilla, ContextoAsientos &contexto);
+
+    Grilla &grilla() { return m_g; }
+    ContextoAsientos &contexto() { return m_ctx; }
+
+    CabezalAsiento Cabezal;
+    bool listo = true;                 // the current-row handler acts only when set
+
+    void ResetCabezal() { ::ResetCabezal(Cabezal); }
+
+    // Rows.
+    void FilaCabezalAsiento(const QString &libro);
+    void FilaLineaAsiento(int fila, const RegistroLinea &linea);
+    void ClaveLinea(int fila, qint32 lCta, qint16 iMon, qint16 iPry, qint16 iDep, qint16 ACuOrden);
+    void FilaNuevoAsiento();
+    void ClaveEstado(int fila, qint16 estado);
+    qint16 EstadoDeFila(int fila) const;
+    qint16 LibroDeFila(int fila) const;
+    qint16 AutorizaDeFila(int fila) const;
+    void FijarLibroAutoriza(int fila, qint16 tipo, qint16 autoriza);
+
+    bool EsFilaCabezal(int fila) const;
+    bool EsFilaDiferencia(int fila) const;
+    bool EsFilaNuevoAsiento(int fila) const;
+    // The header row of the entry that fila belongs to; -1 when none.
+    int FilaCabezalDe(int fila) const;
+    // The last row of the entry whose header is filaCabezal (its difference row included).
+    int UltimaFilaAsiento(int filaCabezal) const;
+    qint32 IdDeFila(int fila) const;
+
+    // Runs sql (the loading query) and puts its entries before row fila (0: at the end).
+    // Throws ErrorBaseDatos; the rows written until then stay. Answers the first row filled,
+    // -1 when the result was empty.
+    int LlenarGrilla(Conexion &conexion, const QString &sql, int fila);
+
+    // Balance and order of the current entry.
+    void CierreAsiento(bool &bDebeMenor, double &cDiferenciaMC, double &cDiferenciaME, bool &bCierra);
+    bool FilaDiferencia(int fila, bool insertar);
+    bool FormatoEntrada();
+    void OrdenarCuentas();
+
+    // Takes the entry whose header is at fila as the current entry.
+    void TomarAsientoDeFila(int fila);
+    // Removes the current entry's rows from the grid; nothing changes in the database.
+    void QuitarAsientoDeGrilla();
+
+private:
+    int anchoRelleno();
+    bool tieneTexto(int fila, int columna) const;
+    QString mascaraImporte(qint16 moneda);
+
+    Grilla &m_g;
+    ContextoAsientos &m_ctx;
+    int m_relleno = -1;
+    QFont m_fuenteRelleno;
+};

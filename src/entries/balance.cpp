@@ -1,0 +1,207 @@
+// Balance test, difference row, finishing of an entry's rows and the order of its lines.
+#include "asientosgrilla.h"
+
+#include "currency/catalogomonedas.h"
+#include "currency/importe.h"
+#include "currency/mascara.h"
+
+#include <algorithm>
+
+void AsientosGrilla::CierreAsiento(bool &bDebeMenor, double &cDiferenciaMC, double &cDiferenciaME, bool &bCierra)
+{
+    Importe debeMC, haberMC, debeME, haberME;
+    int lineasDebe = 0;
+    int lineasHaber = 0;
+    qint16 monedaExtranjera = 0;
+    bDebeMenor = false;
+    cDiferenciaMC = 0;
+    cDiferenciaME = 0;
+
+    const int cabezal = Cabezal.FilaCabezal;
+    for (int r = cabezal + 1; r >= m_g.FilasFijas() && r < m_g.Filas(); ++r) {
+        if (EsFilaCabezal(r) || !m_g.Dato(r, 0).isValid() || m_g.Dato(r, 0).toInt() != Cabezal.AsiID)
+            break;
+        const QString clave = m_g.Dato(r, 1).toString();
+        if (clave.isEmpty() || clave == kClaveDiferencia)
+            continue;
+        const qint16 moneda = qint16(clave.section(QLatin1Char('|'), 3, 3).toInt());
+        const bool debe = tieneTexto(r, 2);
+        if (debe) {
+            debeMC += Importe::DesdeDouble(m_g.Valor(r, 2));
+            ++lineasDebe;
+        } else {
+            haberMC += Importe::DesdeDouble(m_g.Valor(r, 3));
+            ++lineasHaber;
+        }
+        if (moneda != 0 && moneda != m_ctx.monedaContabilidad) {
+            monedaExtranjera = moneda;
+            (debe ? debeME : haberME) += Importe::DesdeDouble(m_g.Valor(r, 5));
+        }
+    }
+
+    // The sums are compared as the user sees them: printed with the currency's mask.
+    const Mascara mascaraMC(mascaraImporte(0));
+    const Mascara mascaraME(monedaExtranjera ? mascaraImporte(monedaExtranjera) : mascaraMC.texto());
+    bCierra = lineasDebe > 0 && lineasHaber > 0
+           && mascaraMC.Formatear(debeMC.aDouble()) == mascaraMC.Formatear(haberMC.aDouble())
+           && mascaraME.Formatear(debeME.aDouble()) == mascaraME.Formatear(haberME.aDouble());
+    if (bCierra)
+        return;
+    if (debeMC < haberMC) {
+        bDebeMenor = true;
+        cDiferenciaMC = (haberMC - debeMC).aDouble();
+    } else if (debeMC > haberMC) {
+        bDebeMenor = false;
+        cDiferenciaMC = (debeMC - haberMC).aDouble();
+    } else {
+        bDebeMenor = debeME <= haberME;
+        cDiferenciaME = (debeME - haberME).abs().aDouble();
+    }
+}
+
+bool AsientosGrilla::FilaDiferencia(int fila, bool insertar)
+{
+    bool debeMenor = false;
+    bool cierra = false;
+    double difMC = 0;
+    double difME = 0;
+    CierreAsiento(debeMenor, difMC, difME, cierra);
+    if (cierra)
+        return false;
+    if (insertar)
+        m_g.InsertarFila(fila);
+
+    RegistroLinea l;
+    l.bEsAlDebe = debeMenor;
+    l.sTextDisplay = kTextoDiferencia;
+    l.lCta = -1;
+    l.iMon = 0;
+    l.dImporte = difME == 0 && difMC > 0 ? difMC : difME;
+    l.dImporteMC = difMC;
+    l.dTCambio = 1;
+    l.ACuOrden = 999;
+    FilaLineaAsiento(fila, l);
+    return true;
+}
+
+bool AsientosGrilla::FormatoEntrada()
+{
+    if (Cabezal.FilaCabezal < 0)
+        return false;
+    listo = false;
+    OrdenarCuentas();
+    bool debeMenor = false;
+    bool cierra = false;
+    double difMC = 0;
+    double difME = 0;
+    CierreAsiento(debeMenor, difMC, difME, cierra);
+
+    const int cabezal = Cabezal.FilaCabezal;
+    if (cabezal > m_g.FilasFijas())
+        m_g.FijarBordeSuperior(cabezal, ColoresGrilla::kBordeAsiento);
+    const int ultima = UltimaFilaAsiento(cabezal);
+    for (int r = cabezal + 1; r <= ultima; ++r) {
+        m_g.FijarAltoFila(r, 0);
+        m_g.FijarColorTexto(r, 1, ColoresGrilla::kHaber);
+        m_g.FijarColorTexto(r, 3, ColoresGrilla::kHaber);
+    }
+    if ((Cabezal.AsiEstado == EstadoAsiento::kInconcluso || !cierra) && !EsFilaDiferencia(ultima))
+        return FilaDiferencia(ultima + 1, true);
+    return false;
+}
+
+bool FueraDeOrden(const ClaveOrden &a, const ClaveOrden &b, quint8 modo)
+{
+    if (modo == 0 && b.esDiferencia)
+        return false;
+    if (!a.alDebe && b.alDebe)
+        return true;
+    if (modo == 0) {
+        if (a.alDebe && b.alDebe && QString::compare(a.texto0, b.texto0, Qt::CaseInsensitive) > 0)
+            return true;
+        return !b.texto1.isEmpty() && QString::compare(a.texto1, b.texto1, Qt::CaseInsensitive) > 0;
+    }
+    return a.alDebe == b.alDebe && a.orden > b.orden;
+}
+
+// The exchange sort swaps neighbours while one is "greater" than the next. That relation
+// is a strict weak order, so the sort ends where a stable sort ends. The one exception is
+// the difference row in mode 0, which no row may pass from above: rows above it stay above,
+// it sinks past the rows below that it is greater than, and the rest stays below it.
+std::vector<int> OrdenCuentas(const std::vector<ClaveOrden> &filas, quint8 modo)
+{
+    const int n = int(filas.size());
+    std::vector<int> orden(static_cast<size_t>(n));
+    for (int i = 0; i < n; ++i)
+        orden[size_t(i)] = i;
+    auto menor = [&](int a, int b) { return FueraDeOrden(filas[size_t(b)], filas[size_t(a)], modo); };
+
+    std::vector<int> diferencias;
+    if (modo == 0)
+        for (int i = 0; i < n; ++i)
+            if (filas[size_t(i)].esDiferencia)
+                diferencias.push_back(i);
+
+    if (diferencias.empty()) {
+        std::stable_sort(orden.begin(), orden.end(), menor);
+        return orden;
+    }
+    if (diferencias.size() == 1) {
+        const int d = diferencias.front();
+        std::vector<int> arriba;
+        std::vector<int> abajo;
+        for (int i = 0; i < n; ++i) {
+            if (i == d)
+                continue;
+            if (i < d || FueraDeOrden(filas[size_t(d)], filas[size_t(i)], modo))
+                arriba.push_back(i);
+            else
+                abajo.push_back(i);
+        }
+        std::stable_sort(arriba.begin(), arriba.end(), menor);
+        std::stable_sort(abajo.begin(), abajo.end(), menor);
+        orden = arriba;
+        orden.push_back(d);
+        orden.insert(orden.end(), abajo.begin(), abajo.end());
+        return orden;
+    }
+    // More than one difference row never comes from the screen; sort them the slow way.
+    for (int r = 0; r + 1 < n;) {
+        if (FueraDeOrden(filas[size_t(orden[size_t(r)])], filas[size_t(orden[size_t(r + 1)])], modo)) {
+            std::swap(orden[size_t(r)], orden[size_t(r + 1)]);
+            r = 0;
+        } else {
+            ++r;
+        }
+    }
+    return orden;
+}
+
+void AsientosGrilla::OrdenarCuentas()
+{
+    const int cabezal = Cabezal.FilaCabezal;
+    if (cabezal < 0)
+        return;
+    const int desde = cabezal + 1;
+    const int hasta = UltimaFilaAsiento(cabezal);
+    if (hasta - desde < 1)
+        return;
+    std::vector<ClaveOrden> claves;
+    claves.reserve(size_t(hasta - desde + 1));
+    for (int r = desde; r <= hasta; ++r) {
+        ClaveOrden k;
+        k.texto0 = m_g.Texto(r, 0);
+        k.texto1 = m_g.Texto(r, 1);
+        k.alDebe = !k.texto0.isEmpty();
+        const QString clave = m_g.Dato(r, 1).toString();
+        k.orden = clave.section(QLatin1Char('|'), 4, 4).toInt();
+        k.esDiferencia = clave == kClaveDiferencia;
+        claves.push_back(std::move(k));
+    }
+    const std::vector<int> orden = OrdenCuentas(claves, m_ctx.AsiOrder);
+    bool cambia = false;
+    for (size_t i = 0; i < orden.size(); ++i)
+        cambia = cambia || orden[i] != int(i);
+    if (cambia)
+        m_g.PermutarFilas(desde, orden);
+}

@@ -1,0 +1,171 @@
+// The layout file: the whole grid, cells, data and formats, in a versioned format of our
+// own. A header with a magic number, the version, the payload's length and its SHA-1 lets
+// a truncated, damaged or foreign file be refused before any of it is read.
+#include "grilla.h"
+
+#include <QCryptographicHash>
+#include <QDataStream>
+#include <QFile>
+#include <QSaveFile>
+
+namespace {
+
+constexpr quint32 kMagia = 0x41534752; // "ASGR"
+constexpr quint16 kVersion = 1;
+constexpr int kMaxColumnas = 64;
+constexpr qint64 kMaxFilas = 5'000'000;
+
+void fallar(QString *error, const QString &texto)
+{
+    if (error)
+        *error = texto;
+}
+
+} // namespace
+
+class FormatoDisenoGrilla
+{
+public:
+    static QByteArray Escribir(const Grilla &g)
+    {
+        QByteArray datos;
+        QDataStream s(&datos, QIODevice::WriteOnly);
+        s.setVersion(QDataStream::Qt_6_0);
+        s << qint32(g.m_columnas) << qint32(g.m_filasFijas);
+        for (int c = 0; c < g.m_columnas; ++c)
+            s << qint32(g.m_anchos[size_t(c)]) << bool(g.m_ocultas[size_t(c)])
+              << qint32(g.m_alineaciones[size_t(c)].toInt()) << g.m_formatos[size_t(c)];
+        s << qint32(g.m_mascaras.size());
+        for (const QString &m : g.m_mascaras)
+            s << m;
+        s << qint64(g.m_filas.size());
+        for (const FilaGrilla &f : g.m_filas) {
+            s << f.imagen << quint32(f.fondo) << quint32(f.colorBorde) << qint32(f.alto) << f.oculta;
+            for (const CeldaGrilla &c : f.celdas)
+                s << c.texto << c.dato << c.valor << c.mascara << quint32(c.colorTexto) << c.alineacion;
+        }
+        return datos;
+    }
+
+    static bool Leer(Grilla &g, const QByteArray &datos, QString *error)
+    {
+        QDataStream s(datos);
+        s.setVersion(QDataStream::Qt_6_0);
+        qint32 columnas = 0, fijas = 0;
+        s >> columnas >> fijas;
+        if (columnas != g.m_columnas || fijas != g.m_filasFijas) {
+            fallar(error, QStringLiteral("el diseño es de otra grilla"));
+            return false;
+        }
+        Grilla nueva(columnas, fijas);
+        for (int c = 0; c < columnas; ++c) {
+            qint32 ancho = 0, alineacion = 0;
+            bool oculta = false;
+            s >> ancho >> oculta >> alineacion >> nueva.m_formatos[size_t(c)];
+            nueva.m_anchos[size_t(c)] = std::max(0, ancho);
+            nueva.m_ocultas[size_t(c)] = oculta;
+            nueva.m_alineaciones[size_t(c)] = Qt::Alignment::fromInt(alineacion);
+        }
+        qint32 mascaras = 0;
+        s >> mascaras;
+        if (mascaras < 0 || mascaras > 10000)
+            return false;
+        nueva.m_mascaras.resize(size_t(mascaras));
+        for (QString &m : nueva.m_mascaras)
+            s >> m;
+        qint64 filas = 0;
+        s >> filas;
+        if (s.status() != QDataStream::Ok || filas < fijas || filas > kMaxFilas)
+            return false;
+        nueva.m_filas.assign(size_t(filas), nueva.filaVacia());
+        for (FilaGrilla &f : nueva.m_filas) {
+            quint32 fondo = 0, borde = 0;
+            qint32 alto = 0;
+            s >> f.imagen >> fondo >> borde >> alto >> f.oculta;
+            f.fondo = fondo;
+            f.colorBorde = borde;
+            f.alto = alto;
+            for (CeldaGrilla &c : f.celdas) {
+                quint32 color = 0;
+                s >> c.texto >> c.dato >> c.valor >> c.mascara >> color >> c.alineacion;
+                c.colorTexto = color;
+                if (c.mascara < Grilla::kMascaraColumna || c.mascara >= mascaras)
+                    return false;
+            }
+            if (s.status() != QDataStream::Ok)
+                return false;
+        }
+        if (s.status() != QDataStream::Ok || !s.atEnd())
+            return false;
+
+        ObservadorGrilla *observador = g.m_observador;
+        const bool redibujar = g.m_redibujar;
+        nueva.m_observador = observador;
+        nueva.m_redibujar = redibujar;
+        g = std::move(nueva);
+        if (g.avisar())
+            observador->Reinicio();
+        else
+            g.m_sucia = true;
+        return true;
+    }
+};
+
+bool Grilla::Guardar(const QString &ruta, QString *error) const
+{
+    const QByteArray datos = FormatoDisenoGrilla::Escribir(*this);
+    QSaveFile archivo(ruta);
+    if (!archivo.open(QIODevice::WriteOnly)) {
+        fallar(error, archivo.errorString());
+        return false;
+    }
+    QDataStream s(&archivo);
+    s.setVersion(QDataStream::Qt_6_0);
+    s << kMagia << kVersion << qint64(datos.size());
+    s.writeRawData(QCryptographicHash::hash(datos, QCryptographicHash::Sha1).constData(), 20);
+    s.writeRawData(datos.constData(), int(datos.size()));
+    if (s.status() != QDataStream::Ok || !archivo.commit()) {
+        fallar(error, archivo.errorString());
+        return false;
+    }
+    return true;
+}
+
+bool Grilla::Cargar(const QString &ruta, QString *error)
+{
+    QFile archivo(ruta);
+    if (!archivo.open(QIODevice::ReadOnly)) {
+        fallar(error, archivo.errorString());
+        return false;
+    }
+    QDataStream s(&archivo);
+    s.setVersion(QDataStream::Qt_6_0);
+    quint32 magia = 0;
+    quint16 version = 0;
+    qint64 largo = -1;
+    s >> magia >> version >> largo;
+    if (s.status() != QDataStream::Ok || magia != kMagia) {
+        fallar(error, QStringLiteral("no es un archivo de diseño de la grilla"));
+        return false;
+    }
+    if (version != kVersion) {
+        fallar(error, QStringLiteral("versión de diseño desconocida: %1").arg(version));
+        return false;
+    }
+    QByteArray suma(20, '\0');
+    if (largo < 0 || largo != archivo.size() - archivo.pos() - 20 || s.readRawData(suma.data(), 20) != 20) {
+        fallar(error, QStringLiteral("el archivo de diseño está incompleto"));
+        return false;
+    }
+    const QByteArray datos = archivo.read(largo);
+    if (datos.size() != largo || QCryptographicHash::hash(datos, QCryptographicHash::Sha1) != suma) {
+        fallar(error, QStringLiteral("el archivo de diseño está dañado"));
+        return false;
+    }
+    if (!FormatoDisenoGrilla::Leer(*this, datos, error)) {
+        if (error && error->isEmpty())
+            *error = QStringLiteral("el archivo de diseño está dañado");
+        return false;
+    }
+    return true;
+}

@@ -1,6 +1,0 @@
-#include "serviciomensajes.h"
-
-QString DetalleError(int numero, const QString &descripcion)
-{
-    return QString::number(numero) + QStringLiteral(" - ") + descripcion;
-}

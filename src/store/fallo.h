@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QString>
+
+// A failed operation: the catalogue number of the message to show and the error's detail
+// line ("number - description"). Operations below the document answer this; only the
+// document shows it.
+struct Fallo
+{
+    int numeroTexto = 0;
+    QString detalle;
+};
+
+// The detail line of an error display: number, " - ", description.
+inline QString DetalleError(int numero, const QString &descripcion)
+{
+    return QString::number(numero) + QStringLiteral(" - ") + descripcion;
+}
+
+class ErrorBaseDatos;
+Fallo FalloDe(int numeroTexto, const ErrorBaseDatos &error);
