@@ -27,15 +27,17 @@ const CuentaDemo kCuentas[] = {
     {"1", "Activo"}, {"1.1", "Disponible"}, {"1.1.01", "Caja", 0, 0, 25000}, {"1.1.02", "Caja chica", 1, 0, 5000},
     {"1.1.03", "Banco República $", 1, 0, 480000}, {"1.1.04", "Banco Itaú U$S", 2, 0, 12500},
     {"1.1.05", "Banco Santander €", 3, 0, 3000}, {"1.1.06", "Caja en reales R$", 4, 0, 1500},
-    {"1.1.07", "Banco Comercial (cerrado)", 1, 16}, {"1.2", "Créditos"},
+    {"1.1.07", "Banco Comercial (cerrado)", 1, 16}, {"1.1.08", "Banco BBVA U$S", 2, 0, 6000}, {"1.2", "Créditos"},
     {"1.2.01", "Deudores por ventas", 0, 0, 310000}, {"1.2.02", "Deudores en U$S", 2, 0, 4200},
     {"1.2.03", "Documentos a cobrar", 1, 0, 85000}, {"1.2.04", "Anticipos a proveedores", 0},
-    {"1.2.05", "IVA compras", 0, 0, 38000}, {"1.2.06", "Deudores varios", 1}, {"1.3", "Bienes de cambio"},
+    {"1.2.05", "IVA compras", 0, 0, 38000}, {"1.2.06", "Deudores varios", 1}, {"1.2.07", "Deudores en R$", 4, 0, 9000},
+    {"1.3", "Bienes de cambio"},
     {"1.3.01", "Mercadería de reventa", 0, 0, 1250000}, {"1.3.02", "Mercadería en tránsito", 1},
     {"1.4", "Bienes de uso"}, {"1.4.01", "Muebles y útiles", 1, 0, 180000}, {"1.4.02", "Vehículos", 1, 0, 650000},
     {"1.4.03", "Equipos de computación", 1, 0, 120000}, {"1.4.04", "Amortizaciones acumuladas", 1, 0, -310000},
     {"2", "Pasivo"}, {"2.1", "Deudas comerciales"}, {"2.1.01", "Proveedores", 0, 0, 420000},
     {"2.1.02", "Proveedores del exterior U$S", 2, 0, 4800}, {"2.1.03", "Documentos a pagar", 1, 0, 60000},
+    {"2.1.04", "Proveedores del exterior €", 3, 0, 2600},
     {"2.2", "Deudas financieras"}, {"2.2.01", "Préstamo bancario U$S", 2, 0, 20000},
     {"2.2.02", "Préstamo Banco Comercial (cerrado)", 1, 16}, {"2.2.03", "Tarjeta de crédito corporativa", 1},
     {"2.3", "Deudas diversas"}, {"2.3.01", "Sueldos a pagar", 0, 0, 185000},
@@ -64,18 +66,22 @@ const CuentaDemo kCuentas[] = {
 
 constexpr const char *kResultadosAcumulados = "3.3.01";
 
-// Kinds of entries. Each side of the entry is split among its lines by weight; lines in
-// another currency are converted at the day's rate and the last peso line takes the
-// rounding so the entry balances. dia 0: drawn at random (frecuencia is the weight);
-// 1 to 31: once a month on that day (31 = the last weekday); below 0: once, that many
-// days before the closing date of the closed account it uses. Amounts in pesos.
+// Kinds of entries. Each side of the entry is split among its lines by weight. dia 0:
+// drawn at random (frecuencia is the weight); 1 to 31: once a month on that day (31 = the
+// last weekday); below 0: once, that many days before the closing date of the closed
+// account it uses. Amounts in pesos.
+// An entry balances in pesos and also in its other currency, if it has one (never more
+// than one). So lines in another currency come in pairs of the same currency and weight,
+// one on each side, and both get the same amount in that currency. They are converted at
+// the day's rate, or at the rate of diasCotizacion days before for a credit or a debt
+// booked back then; a pair valued at two rates gets a line for the exchange difference.
 // Tokens in the legend: {f} invoice, {r} receipt, {n} a document number, {c} customer,
 // {x} foreign customer, {p} supplier, {e} foreign supplier, {m} month, {mp} last month.
 struct LineaModelo
 {
     const char *cuenta = nullptr;
     bool debe = true;
-    int peso = 0, proyecto = 0, departamento = 0;
+    int peso = 0, proyecto = 0, departamento = 0, diasCotizacion = 0;
 };
 
 struct ModeloAsiento
@@ -95,28 +101,22 @@ const ModeloAsiento kModelos[] = {
     {"Servicio de instalación factura A-{f}", 3, 3, 0, 6000, 60000, {{"1.1.01", D, 122}, {"4.1.02", H, 100, 1}, {"2.3.05", H, 22}}},
     {"Venta con descuento factura A-{f} - {c}", 3, 2, 0, 10000, 80000,
      {{"1.2.01", D, 115}, {"5.4.04", D, 7, 0, 2}, {"4.1.01", H, 100, 2, 2}, {"2.3.05", H, 22}}},
-    {"Exportación a {x} factura E-{f}", 3, 12, 0, 40000, 220000, {{"1.2.02", D, 100}, {"4.1.01", H, 100, 0, 2}}},
     {"Cobro a cliente {c}", 4, 8, 0, 5000, 120000, {{"1.1.03", D, 100}, {"1.2.01", H, 100}}},
     {"Cobro en efectivo recibo {r} - {c}", 4, 4, 0, 2000, 40000, {{"1.1.01", D, 100}, {"1.2.01", H, 100}}},
-    {"Cobro a {x} en dólares", 4, 12, 0, 40000, 200000, {{"1.1.04", D, 100}, {"1.2.02", H, 100}}},
+    {"Cobro a {x} en dólares", 4, 20, 0, 40000, 200000, {{"1.1.04", D, 100}, {"1.2.02", H, 100, 0, 0, 45}}},
     {"Compra de mercadería a {p}", 2, 9, 0, 10000, 180000, {{"1.3.01", D, 100, 0, 3}, {"1.2.05", D, 22}, {"2.1.01", H, 122}}},
     {"Compra contado a {p}", 2, 3, 0, 2000, 30000, {{"1.3.01", D, 100}, {"1.2.05", D, 22}, {"1.1.01", H, 122}}},
-    {"Importación de mercadería - {e}", 2, 12, 0, 80000, 400000, {{"1.3.01", D, 100, 0, 3}, {"2.1.02", H, 100}}},
     {"Pago a {p}", 4, 7, 0, 10000, 150000, {{"2.1.01", D, 100}, {"1.1.03", H, 100}}},
-    {"Transferencia a {e}", 4, 9, 0, 60000, 300000, {{"2.1.02", D, 100}, {"1.1.04", H, 100}}},
+    {"Transferencia a {e}", 4, 18, 0, 60000, 300000, {{"2.1.02", D, 100, 0, 0, 60}, {"1.1.04", H, 100}}},
+    {"Transferencia entre cuentas en dólares", 4, 12, 0, 20000, 160000, {{"1.1.08", D, 100}, {"1.1.04", H, 100}}},
+    {"Pago a Suministros Bilbao S.L. en euros", 4, 12, 0, 20000, 110000, {{"2.1.04", D, 100, 0, 0, 30}, {"1.1.05", H, 100}}},
+    {"Cobro en reales a Ferragens Gaúcha Ltda.", 4, 8, 0, 5000, 40000, {{"1.1.06", D, 100}, {"1.2.07", H, 100, 0, 0, 20}}},
     {"Depósito en Banco República", 4, 7, 0, 10000, 90000, {{"1.1.03", D, 100}, {"1.1.01", H, 100}}},
     {"Reposición de caja chica", 4, 3, 0, 3000, 8000, {{"1.1.02", D, 100}, {"1.1.01", H, 100}}},
     {"Gastos de caja chica", 1, 3, 0, 1500, 7000,
      {{"5.3.07", D, 40, 0, 1}, {"5.3.15", D, 35}, {"5.3.05", D, 25, 0, 3}, {"1.1.02", H, 100}}},
     {"Compra de combustible", 2, 3, 0, 2500, 9000, {{"5.3.05", D, 100, 0, 3}, {"1.2.05", D, 22}, {"1.1.01", H, 122}}},
     {"Gastos bancarios Banco República", 4, 3, 0, 300, 2500, {{"5.4.01", D, 100, 0, 1}, {"1.1.03", H, 100}}},
-    {"Comisiones Banco Itaú", 4, 5, 0, 400, 2000, {{"5.4.01", D, 100, 0, 1}, {"1.1.04", H, 100}}},
-    {"Compra de dólares", 4, 8, 0, 40000, 200000, {{"1.1.04", D, 100}, {"1.1.03", H, 100}}},
-    {"Venta de dólares", 4, 3, 0, 40000, 120000, {{"1.1.03", D, 100}, {"1.1.04", H, 100}}},
-    {"Transferencia a Banco Santander €", 4, 4, 0, 30000, 150000, {{"1.1.05", D, 100}, {"1.1.03", H, 100}}},
-    {"Pago de licencias de software en euros", 1, 4, 0, 4000, 25000, {{"5.3.13", D, 100, 3, 1}, {"1.1.05", H, 100}}},
-    {"Cobro en reales a {c}", 4, 4, 0, 3000, 30000, {{"1.1.06", D, 100}, {"1.2.01", H, 100}}},
-    {"Cambio de reales a pesos", 4, 3, 0, 5000, 30000, {{"1.1.01", D, 100}, {"1.1.06", H, 100}}},
     {"Honorarios escribanía factura {n}", 1, 2, 0, 8000, 35000, {{"5.3.06", D, 100, 0, 1}, {"1.2.05", D, 22}, {"1.1.03", H, 122}}},
     {"Publicidad en redes sociales", 1, 2, 0, 3000, 20000, {{"5.3.08", D, 100, 3, 2}, {"1.2.05", D, 22}, {"1.1.03", H, 122}}},
     {"Mantenimiento de vehículo de reparto", 1, 2, 0, 3000, 25000, {{"5.3.11", D, 100, 0, 3}, {"1.2.05", D, 22}, {"1.1.01", H, 122}}},
@@ -136,13 +136,25 @@ const ModeloAsiento kModelos[] = {
     {"Pago UTE {mp}", 4, 0, 9, 7000, 12500, {{"5.3.02", D, 100, 0, 1}, {"1.2.05", D, 22}, {"1.1.03", H, 122}}},
     {"Pago ANTEL y OSE {mp}", 4, 0, 12, 5000, 9000, {{"5.3.03", D, 70, 0, 1}, {"5.3.04", D, 30, 0, 1}, {"1.2.05", D, 22}, {"1.1.03", H, 122}}},
     {"Pago DGI IVA e IRAE {mp}", 4, 0, 20, 60000, 140000, {{"2.3.05", D, 80}, {"2.3.06", D, 20}, {"1.1.03", H, 100}}},
-    {"Cuota {m} préstamo bancario U$S", 4, 0, 25, 40000, 46000, {{"2.2.01", D, 85}, {"5.4.02", D, 15}, {"1.1.04", H, 100}}},
+    {"Cuota {m} préstamo bancario U$S", 4, 0, 25, 40000, 46000,
+     {{"2.2.01", D, 85}, {"5.4.02", D, 15}, {"1.1.04", H, 85}, {"1.1.03", H, 15}}}, // interest paid in pesos
     {"Costo de mercadería vendida {m}", 1, 0, 31, 260000, 480000, {{"5.1.01", D, 100}, {"1.3.01", H, 100}}},
     {"Amortización de bienes de uso {m}", 1, 0, 31, 15666, 15666,
      {{"5.3.14", D, 10, 0, 1}, {"5.3.14", D, 69, 0, 3}, {"5.3.14", D, 21, 0, 2}, {"1.4.04", H, 100}}},
     {"Cuota {m} préstamo Banco Comercial", 4, 0, 22, 25000, 25000, {{"2.2.02", D, 88}, {"5.4.02", D, 12}, {"1.1.07", H, 100}}},
     {"Cancelación préstamo Banco Comercial", 4, 0, -6, 120000, 120000, {{"2.2.02", D, 100}, {"1.1.07", H, 100}}},
     {"Cierre de cuenta Banco Comercial", 4, 0, -3, 80000, 150000, {{"1.1.03", D, 100}, {"1.1.07", H, 100}}},
+};
+
+// A line in another currency against pesos only: the entry balances in pesos but not in
+// that currency. A few of these are left incomplete, one of each.
+const ModeloAsiento kModelosMixtos[] = {
+    {"Exportación a {x} factura E-{f}", 3, 0, 0, 40000, 220000, {{"1.2.02", D, 100}, {"4.1.01", H, 100, 0, 2}}},
+    {"Importación de mercadería - {e}", 2, 0, 0, 80000, 400000, {{"1.3.01", D, 100, 0, 3}, {"2.1.02", H, 100}}},
+    {"Compra de dólares", 4, 0, 0, 40000, 200000, {{"1.1.04", D, 100}, {"1.1.03", H, 100}}},
+    {"Comisiones Banco Itaú", 4, 0, 0, 400, 2000, {{"5.4.01", D, 100, 0, 1}, {"1.1.04", H, 100}}},
+    {"Pago de licencias de software en euros", 1, 0, 0, 4000, 25000, {{"5.3.13", D, 100, 3, 1}, {"1.1.05", H, 100}}},
+    {"Cambio de reales a pesos", 4, 0, 0, 5000, 30000, {{"1.1.01", D, 100}, {"1.1.06", H, 100}}},
 };
 
 const char *const kClientes[] = {
@@ -556,6 +568,7 @@ void GeneradorDemo::agregarModelo(const ModeloAsiento &m, const QDate &fecha)
         (l.debe ? pesoDebe : pesoHaber) += l.peso;
     // Each side is split so that it adds up to the total exactly.
     qint64 restoDebe = total, restoHaber = total;
+    bool cambio = false;
     for (const LineaModelo &l : m.lineas) {
         if (!l.cuenta)
             break;
@@ -564,12 +577,24 @@ void GeneradorDemo::agregarModelo(const ModeloAsiento &m, const QDate &fecha)
         const qint64 parte = l.peso == peso ? resto : dividir(resto * l.peso, peso);
         resto -= parte;
         peso -= l.peso;
-        a.lineas << linea(l.cuenta, l.debe, parte, fecha, l.proyecto, l.departamento);
+        Linea nueva = linea(l.cuenta, l.debe, parte, fecha, l.proyecto, l.departamento);
+        if (l.diasCotizacion > 0 && nueva.moneda != Demo::kMonedaPesos) {
+            // Same amount in its currency as its pair, valued at the earlier rate.
+            nueva.tasa = tasaDe(nueva.moneda, fecha.addDays(-l.diasCotizacion));
+            nueva.importeMC = dividir(nueva.importe * nueva.tasa, 10000);
+            cambio = true;
+        }
+        a.lineas << nueva;
     }
-    // Converted lines round on their own; the last peso line takes the difference.
     qint64 diferencia = 0;
     for (const Linea &l : a.lineas)
         diferencia += l.debe ? l.importeMC : -l.importeMC;
+    if (cambio && diferencia != 0) {
+        // The pair's two rates: a gain if the debit side came out larger, else a loss.
+        a.lineas << (diferencia > 0 ? linea("4.2.02", H, diferencia, fecha) : linea("5.4.03", D, -diferencia, fecha));
+        diferencia = 0;
+    }
+    // A line converted without a pair rounds on its own; the last peso line takes that.
     for (qsizetype i = a.lineas.size() - 1; i >= 0 && diferencia != 0; --i) {
         Linea &l = a.lineas[i];
         if (l.moneda == Demo::kMonedaPesos) {
@@ -673,6 +698,16 @@ void GeneradorDemo::armarAsientos()
             agregarModelo(m, f);
     }
 
+    // The entries left half done with another currency on one side only, anywhere older.
+    for (const ModeloAsiento &m : kModelosMixtos) {
+        QDate f;
+        do
+            f = m_inicio.addDays(m_azar.entre(3, kDiasCotizacion - 31));
+        while (esFinDeSemana(f) || !abiertas(m, f));
+        agregarModelo(m, f);
+        m_asientos.last().estado = 2;
+    }
+
     // Something for the views of today and of the last days, then the rest anywhere.
     agregarAlAzar(m_hoy);
     agregarAlAzar(m_hoy);
@@ -689,6 +724,30 @@ void GeneradorDemo::armarAsientos()
     }
     std::stable_sort(m_asientos.begin(), m_asientos.end(),
                      [](const AsientoDemo &a, const AsientoDemo &b) { return a.fecha < b.fecha; });
+}
+
+// How the journal grid tells a balanced entry: a line on each side, and the sides equal to
+// the cent in pesos and in the other currency (added up whatever it is, hence only one).
+bool cuadra(const AsientoDemo &a)
+{
+    bool debe = false, haber = false;
+    qint64 enPesos = 0, enMoneda = 0;
+    for (const Linea &l : a.lineas) {
+        (l.debe ? debe : haber) = true;
+        enPesos += l.debe ? l.importeMC : -l.importeMC;
+        if (l.moneda != Demo::kMonedaPesos)
+            enMoneda += l.debe ? l.importe : -l.importe;
+    }
+    return debe && haber && enPesos == 0 && enMoneda == 0;
+}
+
+qsizetype monedasExtranjeras(const AsientoDemo &a)
+{
+    QList<int> monedas;
+    for (const Linea &l : a.lineas)
+        if (l.moneda != Demo::kMonedaPesos && !monedas.contains(l.moneda))
+            monedas << l.moneda;
+    return monedas.size();
 }
 
 // Picks cantidad positions from candidatos without repeating any.
@@ -716,7 +775,7 @@ void GeneradorDemo::asignarEstados()
         m_asientos[i].estado = 0;
     for (int i : elegir(m_azar, registrados(0, recientes), 15))
         m_asientos[i].estado = 0;
-    for (int i : elegir(m_azar, registrados(0, recientes), 15)) {
+    for (int i : elegir(m_azar, registrados(0, recientes), 12)) {
         AsientoDemo &a = m_asientos[i];
         a.estado = 2;
         if (a.lineas.size() > 2 && m_azar.porCiento(50)) {
@@ -729,6 +788,10 @@ void GeneradorDemo::asignarEstados()
     }
     for (int i : elegir(m_azar, registrados(0, n - 5), 20))
         m_asientos[i].estado = 9;
+    for (const AsientoDemo &a : std::as_const(m_asientos)) {
+        Q_ASSERT(cuadra(a) == (a.estado != 2));
+        Q_ASSERT(monedasExtranjeras(a) <= 1);
+    }
 }
 
 QString GeneradorDemo::leyendaDe(const AsientoDemo &a)

@@ -1,0 +1,179 @@
+#include "fixtureasientos.h"
+
+#include "entries/vsgrid.h"
+
+#include <QAbstractItemModelTester>
+#include <QFile>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+Grilla grillaDeEjemplo()
+{
+    Grilla g;
+    g.FijarEncabezados(QStringLiteral("<Cuenta|<|>Debe|>Haber|>T. Cambio|>Importe M/E"));
+    g.FijarFormatoColumna(2, QStringLiteral("#,##0.00"));
+    g.InsertarFilas(1, 3);
+    g.FijarTexto(1, 1, QStringLiteral("01/02/26   Apertura"));
+    g.FijarDato(1, 0, 7);
+    g.FijarDato(1, 2, QDate(2026, 2, 1));
+    g.FijarDato(1, 4, QDateTime(QDate(2026, 2, 1), QTime(9, 30, 0, 125)));
+    g.FijarFondoFila(1, 0xffe5e5e5);
+    g.FijarImagen(1, QStringLiteral("asiento"));
+    g.FijarTexto(2, 0, QStringLiteral("1.1.01 - Caja"));
+    g.FijarNumero(2, 2, 1234.5);
+    g.FijarNumero(2, 4, 40.1234, QStringLiteral("#,##0.000"));
+    g.FijarDato(2, 1, QStringLiteral("10|0|0|1|1"));
+    g.FijarColorTexto(2, 1, 0xff000080);
+    g.FijarBordeSuperior(3, 0xffb9dbea);
+    g.FijarTexto(3, 0, QStringLiteral("Nuevo Asiento"));
+    g.FijarAnchoColumna(1, 2222);
+    return g;
+}
+
+QStringList todasLasFilas(const Grilla &g)
+{
+    QStringList filas;
+    for (int r = 0; r < g.Filas(); ++r) {
+        const FilaGrilla &f = g.Fila(r);
+        filas << FilaComoTexto(g, r) + QStringLiteral(" @%1:%2:%3").arg(f.imagen).arg(f.fondo, 0, 16).arg(f.colorBorde, 0, 16);
+    }
+    return filas;
+}
+
+TEST(Grilla, NumerosSeMuestranConSuMascaraYGuardanSuValor)
+{
+    const Grilla g = grillaDeEjemplo();
+    EXPECT_EQ(g.Texto(2, 2), QStringLiteral("1.234,50"));
+    EXPECT_DOUBLE_EQ(g.Valor(2, 2), 1234.5);
+    EXPECT_EQ(g.Texto(2, 4), QStringLiteral("40,123"));
+    EXPECT_DOUBLE_EQ(g.Valor(2, 4), 40.1234); // the value keeps what the mask does not show
+    EXPECT_TRUE(g.EsNumero(2, 2));
+    EXPECT_FALSE(g.EsNumero(2, 3));
+    EXPECT_EQ(g.Texto(0, 3), QStringLiteral("Haber"));
+    EXPECT_EQ(g.AlineacionColumna(3) & Qt::AlignHorizontal_Mask, Qt::AlignRight);
+}
+
+TEST(Grilla, MoverPermutarYQuitarFilas)
+{
+    Grilla g;
+    g.InsertarFilas(1, 6);
+    for (int r = 1; r < 7; ++r)
+        g.FijarTexto(r, 0, QString::number(r));
+    auto textos = [&] {
+        QString t;
+        for (int r = 1; r < g.Filas(); ++r)
+            t += g.Texto(r, 0);
+        return t;
+    };
+    g.MoverFilas(5, 2, 2); // rows 5 and 6 before row 2
+    EXPECT_EQ(textos(), QStringLiteral("156234"));
+    g.MoverFilas(1, 2, 7); // the first two to the end
+    EXPECT_EQ(textos(), QStringLiteral("623415"));
+    g.PermutarFilas(2, {3, 0, 1, 2}); // rows 2..5 held "2341"
+    EXPECT_EQ(textos(), QStringLiteral("612345"));
+    g.QuitarFilasMarcadas({false, true, false, true, false, false, true});
+    EXPECT_EQ(textos(), QStringLiteral("134"));
+    g.FijarFilas(0); // the caption row always stays
+    EXPECT_EQ(g.Filas(), 1);
+}
+
+TEST(DisenoGrilla, VuelveComoSeGuardo)
+{
+    QTemporaryDir dir;
+    const QString ruta = dir.filePath(QStringLiteral("lg1a.tgr"));
+    const Grilla original = grillaDeEjemplo();
+    ASSERT_TRUE(original.Guardar(ruta));
+
+    Grilla leida;
+    QString error;
+    ASSERT_TRUE(leida.Cargar(ruta, &error)) << error.toStdString();
+    EXPECT_EQ(todasLasFilas(leida), todasLasFilas(original));
+    EXPECT_EQ(leida.AnchoColumna(1), 2222);
+    EXPECT_EQ(leida.Dato(1, 4).toDateTime(), QDateTime(QDate(2026, 2, 1), QTime(9, 30, 0, 125)));
+    EXPECT_EQ(leida.celda(2, 1).colorTexto, 0xff000080u);
+    EXPECT_EQ(leida.Texto(2, 2), QStringLiteral("1.234,50")); // the column format came back too
+}
+
+TEST(DisenoGrilla, ArchivosDanadosSeIgnoranSinTocarLaGrilla)
+{
+    QTemporaryDir dir;
+    const QString bueno = dir.filePath(QStringLiteral("bueno.tgr"));
+    ASSERT_TRUE(grillaDeEjemplo().Guardar(bueno));
+    QFile f(bueno);
+    ASSERT_TRUE(f.open(QIODevice::ReadOnly));
+    const QByteArray contenido = f.readAll();
+    f.close();
+
+    auto escribir = [&](const char *nombre, const QByteArray &datos) {
+        const QString ruta = dir.filePath(QString::fromLatin1(nombre));
+        QFile s(ruta);
+        EXPECT_TRUE(s.open(QIODevice::WriteOnly));
+        s.write(datos);
+        return ruta;
+    };
+    QByteArray volteado = contenido;
+    volteado[volteado.size() / 2] = char(volteado[volteado.size() / 2] ^ 0x5a);
+    QByteArray otraVersion = contenido;
+    otraVersion[5] = char(9);
+    const QStringList rutas{
+        dir.filePath(QStringLiteral("no-existe.tgr")),
+        escribir("vacio.tgr", {}),
+        escribir("truncado.tgr", contenido.left(contenido.size() - 7)),
+        escribir("volteado.tgr", volteado),
+        escribir("version.tgr", otraVersion),
+        escribir("ajeno.tgr", QByteArray("<html><body>no soy una grilla</body></html>")),
+        escribir("largo.tgr", contenido.left(12) + QByteArray(64, '\xff')),
+    };
+
+    Grilla otra(4); // a grid of four columns does not take a six-column layout either
+    const QString deOtra = dir.filePath(QStringLiteral("otra.tgr"));
+    ASSERT_TRUE(otra.Guardar(deOtra));
+
+    for (const QString &ruta : rutas + QStringList{deOtra}) {
+        Grilla g;
+        g.InsertarFilas(1, 2);
+        g.FijarTexto(2, 0, QStringLiteral("queda"));
+        QString error;
+        EXPECT_FALSE(g.Cargar(ruta, &error)) << ruta.toStdString();
+        EXPECT_FALSE(error.isEmpty()) << ruta.toStdString();
+        EXPECT_EQ(g.Filas(), 3);
+        EXPECT_EQ(g.Texto(2, 0), QStringLiteral("queda"));
+    }
+}
+
+TEST(ModeloGrilla, SigueALaGrillaYUnaCargaSinRedibujoEsUnReinicio)
+{
+    Grilla g = grillaDeEjemplo();
+    ModeloGrilla modelo(g);
+    QAbstractItemModelTester tester(&modelo, QAbstractItemModelTester::FailureReportingMode::Fatal);
+    EXPECT_EQ(modelo.rowCount(), 3);
+    EXPECT_EQ(modelo.headerData(2, Qt::Horizontal).toString(), QStringLiteral("Debe"));
+    EXPECT_EQ(modelo.data(modelo.index(1, 2)).toString(), QStringLiteral("1.234,50"));
+
+    QSignalSpy insertadas(&modelo, &QAbstractItemModel::rowsInserted);
+    QSignalSpy reinicios(&modelo, &QAbstractItemModel::modelReset);
+    g.InsertarFila(2);
+    EXPECT_EQ(insertadas.count(), 1);
+    EXPECT_EQ(modelo.rowCount(), 4);
+
+    g.FijarRedibujar(false);
+    for (int i = 0; i < 500; ++i)
+        g.InsertarFila(g.Filas());
+    g.MoverFilas(10, 20, 2);
+    g.QuitarFilas(3, 5);
+    EXPECT_EQ(modelo.rowCount(), 4); // views see nothing until redraw is back on
+    g.FijarRedibujar(true);
+    EXPECT_EQ(reinicios.count(), 1);
+    EXPECT_EQ(insertadas.count(), 1);
+    EXPECT_EQ(modelo.rowCount(), g.Filas() - 1);
+
+    g.MoverFilas(2, 3, 10);
+    g.QuitarFila(4);
+    EXPECT_EQ(modelo.rowCount(), g.Filas() - 1);
+}
+
+} // namespace

@@ -1,0 +1,106 @@
+#include "fixtureasientos.h"
+
+#include "entries/vistas.h"
+
+#include <QElapsedTimer>
+#include <QRandomGenerator>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+// The suite's exchange sort, step by step: the reference the fast order must match.
+std::vector<int> ordenDeIntercambio(const std::vector<ClaveOrden> &filas, quint8 modo)
+{
+    std::vector<int> orden(filas.size());
+    for (size_t i = 0; i < orden.size(); ++i)
+        orden[i] = int(i);
+    for (size_t r = 0; r + 1 < orden.size();) {
+        if (FueraDeOrden(filas[size_t(orden[r])], filas[size_t(orden[r + 1])], modo)) {
+            std::swap(orden[r], orden[r + 1]);
+            r = 0;
+        } else {
+            ++r;
+        }
+    }
+    return orden;
+}
+
+std::vector<ClaveOrden> filasAlAzar(QRandomGenerator &azar, int n, bool conDiferencia)
+{
+    static const char *const cuentas[] = {"1.1.01 - Caja", "1.1.02 - banco", "1.1.02 - Banco", "2.1.01 - Proveedores",
+                                          "4.1 - Ventas", "5.3.01 - Alquileres", "a - cuenta", "B - cuenta"};
+    std::vector<ClaveOrden> filas;
+    for (int i = 0; i < n; ++i) {
+        ClaveOrden k;
+        k.alDebe = azar.bounded(2) == 0;
+        const QString texto = QString::fromLatin1(cuentas[azar.bounded(8)]);
+        (k.alDebe ? k.texto0 : k.texto1) = texto;
+        k.orden = int(azar.bounded(6));
+        filas.push_back(k);
+    }
+    if (conDiferencia && n > 0) {
+        ClaveOrden &d = filas[size_t(azar.bounded(n))];
+        d.esDiferencia = true;
+        d.orden = 999;
+        d.texto0.clear();
+        d.texto1.clear();
+        (d.alDebe ? d.texto0 : d.texto1) = QStringLiteral("................?");
+    }
+    return filas;
+}
+
+TEST(OrdenCuentas, IgualAlOrdenDeIntercambioEnAmbosModos)
+{
+    QRandomGenerator azar(20261123);
+    for (int vuelta = 0; vuelta < 3000; ++vuelta) {
+        const int n = int(azar.bounded(12));
+        const bool conDiferencia = azar.bounded(2) == 0;
+        const auto filas = filasAlAzar(azar, n, conDiferencia);
+        for (quint8 modo : {quint8(0), quint8(1)})
+            ASSERT_EQ(OrdenCuentas(filas, modo), ordenDeIntercambio(filas, modo)) << "vuelta " << vuelta << " modo " << int(modo);
+    }
+}
+
+TEST(OrdenCuentas, MilesDeLineasNoTardanComoUnIntercambio)
+{
+    // An opening-balance entry may have thousands of lines; the exchange sort would need
+    // millions of restarts. This only checks that the result is ordered.
+    QRandomGenerator azar(7);
+    auto filas = filasAlAzar(azar, 5000, false);
+    const auto orden = OrdenCuentas(filas, 0);
+    for (size_t i = 0; i + 1 < orden.size(); ++i)
+        ASSERT_FALSE(FueraDeOrden(filas[size_t(orden[i])], filas[size_t(orden[i + 1])], 0));
+}
+
+class OrdenEnGrilla : public ::testing::TestWithParam<Motor>
+{
+};
+
+TEST_P(OrdenEnGrilla, PorCodigoOPorOrdenDeIngreso)
+{
+    DatosAsientos d(GetParam());
+    // Entered: Ventas (credit), Caja, alquileres (debit), Banco (credit).
+    const qint32 id = d.Asiento(QDate(2026, 5, 1), 1, QStringLiteral("20:H:30,22:D:10,10:D:20,21:H:0"));
+    auto cuentas = [&] {
+        QStringList l;
+        for (int r = 2; r < d.grilla.Filas() - 1; ++r)
+            l << d.grilla.Texto(r, 0) + QLatin1Char('/') + d.grilla.Texto(r, 1);
+        return l;
+    };
+    d.ctx.AsiOrder = 0;
+    ASSERT_FALSE(CargarAsientoEnGrilla(d.asientos, d.conexion(), id, 0));
+    EXPECT_EQ(cuentas(), (QStringList{QStringLiteral("1.1.01 - Caja/"), QStringLiteral("5.1.01 - alquileres/"),
+                                      QStringLiteral("/2.1.01 - Proveedores"), QStringLiteral("/4.1.01 - Ventas")}));
+
+    d.grilla.FijarFilas(1);
+    d.ctx.AsiOrder = 1;
+    ASSERT_FALSE(CargarAsientoEnGrilla(d.asientos, d.conexion(), id, 0));
+    EXPECT_EQ(cuentas(), (QStringList{QStringLiteral("5.1.01 - alquileres/"), QStringLiteral("1.1.01 - Caja/"),
+                                      QStringLiteral("/4.1.01 - Ventas"), QStringLiteral("/2.1.01 - Proveedores")}));
+}
+
+INSTANTIATE_TEST_SUITE_P(Motores, OrdenEnGrilla, ::testing::ValuesIn(MotoresDePrueba()),
+                         [](const ::testing::TestParamInfo<Motor> &i) { return NombreMotor(i.param).toStdString(); });
+
+} // namespace
