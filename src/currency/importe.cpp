@@ -55,6 +55,14 @@ Importe Importe::DesdeDouble(double valor)
 {
     if (!std::isfinite(valor))
         return {};
+    // Most values are far from a half: scaling and rounding gives the same result as the
+    // decimal digits do, at a fraction of the cost. Values near a half take the exact way.
+    const double escalado = valor * double(kEscala);
+    if (std::fabs(escalado) < 1e15) {
+        const double resto = std::fabs(escalado - std::trunc(escalado));
+        if (std::fabs(resto - 0.5) > 1e-6)
+            return DesdeDiezmilesimos(qint64(std::round(escalado)));
+    }
     Importe i;
     DesdeTexto(RedondearDecimal(TextoDecimal(valor), 4), i);
     return i;
@@ -76,6 +84,18 @@ bool Importe::DesdeTexto(const QString &texto, Importe &resultado)
             return false;
     resultado = DesdeDiezmilesimos(n);
     return true;
+}
+
+Importe Importe::RedondeadoA(int decimales) const
+{
+    if (decimales >= 4)
+        return *this;
+    qint64 paso = 1;
+    for (int i = decimales; i < 4; ++i)
+        paso *= 10;
+    const qint64 a = m_n < 0 ? -m_n : m_n;
+    const qint64 r = (a + paso / 2) / paso * paso; // halves away from zero
+    return DesdeDiezmilesimos(m_n < 0 ? -r : r);
 }
 
 QString Importe::aTexto() const

@@ -33,6 +33,9 @@ public:
     auto operator<=>(const Importe &) const = default;
     bool esCero() const { return m_n == 0; }
     Importe abs() const { return DesdeDiezmilesimos(m_n < 0 ? -m_n : m_n); }
+    // Rounded to fewer decimals (0 to 4), halves away from zero: what a mask with that many
+    // decimals shows.
+    Importe RedondeadoA(int decimales) const;
 
 private:
     qint64 m_n = 0;

@@ -3,18 +3,20 @@
 #include "importe.h"
 
 #include <QHash>
-#include <QRegularExpression>
 
 #include <cmath>
 
 Mascara::Mascara(const QString &mascara)
     : m_texto(mascara)
 {
-    const qsizetype inicio = mascara.indexOf(QRegularExpression(QStringLiteral("[#0.,]")));
-    if (inicio < 0)
+    static const QString digitos = QStringLiteral("#0.,");
+    qsizetype inicio = 0;
+    while (inicio < mascara.size() && !digitos.contains(mascara.at(inicio)))
+        ++inicio;
+    if (inicio == mascara.size())
         return;
     qsizetype fin = inicio;
-    while (fin < mascara.size() && QStringLiteral("#0.,").contains(mascara.at(fin)))
+    while (fin < mascara.size() && digitos.contains(mascara.at(fin)))
         ++fin;
     m_prefijo = mascara.left(inicio);
     m_sufijo = mascara.mid(fin);

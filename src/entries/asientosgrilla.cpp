@@ -2,9 +2,13 @@
 
 #include "currency/catalogomonedas.h"
 #include "currency/importe.h"
+#include "currency/mascara.h"
 #include "store/valoressql.h"
 
 #include <QFontMetrics>
+#include <QHash>
+
+#include <cstdio>
 
 const QString AsientosGrilla::kClaveDiferencia = QStringLiteral("-1|0|0|0|999");
 const QString AsientosGrilla::kTextoDiferencia = QStringLiteral("................?");
@@ -28,6 +32,15 @@ AsientosGrilla::AsientosGrilla(Grilla &grilla, ContextoAsientos &contexto)
 QString AsientosGrilla::mascaraImporte(qint16 moneda)
 {
     return m_ctx.monedas ? m_ctx.monedas->DatoMoneda(moneda, 4).toString() : QStringLiteral("#,##0.00");
+}
+
+int AsientosGrilla::decimalesImporte(qint16 moneda)
+{
+    const QString mascara = mascaraImporte(moneda);
+    auto it = m_decimales.find(mascara);
+    if (it == m_decimales.end())
+        it = m_decimales.insert(mascara, Mascara(mascara).decimales());
+    return *it;
 }
 
 bool AsientosGrilla::tieneTexto(int fila, int columna) const
@@ -89,6 +102,21 @@ int AsientosGrilla::anchoRelleno()
     return m_relleno;
 }
 
+int CampoDeClave(const QString &clave, int campo)
+{
+    qsizetype inicio = 0;
+    for (int i = 0; i < campo; ++i) {
+        inicio = clave.indexOf(u'|', inicio);
+        if (inicio < 0)
+            return 0;
+        ++inicio;
+    }
+    qsizetype fin = clave.indexOf(u'|', inicio);
+    if (fin < 0)
+        fin = clave.size();
+    return QStringView(clave).mid(inicio, fin - inicio).toInt();
+}
+
 void AsientosGrilla::FilaCabezalAsiento(const QString &libro)
 {
     const int r = Cabezal.FilaCabezal;
@@ -99,7 +127,7 @@ void AsientosGrilla::FilaCabezalAsiento(const QString &libro)
     m_g.FijarDato(r, 4, Cabezal.AsiFechaModificado);
     m_g.FijarDato(r, 5, QStringLiteral("%1:%2").arg(Cabezal.AsiTipo).arg(Cabezal.AsiUsuarioVerificador));
     m_g.LimpiarTextos(r);
-    m_g.FijarTexto(r, 1, FormatoFechaSuite(Cabezal.AsiFechaAsiento.startOfDay(), m_ctx.formatoFecha)
+    m_g.FijarTexto(r, 1, FormatoFechaSuite(Cabezal.AsiFechaAsiento, QTime(0, 0), m_ctx.formatoFecha)
                              + QString(anchoRelleno() + 5, QLatin1Char(' ')) + Cabezal.AsiLeyenda.trimmed());
     if (Cabezal.AsiTipo > 0)
         m_g.FijarTexto(r, 4, libro);
@@ -111,7 +139,10 @@ void AsientosGrilla::FilaCabezalAsiento(const QString &libro)
 
 void AsientosGrilla::ClaveLinea(int fila, qint32 lCta, qint16 iMon, qint16 iPry, qint16 iDep, qint16 ACuOrden)
 {
-    m_g.FijarDato(fila, 1, QStringLiteral("%1|%2|%3|%4|%5").arg(lCta).arg(iPry).arg(iDep).arg(iMon).arg(ACuOrden));
+    char clave[64];
+    const int largo = std::snprintf(clave, sizeof clave, "%d|%d|%d|%d|%d", int(lCta), int(iPry), int(iDep), int(iMon),
+                                    int(ACuOrden));
+    m_g.FijarDato(fila, 1, QString::fromLatin1(clave, largo));
 }
 
 void AsientosGrilla::FilaLineaAsiento(int fila, const RegistroLinea &l)
@@ -234,15 +265,32 @@ struct Columnas
     }
 };
 
+// A number as the driver hands it over: a number from SQLite, exact text from PostgreSQL.
+double numero(const QVariant &v)
+{
+    switch (v.typeId()) {
+    case QMetaType::Double:
+    case QMetaType::LongLong:
+    case QMetaType::Int:
+        return v.toDouble();
+    default:
+        return v.toString().toDouble();
+    }
+}
+
 // Amounts are rounded to the fixed-point type as soon as they are read.
 double importe(const QVariant &v)
 {
-    return Importe::DesdeDouble(v.toString().toDouble()).aDouble();
+    return Importe::DesdeDouble(numero(v)).aDouble();
 }
 
 int entero(const QVariant &v)
 {
-    return v.isNull() ? 0 : qRound(v.toString().toDouble());
+    if (v.isNull())
+        return 0;
+    if (v.typeId() == QMetaType::LongLong || v.typeId() == QMetaType::Int)
+        return v.toInt();
+    return qRound(numero(v));
 }
 
 } // namespace
@@ -257,11 +305,12 @@ int AsientosGrilla::LlenarGrilla(Conexion &conexion, const QString &sql, int fil
     bool hayAsiento = false;
     Cabezal.AsiID = 0;
 
+    QHash<qint32, std::pair<QString, QString>> cuentas;
     auto rs = conexion.Abrir(sql);
     if (!rs->Fin()) {
         const Columnas c(*rs);
         for (; !rs->Fin(); rs->MoverSiguiente()) {
-            const qint32 id = rs->Campo(c.AsiID).toInt();
+            const qint32 id = entero(rs->Campo(c.AsiID));
             if (!hayAsiento || id != Cabezal.AsiID) {
                 if (hayAsiento && FormatoEntrada())
                     ++r;
@@ -286,14 +335,20 @@ int AsientosGrilla::LlenarGrilla(Conexion &conexion, const QString &sql, int fil
             RegistroLinea l;
             const QVariant haber = rs->Campo(c.AcuHaber);
             l.bEsAlDebe = haber.isNull();
-            l.lCta = rs->Campo(c.ACuCuenta).toInt();
+            l.lCta = entero(rs->Campo(c.ACuCuenta));
             l.iPry = qint16(entero(rs->Campo(c.ACuProyecto)));
             l.iDep = qint16(entero(rs->Campo(c.ACuDepartamento)));
             l.iMon = qint16(entero(rs->Campo(c.CueMoneda)));
-            const QVariant cierre = rs->Campo(c.CueFechaCerrada);
-            l.dFechaCierre = cierre.isNull() ? QString() : FechaDeValor(cierre).toString(Qt::ISODate);
-            l.sTextDisplay = TextoCuenta(rs->Campo(c.CueCodigo).toString(), rs->Campo(c.CueNombre).toString(),
-                                         m_ctx.mostrarCodigoCta);
+            // An account's texts are the same on every line: make them once per fill.
+            auto cuenta = cuentas.find(l.lCta);
+            if (cuenta == cuentas.end()) {
+                const QVariant cierre = rs->Campo(c.CueFechaCerrada);
+                cuenta = cuentas.insert(l.lCta, {TextoCuenta(rs->Campo(c.CueCodigo).toString(), rs->Campo(c.CueNombre).toString(),
+                                                             m_ctx.mostrarCodigoCta),
+                                                 cierre.isNull() ? QString() : FechaDeValor(cierre).toString(Qt::ISODate)});
+            }
+            l.sTextDisplay = cuenta->first;
+            l.dFechaCierre = cuenta->second;
             l.ACuOrden = qint16(entero(rs->Campo(c.ACuOrden)));
             l.dImporteMC = importe(rs->Campo(c.ACuImporteMC));
             if (l.iMon != m_ctx.monedaContabilidad && l.iMon != 0)

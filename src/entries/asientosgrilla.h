@@ -7,6 +7,7 @@
 #include "store/fallo.h"
 
 #include <QFont>
+#include <QHash>
 #include <QLocale>
 
 #include <functional>
@@ -39,6 +40,9 @@ constexpr QRgb kFondoCabezal = 0xffe5e5e5;   // header rows
 constexpr QRgb kBordeAsiento = 0xffb9dbea;   // line between entries
 constexpr QRgb kSeleccionCabezal = 0xffc9dae6;
 } // namespace ColoresGrilla
+
+// Field n (0: account, 1 project, 2 department, 3 currency, 4 order) of a line key.
+int CampoDeClave(const QString &clave, int campo);
 
 // A journal grid as the document starts it: six columns, default widths (twips) and the
 // captions and alignments of the heading format ("<Cuenta|<|>Debe|...").
@@ -117,9 +121,11 @@ private:
     int anchoRelleno();
     bool tieneTexto(int fila, int columna) const;
     QString mascaraImporte(qint16 moneda);
+    int decimalesImporte(qint16 moneda);
 
     Grilla &m_g;
     ContextoAsientos &m_ctx;
     int m_relleno = -1;
     QFont m_fuenteRelleno;
+    QHash<QString, int> m_decimales; // decimals of each amount mask met
 };

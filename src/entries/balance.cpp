@@ -24,7 +24,7 @@ void AsientosGrilla::CierreAsiento(bool &bDebeMenor, double &cDiferenciaMC, doub
         const QString clave = m_g.Dato(r, 1).toString();
         if (clave.isEmpty() || clave == kClaveDiferencia)
             continue;
-        const qint16 moneda = qint16(clave.section(QLatin1Char('|'), 3, 3).toInt());
+        const qint16 moneda = qint16(CampoDeClave(clave, 3));
         const bool debe = tieneTexto(r, 2);
         if (debe) {
             debeMC += Importe::DesdeDouble(m_g.Valor(r, 2));
@@ -39,12 +39,13 @@ void AsientosGrilla::CierreAsiento(bool &bDebeMenor, double &cDiferenciaMC, doub
         }
     }
 
-    // The sums are compared as the user sees them: printed with the currency's mask.
-    const Mascara mascaraMC(mascaraImporte(0));
-    const Mascara mascaraME(monedaExtranjera ? mascaraImporte(monedaExtranjera) : mascaraMC.texto());
+    // The sums are compared as the user sees them, printed with the currency's mask: two
+    // sums print alike exactly when they round alike to the mask's decimals.
+    const int decimalesMC = decimalesImporte(0);
+    const int decimalesME = monedaExtranjera ? decimalesImporte(monedaExtranjera) : decimalesMC;
     bCierra = lineasDebe > 0 && lineasHaber > 0
-           && mascaraMC.Formatear(debeMC.aDouble()) == mascaraMC.Formatear(haberMC.aDouble())
-           && mascaraME.Formatear(debeME.aDouble()) == mascaraME.Formatear(haberME.aDouble());
+           && debeMC.RedondeadoA(decimalesMC) == haberMC.RedondeadoA(decimalesMC)
+           && debeME.RedondeadoA(decimalesME) == haberME.RedondeadoA(decimalesME);
     if (bCierra)
         return;
     if (debeMC < haberMC) {
@@ -194,7 +195,7 @@ void AsientosGrilla::OrdenarCuentas()
         k.texto1 = m_g.Texto(r, 1);
         k.alDebe = !k.texto0.isEmpty();
         const QString clave = m_g.Dato(r, 1).toString();
-        k.orden = clave.section(QLatin1Char('|'), 4, 4).toInt();
+        k.orden = CampoDeClave(clave, 4);
         k.esDiferencia = clave == kClaveDiferencia;
         claves.push_back(std::move(k));
     }

@@ -1,6 +1,8 @@
 #include "conexion.h"
 #include "fallo.h"
 
+
+
 ErrorBaseDatos::ErrorBaseDatos(const QString &descripcion, int numero)
     : std::runtime_error(descripcion.toStdString())
     , m_descripcion(descripcion)
@@ -93,6 +95,45 @@ void Transaccion::Confirmar()
     m_terminada = true;
 }
 
+namespace {
+
+// Reads "yyyy-MM-dd" and "yyyy-MM-dd hh:mm:ss[.zzz]" without the general parser: a fill
+// reads one stamp per entry.
+bool leerDigitos(QStringView t, qsizetype desde, qsizetype cuantos, int &valor)
+{
+    if (desde + cuantos > t.size())
+        return false;
+    valor = 0;
+    for (qsizetype i = desde; i < desde + cuantos; ++i) {
+        const char16_t c = t[i].unicode();
+        if (c < u'0' || c > u'9')
+            return false;
+        valor = valor * 10 + (c - u'0');
+    }
+    return true;
+}
+
+QDate fechaIso(QStringView t)
+{
+    int a = 0, m = 0, d = 0;
+    if (t.size() < 10 || t[4] != u'-' || t[7] != u'-' || !leerDigitos(t, 0, 4, a) || !leerDigitos(t, 5, 2, m)
+        || !leerDigitos(t, 8, 2, d))
+        return {};
+    return QDate(a, m, d);
+}
+
+QTime horaIso(QStringView t)
+{
+    int h = 0, n = 0, s = 0, z = 0;
+    if (t.size() < 8 || !leerDigitos(t, 0, 2, h) || !leerDigitos(t, 3, 2, n) || !leerDigitos(t, 6, 2, s))
+        return {};
+    if (t.size() >= 12 && t[8] == u'.')
+        leerDigitos(t, 9, 3, z);
+    return QTime(h, n, s, z);
+}
+
+} // namespace
+
 QDate FechaDeValor(const QVariant &valor)
 {
     if (valor.isNull())
@@ -106,7 +147,7 @@ QDate FechaDeValor(const QVariant &valor)
         break;
     }
     const QString texto = valor.toString().trimmed();
-    return QDate::fromString(texto.left(10), Qt::ISODate);
+    return fechaIso(texto);
 }
 
 QDateTime FechaHoraDeValor(const QVariant &valor)
@@ -115,21 +156,22 @@ QDateTime FechaHoraDeValor(const QVariant &valor)
         return {};
     switch (valor.typeId()) {
     case QMetaType::QDate:
-        return valor.toDate().startOfDay();
-    case QMetaType::QDateTime:
-        return valor.toDateTime();
+        return QDateTime(valor.toDate(), QTime(0, 0), Qt::UTC);
+    case QMetaType::QDateTime: {
+        const QDateTime d = valor.toDateTime();
+        return QDateTime(d.date(), d.time(), Qt::UTC);
+    }
     default:
         break;
     }
     const QString texto = valor.toString().trimmed();
+    const QDate fecha = fechaIso(texto);
+    if (!fecha.isValid())
+        return {};
     if (texto.size() <= 10)
-        return QDate::fromString(texto, Qt::ISODate).startOfDay();
-    QDateTime d = QDateTime::fromString(texto, QStringLiteral("yyyy-MM-dd hh:mm:ss.zzz"));
-    if (!d.isValid())
-        d = QDateTime::fromString(texto, Qt::ISODateWithMs);
-    if (!d.isValid())
-        d = QDateTime::fromString(texto.left(19), QStringLiteral("yyyy-MM-dd hh:mm:ss"));
-    return d;
+        return QDateTime(fecha, QTime(0, 0), Qt::UTC);
+    const QTime hora = horaIso(QStringView(texto).mid(11));
+    return hora.isValid() ? QDateTime(fecha, hora, Qt::UTC) : QDateTime();
 }
 
 Fallo FalloDe(int numeroTexto, const ErrorBaseDatos &error)

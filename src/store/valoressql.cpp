@@ -16,7 +16,7 @@ QString NumeroSQL(qint64 valor)
 
 QString FechaSQL(const QDate &fecha, const QString &delimitador, const QString &patron)
 {
-    return delimitador + FormatoFechaSuite(fecha.startOfDay(), patron) + delimitador;
+    return delimitador + FormatoFechaSuite(fecha, QTime(0, 0), patron) + delimitador;
 }
 
 namespace {
@@ -37,8 +37,11 @@ QString dosDigitos(int n)
 
 QString FormatoFechaSuite(const QDateTime &momento, const QString &patron, const QLocale &locale)
 {
-    const QDate d = momento.date();
-    const QTime t = momento.time();
+    return FormatoFechaSuite(momento.date(), momento.time(), patron, locale);
+}
+
+QString FormatoFechaSuite(const QDate &d, const QTime &t, const QString &patron, const QLocale &locale)
+{
     QString out;
     bool despuesDeHora = false;
     qsizetype i = 0;

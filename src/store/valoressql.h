@@ -22,3 +22,4 @@ QString FechaSQL(const QDate &fecha, const QString &delimitador, const QString &
 // year, weeks starting on Sunday, week 1 holding 1 January), h hh, n nn, s ss; letters are
 // taken without case; text in double quotes and a character after "\" are copied as is.
 QString FormatoFechaSuite(const QDateTime &momento, const QString &patron, const QLocale &locale = QLocale());
+QString FormatoFechaSuite(const QDate &fecha, const QTime &hora, const QString &patron, const QLocale &locale = QLocale());

@@ -56,7 +56,7 @@ QString FilaComoTexto(const Grilla &g, int fila)
     for (int c = 0; c < g.Columnas(); ++c) {
         textos << g.Texto(fila, c).simplified(); // the header padding depends on the font
         const QVariant d = g.Dato(fila, c);
-        datos << (d.typeId() == QMetaType::QDateTime ? d.toDateTime().toString(Qt::ISODateWithMs)
+        datos << (d.typeId() == QMetaType::QDateTime ? d.toDateTime().toString(QStringLiteral("yyyy-MM-ddThh:mm:ss.zzz"))
                   : d.typeId() == QMetaType::QDate   ? d.toDate().toString(Qt::ISODate)
                                                      : d.toString());
     }

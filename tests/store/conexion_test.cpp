@@ -30,7 +30,7 @@ TEST_P(ConexionEnMotor, CamposPorNombreSinMayusculasNulosYFechasIguales)
     EXPECT_EQ(rs->Entero(QStringLiteral("ASIESTADO")), 1);
     EXPECT_TRUE(rs->EsNulo(QStringLiteral("AsiTipo")));
     EXPECT_EQ(rs->Fecha(QStringLiteral("AsiFechaAsiento")), QDate(2024, 2, 29));
-    EXPECT_EQ(rs->FechaHora(QStringLiteral("AsiFechaModificado")), QDateTime(QDate(2024, 2, 29), QTime(13, 5, 7, 123)));
+    EXPECT_EQ(rs->FechaHora(QStringLiteral("AsiFechaModificado")), QDateTime(QDate(2024, 2, 29), QTime(13, 5, 7, 123), Qt::UTC));
     EXPECT_THROW(rs->Entero(QStringLiteral("AsiTipo")), ErrorBaseDatos);          // NULL into a number
     EXPECT_THROW(rs->Campo(QStringLiteral("NoExiste")), ErrorBaseDatos);
     rs->MoverSiguiente();

@@ -1,0 +1,226 @@
+// The grid at 100,000 lines: a database of about 25,000 entries (some in dollars), then in
+// one run the bare query of a view's SQL, the fill of the grid with it, the order of one
+// entry of 2,000 lines and the first paint of the full grid. The goal is a fill no slower
+// than twice the bare query: compare "LlenarGrilla" with "ConsultaSola" (the ratio is also
+// printed as the counter "veces_consulta").
+#include "currency/catalogomonedas.h"
+#include "entries/asientosgrilla.h"
+#include "entries/vistas.h"
+#include "entries/vsgrid.h"
+#include "store/conexionqt.h"
+#include "store/esquema.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QSqlDatabase>
+#include <QSqlQuery>
+#include <QSqlRecord>
+#include <QTemporaryDir>
+
+#include <benchmark/benchmark.h>
+
+#include <cstdlib>
+
+namespace {
+
+constexpr int kAsientos = 25000;
+constexpr int kLineasPorAsiento = 4;
+
+struct Banco
+{
+    QTemporaryDir carpeta;
+    QString ruta;
+    std::unique_ptr<Conexion> conexion;
+    CatalogoMonedas monedas;
+    ContextoAsientos ctx;
+    QString sql;
+    double segundosConsulta = 0;
+};
+
+Banco &banco()
+{
+    static Banco b = [] {
+        Banco x;
+        x.ruta = x.carpeta.filePath(QStringLiteral("bench.sqlite"));
+        x.conexion = ConexionQt::Abrir(DireccionBD::Leer(x.ruta), true);
+        Conexion &c = *x.conexion;
+        CrearEsquema(c);
+        Transaccion tx(c);
+        c.Ejecutar(QStringLiteral("Insert Into genMonedas (MonID, MonSimbolo, MonCotizaEn, MonRedondeo, MonFormatoCotizacion, MonTipo)"
+                                  " Values (1, '$', Null, '#,##0.00', '#,##0.000', 1), (2, 'U$S', 1, '#,##0.00', '#,##0.000', 1)"));
+        c.Ejecutar(QStringLiteral("Insert Into genLibros (LibCodigo, LibNombre, LibDelSistema) Values (1, 'Diario', 0), (2, 'Ventas', 0)"));
+        for (int i = 1; i <= 60; ++i)
+            c.Ejecutar(QStringLiteral("Insert Into cceCuentas (CueID, CueIDEmpresa, CueCodigo, CueNombre, CueMoneda, CueEsCarpeta)"
+                                      " Values (?, 1, ?, ?, ?, 0)"),
+                       {i, QStringLiteral("%1.%2").arg(i / 10 + 1).arg(i, 2, 10, QLatin1Char('0')),
+                        QStringLiteral("Cuenta número %1").arg(i), i % 7 == 0 ? 2 : 1});
+        const QDate inicio(2024, 1, 1);
+        QStringList asientos;
+        QStringList lineas;
+        auto volcar = [&] {
+            if (!asientos.isEmpty())
+                c.Ejecutar(QStringLiteral("Insert Into cceAsientos (AsiID, AsiEmpresa, AsiEstado, AsiFechaAsiento, AsiFechaModificado,"
+                                          " AsiLeyenda, AsiTipo) Values ") + asientos.join(QLatin1Char(',')));
+            if (!lineas.isEmpty())
+                c.Ejecutar(QStringLiteral("Insert Into cceAsientoCuenta (ACuIDAsiento, ACuCuenta, ACuDebe, AcuHaber, ACuImporteMC, ACuOrden)"
+                                          " Values ") + lineas.join(QLatin1Char(',')));
+            asientos.clear();
+            lineas.clear();
+        };
+        for (int id = 1; id <= kAsientos; ++id) {
+            const QString fecha = inicio.addDays(id * 700 / kAsientos).toString(Qt::ISODate);
+            asientos << QStringLiteral("(%1, 1, %2, '%3', '%3 10:00:00.000', 'Asiento de prueba %1', %4)")
+                            .arg(id).arg(id % 5 == 0 ? 0 : 1).arg(fecha).arg(id % 2 + 1);
+            const int cuenta = id % 60 + 1;
+            const bool dolares = cuenta % 7 == 0;
+            const double importe = 100 + id % 997;
+            for (int k = 0; k < kLineasPorAsiento; ++k) {
+                const bool debe = k < kLineasPorAsiento / 2;
+                const int cta = k == 0 ? cuenta : (cuenta + k * 11) % 60 + 1;
+                const bool extranjera = cta % 7 == 0;
+                const double mc = importe / 2;
+                const double propio = extranjera ? mc / 40 : mc;
+                lineas << QStringLiteral("(%1, %2, %3, %4, %5, %6)")
+                              .arg(id).arg(cta)
+                              .arg(debe ? QString::number(propio, 'f', 4) : QStringLiteral("Null"))
+                              .arg(debe ? QStringLiteral("Null") : QString::number(propio, 'f', 4))
+                              .arg(mc, 0, 'f', 2).arg(k + 1);
+            }
+            Q_UNUSED(dolares)
+            if (id % 200 == 0)
+                volcar();
+        }
+        volcar();
+        tx.Confirmar();
+
+        x.monedas.CargarMonedas(c);
+        x.monedas.FijarMonedaContabilidad(1);
+        x.ctx.monedas = &x.monedas;
+        x.ctx.monedaContabilidad = 1;
+        x.ctx.empresa = 1;
+        x.ctx.texto = [](int) { return QStringLiteral("Nuevo Asiento"); };
+        x.sql = QStringLiteral("Select *") + DesdeAsientos()
+              + QStringLiteral(" Where AsiFechaAsiento BetWeen '2024-01-01' And '2025-12-31'"
+                               " And AsiEmpresa = 1 And AsiEstado <> 9 Order By AsiFechaAsiento, AsiID");
+        return x;
+    }();
+    return b;
+}
+
+const char *const kColumnas[] = {"AsiID", "AsiEstado", "AsiFechaAsiento", "AsiFechaModificado", "AsiLeyenda", "AsiTipo",
+                                 "LibNombre", "AsiUsuarioVerificador", "AcuHaber", "CueMoneda", "CueFechaCerrada",
+                                 "CueCodigo", "CueNombre", "ACuDebe", "ACuImporteMC", "ACuOrden", "ACuCuenta",
+                                 "ACuProyecto", "ACuDepartamento"};
+
+// (a) The query alone, through Qt SQL, reading every column the grid needs.
+void ConsultaSola(benchmark::State &estado)
+{
+    Banco &b = banco();
+    QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("bench-sola"));
+    db.setDatabaseName(b.ruta);
+    db.open();
+    qint64 filas = 0;
+    QElapsedTimer reloj;
+    double total = 0;
+    for (auto _ : estado) {
+        reloj.start();
+        QSqlQuery q(db);
+        q.setForwardOnly(true);
+        q.exec(b.sql);
+        const QSqlRecord r = q.record();
+        int indices[19];
+        for (int i = 0; i < 19; ++i)
+            indices[i] = r.indexOf(QString::fromLatin1(kColumnas[i]));
+        filas = 0;
+        while (q.next()) {
+            for (int i : indices)
+                benchmark::DoNotOptimize(q.value(i));
+            ++filas;
+        }
+        total += reloj.nsecsElapsed() / 1e9;
+    }
+    b.segundosConsulta = total / double(estado.iterations());
+    estado.counters["filas"] = double(filas);
+}
+BENCHMARK(ConsultaSola)->Unit(benchmark::kMillisecond)->Iterations(3);
+
+// (b) The same SQL into the grid.
+void LlenarGrilla(benchmark::State &estado)
+{
+    Banco &b = banco();
+    int filas = 0;
+    double total = 0;
+    QElapsedTimer reloj;
+    for (auto _ : estado) {
+        Grilla g;
+        AsientosGrilla a(g, b.ctx);
+        g.FijarRedibujar(false);
+        reloj.start();
+        a.LlenarGrilla(*b.conexion, b.sql, 0);
+        total += reloj.nsecsElapsed() / 1e9;
+        filas = g.Filas();
+    }
+    estado.counters["filas_grilla"] = filas;
+    if (b.segundosConsulta > 0)
+        estado.counters["veces_consulta"] = total / double(estado.iterations()) / b.segundosConsulta;
+}
+BENCHMARK(LlenarGrilla)->Unit(benchmark::kMillisecond)->Iterations(3);
+
+// (c) One entry of 2,000 lines put in order.
+void OrdenarCuentas2000(benchmark::State &estado)
+{
+    Banco &b = banco();
+    for (auto _ : estado) {
+        estado.PauseTiming();
+        Grilla g;
+        AsientosGrilla a(g, b.ctx);
+        g.InsertarFilas(1, 2001);
+        a.Cabezal.AsiID = 1;
+        a.Cabezal.FilaCabezal = 1;
+        a.FilaCabezalAsiento(QString());
+        for (int i = 0; i < 2000; ++i) {
+            RegistroLinea l;
+            l.bEsAlDebe = (i * 7919) % 3 != 0;
+            l.lCta = i;
+            l.sTextDisplay = QStringLiteral("%1 - Cuenta").arg((i * 7919) % 2000, 4, 10, QLatin1Char('0'));
+            l.dImporte = l.dImporteMC = i;
+            l.ACuOrden = qint16(2000 - i);
+            a.FilaLineaAsiento(2 + i, l);
+        }
+        estado.ResumeTiming();
+        a.OrdenarCuentas();
+    }
+}
+BENCHMARK(OrdenarCuentas2000)->Unit(benchmark::kMillisecond);
+
+// (d) The first paint of the full grid, in a real widget (offscreen).
+void PrimerPintado(benchmark::State &estado)
+{
+    Banco &b = banco();
+    Grilla g;
+    AsientosGrilla a(g, b.ctx);
+    g.FijarRedibujar(false);
+    a.LlenarGrilla(*b.conexion, b.sql, 0);
+    g.FijarRedibujar(true);
+    for (auto _ : estado) {
+        vsGrid vista(g);
+        vista.resize(1100, 700);
+        vista.show();
+        benchmark::DoNotOptimize(vista.grab());
+    }
+}
+BENCHMARK(PrimerPintado)->Unit(benchmark::kMillisecond)->Iterations(3);
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    if (!std::getenv("QT_QPA_PLATFORM"))
+        setenv("QT_QPA_PLATFORM", "offscreen", 1);
+    QApplication app(argc, argv);
+    benchmark::Initialize(&argc, argv);
+    banco();
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    return 0;
+}
