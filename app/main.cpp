@@ -1,4 +1,3 @@
-#include "disenodemo.h"
 #include "opciones.h"
 #include "ventanahost.h"
 
@@ -27,8 +26,6 @@ QString BaseDemo(const QString &carpeta, QString &error)
     try {
         auto conexion = ConexionQt::Abrir(DireccionBD::Leer(provisoria), true);
         CrearBaseDemo(*conexion, QDate::currentDate());
-        SembrarDisenosDemo(*conexion, carpeta,
-                           {Demo::kUsuarioAdministrador, Demo::kUsuarioConsulta, Demo::kUsuarioContador});
         conexion->Ejecutar(QStringLiteral("PRAGMA journal_mode=DELETE"));
         conexion->Cerrar();
     } catch (const ErrorBaseDatos &e) {

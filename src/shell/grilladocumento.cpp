@@ -15,6 +15,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QMenu>
+#include <QStandardPaths>
 
 void lumIngAsiento::ActualizarContexto()
 {
@@ -125,7 +126,11 @@ QString lumIngAsiento::RutaDisenoGrilla() const
 {
     if (m_host.PrefijoUsuario.isEmpty())
         return {};
-    QString ruta = m_host.CarpetaTemporal + QStringLiteral("\\lg") + m_host.PrefijoUsuario + QStringLiteral("a.tgr");
+    // Without a working folder the layout goes to the user's data folder, never to the root.
+    QString carpeta = m_host.CarpetaTemporal;
+    if (carpeta.trimmed().isEmpty())
+        carpeta = QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation);
+    QString ruta = carpeta + QStringLiteral("\\lg") + m_host.PrefijoUsuario + QStringLiteral("a.tgr");
 #ifndef Q_OS_WIN
     // The host hands the folder over with "\" separators; this system uses "/".
     ruta.replace(QLatin1Char('\\'), QLatin1Char('/'));

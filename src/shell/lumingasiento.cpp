@@ -92,7 +92,9 @@ lumIngAsiento::~lumIngAsiento()
 {
     if (m_filaEdicion > 0)
         SalirEdicion();
-    if (!m_host.PrefijoUsuario.isEmpty())
+    // Only a document that got as far as loading the user's layout writes it back: one that
+    // stopped on the way would replace the user's grid with an empty one.
+    if (!m_host.PrefijoUsuario.isEmpty() && m_estado == Estado::Listo)
         GuardarDisenoGrilla();
     if (m_estado != Estado::Creado && proceso().conexion) {
         proceso().conexion->Cerrar();
@@ -610,6 +612,14 @@ void lumIngAsiento::resizeEvent(QResizeEvent *evento)
 
 void lumIngAsiento::AcomodarPantalla()
 {
-    // The layouts place every panel; the help image must not cover the last link.
+    // The layouts place every panel; the help image must not cover the last link, and the
+    // account column takes the width the other columns leave, as after a fill.
     tmMenu->setMaxLeftImg(qMax(0, width() - 30));
+    int resto = m_vsGrid->AnchoClienteTwips() - 300;
+    for (int c = 1; c < m_grilla.Columnas(); ++c)
+        resto -= m_grilla.ColumnaOculta(c) ? 0 : m_grilla.AnchoColumna(c);
+    if (resto >= 0 && resto != m_grilla.AnchoColumna(0)) {
+        m_grilla.FijarAnchoColumna(0, resto);
+        m_vsGrid->AplicarAnchos();
+    }
 }

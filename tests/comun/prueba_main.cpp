@@ -1,5 +1,6 @@
 #include <QApplication>
 #include <QLocale>
+#include <QStandardPaths>
 
 #include <gtest/gtest.h>
 
@@ -13,6 +14,8 @@ int main(int argc, char **argv)
         setenv("QT_QPA_PLATFORM", "offscreen", 1);
     QLocale::setDefault(QLocale(QLocale::Spanish, QLocale::Uruguay));
     QApplication app(argc, argv);
+    // Files a test leaves in the user's folders go to a test location instead.
+    QStandardPaths::setTestModeEnabled(true);
     ::testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();
 }

@@ -4,10 +4,13 @@
 #include "shell/idioma.h"
 #include "shell/lumingasiento.h"
 #include "shell/menusdocumento.h"
+#include "entries/vistas.h"
 #include "store/basedemo.h"
 
 #include <QAction>
 #include <QComboBox>
+#include <QDir>
+#include <QFile>
 #include <QSettings>
 #include <QTemporaryDir>
 #include <QTest>
@@ -63,9 +66,10 @@ protected:
         return doc;
     }
 
-    static QString usuario(int id)
+    // Each test keeps its layout files in its own folder.
+    QString usuario(int id) const
     {
-        return QStringLiteral("psidusuario=%1|psidempresa=1|psckey=lum01|pskeyinit=%1").arg(id);
+        return QStringLiteral("psidusuario=%1|psidempresa=1|psckey=lum01|pskeyinit=%1|pstempdir=%2").arg(id).arg(m_carpeta.path());
     }
 
     bool habilitado(lumIngAsiento &doc, const char *enlace)
@@ -241,6 +245,100 @@ TEST_F(Documento, DosDocumentosCompartenEmpresaEIdioma)
     EXPECT_EQ(Idioma::resLoad(0), QStringLiteral("Ingreso de Asientos"));
     dos.reset();
     EXPECT_EQ(Idioma::Cuenta(), 0);
+}
+
+} // namespace
+
+namespace {
+
+int cabezales(lumIngAsiento &doc)
+{
+    int n = 0;
+    for (int r = 1; r < doc.grilla().Filas(); ++r)
+        n += doc.asientos().EsFilaCabezal(r) ? 1 : 0;
+    return n;
+}
+
+TEST_F(Documento, ArrancaEnRecienIngresadosYCadaVistaCargaSusAsientos)
+{
+    auto doc = abrir(usuario(1));
+    EXPECT_EQ(doc->VistaActual(), QStringLiteral("0"));
+    EXPECT_EQ(doc->grilla().Filas(), 2); // an empty grid gets only "Nuevo Asiento"
+    EXPECT_EQ(doc->grilla().Texto(1, 0), QStringLiteral("Nuevo Asiento"));
+
+    doc->ElegirVista(1);
+    EXPECT_EQ(cabezales(*doc), 5);
+    EXPECT_EQ(doc->findChild<QToolButton *>(QStringLiteral("hlCargar"))->text(), QStringLiteral("Ver : Últimos 5 ingresados"));
+    EXPECT_TRUE(doc->menus().MnuVieitem[1]->isChecked());
+    EXPECT_FALSE(doc->menus().MnuVieitem[0]->isChecked());
+    doc->ElegirVista(2);
+    EXPECT_EQ(cabezales(*doc), 10);
+    // The amount columns show the accounting currency's mask.
+    EXPECT_EQ(doc->grilla().FormatoColumna(2), QStringLiteral("#,##0.00"));
+
+    // A month: every header row is dated in it.
+    doc->ElegirVista(Vista::kPrimerMes + 1);
+    const QDate mes = doc->menus().MnuViewMItem[1]->data().toDate();
+    ASSERT_TRUE(mes.isValid());
+    for (int r = 1; r < doc->grilla().Filas(); ++r)
+        if (doc->asientos().EsFilaCabezal(r))
+            EXPECT_EQ(doc->grilla().Dato(r, 2).toDate().month(), mes.month());
+    EXPECT_TRUE(doc->findChild<QToolButton *>(QStringLiteral("hlCargar"))->text().startsWith(QStringLiteral("Ver : ")));
+}
+
+TEST_F(Documento, LaGrillaVuelveComoSeDejoYUnDisenoDanadoNoDetiene)
+{
+    const QString carpeta = m_carpeta.filePath(QStringLiteral("tmp dir"));
+    const QString parametros = QStringLiteral("psidusuario=1|psidempresa=1|pskeyinit=1|pstempdir=")
+                             + QString(carpeta).replace(QLatin1Char(' '), QLatin1String("%20"));
+    int filas = 0;
+    {
+        auto doc = abrir(parametros);
+        doc->ElegirVista(2);
+        filas = doc->grilla().Filas();
+        doc->grilla().FijarAnchoColumna(4, 2345);
+    }
+    const QString ruta = carpeta + QStringLiteral("/lg1a.tgr");
+    ASSERT_TRUE(QFile::exists(ruta));
+    {
+        auto doc = abrir(parametros);
+        EXPECT_EQ(doc->grilla().Filas(), filas);
+        EXPECT_EQ(cabezales(*doc), 10);
+        EXPECT_EQ(doc->grilla().AnchoColumna(4), 2345);
+        EXPECT_EQ(doc->grilla().Fila(1).imagen.isEmpty(), false);
+    }
+    QFile f(ruta);
+    ASSERT_TRUE(f.open(QIODevice::ReadWrite));
+    f.seek(f.size() / 2);
+    f.write("dañado");
+    f.close();
+    auto doc = abrir(parametros);
+    EXPECT_EQ(doc->estado(), lumIngAsiento::Estado::Listo);
+    EXPECT_EQ(doc->grilla().Filas(), 2);
+}
+
+TEST_F(Documento, SinPrefijoNoHayArchivoDeDiseno)
+{
+    const QString carpeta = m_carpeta.filePath(QStringLiteral("sin"));
+    {
+        auto doc = abrir(QStringLiteral("psidusuario=1|psidempresa=1|pstempdir=") + carpeta);
+        doc->ElegirVista(1);
+    }
+    EXPECT_FALSE(QDir(carpeta).exists());
+}
+
+TEST_F(Documento, PedidoDeAsientoAlArrancar)
+{
+    auto rs = m_base.conexion().Abrir(QStringLiteral("Select Max(AsiID) From cceAsientos Where AsiEstado = 1"));
+    const int id = QVariant(rs->Campo(0)).toInt();
+    rs->Cerrar();
+    auto doc = abrir(usuario(1) + QStringLiteral("|prmidasi=%1").arg(id));
+    ASSERT_EQ(cabezales(*doc), 1);
+    EXPECT_EQ(doc->grilla().Dato(1, 0).toInt(), id);
+    EXPECT_TRUE(doc->asientos().EsFilaNuevoAsiento(doc->grilla().Filas() - 1));
+
+    auto otro = abrir(usuario(1) + QStringLiteral("|prmidasi=x"));
+    EXPECT_EQ(cabezales(*otro), 0);
 }
 
 } // namespace
