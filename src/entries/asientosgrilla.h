@@ -112,6 +112,11 @@ public:
     bool FormatoEntrada();
     void OrdenarCuentas();
 
+    // The rate the current entry's lines already use for a currency: from the first line kept
+    // in it, the amount in pesos over the amount in the currency (or the rate cell when that
+    // amount is 0); 0 when no line of that currency is found before the next entry.
+    double BuscarTCMonedaCuenta(qint16 iMoneda) const;
+
     // Takes the entry whose header is at fila as the current entry.
     void TomarAsientoDeFila(int fila);
     // Removes the current entry's rows from the grid; nothing changes in the database.

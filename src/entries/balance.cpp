@@ -60,6 +60,27 @@ void AsientosGrilla::CierreAsiento(bool &bDebeMenor, double &cDiferenciaMC, doub
     }
 }
 
+double AsientosGrilla::BuscarTCMonedaCuenta(qint16 iMoneda) const
+{
+    for (int r = Cabezal.FilaCabezal + 1; r >= m_g.FilasFijas() && r < m_g.Filas(); ++r) {
+        if (m_g.Dato(r, 0).toInt() != Cabezal.AsiID || EsFilaCabezal(r) || EsFilaNuevoAsiento(r))
+            return 0;
+        const QString clave = m_g.Dato(r, 1).toString();
+        if (clave.isEmpty() || CampoDeClave(clave, 3) != iMoneda)
+            continue;
+        const double importe = m_g.Valor(r, 5);
+        if (importe == 0)
+            return Importe::DesdeDouble(m_g.Valor(r, 4)).aDouble();
+        double tasa = 0;
+        if (m_g.EsNumero(r, 2))
+            tasa = m_g.Valor(r, 2) / importe;
+        else if (m_g.EsNumero(r, 3))
+            tasa = m_g.Valor(r, 3) / importe;
+        return Importe::DesdeDouble(tasa).aDouble();
+    }
+    return 0;
+}
+
 bool AsientosGrilla::FilaDiferencia(int fila, bool insertar)
 {
     bool debeMenor = false;

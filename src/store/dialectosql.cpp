@@ -103,11 +103,18 @@ void reemplazarVisible(Nivel &nivel, const QRegularExpression &patron, Reemplazo
     nivel = resultado;
 }
 
-QString limitarSelect(const QString &parte, const QString &mascara, bool esMitadDeUnion, int &alias)
+const QRegularExpression &patronTop()
 {
     static const QRegularExpression top(QStringLiteral("^(\\s*)Select\\s+Top\\s+(\\d+)\\s+"),
                                         QRegularExpression::CaseInsensitiveOption);
-    const auto m = top.match(mascara);
+    return top;
+}
+
+// One select of a level: "Top n" becomes " LIMIT n" at its end. A half of a UNION is wrapped,
+// since neither engine takes LIMIT on a bare half; numerar adds the half's number as a column.
+QString limitarSelect(const QString &parte, const QString &mascara, bool esMitadDeUnion, bool numerar, int &alias)
+{
+    const auto m = patronTop().match(mascara);
     if (!m.hasMatch())
         return parte;
 
@@ -123,8 +130,10 @@ QString limitarSelect(const QString &parte, const QString &mascara, bool esMitad
     const QString select = QStringLiteral("Select ") + resto + QStringLiteral(" LIMIT ") + cantidad;
     if (!esMitadDeUnion)
         return inicio + select + cola;
-    return inicio + QStringLiteral("Select * From (") + select + QStringLiteral(") AS t")
-         + QString::number(++alias) + cola;
+    const QString t = QStringLiteral("t") + QString::number(++alias);
+    const QString columnas = numerar ? QString::number(alias) + QStringLiteral(" AS MitadUnion, ") + t + QStringLiteral(".*")
+                                     : QStringLiteral("*");
+    return inicio + QStringLiteral("Select ") + columnas + QStringLiteral(" From (") + select + QStringLiteral(") AS ") + t + cola;
 }
 
 QString adaptarNivel(const QString &sql, Motor motor)
@@ -144,15 +153,26 @@ QString adaptarNivel(const QString &sql, Motor motor)
                                            QRegularExpression::CaseInsensitiveOption);
     QList<qsizetype> cortes{0};
     QList<qsizetype> reanudar{0};
+    bool todasAll = true;
     auto it = union_.globalMatch(nivel.mascara);
     while (it.hasNext()) {
         const auto m = it.next();
         cortes.append(m.capturedStart());
         reanudar.append(m.capturedEnd());
+        todasAll = todasAll && !m.captured(1).isEmpty();
     }
     cortes.append(nivel.texto.size());
 
     const bool hayUnion = cortes.size() > 2;
+    bool todasConTop = hayUnion;
+    for (qsizetype k = 0; k + 1 < cortes.size(); ++k)
+        todasConTop = todasConTop
+                   && patronTop().match(nivel.mascara.mid(reanudar[k], cortes[k + 1] - reanudar[k])).hasMatch();
+    // A UNION ALL of limited halves (the latest direct and the latest inverse quotation) is
+    // read in the order of its halves. Neither engine promises that order, so it is made
+    // explicit: each half carries its number and the whole is sorted by it.
+    const bool numerar = todasConTop && todasAll;
+
     int alias = 0;
     QString resultado;
     for (qsizetype k = 0; k + 1 < cortes.size(); ++k) {
@@ -160,8 +180,10 @@ QString adaptarNivel(const QString &sql, Motor motor)
             resultado += nivel.texto.mid(cortes[k], reanudar[k] - cortes[k]);
         const qsizetype a = reanudar[k];
         const qsizetype n = cortes[k + 1] - a;
-        resultado += limitarSelect(nivel.texto.mid(a, n), nivel.mascara.mid(a, n), hayUnion, alias);
+        resultado += limitarSelect(nivel.texto.mid(a, n), nivel.mascara.mid(a, n), hayUnion, numerar, alias);
     }
+    if (numerar)
+        return QStringLiteral("Select * From (") + resultado + QStringLiteral(") AS tu Order By MitadUnion");
     return resultado;
 }
 

@@ -130,6 +130,22 @@ TEST_P(Llenado, ErrorDeLaBaseSeInformaComo1916Y1917)
     EXPECT_TRUE(d.grilla.Redibujar()); // switched back on after the error
 }
 
+TEST_P(Llenado, TasaQueYaUsanLasLineasDelAsiento)
+{
+    DatosAsientos d(GetParam());
+    d.ctx.AsiOrder = 1; // two lines of one account: keep them in the order they were entered
+    const qint32 id = d.Asiento(QDate(2026, 4, 1), 0, QStringLiteral("20:D:100,11:H:4:100,11:H:0:5"));
+    ASSERT_FALSE(CargarAsientoEnGrilla(d.asientos, d.conexion(), id, 0));
+    d.asientos.TomarAsientoDeFila(1);
+    EXPECT_DOUBLE_EQ(d.asientos.BuscarTCMonedaCuenta(2), 25);   // 100 in pesos for U$S 4
+    EXPECT_DOUBLE_EQ(d.asientos.BuscarTCMonedaCuenta(3), 0);    // no line in that currency
+
+    const qint32 cero = d.Asiento(QDate(2026, 4, 2), 0, QStringLiteral("11:D:0:0,20:H:0"));
+    ASSERT_FALSE(CargarAsientoEnGrilla(d.asientos, d.conexion(), cero, 0));
+    d.asientos.TomarAsientoDeFila(d.asientos.FilaCabezalDe(d.grilla.Filas() - 2));
+    EXPECT_DOUBLE_EQ(d.asientos.BuscarTCMonedaCuenta(2), 0);    // amount 0: the rate cell, here 0
+}
+
 INSTANTIATE_TEST_SUITE_P(Motores, Llenado, ::testing::ValuesIn(MotoresDePrueba()),
                          [](const ::testing::TestParamInfo<Motor> &i) { return NombreMotor(i.param).toStdString(); });
 

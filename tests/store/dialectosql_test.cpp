@@ -60,6 +60,12 @@ QString sinTop(QString s, int n)
     return s + QStringLiteral(" LIMIT %1").arg(n);
 }
 
+// Each half keeps its limit and its number; the whole is ordered by that number, so the
+// direct quotation comes first on every engine.
+const QString kUnionNumerada = QStringLiteral("Select * From (Select 1 AS MitadUnion, t1.* From (") + sinTop(kDirecta, 1)
+                             + QStringLiteral(") AS t1 UNION ALL Select 2 AS MitadUnion, t2.* From (") + sinTop(kInversa, 1)
+                             + QStringLiteral(") AS t2) AS tu Order By MitadUnion");
+
 const QString kLeyenda = QStringLiteral("Select *") + kDesde
                        + QStringLiteral(" Where AsiLeyenda Like 'caja%ref%' And AsiEmpresa = 1 And AsiEstado <> 9 Order By AsiFechaAsiento, AsiID");
 
@@ -72,11 +78,11 @@ INSTANTIATE_TEST_SUITE_P(
         Caso{"UltimosDiez", vistaUltimos(10, {}), vistaUltimos(10, QStringLiteral("Desc LIMIT 10")),
              vistaUltimos(10, QStringLiteral("Desc NULLS LAST LIMIT 10"))},
         // Each half of the union keeps its own limit, and the direct half stays first.
-        Caso{"CotizacionUnion", kDirecta + QStringLiteral(" UNION ALL ") + kInversa,
-             QStringLiteral("Select * From (") + sinTop(kDirecta, 1) + QStringLiteral(") AS t1 UNION ALL Select * From (")
-                 + sinTop(kInversa, 1) + QStringLiteral(") AS t2"),
-             QStringLiteral("Select * From (") + sinTop(kDirecta, 1) + QStringLiteral(") AS t1 UNION ALL Select * From (")
-                 + sinTop(kInversa, 1) + QStringLiteral(") AS t2")},
+        Caso{"CotizacionUnion", kDirecta + QStringLiteral(" UNION ALL ") + kInversa, kUnionNumerada, kUnionNumerada},
+        // Halves of a plain UNION, or with one half unlimited, are wrapped but not numbered.
+        Caso{"UnionConUnaMitadLimitada", QStringLiteral("Select Top 1 a From t UNION ALL Select b From u"),
+             QStringLiteral("Select * From (Select a From t LIMIT 1) AS t1 UNION ALL Select b From u"),
+             QStringLiteral("Select * From (Select a From t LIMIT 1) AS t1 UNION ALL Select b From u")},
         Caso{"LeyendaLike", kLeyenda, kLeyenda, QString(kLeyenda).replace(QStringLiteral(" Like "), QStringLiteral(" ILIKE "))},
         // Keywords and quotes inside a literal are text, never SQL.
         Caso{"Literal", QStringLiteral("Select Top 2 AsiID From cceAsientos Where AsiLeyenda Like 'O''Brien (Select Top 3 x Like y desc) UNION' Order By AsiID desc"),

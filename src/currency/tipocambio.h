@@ -1,0 +1,43 @@
+#pragma once
+
+#include "importe.h"
+
+#include "store/conexion.h"
+
+#include <QDate>
+#include <QString>
+
+// What the rate lookup needs of the session: the database's date literal and the company's
+// quotation-date rule (EmpFechaCotizacion: 2 the day before, 3 the last day of the previous
+// month, anything else the date itself).
+struct ReglasCotizacion
+{
+    QString delimitador = QStringLiteral("'");
+    QString patronFecha = QStringLiteral("yyyy-mm-dd");
+    quint8 fechaCotizacion = 0;
+    QDate hoy = QDate::currentDate();
+};
+
+// The query of the latest direct quotation of a in b on or before the date and the latest
+// inverse one (b in a, as its reciprocal), the direct half first.
+QString SqlCotizacion(qint16 a, qint16 b, qint16 tipo, const QString &fechaSQL);
+// The query of the quoting currencies of two currencies, for a cross rate.
+QString SqlMonedasCruzadas(qint16 a, qint16 b);
+
+// One search: the latest direct or inverse quotation of the pair on or before dFecha. True
+// when one was found; then cTasa and dFechaCotizacion hold it. A later inverse quotation
+// beats an earlier direct one; on equal dates the direct one stays. A database error ends
+// the search with what was read until then.
+bool BuscarCotizacion(Conexion &conexion, qint16 iMoneda, qint16 iCotizaEn, qint16 iTipoCotizacion, const QDate &dFecha,
+                      QDate &dFechaCotizacion, Importe &cTasa, const ReglasCotizacion &reglas);
+
+// Units of iMonedaDestino per unit of iMonedaOrigen on dFecha after the date rule: a direct
+// or inverse quotation (four decimals), else a cross rate through a common quoting currency
+// (cut to three decimals), else 1. dFechaCotizacion gets the date of the quotation used, or
+// the date searched on when none was found.
+Importe BuscarTipoCambio(Conexion &conexion, qint16 iMonedaOrigen, qint16 iMonedaDestino, qint16 iTipoCotizacion,
+                         const QDate &dFecha, QDate &dFechaCotizacion, const ReglasCotizacion &reglas);
+
+// The date a quotation is searched on: the empty date (1 January 1900) is today; then the
+// company's rule.
+QDate FechaEfectivaCotizacion(const QDate &dFecha, const ReglasCotizacion &reglas);
