@@ -52,7 +52,7 @@ const char *const kTablas[] = {
 
     "CREATE TABLE IF NOT EXISTS cceCuentas ("
     " CueID INTEGER NOT NULL PRIMARY KEY, CueIDEmpresa INTEGER NOT NULL,"
-    " CueCodigo VARCHAR(30) NOT NULL, CueNombre VARCHAR(120) NOT NULL, CueMoneda INTEGER NOT NULL DEFAULT 0,"
+    " CueCodigo VARCHAR(30) NOT NULL, CueNombre VARCHAR(120) NOT NULL, CueMoneda INTEGER DEFAULT 0,"
     " CueFechaCerrada {fecha}, CueEsCarpeta INTEGER NOT NULL DEFAULT 0, CueTipo INTEGER,"
     " CueSaldo {importe}, CueSaldoMConta {importe})",
 

@@ -1,0 +1,227 @@
+// Account input: looking an account up, checking it and confirming the line.
+#include "lumerasiento.h"
+
+#include "campocalculadora.h"
+
+#include "currency/catalogomonedas.h"
+#include "entries/modeloasiento.h"
+#include "services/serviciobusquedacuentas.h"
+#include "services/serviciomensajes.h"
+#include "store/valoressql.h"
+
+#include <QApplication>
+#include <QComboBox>
+#include <QLineEdit>
+
+#include <limits>
+
+namespace {
+
+// Restores the normal pointer however the lookup ends.
+class CursorEspera
+{
+public:
+    CursorEspera() { QApplication::setOverrideCursor(Qt::WaitCursor); }
+    ~CursorEspera() { QApplication::restoreOverrideCursor(); }
+};
+
+} // namespace
+
+void lumERAsiento::Advertir(int texto, QWidget *foco)
+{
+    if (m_ctx.mensajes)
+        m_ctx.mensajes->Advertir(m_ctx.texto ? m_ctx.texto(texto) : QString::number(texto));
+    if (foco)
+        foco->setFocus();
+}
+
+void lumERAsiento::CuentaEditada(bool bEsAlDebe)
+{
+    if (m_cambiandoCuenta)
+        return;
+    QString &tag = bEsAlDebe ? m_tagDebe : m_tagHaber;
+    if (tag.isEmpty())
+        return;
+    // Typing over an accepted account drops it, with the amounts that went with it.
+    QuitarCuenta(bEsAlDebe);
+    m_tagMoneda.clear();
+    for (CampoCalculadora *c : {ocImporte, ocTCambio, ocImporteMC}) {
+        c->Limpiar();
+        c->Tag.clear();
+    }
+    if (!CuentaIngresadaAlDebe() && !CuentaIngresadaAlHaber())
+        cfMoneda->setCurrentIndex(-1);
+    PrepararImportes(!bEsAlDebe, false);
+    tag.clear();
+}
+
+void lumERAsiento::QuitarCuenta(bool bEsAlDebe)
+{
+    CuentaLinea &c = bEsAlDebe ? m_debe : m_haber;
+    const CuentaLinea &otra = bEsAlDebe ? m_haber : m_debe;
+    if (c.iMon != 0 && c.iMon != m_ctx.monedaContabilidad && !(otra.lCta >= 1 && otra.iMon == c.iMon))
+        QuitarMoneda(c.iMon);
+    c = CuentaLinea();
+}
+
+bool lumERAsiento::ValidarCuenta(bool bEsAlDebe)
+{
+    // The search dialog and the warnings take the focus away from the box; that must not
+    // start a second validation.
+    if (m_validando)
+        return false;
+    m_validando = true;
+    QLineEdit *caja = bEsAlDebe ? tDebe : tHaber;
+    const bool aceptada = BuscarCuenta(caja->text(), bEsAlDebe);
+    m_validando = false;
+    if (!aceptada) {
+        (bEsAlDebe ? m_tagDebe : m_tagHaber).clear();
+        return false;
+    }
+    EstadoTasa();
+    return true;
+}
+
+bool lumERAsiento::BuscarCuenta(const QString &texto, bool bEsAlDebe)
+{
+    if (!m_ctx.conexion || !m_ctx.busqueda)
+        return false;
+    CuentaElegida elegida;
+    try {
+        bool habilitado = false;
+        emit EnabledContenedor(&habilitado);
+        const bool hay = m_ctx.busqueda->Buscar(*m_ctx.conexion, m_ctx.empresa, texto, elegida, window());
+        QApplication::processEvents();
+        habilitado = true;
+        emit EnabledContenedor(&habilitado);
+        if (!hay || elegida.id <= 0)
+            return false;
+
+        CursorEspera espera;
+        auto rs = m_ctx.conexion->Abrir(QStringLiteral("Select CueID, CueCodigo, CueNombre, CueMoneda, CueFechaCerrada ")
+                                        + QStringLiteral(" From cceCuentas Where CueID = ") + NumeroSQL(qint64(elegida.id))
+                                        + QStringLiteral(" And CueEsCarpeta = 0"));
+        if (rs->Fin())
+            return false;
+        const QVariant cierre = rs->Campo(QStringLiteral("CueFechaCerrada"));
+        const QDate fechaCierre = FechaDeValor(cierre);
+        if (!cierre.isNull() && m_fechaAsiento <= fechaCierre) {
+            rs->Cerrar();
+            QApplication::restoreOverrideCursor();
+            Advertir(1854, nullptr);
+            QApplication::setOverrideCursor(Qt::WaitCursor);
+            return false;
+        }
+        const QString display = TextoCuenta(rs->Texto(QStringLiteral("CueCodigo")), rs->Texto(QStringLiteral("CueNombre")),
+                                            m_ctx.mostrarCodigoCta);
+        qint16 moneda = m_ctx.monedaContabilidad;
+        if (!rs->EsNulo(QStringLiteral("CueMoneda")) && rs->Entero(QStringLiteral("CueMoneda")) > 0)
+            moneda = qint16(rs->Entero(QStringLiteral("CueMoneda")));
+        if (elegida.id > std::numeric_limits<qint32>::max())
+            throw ErrorBaseDatos(QStringLiteral("Desbordamiento"), 6);
+        SetCuenta(bEsAlDebe, elegida.id, elegida.proyecto, elegida.departamento, moneda, display,
+                  cierre.isNull() ? QDate(1901, 1, 1) : fechaCierre);
+        rs->Cerrar();
+
+        const CuentaLinea &otra = bEsAlDebe ? m_haber : m_debe;
+        const CuentaLinea &esta = bEsAlDebe ? m_debe : m_haber;
+        if (otra.lCta == esta.lCta && otra.iPry == esta.iPry && otra.iDep == esta.iDep) {
+            QuitarCuenta(bEsAlDebe);
+            return false;
+        }
+        return true;
+    } catch (const ErrorBaseDatos &e) {
+        bool habilitado = true;
+        emit EnabledContenedor(&habilitado);
+        if (m_ctx.mensajes)
+            m_ctx.mensajes->MostrarError(m_ctx.texto ? m_ctx.texto(1853) : QString(), QString(),
+                                         DetalleError(e.numero(), e.descripcion()));
+        return false;
+    }
+}
+
+void lumERAsiento::EnterEnCuenta(bool bEsAlDebe)
+{
+    QLineEdit *caja = bEsAlDebe ? tDebe : tHaber;
+    QLineEdit *otraCaja = bEsAlDebe ? tHaber : tDebe;
+    if (caja->text().trimmed().isEmpty()) {
+        if (bEsAlDebe)
+            tHaber->setFocus();
+        return;
+    }
+    if ((bEsAlDebe ? m_tagDebe : m_tagHaber).isEmpty()) {
+        if (!ValidarCuenta(bEsAlDebe)) {
+            caja->setFocus();
+            caja->selectAll();
+            return;
+        }
+    }
+    const bool otraLibre = bEsAlDebe ? !CuentaIngresadaAlHaber() : !CuentaIngresadaAlDebe();
+    if (otraLibre && m_permitirDosCtas) {
+        otraCaja->setFocus();
+        return;
+    }
+    PrepararImportes(bEsAlDebe, true);
+}
+
+void lumERAsiento::PrepararImportes(bool bEsAlDebe, bool moverFoco)
+{
+    const qint16 mc = m_ctx.monedaContabilidad;
+    if (ocImporte->EsNumeroValido() && !ocImporte->text().isEmpty()) {
+        EstadoTasa();
+    } else {
+        auto extranjera = [mc](const CuentaLinea &c) { return c.lCta >= 1 && c.iMon != 0 && c.iMon != mc; };
+        qint16 moneda = 0;
+        if (extranjera(m_debe))
+            moneda = m_debe.iMon;
+        else if (extranjera(m_haber))
+            moneda = m_haber.iMon;
+        if (moneda) {
+            cfMoneda->setCurrentIndex(cfMoneda->findData(moneda));
+            BuscarTasa();
+        } else {
+            // A line in one currency shows that currency selected.
+            if (cfMoneda->currentIndex() < 0 && cfMoneda->count() > 0 && (CuentaIngresadaAlDebe() || CuentaIngresadaAlHaber()))
+                cfMoneda->setCurrentIndex(0);
+            EstadoTasa();
+        }
+        if (m_diferencia != 0 && bEsAlDebe == m_diferenciaAlDebe) {
+            if (MonedaCombo() == mc && !ocImporte->EsNumeroValido()) {
+                ocImporte->FijarValor(m_diferencia);
+                Recalcular(1);
+            } else if (MonedaCombo() != mc && !ocImporteMC->EsNumeroValido()) {
+                ocImporteMC->FijarValor(m_diferencia);
+                Recalcular(3);
+            }
+        }
+    }
+    if (moverFoco && ocImporte->isVisible())
+        ocImporte->setFocus();
+}
+
+void lumERAsiento::ConfirmarLinea()
+{
+    const bool debe = CuentaIngresadaAlDebe();
+    const bool haber = CuentaIngresadaAlHaber();
+    if (debe && haber && !m_permitirDosCtas)
+        return Advertir(1850, tDebe);
+    if (!debe && !haber)
+        return Advertir(1851, tDebe);
+    if (debe && haber && m_debe.lCta == m_haber.lCta && m_debe.iPry == m_haber.iPry && m_debe.iDep == m_haber.iDep)
+        return Advertir(1852, tDebe);
+    if (!ocImporte->EsNumeroValido())
+        return Advertir(1851, ocImporte);
+    if (ocTCambio->isEnabled() && !ocTCambio->EsNumeroValido())
+        return Advertir(1851, ocTCambio);
+
+    // Each value must fit the four-decimal currency type.
+    constexpr double kMaximo = 922337203685477.5807;
+    const std::pair<CampoCalculadora *, bool> tamanos[] = {
+        {ocImporte, true}, {ocTCambio, ocTCambio->isEnabled()}, {ocImporteMC, ocImporteMC->isEnabled()}};
+    for (const auto &[campo, cuenta] : tamanos) {
+        if (cuenta && std::abs(campo->Valor()) > kMaximo)
+            return Advertir(1937, campo);
+    }
+    bool cancelar = false;
+    emit EditOK(&cancelar);
+}

@@ -1,0 +1,234 @@
+// Currency list, rate and the three amounts of a line.
+#include "lumerasiento.h"
+
+#include "campocalculadora.h"
+
+#include "currency/catalogomonedas.h"
+#include "currency/mascara.h"
+#include "services/serviciomensajes.h"
+
+#include <QComboBox>
+#include <QLineEdit>
+
+#include <cmath>
+
+void lumERAsiento::AgregarMoneda(qint16 moneda)
+{
+    if (moneda == 0 || cfMoneda->findData(moneda) >= 0)
+        return;
+    const QVariant elegida = cfMoneda->currentIndex() >= 0 ? cfMoneda->currentData() : QVariant();
+    cfMoneda->addItem(simbolo(moneda), moneda);
+    if (moneda > 0 && cfMoneda->count() == 1 && moneda != m_ctx.monedaContabilidad)
+        cfMoneda->addItem(simbolo(m_ctx.monedaContabilidad), m_ctx.monedaContabilidad);
+    cfMoneda->setCurrentIndex(elegida.isValid() ? cfMoneda->findData(elegida) : -1);
+}
+
+void lumERAsiento::QuitarMoneda(qint16 moneda)
+{
+    const int i = cfMoneda->findData(moneda);
+    if (i >= 0)
+        cfMoneda->removeItem(i);
+    if (cfMoneda->count() < 2)
+        EstadoTasa();
+}
+
+void lumERAsiento::EstadoTasa()
+{
+    const bool habilitada = cfMoneda->count() >= 2;
+    ocTCambio->setEnabled(habilitada);
+    ocImporteMC->setEnabled(habilitada);
+    ocTCambio->FijarFondo(palette().color(habilitada ? QPalette::Base : QPalette::Button));
+    if (habilitada)
+        return;
+    m_operador.clear();
+    QString s = simbolo(0);
+    QString o;
+    emit MonedaResultadoTC(&s, &o);
+    for (CampoCalculadora *c : {ocTCambio, ocImporteMC}) {
+        c->Limpiar();
+        c->Tag.clear();
+    }
+}
+
+void lumERAsiento::MonedaCambiada()
+{
+    if (cfMoneda->currentIndex() < 0 || cfMoneda->count() < 2) {
+        EstadoTasa();
+        return;
+    }
+    if (m_tagMoneda.isEmpty() || m_tagMoneda == QLatin1String("0") || m_tagMoneda.toInt() == MonedaCombo()) {
+        BuscarTasa();
+        Recalcular(2);
+    }
+}
+
+void lumERAsiento::BuscarTasa()
+{
+    if (cfMoneda->count() == 0 || cfMoneda->currentIndex() < 0)
+        return;
+    const qint16 s = MonedaCombo();
+    const qint16 mc = m_ctx.monedaContabilidad;
+    qint16 a = mc;
+    qint16 b = 0;
+    qint16 extranjera = 0;
+    if (s != mc) {
+        a = s;
+        b = mc;
+        extranjera = s;
+    } else {
+        b = m_debe.iMon != 0 && m_debe.iMon != mc ? m_debe.iMon : m_haber.iMon;
+        extranjera = b;
+    }
+
+    qint16 iMon = extranjera;
+    double cTC = 0;
+    emit GetTCME(&iMon, &cTC);
+    double r = 0;
+    if (cTC == 0) {
+        QDate fecha;
+        r = m_ctx.conexion ? BuscarTipoCambio(*m_ctx.conexion, a, b, m_ctx.tipoTCComprobantes, m_fechaAsiento, fecha, m_ctx.reglas).aDouble()
+                           : 1.0;
+        // A rate below 1 is shown as its reciprocal with "/", so the rate on screen is always
+        // the larger of the two.
+        if (r >= 1) {
+            m_operador = QStringLiteral("*");
+        } else if (r > 0) {
+            r = 1 / r;
+            m_operador = QStringLiteral("/");
+        }
+    } else if (a != mc) {
+        r = cTC;
+        m_operador = QStringLiteral("*");
+    } else {
+        r = 1 / cTC;
+        m_operador = QStringLiteral("/");
+    }
+    ocTCambio->FijarValor(r);
+    m_tagMoneda = QString::number(b);
+    ocImporte->FijarMascara(mascaraImporte(s));
+    ocImporteMC->FijarMascara(mascaraImporte(b));
+    ocTCambio->FijarMascara(mascaraTasa(s));
+    if (b != 0) {
+        QString sim = simbolo(b);
+        QString op = m_operador;
+        emit MonedaResultadoTC(&sim, &op);
+    }
+    Recalcular(2);
+}
+
+void lumERAsiento::CampoCalculoTerminado(int cambiado)
+{
+    Recalcular(cambiado);
+}
+
+// Which of the three numbers moves when one changes. The amount's rule compares the change
+// in percent, D, with 1: a change of at least 1 % (the first entry of an amount is 100 %)
+// keeps the rate and recomputes the converted amount; a smaller one is taken as a correction
+// of the same operation, keeps the converted amount and adjusts the rate.
+void lumERAsiento::Recalcular(int cambiado)
+{
+    CampoCalculadora *campo = cambiado == 1 ? ocImporte : cambiado == 2 ? ocTCambio : ocImporteMC;
+    if (campo->Tag.isEmpty())
+        campo->Tag = QStringLiteral("0");
+    if (cambiado != 3 && !campo->EsNumeroValido())
+        return;
+    if (TextoDecimal(campo->Valor()) == campo->Tag)
+        return;
+
+    const bool divide = m_operador == QLatin1String("/");
+    const double importe = ocImporte->Valor();
+    const double tasa = ocTCambio->Valor();
+    const double convertido = ocImporteMC->Valor();
+    auto porTasa = [&](double n) {
+        if (divide) {
+            if (tasa != 0)
+                ocImporteMC->FijarValor(n / tasa);
+        } else {
+            ocImporteMC->FijarValor(n * tasa);
+        }
+    };
+
+    switch (cambiado) {
+    case 1: {
+        const double n = importe;
+        if (n == 0)
+            break;
+        const double p = campo->Tag.toDouble();
+        const Importe d = Importe::DesdeDouble(std::abs(p * 100 / n - 100));
+        if (d < Importe::DesdeDouble(1)) {
+            if (convertido != 0) {
+                if (divide)
+                    ocTCambio->FijarValor(n / convertido);
+                else
+                    ocTCambio->FijarValor(convertido / n);
+            } else if (ocTCambio->EsNumeroValido()) {
+                porTasa(n);
+            }
+        } else if (ocTCambio->EsNumeroValido() && ocTCambio->isEnabled()) {
+            porTasa(n);
+        }
+        break;
+    }
+    case 2:
+        if (importe != 0) {
+            porTasa(importe);
+        } else if (convertido != 0) {
+            if (divide)
+                ocImporte->FijarValor(convertido * tasa);
+            else if (tasa != 0)
+                ocImporte->FijarValor(convertido / tasa);
+        }
+        break;
+    case 3:
+        if (importe != 0) {
+            if (!divide)
+                ocTCambio->FijarValor(convertido / importe);
+            else if (convertido != 0)
+                ocTCambio->FijarValor(importe / convertido);
+        } else if (ocTCambio->EsNumeroValido()) {
+            if (divide)
+                ocImporte->FijarValor(convertido * tasa);
+            else if (tasa != 0)
+                ocImporte->FijarValor(convertido / tasa);
+        }
+        break;
+    }
+
+    if (ocTCambio->Valor() != 0 && cfMoneda->currentIndex() >= 0)
+        ocTCambio->FijarValor(RedondearConMascara(ocTCambio->Valor(), mascaraTasa(MonedaCombo())));
+    ocImporteMC->Tag = TextoDecimal(ocImporteMC->Valor());
+    ocImporte->Tag = TextoDecimal(ocImporte->Valor());
+    ocTCambio->Tag = TextoDecimal(ocTCambio->Valor());
+}
+
+ValorLinea lumERAsiento::valorDe(const CuentaLinea &c)
+{
+    ValorLinea v;
+    v.lCta = c.lCta;
+    v.iPry = c.iPry;
+    v.iDep = c.iDep;
+    v.iMon = c.iMon;
+    v.sTextDisplay = c.sTextDisplay;
+    v.dFechaCierre = c.dFechaCierre;
+    const qint16 mc = m_ctx.monedaContabilidad;
+    if (!ocTCambio->isEnabled()) {
+        v.dImporte = RedondearConMascara(ocImporte->Valor(), mascaraImporte(c.iMon));
+        return v;
+    }
+    const qint16 s = MonedaCombo();
+    const qint16 b = qint16(m_tagMoneda.toInt());
+    const double importeMC = s == mc ? ocImporte->Valor() : ocImporteMC->Valor();
+    v.dImporteMC = importeMC;
+    if (s != c.iMon && b != c.iMon) {
+        QDate fecha;
+        const double r = m_ctx.conexion
+                             ? BuscarTipoCambio(*m_ctx.conexion, c.iMon, mc, m_ctx.tipoTCComprobantes, m_fechaAsiento, fecha, m_ctx.reglas).aDouble()
+                             : 1.0;
+        v.dImporte = r != 0 ? RedondearConMascara(importeMC / r, mascaraImporte(c.iMon)) : 0;
+        v.dTCambio = v.dImporte != 0 ? RedondearConMascara(importeMC / v.dImporte, mascaraTasa(c.iMon)) : 0;
+        return v;
+    }
+    v.dTCambio = ocTCambio->Valor();
+    v.dImporte = s == c.iMon ? ocImporte->Valor() : ocImporteMC->Valor();
+    return v;
+}

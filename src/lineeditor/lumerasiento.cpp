@@ -1,0 +1,381 @@
+#include "lumerasiento.h"
+
+#include "campocalculadora.h"
+
+#include "currency/catalogomonedas.h"
+
+#include <QComboBox>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QMouseEvent>
+
+lumERAsiento::lumERAsiento(ContextoLinea contexto, QWidget *padre)
+    : QWidget(padre)
+    , m_ctx(std::move(contexto))
+{
+    setObjectName(QStringLiteral("oraEdit"));
+    setAccessibleName(QStringLiteral("Línea del asiento"));
+    QFont tahoma(QStringLiteral("Tahoma"));
+    tahoma.setPointSizeF(font().pointSizeF());
+
+    auto cuenta = [&](const char *nombre, const QString &accesible) {
+        auto *e = new QLineEdit(this);
+        e->setObjectName(QString::fromLatin1(nombre));
+        e->setAccessibleName(accesible);
+        e->setFont(tahoma);
+        return e;
+    };
+    tDebe = cuenta("tDebe", QStringLiteral("Cuenta al debe"));
+    tHaber = cuenta("tHaber", QStringLiteral("Cuenta al haber"));
+    cfMoneda = new QComboBox(this);
+    cfMoneda->setObjectName(QStringLiteral("cfMoneda"));
+    cfMoneda->setAccessibleName(QStringLiteral("Moneda"));
+    cfMoneda->setFont(tahoma);
+    ocImporte = new CampoCalculadora(QStringLiteral("ocImporte"), this);
+    ocImporte->setAccessibleName(QStringLiteral("Importe"));
+    ocTCambio = new CampoCalculadora(QStringLiteral("ocTCambio"), this);
+    ocTCambio->setAccessibleName(QStringLiteral("Tasa de cambio"));
+    ocImporteMC = new CampoCalculadora(QStringLiteral("ocImporteMC"), this);
+    ocImporteMC->setAccessibleName(QStringLiteral("Importe convertido"));
+    for (QWidget *w : {static_cast<QWidget *>(tDebe), static_cast<QWidget *>(tHaber), static_cast<QWidget *>(cfMoneda),
+                       static_cast<QWidget *>(ocImporte), static_cast<QWidget *>(ocTCambio),
+                       static_cast<QWidget *>(ocImporteMC)}) {
+        w->setFont(tahoma);
+        w->installEventFilter(this);
+    }
+    setTabOrder(tDebe, tHaber);
+    setTabOrder(tHaber, cfMoneda);
+    setTabOrder(cfMoneda, ocImporte);
+    setTabOrder(ocImporte, ocTCambio);
+    setTabOrder(ocTCambio, ocImporteMC);
+
+    connect(tDebe, &QLineEdit::textEdited, this, [this] { CuentaEditada(true); });
+    connect(tHaber, &QLineEdit::textEdited, this, [this] { CuentaEditada(false); });
+    connect(cfMoneda, qOverload<int>(&QComboBox::activated), this, [this] { MonedaCambiada(); });
+    connect(ocImporte, &QLineEdit::editingFinished, this, [this] { CampoCalculoTerminado(1); });
+    connect(ocTCambio, &QLineEdit::editingFinished, this, [this] { CampoCalculoTerminado(2); });
+    connect(ocImporteMC, &QLineEdit::editingFinished, this, [this] { CampoCalculoTerminado(3); });
+
+    InitRegistro();
+    acomodar();
+}
+
+CampoCalculadora *lumERAsiento::campo(int codigo) const
+{
+    switch (codigo) {
+    case kImporte:
+        return ocImporte;
+    case kTCambio:
+        return ocTCambio;
+    case kImporteMC:
+        return ocImporteMC;
+    default:
+        return nullptr;
+    }
+}
+
+int lumERAsiento::twipsAPx(int twips) const
+{
+    return qRound(twips * logicalDpiX() / 1440.0);
+}
+
+void lumERAsiento::acomodar()
+{
+    QWidget *campos[] = {tDebe, tHaber, cfMoneda, ocImporte, ocTCambio, ocImporteMC};
+    for (int i = 0; i < 6; ++i) {
+        if (i == 5 && m_width[5] <= 0)
+            continue;
+        campos[i]->setGeometry(twipsAPx(m_left[i]), campos[i]->y(), twipsAPx(m_width[i]), twipsAPx(m_alto));
+    }
+}
+
+void lumERAsiento::resizeEvent(QResizeEvent *evento)
+{
+    QWidget::resizeEvent(evento);
+    acomodar();
+}
+
+void lumERAsiento::setLeft(int campo, int twips)
+{
+    m_left[campo - 1] = twips;
+    acomodar();
+}
+
+void lumERAsiento::setWidth(int campo, int twips)
+{
+    m_width[campo - 1] = twips;
+    acomodar();
+}
+
+void lumERAsiento::setHeightAllCtrl(int twips)
+{
+    m_alto = twips;
+    acomodar();
+}
+
+qint16 lumERAsiento::MonedaCombo() const
+{
+    return cfMoneda->currentIndex() < 0 ? 0 : qint16(cfMoneda->currentData().toInt());
+}
+
+void lumERAsiento::setMonedaCombo(qint16 moneda)
+{
+    AgregarMoneda(moneda);
+    cfMoneda->setCurrentIndex(cfMoneda->findData(moneda));
+    m_tagMoneda = QString::number(m_ctx.monedaContabilidad);
+}
+
+double lumERAsiento::ImporteCta() const { return ocImporte->Valor(); }
+double lumERAsiento::ImporteTC() const { return ocTCambio->Valor(); }
+double lumERAsiento::ImporteMC() const { return ocImporteMC->Valor(); }
+
+void lumERAsiento::setImporteCta(double valor)
+{
+    ocImporte->FijarValor(valor);
+    ocImporte->Tag = TextoDecimal(valor);
+}
+
+void lumERAsiento::setImporteTC(double valor)
+{
+    ocTCambio->FijarValor(valor);
+    ocTCambio->Tag = TextoDecimal(valor);
+}
+
+void lumERAsiento::setImporteMC(double valor)
+{
+    ocImporteMC->FijarValor(valor);
+    ocImporteMC->Tag = TextoDecimal(valor);
+}
+
+void lumERAsiento::InitRegistro()
+{
+    m_cambiandoCuenta = true;
+    tDebe->clear();
+    tHaber->clear();
+    m_cambiandoCuenta = false;
+    m_tagDebe.clear();
+    m_tagHaber.clear();
+    m_debe = CuentaLinea();
+    m_haber = CuentaLinea();
+    for (CampoCalculadora *c : {ocImporte, ocTCambio, ocImporteMC}) {
+        c->Limpiar();
+        c->Tag.clear();
+    }
+    cfMoneda->clear();
+    m_tagMoneda.clear();
+    EstadoTasa();
+    m_diferencia = 0;
+}
+
+void lumERAsiento::SetCuenta(bool bEsAlDebe, qint32 lCta, qint16 iPry, qint16 iDep, qint16 iMon, const QString &sTextDisplay,
+                             const QDate &dFechaCierre)
+{
+    CuentaLinea &c = bEsAlDebe ? m_debe : m_haber;
+    c.lCta = lCta;
+    c.iPry = iPry;
+    c.iDep = iDep;
+    c.iMon = iMon;
+    c.sTextDisplay = sTextDisplay;
+    c.dFechaCierre = dFechaCierre.isValid() ? dFechaCierre : QDate(1901, 1, 1);
+    m_cambiandoCuenta = true;
+    (bEsAlDebe ? tDebe : tHaber)->setText(sTextDisplay);
+    m_cambiandoCuenta = false;
+    (bEsAlDebe ? m_tagDebe : m_tagHaber) = QStringLiteral("1");
+    AgregarMoneda(iMon);
+}
+
+ValorLinea lumERAsiento::GetValorCuentaDebe()
+{
+    return valorDe(m_debe);
+}
+
+ValorLinea lumERAsiento::GetValorCuentaHaber()
+{
+    return valorDe(m_haber);
+}
+
+bool lumERAsiento::ValidateCtrl(int &iCtrl) const
+{
+    iCtrl = 0;
+    const bool debe = CuentaIngresadaAlDebe();
+    const bool haber = CuentaIngresadaAlHaber();
+    if ((debe && haber && !m_permitirDosCtas) || (!debe && !haber)
+        || (debe && haber && m_debe.lCta == m_haber.lCta && m_debe.iPry == m_haber.iPry && m_debe.iDep == m_haber.iDep))
+        iCtrl = 1;
+    else if (!ocImporte->EsNumeroValido())
+        iCtrl = 3;
+    else if (ocTCambio->isEnabled() && !ocTCambio->EsNumeroValido())
+        iCtrl = 4;
+    return iCtrl == 0;
+}
+
+void lumERAsiento::SetDiferencia(bool bAlDebe, double cDiferencia)
+{
+    m_diferenciaAlDebe = bAlDebe;
+    m_diferencia = cDiferencia;
+}
+
+void lumERAsiento::SetFocusCtrl(int iIndex, int keyAscii)
+{
+    m_operador = QStringLiteral("*");
+    EstadoTasa();
+    const QChar tecla = keyAscii >= 32 ? QChar(keyAscii) : QChar();
+    QWidget *destino = nullptr;
+    switch (iIndex) {
+    case kDebe:
+    case kHaber: {
+        QLineEdit *caja = iIndex == kDebe ? tDebe : tHaber;
+        destino = caja;
+        if (!tecla.isNull()) {
+            caja->setText(QString(tecla));
+            CuentaEditada(iIndex == kDebe);
+        }
+        break;
+    }
+    case kMoneda:
+    case kImporte:
+        destino = ocImporte;
+        break;
+    case kTCambio:
+        destino = ocTCambio->isEnabled() ? ocTCambio : ocImporte;
+        break;
+    case kImporteMC:
+        destino = ocImporteMC;
+        break;
+    default:
+        return;
+    }
+    if (auto *calculo = qobject_cast<CampoCalculadora *>(destino)) {
+        calculo->Limpiar();
+        if (tecla.isDigit())
+            calculo->setText(QString(tecla));
+    }
+    destino->setFocus();
+    if (auto *caja = qobject_cast<QLineEdit *>(destino))
+        caja->deselect(), caja->end(false);
+}
+
+int lumERAsiento::codigoDe(QObject *objeto) const
+{
+    if (objeto == tDebe)
+        return kDebe;
+    if (objeto == tHaber)
+        return kHaber;
+    if (objeto == cfMoneda)
+        return kMoneda;
+    if (objeto == ocImporte)
+        return kImporte;
+    if (objeto == ocTCambio)
+        return kTCambio;
+    if (objeto == ocImporteMC)
+        return kImporteMC;
+    return 0;
+}
+
+void lumERAsiento::alFoco(int codigo)
+{
+    // The two account boxes overlap: the one in use comes to the front in the window colour,
+    // the other stays behind in light grey.
+    if (codigo == kDebe || codigo == kHaber) {
+        QLineEdit *delante = codigo == kDebe ? tDebe : tHaber;
+        QLineEdit *detras = codigo == kDebe ? tHaber : tDebe;
+        delante->raise();
+        QPalette p = delante->palette();
+        p.setColor(QPalette::Base, palette().color(QPalette::Base));
+        delante->setPalette(p);
+        p.setColor(QPalette::Base, QColor(0xef, 0xef, 0xef));
+        detras->setPalette(p);
+        if (!(codigo == kDebe ? m_tagDebe : m_tagHaber).isEmpty())
+            delante->selectAll();
+    }
+    int c = codigo;
+    emit GotFocusCtrl(&c);
+}
+
+bool lumERAsiento::eventFilter(QObject *objeto, QEvent *evento)
+{
+    const int codigo = codigoDe(objeto);
+    if (!codigo)
+        return QWidget::eventFilter(objeto, evento);
+    switch (evento->type()) {
+    case QEvent::FocusIn:
+        alFoco(codigo);
+        break;
+    case QEvent::FocusOut: {
+        int c = codigo;
+        emit LotFocusCtrl(&c);
+        if ((codigo == kDebe || codigo == kHaber) && static_cast<QFocusEvent *>(evento)->reason() != Qt::PopupFocusReason) {
+            const bool debe = codigo == kDebe;
+            QLineEdit *caja = debe ? tDebe : tHaber;
+            const QString tag = debe ? m_tagDebe : m_tagHaber;
+            if (!m_validando && !caja->text().trimmed().isEmpty() && (tag.isEmpty() || tag == QLatin1String("0"))
+                && isVisible() && !ValidarCuenta(debe)) {
+                caja->setFocus();
+                caja->selectAll();
+            }
+        }
+        break;
+    }
+    case QEvent::MouseButtonPress: {
+        auto *m = static_cast<QMouseEvent *>(evento);
+        int c = codigo;
+        int boton = int(m->button());
+        int shift = int(m->modifiers() >> 25);
+        float x = float(m->position().x());
+        float y = float(m->position().y());
+        emit MouseDownCtrl(&c, &boton, &shift, &x, &y);
+        break;
+    }
+    case QEvent::KeyPress: {
+        auto *k = static_cast<QKeyEvent *>(evento);
+        int c = codigo;
+        int tecla = k->key();
+        int shift = int(k->modifiers() >> 25);
+        emit KeyDownCtrl(&c, &tecla, &shift);
+        if (tecla == 0)
+            return true; // the container took the key
+        if (k->key() != Qt::Key_Return && k->key() != Qt::Key_Enter)
+            break;
+        switch (codigo) {
+        case kDebe:
+        case kHaber:
+            EnterEnCuenta(codigo == kDebe);
+            return true;
+        case kMoneda:
+            ocImporte->setFocus();
+            return true;
+        case kImporte:
+            CampoCalculoTerminado(1);
+            ConfirmarLinea();
+            return true;
+        case kTCambio:
+            CampoCalculoTerminado(2);
+            (ocImporteMC->isEnabled() ? static_cast<QWidget *>(ocImporteMC) : ocImporte)->setFocus();
+            return true;
+        case kImporteMC:
+            CampoCalculoTerminado(3);
+            ConfirmarLinea();
+            return true;
+        }
+        break;
+    }
+    default:
+        break;
+    }
+    return QWidget::eventFilter(objeto, evento);
+}
+
+QString lumERAsiento::simbolo(qint16 moneda) const
+{
+    return m_ctx.monedas ? m_ctx.monedas->DatoMoneda(moneda, 2).toString() : QString();
+}
+
+QString lumERAsiento::mascaraImporte(qint16 moneda) const
+{
+    return m_ctx.monedas ? m_ctx.monedas->DatoMoneda(moneda, 4).toString() : QStringLiteral("#,##0.00");
+}
+
+QString lumERAsiento::mascaraTasa(qint16 moneda) const
+{
+    return m_ctx.monedas ? m_ctx.monedas->DatoMoneda(moneda, 5).toString() : QStringLiteral("#,##0.000");
+}

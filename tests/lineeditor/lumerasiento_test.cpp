@@ -1,0 +1,331 @@
+#include "comun/basesprueba.h"
+#include "comun/mensajesguionados.h"
+
+#include "currency/catalogomonedas.h"
+#include "lineeditor/campocalculadora.h"
+#include "lineeditor/lumerasiento.h"
+#include "services/serviciobusquedacuentas.h"
+
+#include <QApplication>
+#include <QComboBox>
+#include <QDir>
+#include <QLineEdit>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+// The real search, or a given account id as if the user had picked it in the dialog.
+class BusquedaGuionada final : public ServicioBusquedaCuentas
+{
+public:
+    qint32 elegida = 0;
+    bool Buscar(Conexion &conexion, qint32 empresa, const QString &texto, CuentaElegida &c, QWidget *padre) override
+    {
+        if (elegida) {
+            c = {elegida, 0, 0};
+            return true;
+        }
+        const auto coinciden = BusquedaCuentasQt::Coincidencias(BusquedaCuentasQt::Cuentas(conexion, empresa), texto);
+        EXPECT_LE(coinciden.size(), 1) << "la búsqueda abriría el diálogo: " << texto.toStdString();
+        Q_UNUSED(padre)
+        if (coinciden.size() != 1)
+            return false;
+        c = {coinciden.first().id, 0, 0};
+        return true;
+    }
+};
+
+// Pesos (1) and dollars (2), the dollar at 40 pesos from 1 March 2026; a peso account, a
+// dollar account, one closed on 10 March 2026, a folder and a second peso account.
+class EditorDeLinea : public ::testing::Test
+{
+protected:
+    EditorDeLinea()
+        : m_base(Motor::SQLite, BaseDePrueba::Contenido::Esquema)
+    {
+        Conexion &c = m_base.conexion();
+        c.Ejecutar(QStringLiteral("Insert Into genMonedas (MonID, MonSimbolo, MonCotizaEn, MonRedondeo, MonFormatoCotizacion, MonTipo)"
+                                  " Values (1, '$', Null, '#,##0.00', '#,##0.000', 1), (2, 'U$S', 1, '#,##0.00', '#,##0.000', 1)"));
+        c.Ejecutar(QStringLiteral("Insert Into genCotizacionesMoneda (CMoFecha, CMoMoneda, CMoCotizaEn, CMoTipoCotizacion, CMoCompra, CMoVenta)"
+                                  " Values ('2026-03-01', 2, 1, 1, 40, 41)"));
+        c.Ejecutar(QStringLiteral("Insert Into cceCuentas (CueID, CueIDEmpresa, CueCodigo, CueNombre, CueMoneda, CueFechaCerrada, CueEsCarpeta)"
+                                  " Values (10, 1, '1.1.01', 'Caja', Null, Null, 0), (11, 1, '1.1.02', 'Banco U$S', 2, Null, 0),"
+                                  " (12, 1, '1.1.03', 'Banco Comercial', 1, '2026-03-10', 0), (13, 1, '1', 'Activo', 0, Null, 1),"
+                                  " (14, 1, '4.1.01', 'Ventas', 0, Null, 0)"));
+        m_monedas.CargarMonedas(c);
+        m_monedas.FijarMonedaContabilidad(1);
+
+        ContextoLinea ctx;
+        ctx.conexion = &c;
+        ctx.monedas = &m_monedas;
+        ctx.mensajes = &m_mensajes;
+        ctx.busqueda = &m_busqueda;
+        ctx.empresa = 1;
+        ctx.monedaContabilidad = 1;
+        ctx.tipoTCComprobantes = 1;
+        ctx.texto = [](int n) {
+            switch (n) {
+            case 1850: return QStringLiteral("No puede ingresar dos cuentas.");
+            case 1851: return QStringLiteral("Campo incompleto.");
+            case 1852: return QStringLiteral("Cuenta duplicada");
+            case 1854: return QStringLiteral("La cuenta seleccionada esta cerrada para la fecha del asiento.");
+            case 1937: return QStringLiteral("Error el valor ingresado supera el tamaño permitido.");
+            default: return QStringLiteral("#%1").arg(n);
+            }
+        };
+        m_editor = std::make_unique<lumERAsiento>(ctx);
+        // A layout where no field covers another, as the document gives it.
+        const int lefts[] = {0, 2600, 5200, 5900, 7400, 8600};
+        const int widths[] = {2600, 2600, 700, 1500, 1200, 1500};
+        for (int i = 0; i < 6; ++i) {
+            m_editor->setLeft(i + 1, lefts[i]);
+            m_editor->setWidth(i + 1, widths[i]);
+        }
+        m_editor->resize(720, 30);
+        m_editor->setFechaAsiento(QDate(2026, 3, 15));
+        QObject::connect(m_editor.get(), &lumERAsiento::EditOK, [this](bool *) { ++m_aceptadas; });
+        QObject::connect(m_editor.get(), &lumERAsiento::MonedaResultadoTC, [this](QString *s, QString *o) {
+            m_resultado = *s + QLatin1Char(' ') + *o;
+        });
+        m_editor->show();
+        QApplication::setActiveWindow(m_editor.get());
+    }
+
+    void escribir(QWidget *campo, const QString &texto)
+    {
+        campo->setFocus();
+        if (auto *e = qobject_cast<QLineEdit *>(campo))
+            e->selectAll();
+        QTest::keyClicks(campo, texto);
+        QTest::keyClick(campo, Qt::Key_Return);
+    }
+
+    QLineEdit *debe() const { return m_editor->campoCuenta(true); }
+    QLineEdit *haber() const { return m_editor->campoCuenta(false); }
+    CampoCalculadora *campo(int c) const { return m_editor->campo(c); }
+    QStringList monedas() const
+    {
+        QStringList l;
+        for (int i = 0; i < m_editor->listaMonedas()->count(); ++i)
+            l << m_editor->listaMonedas()->itemText(i);
+        return l;
+    }
+
+    BaseDePrueba m_base;
+    CatalogoMonedas m_monedas;
+    MensajesGuionados m_mensajes;
+    BusquedaGuionada m_busqueda;
+    std::unique_ptr<lumERAsiento> m_editor;
+    int m_aceptadas = 0;
+    QString m_resultado;
+};
+
+TEST_F(EditorDeLinea, CuentaEnPesosEImporte)
+{
+    escribir(debe(), QStringLiteral("1.1.01"));
+    EXPECT_EQ(debe()->text(), QStringLiteral("1.1.01 - Caja"));
+    EXPECT_TRUE(m_editor->CuentaIngresadaAlDebe());
+    EXPECT_EQ(monedas(), QStringList{QStringLiteral("$")});
+    EXPECT_FALSE(campo(lumERAsiento::kTCambio)->isEnabled());
+    EXPECT_EQ(QApplication::focusWidget(), campo(lumERAsiento::kImporte));
+    escribir(campo(lumERAsiento::kImporte), QStringLiteral("1250*2"));
+    EXPECT_EQ(m_aceptadas, 1);
+    const ValorLinea v = m_editor->GetValorCuentaDebe();
+    EXPECT_EQ(v.lCta, 10);
+    EXPECT_EQ(v.iMon, 1);   // CueMoneda Null: the accounting currency
+    EXPECT_DOUBLE_EQ(v.dImporte, 2500);
+    EXPECT_DOUBLE_EQ(v.dTCambio, 0);
+    EXPECT_DOUBLE_EQ(v.dImporteMC, 0);
+    EXPECT_TRUE(m_mensajes.mostrados.isEmpty());
+}
+
+TEST_F(EditorDeLinea, CuentaEnDolaresPorCuarenta)
+{
+    escribir(haber(), QStringLiteral("1.1.02"));
+    EXPECT_EQ(monedas(), (QStringList{QStringLiteral("U$S"), QStringLiteral("$")}));
+    EXPECT_EQ(m_editor->MonedaCombo(), 2);
+    EXPECT_DOUBLE_EQ(m_editor->ImporteTC(), 40);
+    EXPECT_EQ(m_editor->Operador(), QStringLiteral("*"));
+    EXPECT_EQ(m_resultado, QStringLiteral("$ *"));
+    escribir(campo(lumERAsiento::kImporte), QStringLiteral("100"));
+    EXPECT_DOUBLE_EQ(m_editor->ImporteMC(), 4000);
+    EXPECT_EQ(m_aceptadas, 1);
+    const ValorLinea v = m_editor->GetValorCuentaHaber();
+    EXPECT_EQ(v.lCta, 11);
+    EXPECT_DOUBLE_EQ(v.dImporte, 100);
+    EXPECT_DOUBLE_EQ(v.dTCambio, 40);
+    EXPECT_DOUBLE_EQ(v.dImporteMC, 4000);
+
+    // In pesos the lookup of pesos in dollars gives 0.025, shown as 40 with "/".
+    QComboBox *lista = m_editor->listaMonedas();
+    lista->setCurrentIndex(lista->findText(QStringLiteral("$")));
+    emit lista->activated(lista->currentIndex());
+    EXPECT_DOUBLE_EQ(m_editor->ImporteTC(), 40);
+    EXPECT_EQ(m_editor->Operador(), QStringLiteral("/"));
+    EXPECT_EQ(m_resultado, QStringLiteral("U$S /"));
+    escribir(campo(lumERAsiento::kImporte), QStringLiteral("4000"));
+    EXPECT_DOUBLE_EQ(m_editor->ImporteMC(), 100);
+    const ValorLinea w = m_editor->GetValorCuentaHaber();
+    EXPECT_DOUBLE_EQ(w.dImporte, 100);
+    EXPECT_DOUBLE_EQ(w.dImporteMC, 4000);
+}
+
+TEST_F(EditorDeLinea, ElContenedorDaLaTasa)
+{
+    QObject::connect(m_editor.get(), &lumERAsiento::GetTCME, [](qint16 *mon, double *tc) {
+        if (*mon == 2)
+            *tc = 40;
+    });
+    m_editor->SetCuenta(true, 11, 0, 0, 2, QStringLiteral("1.1.02 - Banco U$S"), QDate());
+    m_editor->setMonedaCombo(1);
+    emit m_editor->listaMonedas()->activated(m_editor->listaMonedas()->currentIndex());
+    EXPECT_DOUBLE_EQ(m_editor->ImporteTC(), 0.025);
+    EXPECT_EQ(m_editor->Operador(), QStringLiteral("/"));
+}
+
+TEST_F(EditorDeLinea, CuentasRechazadas)
+{
+    // Closed on 10 March: refused for an entry of that day, taken for the day after.
+    m_editor->setFechaAsiento(QDate(2026, 3, 10));
+    escribir(debe(), QStringLiteral("1.1.03"));
+    EXPECT_FALSE(m_editor->CuentaIngresadaAlDebe());
+    EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("advertencia: La cuenta seleccionada esta cerrada para la fecha del asiento.")});
+    EXPECT_EQ(QApplication::focusWidget(), debe());
+    m_editor->setFechaAsiento(QDate(2026, 3, 11));
+    escribir(debe(), QStringLiteral("1.1.03"));
+    EXPECT_TRUE(m_editor->CuentaIngresadaAlDebe());
+
+    // A folder is never taken, whatever the search answers.
+    m_editor->InitRegistro();
+    m_busqueda.elegida = 13;
+    escribir(debe(), QStringLiteral("Activo"));
+    EXPECT_FALSE(m_editor->CuentaIngresadaAlDebe());
+}
+
+TEST_F(EditorDeLinea, LaMismaCuentaEnAmbosLados)
+{
+    m_editor->setPermitirDosCtas(true);
+    escribir(debe(), QStringLiteral("1.1.01"));
+    EXPECT_EQ(QApplication::focusWidget(), haber()); // two accounts allowed: on to the credit side
+    escribir(haber(), QStringLiteral("1.1.01"));
+    EXPECT_FALSE(m_editor->CuentaIngresadaAlHaber());
+
+    m_editor->SetCuenta(false, 10, 0, 0, 1, QStringLiteral("1.1.01 - Caja"), QDate());
+    escribir(campo(lumERAsiento::kImporte), QStringLiteral("5"));
+    EXPECT_EQ(m_mensajes.mostrados.last(), QStringLiteral("advertencia: Cuenta duplicada"));
+    EXPECT_EQ(QApplication::focusWidget(), debe());
+    EXPECT_EQ(m_aceptadas, 0);
+
+    m_editor->setPermitirDosCtas(false);
+    m_editor->SetCuenta(false, 14, 0, 0, 1, QStringLiteral("4.1.01 - Ventas"), QDate());
+    escribir(campo(lumERAsiento::kImporte), QStringLiteral("5"));
+    EXPECT_EQ(m_mensajes.mostrados.last(), QStringLiteral("advertencia: No puede ingresar dos cuentas."));
+    int ctrl = -1;
+    EXPECT_FALSE(m_editor->ValidateCtrl(ctrl));
+    EXPECT_EQ(ctrl, 1);
+    m_editor->setPermitirDosCtas(true);
+    EXPECT_TRUE(m_editor->ValidateCtrl(ctrl));
+    EXPECT_EQ(ctrl, 0);
+}
+
+TEST_F(EditorDeLinea, ImporteDemasiadoGrande)
+{
+    escribir(debe(), QStringLiteral("1.1.01"));
+    escribir(campo(lumERAsiento::kImporte), QStringLiteral("999999999999999999"));
+    EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("advertencia: Error el valor ingresado supera el tamaño permitido.")});
+    EXPECT_EQ(m_aceptadas, 0);
+    EXPECT_EQ(QApplication::focusWidget(), campo(lumERAsiento::kImporte));
+}
+
+TEST_F(EditorDeLinea, CamposIncompletosYFlujoDeEnter)
+{
+    escribir(debe(), QString());
+    EXPECT_EQ(QApplication::focusWidget(), haber()); // Enter in an empty debit box
+    escribir(campo(lumERAsiento::kImporte), QStringLiteral("5"));
+    EXPECT_EQ(m_mensajes.mostrados.last(), QStringLiteral("advertencia: Campo incompleto."));
+    EXPECT_EQ(QApplication::focusWidget(), debe());
+
+    escribir(debe(), QStringLiteral("1.1.01"));
+    escribir(campo(lumERAsiento::kImporte), QStringLiteral("x"));
+    EXPECT_EQ(m_mensajes.mostrados.last(), QStringLiteral("advertencia: Campo incompleto."));
+    EXPECT_EQ(QApplication::focusWidget(), campo(lumERAsiento::kImporte));
+}
+
+TEST_F(EditorDeLinea, EscribirSobreLaCuentaLaQuitaConSusImportes)
+{
+    escribir(debe(), QStringLiteral("1.1.02"));
+    escribir(campo(lumERAsiento::kImporte), QStringLiteral("100"));
+    ASSERT_DOUBLE_EQ(m_editor->ImporteMC(), 4000);
+    debe()->setFocus();
+    QTest::keyClick(debe(), Qt::Key_Backspace);
+    EXPECT_FALSE(m_editor->CuentaIngresadaAlDebe());
+    EXPECT_TRUE(campo(lumERAsiento::kImporte)->text().isEmpty());
+    EXPECT_TRUE(campo(lumERAsiento::kImporteMC)->text().isEmpty());
+    EXPECT_EQ(m_editor->MonedaCombo(), 0);
+}
+
+TEST_F(EditorDeLinea, LaDiferenciaSePropone)
+{
+    m_editor->SetDiferencia(true, 250);
+    escribir(debe(), QStringLiteral("1.1.01"));
+    EXPECT_DOUBLE_EQ(m_editor->ImporteCta(), 250);
+
+    m_editor->InitRegistro();
+    m_editor->SetDiferencia(false, 4000);
+    escribir(haber(), QStringLiteral("1.1.02"));
+    EXPECT_DOUBLE_EQ(m_editor->ImporteMC(), 4000); // in dollars the converted amount takes it
+    EXPECT_DOUBLE_EQ(m_editor->ImporteCta(), 100);
+}
+
+TEST_F(EditorDeLinea, RecalculoDeLaTasaYElUnoPorCiento)
+{
+    escribir(debe(), QStringLiteral("1.1.02"));
+    escribir(campo(lumERAsiento::kImporte), QStringLiteral("100"));
+    // A change under 1 % keeps the converted amount and moves the rate.
+    escribir(campo(lumERAsiento::kImporte), QStringLiteral("100,5"));
+    EXPECT_DOUBLE_EQ(m_editor->ImporteMC(), 4000);
+    EXPECT_DOUBLE_EQ(m_editor->ImporteTC(), 39.801); // 4000 / 100.5, cut to the rate mask
+    // A bigger one keeps the rate.
+    escribir(campo(lumERAsiento::kImporte), QStringLiteral("200"));
+    EXPECT_DOUBLE_EQ(m_editor->ImporteMC(), 200 * 39.801);
+    // The rate typed with more decimals than its mask is cut to it.
+    escribir(campo(lumERAsiento::kTCambio), QStringLiteral("38,123456"));
+    EXPECT_DOUBLE_EQ(m_editor->ImporteTC(), 38.123);
+    EXPECT_DOUBLE_EQ(m_editor->ImporteMC(), 200 * 38.123456);
+    // The converted amount moves the rate.
+    escribir(campo(lumERAsiento::kImporteMC), QStringLiteral("8000"));
+    EXPECT_DOUBLE_EQ(m_editor->ImporteTC(), 40);
+}
+
+TEST_F(EditorDeLinea, DisenoPorDefectoYLecturas)
+{
+    ContextoLinea ctx;
+    lumERAsiento nuevo(ctx);
+    const double px = nuevo.logicalDpiX() / 1440.0;
+    EXPECT_EQ(nuevo.campoCuenta(true)->x(), 0);
+    EXPECT_EQ(nuevo.campoCuenta(false)->x(), qRound(500 * px));
+    EXPECT_EQ(nuevo.campoCuenta(false)->width(), qRound(1000 * px));
+    EXPECT_EQ(nuevo.campoCuenta(false)->height(), qRound(315 * px));
+    EXPECT_EQ(nuevo.MonedaCombo(), 0);
+    nuevo.setLeft(lumERAsiento::kImporteMC, 3000);
+    const int x = nuevo.campo(lumERAsiento::kImporteMC)->x();
+    nuevo.setWidth(lumERAsiento::kImporteMC, 0);
+    nuevo.setLeft(lumERAsiento::kImporteMC, 6000);
+    EXPECT_EQ(nuevo.campo(lumERAsiento::kImporteMC)->x(), x); // width 0: left where it was
+}
+
+TEST_F(EditorDeLinea, ImagenDelControlEnUso)
+{
+    const QString carpeta = qEnvironmentVariable("ASIENTOS_SCREENSHOTS");
+    if (carpeta.isEmpty())
+        GTEST_SKIP() << "ASIENTOS_SCREENSHOTS no indica una carpeta";
+    escribir(debe(), QStringLiteral("1.1.02"));
+    campo(lumERAsiento::kImporte)->setFocus();
+    QTest::keyClicks(campo(lumERAsiento::kImporte), QStringLiteral("1250*1,5"));
+    QDir().mkpath(carpeta);
+    ASSERT_TRUE(m_editor->grab().save(QDir(carpeta).filePath(QStringLiteral("lumERAsiento.png"))));
+}
+
+} // namespace
