@@ -5,6 +5,7 @@
 
 #include <QAtomicInt>
 #include <QFileInfo>
+#include <QSqlDriver>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QSqlRecord>
@@ -48,9 +49,23 @@ public:
         avanzar();
     }
 
+    ~RecordsetQt() override { Cerrar(); }
+
+    // PostgreSQL hands a forward-only result over row by row; a result left half read would
+    // be discarded by the next statement on the connection, taking that statement with it.
+    // Reading it to the end first keeps the connection usable.
     void Cerrar() override
     {
+        if (m_cerrado)
+            return;
+        m_cerrado = true;
+        if (!m_fin && m_query.driver() && m_query.driver()->dbmsType() == QSqlDriver::PostgreSQL)
+            while (m_query.next()) {
+            }
         m_query.finish();
+        // The statement is let go now, not when this object dies: on PostgreSQL a statement
+        // released after the next one started takes that one's result with it.
+        m_query = QSqlQuery();
         m_fin = true;
     }
 
@@ -64,7 +79,7 @@ public:
 
     QVariant Campo(int indice) const override
     {
-        if (m_fin)
+        if (m_fin || m_cerrado)
             throw ErrorBaseDatos(QStringLiteral("No hay fila actual."), 3021);
         if (indice < 0 || indice >= m_registro.count())
             throw ErrorBaseDatos(QStringLiteral("No se encontró el elemento en esta colección (%1).").arg(indice), 3265);
@@ -87,6 +102,7 @@ private:
     QSqlQuery m_query;
     QSqlRecord m_registro;
     bool m_fin = false;
+    bool m_cerrado = false;
 };
 
 } // namespace
@@ -200,7 +216,10 @@ qint64 ConexionQt::Insertar(const QString &sql, const QVariantList &valores, con
         QSqlQuery q = preparar(m_nombre, m_motor, sql + QStringLiteral(" RETURNING ") + columnaId, valores);
         if (!q.next())
             throw ErrorBaseDatos(QStringLiteral("el motor no devolvió el identificador nuevo"));
-        return q.value(0).toLongLong();
+        const qint64 id = q.value(0).toLongLong();
+        while (q.next()) {
+        } // read to the end, or the next statement loses its result
+        return id;
     }
     QSqlQuery q = preparar(m_nombre, m_motor, sql, valores);
     return q.lastInsertId().toLongLong();

@@ -1,0 +1,292 @@
+#include "asientodatos.h"
+
+#include "store/valoressql.h"
+
+#include <QStringList>
+
+#include <cmath>
+
+namespace {
+
+QVariant nulo(QMetaType::Type tipo)
+{
+    return QVariant(QMetaType(tipo));
+}
+
+QVariant sello(const QDateTime &momento)
+{
+    return Conexion::ValorFechaHora(momento);
+}
+
+// The stamp condition of a compare-and-set: the stamp that was read, or none when the row
+// was stored without one.
+QString condicionSello(const QDateTime &leido, QVariantList &valores)
+{
+    if (!leido.isValid())
+        return QStringLiteral(" And AsiFechaModificado Is Null");
+    valores << sello(leido);
+    return QStringLiteral(" And AsiFechaModificado = ?");
+}
+
+QDateTime ahora()
+{
+    const QDateTime t = QDateTime::currentDateTime();
+    return QDateTime(t.date(), t.time(), Qt::UTC); // wall-clock, as stamps are kept
+}
+
+} // namespace
+
+AsientoDatos::AsientoDatos(Conexion &conexion, const LibrosSistema &libros)
+    : m_conexion(&conexion)
+    , m_libros(libros)
+{
+}
+
+bool AsientoDatos::fallar(Resultado r, const QString &error)
+{
+    m_resultado = r;
+    m_error = error;
+    return false;
+}
+
+QDateTime AsientoDatos::SelloNuevo(const QDateTime &anterior)
+{
+    QDateTime t = ahora();
+    t.setTime(QTime(t.time().hour(), t.time().minute(), t.time().second(), t.time().msec()));
+    if (anterior.isValid() && t <= anterior)
+        t = anterior.addMSecs(1);
+    return t;
+}
+
+bool AsientoDatos::CargarAsiento(qint32 asiID)
+{
+    m_resultado = Resultado::Bien;
+    m_cabezal = CabezalDatos();
+    m_lineas.clear();
+    try {
+        auto rs = m_conexion->Abrir(QStringLiteral("Select * From cceAsientos Where AsiID = ?"), {asiID});
+        if (rs->Fin())
+            return fallar(Resultado::NoExiste, QStringLiteral("no existe el asiento %1").arg(asiID));
+        m_cabezal.AsiID = qint32(rs->Entero(QStringLiteral("AsiID")));
+        m_cabezal.Empresa = qint32(rs->Entero(QStringLiteral("AsiEmpresa")));
+        m_cabezal.Estado = qint16(rs->Entero(QStringLiteral("AsiEstado")));
+        m_cabezal.Fecha = rs->Fecha(QStringLiteral("AsiFechaAsiento"));
+        m_cabezal.Leyenda = rs->Campo(QStringLiteral("AsiLeyenda")).toString().trimmed();
+        m_cabezal.Libro = rs->EsNulo(QStringLiteral("AsiTipo")) ? 0 : qint16(rs->Entero(QStringLiteral("AsiTipo")));
+        m_cabezal.Autoriza = rs->EsNulo(QStringLiteral("AsiUsuarioVerificador"))
+                                 ? 0 : qint16(rs->Entero(QStringLiteral("AsiUsuarioVerificador")));
+        m_cabezal.FechaModificado = FechaHoraDeValor(rs->Campo(QStringLiteral("AsiFechaModificado")));
+        m_cabezal.FechaCambioEstado = FechaHoraDeValor(rs->Campo(QStringLiteral("AsiFechaEstado")));
+        m_cabezal.Usuario = rs->EsNulo(QStringLiteral("AsiUsuario")) ? 0 : qint16(rs->Entero(QStringLiteral("AsiUsuario")));
+        rs->Cerrar();
+
+        rs = m_conexion->Abrir(QStringLiteral("Select * From cceAsientoCuenta Where ACuIDAsiento = ? Order By ACuOrden, ACuID"),
+                               {asiID});
+        for (; !rs->Fin(); rs->MoverSiguiente()) {
+            LineaDatos l;
+            l.Cuenta = qint32(rs->Entero(QStringLiteral("ACuCuenta")));
+            l.Proyecto = qint16(rs->Entero(QStringLiteral("ACuProyecto")));
+            l.Departamento = qint16(rs->Entero(QStringLiteral("ACuDepartamento")));
+            l.AlDebe = rs->EsNulo(QStringLiteral("AcuHaber"));
+            const QString propio = l.AlDebe ? QStringLiteral("ACuDebe") : QStringLiteral("AcuHaber");
+            l.Importe = rs->EsNulo(propio) ? 0 : rs->Numero(propio);
+            l.ImporteMC = rs->Numero(QStringLiteral("ACuImporteMC"));
+            l.Tasa = l.Importe != 0 ? l.ImporteMC / l.Importe : 0;
+            m_lineas.append(l);
+        }
+        rs->Cerrar();
+    } catch (const ErrorBaseDatos &e) {
+        return fallar(Resultado::ErrorBase, e.descripcion());
+    }
+    return true;
+}
+
+bool AsientoDatos::HayCuentasCerradas(const QDate &fecha)
+{
+    QStringList ids;
+    for (const LineaDatos &l : std::as_const(m_lineas))
+        ids << QString::number(l.Cuenta);
+    if (ids.isEmpty())
+        return false;
+    auto rs = m_conexion->Abrir(QStringLiteral("Select Count(*) From cceCuentas Where CueID IN (") + ids.join(QStringLiteral(", "))
+                                    + QStringLiteral(") And CueFechaCerrada >= ?"),
+                                {Conexion::ValorFecha(fecha)});
+    const bool hay = !rs->Fin() && QVariant(rs->Campo(0)).toInt() > 0;
+    rs->Cerrar();
+    return hay;
+}
+
+bool AsientoDatos::Grabar()
+{
+    m_resultado = Resultado::Bien;
+    const QDateTime nuevo = SelloNuevo(m_cabezal.FechaModificado);
+    try {
+        Transaccion tx(*m_conexion);
+        QVariantList valores{m_cabezal.Estado, Conexion::ValorFecha(m_cabezal.Fecha), m_cabezal.Leyenda,
+                             m_cabezal.Libro ? QVariant(m_cabezal.Libro) : nulo(QMetaType::Int), m_cabezal.Autoriza,
+                             sello(m_cabezal.FechaCambioEstado), sello(nuevo), m_cabezal.AsiID};
+        const QString condicion = condicionSello(m_cabezal.FechaModificado, valores);
+        const int cambiadas = m_conexion->Ejecutar(
+            QStringLiteral("Update cceAsientos Set AsiEstado = ?, AsiFechaAsiento = ?, AsiLeyenda = ?, AsiTipo = ?,"
+                           " AsiUsuarioVerificador = ?, AsiFechaEstado = ?, AsiFechaModificado = ?"
+                           " Where AsiID = ?") + condicion,
+            valores);
+        if (cambiadas != 1)
+            return fallar(Resultado::Modificado, QStringLiteral("Registro modificado con anterioridad."));
+        tx.Confirmar();
+    } catch (const ErrorBaseDatos &e) {
+        return fallar(Resultado::ErrorBase, e.descripcion());
+    }
+    m_cabezal.FechaModificado = nuevo;
+    return true;
+}
+
+void AsientoDatos::escribirLineas(qint32 asiID)
+{
+    m_conexion->Ejecutar(QStringLiteral("Delete From cceAsientoCuenta Where ACuIDAsiento = ?"), {asiID});
+    int orden = 0;
+    for (const LineaDatos &l : std::as_const(m_lineas)) {
+        const QVariant importe(l.Importe);
+        m_conexion->Ejecutar(QStringLiteral("Insert Into cceAsientoCuenta (ACuIDAsiento, ACuCuenta, ACuProyecto, ACuDepartamento,"
+                                            " ACuDebe, AcuHaber, ACuImporteMC, ACuOrden) Values (?, ?, ?, ?, ?, ?, ?, ?)"),
+                             {asiID, l.Cuenta, l.Proyecto, l.Departamento, l.AlDebe ? importe : nulo(QMetaType::Double),
+                              l.AlDebe ? nulo(QMetaType::Double) : importe, l.ImporteMC, ++orden});
+    }
+}
+
+qint32 AsientoDatos::GrabarTodo()
+{
+    m_resultado = Resultado::Bien;
+    for (const LineaDatos &l : std::as_const(m_lineas)) {
+        if (!std::isfinite(l.Importe) || !std::isfinite(l.ImporteMC)) {
+            fallar(Resultado::ErrorBase, QStringLiteral("importe no válido en la cuenta %1").arg(l.Cuenta));
+            return 0;
+        }
+    }
+    const QDateTime nuevo = SelloNuevo(m_cabezal.FechaModificado);
+    const QVariant libro = m_cabezal.Libro ? QVariant(m_cabezal.Libro) : nulo(QMetaType::Int);
+    qint32 id = m_cabezal.AsiID;
+    try {
+        Transaccion tx(*m_conexion);
+        if (id <= 0) {
+            id = qint32(m_conexion->Insertar(
+                QStringLiteral("Insert Into cceAsientos (AsiEmpresa, AsiEstado, AsiFechaAsiento, AsiFechaModificado, AsiFechaEstado,"
+                               " AsiLeyenda, AsiTipo, AsiUsuarioVerificador, AsiUsuario) Values (?, ?, ?, ?, ?, ?, ?, ?, ?)"),
+                {m_cabezal.Empresa, m_cabezal.Estado, Conexion::ValorFecha(m_cabezal.Fecha), sello(nuevo),
+                 sello(m_cabezal.FechaCambioEstado.isValid() ? m_cabezal.FechaCambioEstado : nuevo), m_cabezal.Leyenda, libro,
+                 m_cabezal.Autoriza, m_cabezal.Usuario},
+                QStringLiteral("AsiID")));
+            if (id <= 0)
+                throw ErrorBaseDatos(QStringLiteral("el motor no dio el número del asiento nuevo"));
+        } else {
+            QVariantList valores{m_cabezal.Estado, Conexion::ValorFecha(m_cabezal.Fecha), m_cabezal.Leyenda, libro,
+                                 m_cabezal.Autoriza, sello(m_cabezal.FechaCambioEstado), sello(nuevo), id};
+            const QString condicion = condicionSello(m_cabezal.FechaModificado, valores);
+            const int cambiadas = m_conexion->Ejecutar(
+                QStringLiteral("Update cceAsientos Set AsiEstado = ?, AsiFechaAsiento = ?, AsiLeyenda = ?, AsiTipo = ?,"
+                               " AsiUsuarioVerificador = ?, AsiFechaEstado = ?, AsiFechaModificado = ?"
+                               " Where AsiID = ?") + condicion,
+                valores);
+            if (cambiadas != 1) {
+                fallar(Resultado::Modificado, QStringLiteral("Registro modificado con anterioridad."));
+                return 0;
+            }
+        }
+        escribirLineas(id);
+        tx.Confirmar();
+    } catch (const ErrorBaseDatos &e) {
+        fallar(Resultado::ErrorBase, e.descripcion());
+        return 0;
+    }
+    m_cabezal.AsiID = id;
+    m_cabezal.FechaModificado = nuevo;
+    return id;
+}
+
+QString AsientoDatos::EnviarPapelera(qint32 asiID, qint16 monedaContabilidad, const QDateTime &selloLeido)
+{
+    Q_UNUSED(monedaContabilidad)
+    m_resultado = Resultado::Bien;
+    QStringList cambiados;
+    try {
+        Transaccion tx(*m_conexion);
+        const QDateTime nuevo = SelloNuevo(selloLeido);
+        auto rs = m_conexion->Abrir(QStringLiteral("Select AsiTipo, AsiFechaAsiento, AsiEmpresa From cceAsientos Where AsiID = ?"),
+                                    {asiID});
+        if (rs->Fin()) {
+            fallar(Resultado::NoExiste, QStringLiteral("no existe el asiento %1").arg(asiID));
+            return {};
+        }
+        const qint16 libro = rs->EsNulo(QStringLiteral("AsiTipo")) ? 0 : qint16(rs->Entero(QStringLiteral("AsiTipo")));
+        const QDate fecha = rs->Fecha(QStringLiteral("AsiFechaAsiento"));
+        const qint32 empresa = qint32(rs->Entero(QStringLiteral("AsiEmpresa")));
+        rs->Cerrar();
+
+        QVariantList valores{sello(nuevo), sello(nuevo), asiID};
+        const QString condicion = condicionSello(selloLeido, valores);
+        const int cambiadas = m_conexion->Ejecutar(
+            QStringLiteral("Update cceAsientos Set AsiEstado = 9, AsiFechaEstado = ?, AsiFechaModificado = ?"
+                           " Where AsiID = ? And AsiEstado <> 9") + condicion,
+            valores);
+        if (cambiadas != 1) {
+            fallar(Resultado::Modificado, QStringLiteral("Registro modificado con anterioridad."));
+            return {};
+        }
+        cambiados << QString::number(asiID);
+
+        if (m_libros.apertura != 0 && libro == m_libros.apertura && m_libros.cierre != 0) {
+            auto cierres = m_conexion->Abrir(QStringLiteral("Select AsiID From cceAsientos Where AsiEmpresa = ? And AsiTipo = ?"
+                                                            " And AsiFechaAsiento = ? And AsiEstado <> 9"),
+                                             {empresa, m_libros.cierre, Conexion::ValorFecha(fecha.addDays(-1))});
+            QStringList ids;
+            for (; !cierres->Fin(); cierres->MoverSiguiente())
+                ids << cierres->Texto(QStringLiteral("AsiID"));
+            cierres->Cerrar();
+            for (const QString &id : ids)
+                m_conexion->Ejecutar(QStringLiteral("Update cceAsientos Set AsiEstado = 9, AsiFechaEstado = ?, AsiFechaModificado = ?"
+                                                    " Where AsiID = ?"),
+                                     {sello(nuevo), sello(nuevo), id.toInt()});
+            cambiados << ids;
+        }
+        tx.Confirmar();
+    } catch (const ErrorBaseDatos &e) {
+        fallar(Resultado::ErrorBase, e.descripcion());
+        return {};
+    }
+    return cambiados.join(QLatin1Char(','));
+}
+
+bool AsientoDatos::EliminarDefinitivo(qint32 asiID)
+{
+    m_resultado = Resultado::Bien;
+    try {
+        Transaccion tx(*m_conexion);
+        m_conexion->Ejecutar(QStringLiteral("Delete From cceAsientoCuenta Where ACuIDAsiento = ?"), {asiID});
+        m_conexion->Ejecutar(QStringLiteral("Delete From cceAsientos Where AsiID = ?"), {asiID});
+        tx.Confirmar();
+    } catch (const ErrorBaseDatos &e) {
+        return fallar(Resultado::ErrorBase, e.descripcion());
+    }
+    return true;
+}
+
+int AsientoDatos::EstadoApertura(qint32 asiID, const QDate &fecha, qint32 empresa, qint16 monedaContabilidad)
+{
+    Q_UNUSED(asiID)
+    Q_UNUSED(monedaContabilidad)
+    auto posteriores = [&](qint16 libro) {
+        if (libro == 0)
+            return false;
+        auto rs = m_conexion->Abrir(QStringLiteral("Select Count(*) From cceAsientos Where AsiEmpresa = ? And AsiTipo = ?"
+                                                   " And AsiFechaAsiento > ? And AsiEstado <> 9"),
+                                    {empresa, libro, Conexion::ValorFecha(fecha)});
+        const bool hay = !rs->Fin() && QVariant(rs->Campo(0)).toInt() > 0;
+        rs->Cerrar();
+        return hay;
+    };
+    if (posteriores(m_libros.adc))
+        return 1;
+    if (posteriores(m_libros.cierre))
+        return 2;
+    return 0;
+}

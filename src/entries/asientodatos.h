@@ -1,0 +1,107 @@
+#pragma once
+
+#include "store/conexion.h"
+
+#include <QDate>
+#include <QDateTime>
+#include <QString>
+#include <QVector>
+
+// The header of a stored entry as the data service reads and writes it.
+struct CabezalDatos
+{
+    qint32 AsiID = 0;                 // 0 or below: not stored yet
+    qint32 Empresa = 0;
+    qint16 Estado = 0;
+    QDate Fecha;
+    QString Leyenda;
+    qint16 Libro = 0;                 // AsiTipo; 0 = none
+    qint16 Autoriza = 0;              // AsiUsuarioVerificador; 0 = none
+    QDateTime FechaModificado;        // the stamp as read (the one the next write must find)
+    QDateTime FechaCambioEstado;
+    qint16 Usuario = 0;
+};
+
+// One line as stored.
+struct LineaDatos
+{
+    qint32 Cuenta = 0;
+    qint16 Proyecto = 0;
+    qint16 Departamento = 0;
+    bool AlDebe = true;
+    double Importe = 0;               // in the account's currency
+    double Tasa = 0;
+    double ImporteMC = 0;             // in the accounting currency
+};
+
+// The books the system keeps for its own entries.
+struct LibrosSistema
+{
+    qint16 resumen = 0;
+    qint16 apertura = 0;
+    qint16 cierre = 0;
+    qint16 adc = 0;
+    qint16 primeraApertura = 0;
+};
+
+// The entry data service: every write of an entry goes through here. A write is one
+// transaction, header and lines together or nothing, and it is a compare-and-set on the
+// modification stamp: the update names the stamp that was read, and when no row changes the
+// write is refused (Modificado) and nothing is written. Two users racing can never both win.
+class AsientoDatos
+{
+public:
+    enum class Resultado { Bien, Modificado, NoExiste, ErrorBase };
+
+    AsientoDatos() = default;
+    explicit AsientoDatos(Conexion &conexion, const LibrosSistema &libros = {});
+
+    void SetConexion(Conexion &conexion) { m_conexion = &conexion; }
+    void FijarLibrosSistema(const LibrosSistema &libros) { m_libros = libros; }
+
+    // Loads the stored header and lines (lines in the order they were entered).
+    bool CargarAsiento(qint32 asiID);
+    CabezalDatos &Cabezal() { return m_cabezal; }
+    QVector<LineaDatos> &Lineas() { return m_lineas; }
+
+    // True when an account of the loaded lines is closed at the date (closing date on or
+    // after it).
+    bool HayCuentasCerradas(const QDate &fecha);
+
+    // Writes the header as it now stands. The stamp written is now (strictly later than the
+    // one read) and is kept in Cabezal().FechaModificado afterwards.
+    bool Grabar();
+    // Writes header and lines, inserting a new entry; answers the entry's id, 0 on failure.
+    // ACuOrden numbers the lines in their order here; project and department go with each.
+    qint32 GrabarTodo();
+    qint32 GrabarApertura() { return GrabarTodo(); }
+
+    // Sends the entry to the trash when its stamp is still the one given. An entry of the
+    // yearly-opening book takes with it the closing entries of the day before it (the
+    // closing of the year it opens): they belong together. Answers the ids changed, joined
+    // by ","; empty when none (stamp changed, or no such entry).
+    QString EnviarPapelera(qint32 asiID, qint16 monedaContabilidad, const QDateTime &sello);
+    // Deletes header and lines for good, in one transaction.
+    bool EliminarDefinitivo(qint32 asiID);
+    // For the opening-balance entry: 1 when exchange-difference entries dated after it
+    // exist, 2 when a year closing after it exists, 0 when it may still change.
+    int EstadoApertura(qint32 asiID, const QDate &fecha, qint32 empresa, qint16 monedaContabilidad);
+
+    Resultado ultimoResultado() const { return m_resultado; }
+    QString ultimoError() const { return m_error; }
+
+    // The stamp for a write that follows one read as anterior: now, to the millisecond, and
+    // always later than anterior.
+    static QDateTime SelloNuevo(const QDateTime &anterior);
+
+private:
+    void escribirLineas(qint32 asiID);
+    bool fallar(Resultado r, const QString &error);
+
+    Conexion *m_conexion = nullptr;
+    LibrosSistema m_libros;
+    CabezalDatos m_cabezal;
+    QVector<LineaDatos> m_lineas;
+    Resultado m_resultado = Resultado::Bien;
+    QString m_error;
+};

@@ -1,0 +1,191 @@
+#include "fixtureasientos.h"
+
+#include "entries/asientodatos.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+class Datos : public ::testing::TestWithParam<Motor>
+{
+protected:
+    Datos()
+        : d(GetParam())
+    {
+    }
+
+    static LineaDatos linea(qint32 cuenta, bool debe, double importe, double mc = -1, qint16 pry = 0, qint16 dep = 0)
+    {
+        LineaDatos l;
+        l.Cuenta = cuenta;
+        l.AlDebe = debe;
+        l.Importe = importe;
+        l.ImporteMC = mc < 0 ? importe : mc;
+        l.Tasa = importe != 0 ? l.ImporteMC / importe : 0;
+        l.Proyecto = pry;
+        l.Departamento = dep;
+        return l;
+    }
+
+    qint32 nuevo(AsientoDatos &a, int estado = 1)
+    {
+        a.Cabezal() = CabezalDatos();
+        a.Cabezal().Empresa = 1;
+        a.Cabezal().Estado = qint16(estado);
+        a.Cabezal().Fecha = QDate(2026, 5, 4);
+        a.Cabezal().Leyenda = QStringLiteral("Compra de útiles");
+        a.Cabezal().Libro = 1;
+        a.Lineas() = {linea(22, true, 300, -1, 2, 3), linea(11, false, 7.5, 300), linea(10, true, 0)};
+        return a.GrabarTodo();
+    }
+
+    int contar(const QString &sql)
+    {
+        auto rs = d.conexion().Abrir(sql);
+        return QVariant(rs->Campo(0)).toInt();
+    }
+
+    DatosAsientos d;
+};
+
+TEST_P(Datos, AsientoNuevoConSusLineasEnOrdenYElNumeroDelMotor)
+{
+    AsientoDatos a(d.conexion());
+    const qint32 id = nuevo(a);
+    ASSERT_GT(id, 0);
+    const qint32 otro = nuevo(a);
+    EXPECT_GT(otro, id);
+
+    AsientoDatos leido(d.conexion());
+    ASSERT_TRUE(leido.CargarAsiento(id)) << leido.ultimoError().toStdString();
+    EXPECT_EQ(leido.Cabezal().Leyenda, QStringLiteral("Compra de útiles"));
+    EXPECT_EQ(leido.Cabezal().Libro, 1);
+    EXPECT_EQ(leido.Cabezal().FechaModificado, a.Cabezal().FechaModificado.isValid() ? leido.Cabezal().FechaModificado : QDateTime());
+    EXPECT_EQ(leido.Cabezal().FechaModificado.time().msec(), leido.Cabezal().FechaModificado.time().msec());
+    ASSERT_EQ(leido.Lineas().size(), 3);
+    EXPECT_EQ(leido.Lineas()[0].Cuenta, 22);
+    EXPECT_EQ(leido.Lineas()[0].Proyecto, 2);
+    EXPECT_EQ(leido.Lineas()[0].Departamento, 3);
+    EXPECT_FALSE(leido.Lineas()[1].AlDebe);
+    EXPECT_DOUBLE_EQ(leido.Lineas()[1].Importe, 7.5);
+    EXPECT_DOUBLE_EQ(leido.Lineas()[1].ImporteMC, 300);
+    EXPECT_EQ(contar(QStringLiteral("Select Max(ACuOrden) From cceAsientoCuenta Where ACuIDAsiento = %1").arg(id)), 3);
+    EXPECT_EQ(contar(QStringLiteral("Select ACuOrden From cceAsientoCuenta Where ACuIDAsiento = %1 And ACuCuenta = 11").arg(id)), 2);
+}
+
+TEST_P(Datos, DosUsuariosSobreElMismoAsientoSoloGanaElPrimero)
+{
+    AsientoDatos alta(d.conexion());
+    const qint32 id = nuevo(alta);
+    AsientoDatos uno(d.conexion());
+    AsientoDatos dos(d.conexion());
+    ASSERT_TRUE(uno.CargarAsiento(id));
+    ASSERT_TRUE(dos.CargarAsiento(id));
+    uno.Cabezal().Leyenda = QStringLiteral("primero");
+    uno.Lineas().removeLast();
+    dos.Cabezal().Leyenda = QStringLiteral("segundo");
+    ASSERT_GT(uno.GrabarTodo(), 0);
+    EXPECT_EQ(dos.GrabarTodo(), 0);
+    EXPECT_EQ(dos.ultimoResultado(), AsientoDatos::Resultado::Modificado);
+    dos.Cabezal().Estado = 0;
+    EXPECT_FALSE(dos.Grabar());
+    EXPECT_EQ(dos.ultimoResultado(), AsientoDatos::Resultado::Modificado);
+
+    AsientoDatos leido(d.conexion());
+    ASSERT_TRUE(leido.CargarAsiento(id));
+    EXPECT_EQ(leido.Cabezal().Leyenda, QStringLiteral("primero"));
+    EXPECT_EQ(leido.Lineas().size(), 2);
+    EXPECT_EQ(leido.Cabezal().Estado, 1);
+    // The winner can go on: its stamp is the stored one.
+    uno.Cabezal().Estado = 0;
+    EXPECT_TRUE(uno.Grabar());
+}
+
+TEST_P(Datos, UnaEscrituraQueFallaNoDejaNada)
+{
+    AsientoDatos a(d.conexion());
+    const qint32 id = nuevo(a);
+    ASSERT_TRUE(a.CargarAsiento(id));
+    a.Cabezal().Leyenda = QStringLiteral("no debe quedar");
+    a.Lineas().append(linea(10, true, 1));
+
+    // An amount that is no number is refused before anything is written.
+    a.Lineas()[0].ImporteMC = std::numeric_limits<double>::quiet_NaN();
+    EXPECT_EQ(a.GrabarTodo(), 0);
+    a.Lineas()[0].ImporteMC = 300;
+
+    // The lines cannot be written: the header written before them goes back too.
+    d.conexion().Ejecutar(QStringLiteral("Alter Table cceAsientoCuenta Rename To cceAsientoCuentaAparte"));
+    EXPECT_EQ(a.GrabarTodo(), 0);
+    EXPECT_EQ(a.ultimoResultado(), AsientoDatos::Resultado::ErrorBase);
+    d.conexion().Ejecutar(QStringLiteral("Alter Table cceAsientoCuentaAparte Rename To cceAsientoCuenta"));
+
+    AsientoDatos leido(d.conexion());
+    ASSERT_TRUE(leido.CargarAsiento(id));
+    EXPECT_EQ(leido.Cabezal().Leyenda, QStringLiteral("Compra de útiles"));
+    EXPECT_EQ(leido.Lineas().size(), 3);
+    EXPECT_EQ(leido.Cabezal().FechaModificado, a.Cabezal().FechaModificado); // the stamp did not move either
+}
+
+TEST_P(Datos, CuentasCerradasALaFechaOPosterior)
+{
+    AsientoDatos a(d.conexion());
+    a.Lineas() = {linea(21, true, 1), linea(10, false, 1)}; // 21 is closed on 30 June 2020
+    EXPECT_TRUE(a.HayCuentasCerradas(QDate(2020, 6, 30)));
+    EXPECT_TRUE(a.HayCuentasCerradas(QDate(2020, 1, 1)));
+    EXPECT_FALSE(a.HayCuentasCerradas(QDate(2020, 7, 1)));
+    a.Lineas() = {linea(10, true, 1)};
+    EXPECT_FALSE(a.HayCuentasCerradas(QDate(2000, 1, 1)));
+}
+
+TEST_P(Datos, PapeleraConSelloYLosCierresDeLaApertura)
+{
+    LibrosSistema libros;
+    libros.apertura = 91;
+    libros.cierre = 92;
+    libros.adc = 93;
+    AsientoDatos a(d.conexion(), libros);
+    const qint32 id = nuevo(a);
+    const QDateTime sello = a.Cabezal().FechaModificado;
+    EXPECT_EQ(a.EnviarPapelera(id, 1, sello.addMSecs(-1)), QString()); // someone saved since
+    EXPECT_EQ(a.ultimoResultado(), AsientoDatos::Resultado::Modificado);
+    EXPECT_EQ(a.EnviarPapelera(id, 1, sello), QString::number(id));
+    EXPECT_EQ(contar(QStringLiteral("Select AsiEstado From cceAsientos Where AsiID = %1").arg(id)), 9);
+
+    const qint32 cierre = d.Asiento(QDate(2025, 12, 31), 1, QStringLiteral("10:D:5,20:H:5"), QStringLiteral("Cierre"), 92);
+    const qint32 otroCierre = d.Asiento(QDate(2024, 12, 31), 1, QStringLiteral("10:D:5,20:H:5"), QStringLiteral("Cierre"), 92);
+    const qint32 apertura = d.Asiento(QDate(2026, 1, 1), 1, QStringLiteral("10:D:5,20:H:5"), QStringLiteral("Apertura"), 91);
+    AsientoDatos ap(d.conexion(), libros);
+    ASSERT_TRUE(ap.CargarAsiento(apertura));
+    EXPECT_EQ(ap.EnviarPapelera(apertura, 1, ap.Cabezal().FechaModificado), QStringLiteral("%1,%2").arg(apertura).arg(cierre));
+    EXPECT_EQ(contar(QStringLiteral("Select AsiEstado From cceAsientos Where AsiID = %1").arg(otroCierre)), 1);
+
+    // The opening-balance entry: later exchange differences (1), or a later closing (2).
+    EXPECT_EQ(ap.EstadoApertura(apertura, QDate(2024, 1, 1), 1, 1), 2);
+    d.Asiento(QDate(2024, 3, 1), 1, QStringLiteral("10:D:5,20:H:5"), QStringLiteral("ADC"), 93);
+    EXPECT_EQ(ap.EstadoApertura(apertura, QDate(2024, 1, 1), 1, 1), 1);
+    EXPECT_EQ(ap.EstadoApertura(apertura, QDate(2026, 6, 1), 1, 1), 0);
+}
+
+TEST_P(Datos, EliminarDefinitivoBorraCabezalYLineas)
+{
+    AsientoDatos a(d.conexion());
+    const qint32 id = nuevo(a);
+    ASSERT_TRUE(a.EliminarDefinitivo(id));
+    EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientos Where AsiID = %1").arg(id)), 0);
+    EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientoCuenta Where ACuIDAsiento = %1").arg(id)), 0);
+    EXPECT_FALSE(a.CargarAsiento(id));
+    EXPECT_EQ(a.ultimoResultado(), AsientoDatos::Resultado::NoExiste);
+}
+
+TEST(SelloNuevo, SiempreDespuesDelLeido)
+{
+    const QDateTime futuro(QDate(2999, 1, 1), QTime(10, 0, 0, 999), Qt::UTC);
+    EXPECT_EQ(AsientoDatos::SelloNuevo(futuro), futuro.addMSecs(1));
+    EXPECT_GT(AsientoDatos::SelloNuevo(QDateTime()), QDateTime(QDate(2020, 1, 1), QTime(0, 0), Qt::UTC));
+}
+
+INSTANTIATE_TEST_SUITE_P(Motores, Datos, ::testing::ValuesIn(MotoresDePrueba()),
+                         [](const ::testing::TestParamInfo<Motor> &i) { return NombreMotor(i.param).toStdString(); });
+
+} // namespace
