@@ -217,6 +217,80 @@ void AsientosGrilla::TomarAsientoDeFila(int fila)
     Cabezal.AsiUsuarioVerificador = AutorizaDeFila(r);
 }
 
+RegistroLinea AsientosGrilla::LineaDeFila(int fila) const
+{
+    RegistroLinea l;
+    const QString clave = m_g.Dato(fila, 1).toString();
+    if (clave.isEmpty())
+        return l;
+    l.lCta = CampoDeClave(clave, 0);
+    l.iPry = qint16(CampoDeClave(clave, 1));
+    l.iDep = qint16(CampoDeClave(clave, 2));
+    l.iMon = qint16(CampoDeClave(clave, 3));
+    l.ACuOrden = qint16(CampoDeClave(clave, 4));
+    l.dFechaCierre = m_g.Dato(fila, 2).toString();
+    l.bEsAlDebe = tieneTexto(fila, 2) || (!tieneTexto(fila, 3) && !m_g.Texto(fila, 0).isEmpty());
+    l.sTextDisplay = m_g.Texto(fila, l.bEsAlDebe ? 0 : 1);
+    const double mc = m_g.Valor(fila, l.bEsAlDebe ? 2 : 3);
+    const bool extranjera = l.iMon != m_ctx.monedaContabilidad && l.iMon >= 1;
+    l.dImporteMC = mc;
+    l.dImporte = extranjera ? m_g.Valor(fila, 5) : mc;
+    l.dTCambio = extranjera ? m_g.Valor(fila, 4) : (mc != 0 ? 1 : 0);
+    return l;
+}
+
+QVector<LineaDatos> AsientosGrilla::LineasParaGrabar(QVector<qint16> *monedas) const
+{
+    QVector<LineaDatos> lineas;
+    const int cabezal = Cabezal.FilaCabezal;
+    if (cabezal < 0)
+        return lineas;
+    for (int r = cabezal + 1; r <= UltimaFilaAsiento(cabezal); ++r) {
+        if (EsFilaDiferencia(r) || m_g.Dato(r, 1).toString().isEmpty())
+            continue;
+        const RegistroLinea l = LineaDeFila(r);
+        if (l.lCta <= 0)
+            continue;
+        LineaDatos d;
+        d.Cuenta = l.lCta;
+        d.Proyecto = l.iPry;
+        d.Departamento = l.iDep;
+        d.AlDebe = l.bEsAlDebe;
+        d.Importe = Importe::DesdeDouble(l.dImporte).aDouble();
+        d.ImporteMC = Importe::DesdeDouble(l.dImporteMC).aDouble();
+        d.Tasa = l.dTCambio;
+        lineas.append(d);
+        if (monedas)
+            monedas->append(l.iMon);
+    }
+    return lineas;
+}
+
+void AsientosGrilla::ActualizarCabezalFila(int filaCabezal, const QDateTime &sello, qint16 estado)
+{
+    m_g.FijarDato(filaCabezal, 0, Cabezal.AsiID);
+    m_g.FijarDato(filaCabezal, 3, estado);
+    m_g.FijarDato(filaCabezal, 4, sello);
+    for (int r = filaCabezal + 1; r <= UltimaFilaAsiento(filaCabezal); ++r)
+        m_g.FijarDato(r, 0, Cabezal.AsiID);
+    ClaveEstado(filaCabezal, estado);
+}
+
+void AsientosGrilla::QuitarAsientoDeGrilla(qint32 asiID)
+{
+    std::vector<bool> quitar(size_t(m_g.Filas()), false);
+    bool alguna = false;
+    for (int r = m_g.FilasFijas(); r < m_g.Filas(); ++r) {
+        if (EsFilaCabezal(r) && IdDeFila(r) == asiID) {
+            for (int k = r; k <= UltimaFilaAsiento(r); ++k)
+                quitar[size_t(k)] = true;
+            alguna = true;
+        }
+    }
+    if (alguna)
+        m_g.QuitarFilasMarcadas(quitar);
+}
+
 void AsientosGrilla::QuitarAsientoDeGrilla()
 {
     const int r = Cabezal.FilaCabezal;

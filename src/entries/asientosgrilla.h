@@ -1,5 +1,6 @@
 #pragma once
 
+#include "asientodatos.h"
 #include "grilla.h"
 #include "modeloasiento.h"
 
@@ -116,6 +117,16 @@ public:
     // in it, the amount in pesos over the amount in the currency (or the rate cell when that
     // amount is 0); 0 when no line of that currency is found before the next entry.
     double BuscarTCMonedaCuenta(qint16 iMoneda) const;
+
+    // The line of a grid row as the editor and the storage take it.
+    RegistroLinea LineaDeFila(int fila) const;
+    // The current entry's lines as stored: every line row in grid order, the difference row
+    // left out; monedas receives each line's currency.
+    QVector<LineaDatos> LineasParaGrabar(QVector<qint16> *monedas = nullptr) const;
+    // After a write: the header row takes the new stamp and state, and the state's picture.
+    void ActualizarCabezalFila(int filaCabezal, const QDateTime &sello, qint16 estado);
+    // Removes every row of the entry with that id (header, lines, difference row).
+    void QuitarAsientoDeGrilla(qint32 asiID);
 
     // Takes the entry whose header is at fila as the current entry.
     void TomarAsientoDeFila(int fila);

@@ -264,15 +264,27 @@ void lumIngAsiento::conectarComandos()
     });
     connect(m_menus->accion(QStringLiteral("MnuAFrNew")), &QAction::triggered, this,
             [this] { ArmarComandoDiferido(QStringLiteral("2")); });
+    auto alElegir = [this](const char *accion, auto funcion) {
+        connect(m_menus->accion(QString::fromLatin1(accion)), &QAction::triggered, this, funcion);
+    };
+    alElegir("MnuEdiSaveNormal", [this] { RegistrarAsiento(); });
+    alElegir("MnuSaveEnBorrador", [this] { RegistrarListados(EstadoAsiento::kBorrador); });
+    alElegir("MnuEdiAgendarAsiento", [this] { AgendarAsiento(); });
+    alElegir("MnuEdiHacerFrecuente", [this] {
+        m_asientos.ResetCabezal();
+        CrearMovimientoFrecuente(false);
+        m_asientos.ResetCabezal();
+    });
+    alElegir("MnuEdiDel", [this] { EliminarAsiento(false); });
+    alElegir("MnuEdiDelRow", [this] { EliminarAsiento(true); });
+    alElegir("MnuEdiCopy", [this] { CopiarAsiento(); });
+    alElegir("MnuEdiHide", [this] { OcultarAsiento(); });
 
     // Commands whose operations are not in this build yet stay disabled rather than
     // doing nothing when chosen.
-    for (const char *pendiente : {"MnuEdiNew", "MnuEdiDel", "MnuEdiDelRow", "MnuEdiAddCta",
-                                  "MnuEdiSaveNormal", "MnuEdiCopy", "MnuEdiHide", "MnuUnificarTCCta",
-                                  "MnuUnificarTCMC", "MnuEdiASI", "MnuEdiAPA", "MnuEdiHacerFrecuente",
-                                  "MnuEdiAgendarAsiento", "MnuEdiLibro", "MnuPriCnfgPage", "MnuPriPrint",
-                                  "MnuPriPrevia", "MnuExpExcell", "MnuExpCSV", "MnuExpHtml", "MnuSaveEnBorrador",
-                                  "MnuAFrRegistrar", "MnuAFrNew"})
+    for (const char *pendiente : {"MnuEdiNew", "MnuEdiAddCta", "MnuUnificarTCCta", "MnuUnificarTCMC", "MnuEdiASI",
+                                  "MnuEdiAPA", "MnuEdiLibro", "MnuPriCnfgPage", "MnuPriPrint", "MnuPriPrevia",
+                                  "MnuExpExcell", "MnuExpCSV", "MnuExpHtml", "MnuAFrRegistrar", "MnuAFrNew"})
         m_menus->accion(QString::fromLatin1(pendiente))->setEnabled(false);
     m_menus->MnuExportar->menuAction()->setEnabled(false);
     m_menus->MnuEdiTC->menuAction()->setEnabled(false);

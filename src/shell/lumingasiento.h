@@ -3,6 +3,7 @@
 #include "comandoshost.h"
 #include "parametroshost.h"
 #include "sesion.h"
+#include "entries/asientodatos.h"
 #include "entries/asientosgrilla.h"
 #include "entries/grilla.h"
 #include "services/servicioconexion.h"
@@ -82,6 +83,20 @@ public:
     bool CargarConfigEmpresa();
     void ConfigUsuario(bool guardar);
 
+    // Saving, deleting, copying (the commands of the entry menu).
+    void RegistrarAsiento();
+    void RegistrarListados(qint16 estadoOrigen);
+    void AgendarAsiento();
+    bool CrearMovimientoFrecuente(bool agendar);
+    bool GrabarCabezal();
+    bool GrabarAsientoCompleto(bool asientoCierra);
+    void EliminarAsiento(bool porFila);
+    bool EliminarDefinitivo(qint32 asiID);
+    void CopiarAsiento();
+    void OcultarAsiento();
+    bool PuedeModificarApertura();
+    void CargarLibros(QComboBox *lista, bool excluirSistema);
+
     // Process-wide state shared by every document of the process.
     static std::shared_ptr<Conexion> ConexionCompartida();
     static const ParametrosSistema &Parametros();
@@ -128,6 +143,15 @@ private:
     void AsientoApertura();
     void NuevoFrecuente();
     void RegistrarFrecuenteDiferido(qint32 idFrecuente);
+
+    // Saving helpers.
+    LibrosSistema librosSistema() const;
+    AsientoDatos nuevoAsientoDatos() const;
+    int tomarAsientoDeFilaActual();
+    void errorTexto(int numero, const QString &detalle = {});
+    void advertirTexto(int numero);
+    bool preguntarTexto(int numero);
+    bool hayCuentasCerradasEnGrilla(const QDate &fecha) const;
 
     // The grid.
     void CargarAsientos(const QString &sql);

@@ -13,5 +13,4 @@ void lumIngAsiento::AsientoApertura() {}
 void lumIngAsiento::NuevoFrecuente() {}
 void lumIngAsiento::RegistrarFrecuenteDiferido(qint32) {}
 bool lumIngAsiento::EntrarEdicion(int) { return false; }
-bool lumIngAsiento::EliminarConTecla(int) { return false; }
 bool lumIngAsiento::TeclaEdicion(int) { return false; }

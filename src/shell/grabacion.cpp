@@ -1,0 +1,526 @@
+// Saving, registering, scheduling, deleting and copying entries.
+#include "lumingasiento.h"
+
+#include "idioma.h"
+#include "menusdocumento.h"
+#include "entries/movimientosfrecuentes.h"
+#include "entries/vistas.h"
+#include "entries/vsgrid.h"
+#include "services/serviciomensajes.h"
+#include "store/valoressql.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QComboBox>
+
+namespace {
+
+// Shows the busy pointer for the length of a command.
+class Ocupado
+{
+public:
+    Ocupado() { QApplication::setOverrideCursor(Qt::BusyCursor); }
+    ~Ocupado() { QApplication::restoreOverrideCursor(); }
+};
+
+} // namespace
+
+LibrosSistema lumIngAsiento::librosSistema() const
+{
+    const ParametrosSistema &p = Parametros();
+    return {p.libroResumen, p.libroApertura, p.libroCierre, p.libroADC, p.libroPrimeraApertura};
+}
+
+AsientoDatos lumIngAsiento::nuevoAsientoDatos() const
+{
+    return AsientoDatos(*ConexionCompartida(), librosSistema());
+}
+
+void lumIngAsiento::errorTexto(int numero, const QString &detalle)
+{
+    m_entorno.mensajes->MostrarError(Idioma::resLoad(numero - 1000), QString(), detalle);
+}
+
+void lumIngAsiento::advertirTexto(int numero)
+{
+    m_entorno.mensajes->Advertir(Idioma::resLoad(numero - 1000));
+}
+
+bool lumIngAsiento::preguntarTexto(int numero)
+{
+    return m_entorno.mensajes->Preguntar(Idioma::resLoad(numero - 1000), ServicioMensajes::Botones::SiNo)
+        == ServicioMensajes::Respuesta::Si;
+}
+
+// The entry of the grid's current row becomes the current entry; answers its header row,
+// -1 when the row belongs to no entry.
+int lumIngAsiento::tomarAsientoDeFilaActual()
+{
+    const int cabezal = m_asientos.FilaCabezalDe(m_vsGrid->FilaActual());
+    m_asientos.TomarAsientoDeFila(cabezal);
+    return cabezal;
+}
+
+// Whether an account of the current entry's lines is closed at a date, from the closing
+// dates the grid carries.
+bool lumIngAsiento::hayCuentasCerradasEnGrilla(const QDate &fecha) const
+{
+    const int cabezal = m_asientos.Cabezal.FilaCabezal;
+    if (cabezal < 0)
+        return false;
+    for (int r = cabezal + 1; r <= m_asientos.UltimaFilaAsiento(cabezal); ++r) {
+        const QDate cierre = QDate::fromString(m_grilla.Dato(r, 2).toString(), Qt::ISODate);
+        if (cierre.isValid() && fecha <= cierre && !m_asientos.EsFilaDiferencia(r))
+            return true;
+    }
+    return false;
+}
+
+void lumIngAsiento::RegistrarAsiento()
+{
+    const int filaActual = m_vsGrid->FilaActual();
+    if (filaActual < m_grilla.FilasFijas() || !ConexionCompartida())
+        return;
+    m_grilla.FijarRedibujar(false);
+    const int cabezal = tomarAsientoDeFilaActual();
+    CabezalAsiento &c = m_asientos.Cabezal;
+    auto terminar = [&] {
+        m_grilla.FijarRedibujar(true);
+        SeleccionarFila(filaActual);
+        m_asientos.ResetCabezal();
+    };
+    if (cabezal < 0 || c.AsiEstado >= EstadoAsiento::kInconcluso) {
+        terminar();
+        return;
+    }
+    if (c.AsiID <= 0) {
+        // Never stored: storing it is registering it.
+        bool debeMenor = false, cierra = false;
+        double mc = 0, me = 0;
+        m_asientos.CierreAsiento(debeMenor, mc, me, cierra);
+        GrabarAsientoCompleto(cierra);
+        terminar();
+        return;
+    }
+    try {
+        if (c.AsiFechaAsiento > QDate::currentDate() && c.AsiEstado == EstadoAsiento::kBorrador) {
+            if (preguntarTexto(1807)) {
+                if (CrearMovimientoFrecuente(true))
+                    EliminarDefinitivo(c.AsiID);
+                m_grilla.FijarRedibujar(true);
+                m_asientos.ResetCabezal();
+                return;
+            }
+            m_grilla.FijarRedibujar(true);
+            if (!preguntarTexto(1838)) {
+                terminar();
+                return;
+            }
+            m_grilla.FijarRedibujar(false);
+        }
+        AsientoDatos datos = nuevoAsientoDatos();
+        if (!datos.CargarAsiento(c.AsiID))
+            throw ErrorBaseDatos(datos.ultimoError());
+        if (datos.Cabezal().FechaModificado != c.AsiFechaModificado) {
+            errorTexto(1820);
+        } else if (datos.HayCuentasCerradas(datos.Cabezal().Fecha)) {
+            m_grilla.FijarRedibujar(true);
+            errorTexto(1811);
+        } else {
+            datos.Cabezal().Estado = c.AsiEstado == EstadoAsiento::kRegistrado ? EstadoAsiento::kBorrador : EstadoAsiento::kRegistrado;
+            datos.Cabezal().FechaCambioEstado = AsientoDatos::SelloNuevo(QDateTime());
+            if (datos.Grabar()) {
+                c.AsiFechaModificado = datos.Cabezal().FechaModificado;
+                c.AsiEstado = datos.Cabezal().Estado;
+                m_asientos.ActualizarCabezalFila(cabezal, c.AsiFechaModificado, c.AsiEstado);
+            } else if (datos.ultimoResultado() == AsientoDatos::Resultado::Modificado) {
+                errorTexto(1820);
+            } else {
+                throw ErrorBaseDatos(datos.ultimoError());
+            }
+        }
+    } catch (const ErrorBaseDatos &e) {
+        errorTexto(1931, DetalleError(e.numero(), e.descripcion()));
+    }
+    terminar();
+}
+
+void lumIngAsiento::RegistrarListados(qint16 estadoOrigen)
+{
+    if (!ConexionCompartida())
+        return;
+    bool algunaFalla = false;
+    try {
+        for (int r = m_grilla.FilasFijas(); r < m_grilla.Filas(); ++r) {
+            if (!m_asientos.EsFilaCabezal(r) || m_grilla.Dato(r, 3).toInt() != estadoOrigen)
+                continue;
+            m_asientos.TomarAsientoDeFila(r);
+            CabezalAsiento &c = m_asientos.Cabezal;
+            if (c.AsiFechaAsiento > QDate::currentDate() || c.AsiID <= 0)
+                continue;
+            AsientoDatos datos = nuevoAsientoDatos();
+            if (!datos.CargarAsiento(c.AsiID) || datos.HayCuentasCerradas(datos.Cabezal().Fecha)
+                || datos.Cabezal().FechaModificado != c.AsiFechaModificado) {
+                algunaFalla = true;
+                continue;
+            }
+            datos.Cabezal().Estado = EstadoAsiento::kRegistrado;
+            datos.Cabezal().FechaCambioEstado = AsientoDatos::SelloNuevo(QDateTime());
+            if (!datos.Grabar()) {
+                algunaFalla = true;
+                continue;
+            }
+            c.AsiEstado = EstadoAsiento::kRegistrado;
+            m_asientos.ActualizarCabezalFila(r, datos.Cabezal().FechaModificado, c.AsiEstado);
+        }
+    } catch (const ErrorBaseDatos &e) {
+        errorTexto(1913, DetalleError(e.numero(), e.descripcion()));
+    }
+    m_asientos.ResetCabezal();
+    if (algunaFalla)
+        advertirTexto(1822);
+}
+
+void lumIngAsiento::AgendarAsiento()
+{
+    tomarAsientoDeFilaActual();
+    if (m_asientos.Cabezal.FilaCabezal >= 0 && m_asientos.Cabezal.AsiEstado != EstadoAsiento::kInconcluso)
+        CrearMovimientoFrecuente(true);
+    m_asientos.ResetCabezal();
+}
+
+bool lumIngAsiento::CrearMovimientoFrecuente(bool agendar)
+{
+    if (m_asientos.Cabezal.FilaCabezal < 0)
+        tomarAsientoDeFilaActual();
+    const CabezalAsiento &c = m_asientos.Cabezal;
+    if (c.FilaCabezal < 0 || c.AsiEstado == EstadoAsiento::kInconcluso || !ConexionCompartida())
+        return false;
+    Ocupado ocupado;
+    CabezalDatos cabezal;
+    cabezal.Empresa = EmpresaProceso();
+    cabezal.Fecha = c.AsiFechaAsiento;
+    cabezal.Leyenda = c.AsiLeyenda.isEmpty() ? m_grilla.Texto(c.FilaCabezal, 1).section(QLatin1Char(' '), 1).trimmed() : c.AsiLeyenda;
+    cabezal.Libro = c.AsiTipo;
+    cabezal.Autoriza = c.AsiUsuarioVerificador;
+    cabezal.Usuario = m_host.IDUsuario;
+    QVector<qint16> monedas;
+    const QVector<LineaDatos> lineas = m_asientos.LineasParaGrabar(&monedas);
+    MovimientosFrecuentes frecuentes(*ConexionCompartida());
+    const QString nombre = cabezal.Leyenda.isEmpty() ? FormatoFechaSuite(cabezal.Fecha, QTime(0, 0), m_formatoFecha) : cabezal.Leyenda;
+    if (frecuentes.Crear(cabezal, lineas, monedas, agendar, nombre) > 0)
+        return true;
+    errorTexto(1908, frecuentes.ultimoError());
+    return false;
+}
+
+bool lumIngAsiento::GrabarCabezal()
+{
+    CabezalAsiento &c = m_asientos.Cabezal;
+    if (c.AsiID <= 0 || !ConexionCompartida())
+        return false;
+    try {
+        AsientoDatos datos = nuevoAsientoDatos();
+        if (!datos.CargarAsiento(c.AsiID))
+            throw ErrorBaseDatos(datos.ultimoError());
+        CabezalDatos &d = datos.Cabezal();
+        if (d.Fecha != c.AsiFechaAsiento
+            && (datos.HayCuentasCerradas(d.Fecha) || datos.HayCuentasCerradas(c.AsiFechaAsiento))) {
+            errorTexto(1813);
+            c.AsiFechaAsiento = d.Fecha;
+            c.AsiEstado = d.Estado;
+            c.AsiFechaModificado = d.FechaModificado;
+            c.AsiLeyenda = d.Leyenda;
+            c.AsiTipo = d.Libro;
+            c.AsiUsuarioVerificador = d.Autoriza;
+            return false;
+        }
+        if (d.FechaModificado != c.AsiFechaModificado) {
+            errorTexto(1820);
+            return false;
+        }
+        d.Leyenda = c.AsiLeyenda;
+        d.Fecha = c.AsiFechaAsiento;
+        // A registered entry moved into the future goes back to draft.
+        if (c.AsiFechaAsiento > QDate::currentDate() && d.Estado == EstadoAsiento::kRegistrado) {
+            d.Estado = EstadoAsiento::kBorrador;
+            d.FechaCambioEstado = AsientoDatos::SelloNuevo(QDateTime());
+        }
+        d.Libro = c.AsiTipo;
+        d.Autoriza = c.AsiUsuarioVerificador;
+        if (!datos.Grabar()) {
+            if (datos.ultimoResultado() == AsientoDatos::Resultado::Modificado) {
+                errorTexto(1820);
+                return false;
+            }
+            throw ErrorBaseDatos(datos.ultimoError());
+        }
+        c.AsiFechaModificado = d.FechaModificado;
+        c.AsiEstado = d.Estado;
+        if (c.FilaCabezal >= 0)
+            m_asientos.ActualizarCabezalFila(c.FilaCabezal, c.AsiFechaModificado, c.AsiEstado);
+        return true;
+    } catch (const ErrorBaseDatos &e) {
+        errorTexto(1923, DetalleError(e.numero(), e.descripcion()));
+        return false;
+    }
+}
+
+bool lumIngAsiento::GrabarAsientoCompleto(bool asientoCierra)
+{
+    CabezalAsiento &c = m_asientos.Cabezal;
+    if (!ConexionCompartida() || c.FilaCabezal < 0)
+        return false;
+    const qint16 estadoCerrado = m_asiSaveB ? EstadoAsiento::kBorrador : EstadoAsiento::kRegistrado;
+    try {
+        AsientoDatos datos = nuevoAsientoDatos();
+        CabezalDatos &d = datos.Cabezal();
+        qint16 estado = asientoCierra ? estadoCerrado : EstadoAsiento::kInconcluso;
+        if (c.AsiID <= 0) {
+            d.AsiID = 0;
+            d.Empresa = EmpresaProceso();
+            d.Usuario = m_host.IDUsuario;
+            d.Estado = estado;
+            d.FechaCambioEstado = AsientoDatos::SelloNuevo(QDateTime());
+        } else {
+            if (!datos.CargarAsiento(c.AsiID))
+                throw ErrorBaseDatos(datos.ultimoError());
+            if (!asientoCierra && datos.HayCuentasCerradas(d.Fecha)) {
+                errorTexto(1811);
+                return false;
+            }
+            if (d.FechaModificado != c.AsiFechaModificado) {
+                errorTexto(1820);
+                return false;
+            }
+            // A stored entry keeps its state while it balances; it becomes incomplete when it
+            // stops balancing, and an incomplete one that balances again is saved as new ones are.
+            if (asientoCierra && d.Estado != EstadoAsiento::kInconcluso)
+                estado = d.Estado;
+            if (estado != d.Estado) {
+                d.Estado = estado;
+                d.FechaCambioEstado = AsientoDatos::SelloNuevo(QDateTime());
+            }
+        }
+        d.Leyenda = c.AsiLeyenda;
+        d.Libro = c.AsiTipo;
+        d.Fecha = c.AsiFechaAsiento;
+        d.Autoriza = c.AsiUsuarioVerificador;
+        datos.Lineas() = m_asientos.LineasParaGrabar();
+        if (datos.HayCuentasCerradas(d.Fecha)) {
+            errorTexto(1811);
+            return false;
+        }
+        const qint32 id = datos.GrabarTodo();
+        if (id <= 0) {
+            if (datos.ultimoResultado() == AsientoDatos::Resultado::Modificado) {
+                errorTexto(1820);
+                return false;
+            }
+            throw ErrorBaseDatos(datos.ultimoError());
+        }
+        c.AsiID = id;
+        c.AsiEstado = d.Estado;
+        c.AsiFechaModificado = d.FechaModificado;
+        m_asientos.ActualizarCabezalFila(c.FilaCabezal, c.AsiFechaModificado, c.AsiEstado);
+        return true;
+    } catch (const ErrorBaseDatos &e) {
+        errorTexto(1924, DetalleError(e.numero(), e.descripcion()));
+        return false;
+    }
+}
+
+bool lumIngAsiento::PuedeModificarApertura()
+{
+    AsientoDatos datos = nuevoAsientoDatos();
+    const CabezalAsiento &c = m_asientos.Cabezal;
+    const int estado = datos.EstadoApertura(c.AsiID, c.AsiFechaAsiento, EmpresaProceso(), m_empresa.monedaContabilidad);
+    if (estado == 1) {
+        m_entorno.mensajes->MostrarError(Idioma::resLoad(829), Idioma::resLoad(0), QString());
+        return false;
+    }
+    if (estado == 2) {
+        advertirTexto(1826);
+        return false;
+    }
+    return true;
+}
+
+bool lumIngAsiento::EliminarDefinitivo(qint32 asiID)
+{
+    Ocupado ocupado;
+    AsientoDatos datos = nuevoAsientoDatos();
+    if (!datos.EliminarDefinitivo(asiID)) {
+        errorTexto(1921, datos.ultimoError());
+        return false;
+    }
+    m_grilla.FijarRedibujar(false);
+    m_asientos.QuitarAsientoDeGrilla(asiID);
+    m_grilla.FijarRedibujar(true);
+    return true;
+}
+
+void lumIngAsiento::EliminarAsiento(bool porFila)
+{
+    if (!TienePermiso(u'E') || !ConexionCompartida())
+        return;
+    const int fila = m_vsGrid->FilaActual();
+    const int cabezal = m_asientos.FilaCabezalDe(fila);
+    if (cabezal < m_grilla.FilasFijas())
+        return;
+    // A row deletion on the header row, or of the only line of the entry, is the deletion of
+    // the whole entry.
+    if (porFila) {
+        int lineas = 0;
+        for (int r = cabezal + 1; r <= m_asientos.UltimaFilaAsiento(cabezal); ++r)
+            lineas += m_asientos.EsFilaDiferencia(r) ? 0 : 1;
+        if (fila == cabezal || lineas <= 1)
+            porFila = false;
+    }
+    m_asientos.TomarAsientoDeFila(cabezal);
+    CabezalAsiento &c = m_asientos.Cabezal;
+    const LibrosSistema libros = librosSistema();
+    try {
+        if (porFila) {
+            if (c.AsiTipo != 0
+                && (c.AsiTipo == libros.resumen || c.AsiTipo == libros.adc || c.AsiTipo == libros.apertura || c.AsiTipo == libros.cierre)) {
+                advertirTexto(1817);
+            } else if (c.AsiTipo != 0 && c.AsiTipo == libros.primeraApertura && !PuedeModificarApertura()) {
+            } else if (!preguntarTexto(1805)) {
+            } else if (hayCuentasCerradasEnGrilla(c.AsiFechaAsiento)) {
+                advertirTexto(1814);
+            } else if (m_asientos.EsFilaDiferencia(fila)) {
+                // The proposal of the missing line is no line: it just goes.
+                m_grilla.QuitarFila(fila);
+            } else if (c.AsiID <= 0) {
+                m_grilla.QuitarFila(fila);
+            } else {
+                AsientoDatos datos = nuevoAsientoDatos();
+                if (!datos.CargarAsiento(c.AsiID))
+                    throw ErrorBaseDatos(datos.ultimoError());
+                if (datos.Cabezal().FechaModificado != c.AsiFechaModificado) {
+                    errorTexto(1820);
+                } else if (datos.HayCuentasCerradas(datos.Cabezal().Fecha)) {
+                    advertirTexto(1814);
+                } else {
+                    const RegistroLinea l = m_asientos.LineaDeFila(fila);
+                    for (int i = 0; i < datos.Lineas().size(); ++i) {
+                        const LineaDatos &x = datos.Lineas()[i];
+                        if (x.Cuenta == l.lCta && x.Proyecto == l.iPry && x.Departamento == l.iDep) {
+                            datos.Lineas().removeAt(i);
+                            break;
+                        }
+                    }
+                    datos.Cabezal().FechaCambioEstado = AsientoDatos::SelloNuevo(QDateTime());
+                    if (datos.GrabarTodo() <= 0) {
+                        if (datos.ultimoResultado() == AsientoDatos::Resultado::Modificado)
+                            errorTexto(1820);
+                        else
+                            throw ErrorBaseDatos(datos.ultimoError());
+                    } else {
+                        m_grilla.FijarRedibujar(false);
+                        m_asientos.QuitarAsientoDeGrilla(c.AsiID);
+                        ActualizarContexto();
+                        if (const auto fallo = CargarAsientoEnGrilla(m_asientos, *ConexionCompartida(), c.AsiID, cabezal))
+                            MostrarFallo(*fallo);
+                        m_grilla.FijarRedibujar(true);
+                    }
+                }
+            }
+        } else if (c.AsiID <= 0) {
+            m_grilla.QuitarFilas(cabezal, m_asientos.UltimaFilaAsiento(cabezal) - cabezal + 1);
+        } else {
+            AsientoDatos datos = nuevoAsientoDatos();
+            const QString ids = datos.EnviarPapelera(c.AsiID, m_empresa.monedaContabilidad, c.AsiFechaModificado);
+            m_grilla.FijarRedibujar(false);
+            for (const QString &id : ids.split(QLatin1Char(','), Qt::SkipEmptyParts))
+                m_asientos.QuitarAsientoDeGrilla(id.toInt());
+            m_grilla.FijarRedibujar(true);
+            BuscarAsientoApertura();
+            if (ids.isEmpty() && datos.ultimoResultado() == AsientoDatos::Resultado::Modificado)
+                errorTexto(1820);
+            else if (ids.isEmpty() && datos.ultimoResultado() == AsientoDatos::Resultado::ErrorBase)
+                throw ErrorBaseDatos(datos.ultimoError());
+        }
+    } catch (const ErrorBaseDatos &e) {
+        errorTexto(porFila ? 1919 : 1918, DetalleError(e.numero(), e.descripcion()));
+    }
+    m_asientos.ResetCabezal();
+    SeleccionarFila(std::min(fila, m_grilla.Filas() - 1));
+}
+
+void lumIngAsiento::CopiarAsiento()
+{
+    const int cabezal = m_asientos.FilaCabezalDe(m_vsGrid->FilaActual());
+    if (cabezal < 0 || !ConexionCompartida())
+        return;
+    if (!preguntarTexto(1806))
+        return;
+    try {
+        AsientoDatos datos = nuevoAsientoDatos();
+        const qint32 original = m_asientos.IdDeFila(cabezal);
+        if (original <= 0 || !datos.CargarAsiento(original))
+            throw ErrorBaseDatos(datos.ultimoError());
+        datos.Cabezal().AsiID = 0;
+        datos.Cabezal().FechaModificado = QDateTime();
+        datos.Cabezal().Usuario = m_host.IDUsuario;
+        if (datos.HayCuentasCerradas(datos.Cabezal().Fecha)) {
+            advertirTexto(1816);
+            return;
+        }
+        const qint32 copia = datos.GrabarTodo();
+        if (copia <= 0)
+            throw ErrorBaseDatos(datos.ultimoError());
+        ActualizarContexto();
+        if (const auto fallo = CargarAsientoEnGrilla(m_asientos, *ConexionCompartida(), copia, m_grilla.Filas() - 1))
+            MostrarFallo(*fallo);
+        SeleccionarFila(m_grilla.Filas() - 1);
+    } catch (const ErrorBaseDatos &e) {
+        errorTexto(1915, DetalleError(e.numero(), e.descripcion()));
+    }
+    m_asientos.ResetCabezal();
+}
+
+void lumIngAsiento::OcultarAsiento()
+{
+    const int cabezal = m_asientos.FilaCabezalDe(m_vsGrid->FilaActual());
+    if (cabezal < 0)
+        return;
+    m_grilla.FijarRedibujar(false);
+    m_grilla.QuitarFilas(cabezal, m_asientos.UltimaFilaAsiento(cabezal) - cabezal + 1);
+    m_grilla.FijarRedibujar(true);
+    m_asientos.ResetCabezal();
+    SeleccionarFila(std::min(cabezal, m_grilla.Filas() - 1));
+}
+
+void lumIngAsiento::CargarLibros(QComboBox *lista, bool excluirSistema)
+{
+    lista->clear();
+    if (!ConexionCompartida())
+        return;
+    const ParametrosSistema &p = Parametros();
+    QString sql = QStringLiteral("Select * From genLibros ");
+    if (excluirSistema)
+        sql += QStringLiteral("Where LibCodigo Not In (")
+             + QStringList{QString::number(p.libroResumen), QString::number(p.libroApertura), QString::number(p.libroADC),
+                           QString::number(p.libroPrimeraApertura), QString::number(p.libroCierre)}
+                   .join(QStringLiteral(", "))
+             + QStringLiteral(")");
+    sql += QStringLiteral(" Order By LibNombre");
+    try {
+        auto rs = ConexionCompartida()->Abrir(sql);
+        for (; !rs->Fin(); rs->MoverSiguiente())
+            lista->addItem(rs->Texto(QStringLiteral("LibNombre")).trimmed(), int(rs->Entero(QStringLiteral("LibCodigo"))));
+    } catch (const ErrorBaseDatos &e) {
+        errorTexto(1910, DetalleError(e.numero(), e.descripcion()));
+    }
+}
+
+// Delete on the grid: the whole entry on its header row, the line on any other.
+bool lumIngAsiento::EliminarConTecla(int fila)
+{
+    if (m_filaEdicion > 0 || m_asientos.FilaCabezalDe(fila) < 0)
+        return false;
+    EliminarAsiento(!m_asientos.EsFilaCabezal(fila));
+    return true;
+}

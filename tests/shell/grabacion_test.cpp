@@ -1,0 +1,257 @@
+#include "comun/basesprueba.h"
+#include "comun/mensajesguionados.h"
+
+#include "entries/asientodatos.h"
+#include "entries/vistas.h"
+#include "entries/vsgrid.h"
+#include "shell/lumingasiento.h"
+#include "store/basedemo.h"
+
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+class HostMudo : public ContenedorHost
+{
+public:
+    QString base;
+    QString BaseHRef() const override { return base; }
+    void Navegar(const QString &, const QString &) override {}
+};
+
+// A document on the demo company, on either engine, with entries of our own added.
+class Grabacion : public ::testing::TestWithParam<Motor>
+{
+protected:
+    Grabacion()
+        : m_base(GetParam(), BaseDePrueba::Contenido::Demo)
+    {
+        MensajesGuionados callados;
+        EntornoDocumento e;
+        e.mensajes = &callados;
+        lumIngAsiento(std::move(e)).setIDEmpresa(0);
+    }
+
+    std::unique_ptr<lumIngAsiento> abrir()
+    {
+        m_host.base = QStringLiteral("x?psidusuario=1|psidempresa=1|psckey=lum01|pskeyinit=1|pstempdir=") + m_carpeta.path();
+        EntornoDocumento e;
+        e.host = &m_host;
+        e.mensajes = &m_mensajes;
+        e.ajustes.archivoAjustes = m_carpeta.filePath(QStringLiteral("a.ini"));
+        e.ajustes.baseDatos = m_base.direccion();
+        auto doc = std::make_unique<lumIngAsiento>(std::move(e));
+        doc->Iniciar();
+        return doc;
+    }
+
+    qint32 cuenta(const char *codigo)
+    {
+        auto rs = m_base.conexion().Abrir(QStringLiteral("Select CueID From cceCuentas Where CueCodigo = ?"), {QString::fromLatin1(codigo)});
+        return qint32(rs->Entero(QStringLiteral("CueID")));
+    }
+
+    // An entry of "Caja" against "Ventas de mercadería" for an amount, or with the account given.
+    qint32 asiento(const QDate &fecha, int estado, double importe, const char *debe = "1.1.01", qint16 libro = 1)
+    {
+        AsientoDatos d(m_base.conexion());
+        d.Cabezal().Empresa = 1;
+        d.Cabezal().Estado = qint16(estado);
+        d.Cabezal().Fecha = fecha;
+        d.Cabezal().Leyenda = QStringLiteral("Prueba %1").arg(importe);
+        d.Cabezal().Libro = libro;
+        LineaDatos a, b;
+        a.Cuenta = cuenta(debe);
+        a.Importe = a.ImporteMC = importe;
+        b.Cuenta = cuenta("4.1.01");
+        b.AlDebe = false;
+        b.Importe = b.ImporteMC = importe;
+        LineaDatos c = a;
+        c.Cuenta = cuenta("5.3.01");
+        c.Importe = c.ImporteMC = 0;
+        d.Lineas() = {a, c, b};
+        return d.GrabarTodo();
+    }
+
+    int estadoEnBase(qint32 id)
+    {
+        auto rs = m_base.conexion().Abrir(QStringLiteral("Select AsiEstado From cceAsientos Where AsiID = %1").arg(id));
+        return rs->Fin() ? -100 : int(rs->Entero(QStringLiteral("AsiEstado")));
+    }
+
+    int contar(const QString &sql)
+    {
+        auto rs = m_base.conexion().Abrir(sql);
+        return QVariant(rs->Campo(0)).toInt();
+    }
+
+    int filaDe(lumIngAsiento &doc, qint32 id)
+    {
+        for (int r = 1; r < doc.grilla().Filas(); ++r)
+            if (doc.asientos().EsFilaCabezal(r) && doc.grilla().Dato(r, 0).toInt() == id)
+                return r;
+        return -1;
+    }
+
+    void mostrarUltimos(lumIngAsiento &doc) { doc.ElegirVista(Vista::kUltimos10); }
+
+    BaseDePrueba m_base;
+    QTemporaryDir m_carpeta;
+    HostMudo m_host;
+    MensajesGuionados m_mensajes;
+};
+
+TEST_P(Grabacion, RegistrarYVolverABorrador)
+{
+    const qint32 id = asiento(QDate::currentDate().addDays(-3), 0, 150);
+    auto doc = abrir();
+    mostrarUltimos(*doc);
+    const int fila = filaDe(*doc, id);
+    ASSERT_GT(fila, 0);
+    doc->grid()->FijarFilaActual(fila + 1); // a line row of the entry is enough
+    doc->RegistrarAsiento();
+    EXPECT_EQ(estadoEnBase(id), 1);
+    EXPECT_EQ(doc->grilla().Dato(fila, 3).toInt(), 1);
+    EXPECT_EQ(doc->grilla().Fila(fila).imagen, QStringLiteral("asiento"));
+    doc->RegistrarAsiento(); // "A borrador"
+    EXPECT_EQ(estadoEnBase(id), 0);
+    EXPECT_TRUE(m_mensajes.mostrados.isEmpty()) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
+}
+
+TEST_P(Grabacion, OtroUsuarioGraboAntes)
+{
+    const qint32 id = asiento(QDate::currentDate().addDays(-3), 0, 150);
+    auto doc = abrir();
+    mostrarUltimos(*doc);
+    AsientoDatos otro(m_base.conexion());
+    ASSERT_TRUE(otro.CargarAsiento(id));
+    otro.Cabezal().Leyenda = QStringLiteral("cambiada por otro");
+    ASSERT_TRUE(otro.Grabar());
+
+    doc->grid()->FijarFilaActual(filaDe(*doc, id));
+    doc->RegistrarAsiento();
+    EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("error: Registro modificado con anterioridad.")});
+    EXPECT_EQ(estadoEnBase(id), 0);
+    EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientos Where AsiID = %1 And AsiLeyenda = 'cambiada por otro'").arg(id)), 1);
+}
+
+TEST_P(Grabacion, BorradorConFechaFuturaSeAgenda)
+{
+    const qint32 id = asiento(QDate::currentDate().addDays(1), 0, 75);
+    auto doc = abrir();
+    mostrarUltimos(*doc);
+    doc->grid()->FijarFilaActual(filaDe(*doc, id));
+    m_mensajes.Responder(ServicioMensajes::Respuesta::No);
+    m_mensajes.Responder(ServicioMensajes::Respuesta::No);
+    doc->RegistrarAsiento();
+    EXPECT_EQ(estadoEnBase(id), 0); // No, then No: untouched
+    ASSERT_EQ(m_mensajes.mostrados.size(), 2);
+    EXPECT_TRUE(m_mensajes.mostrados[0].contains(QStringLiteral("posterior a la de hoy")));
+
+    m_mensajes.Responder(ServicioMensajes::Respuesta::Si);
+    doc->grid()->FijarFilaActual(filaDe(*doc, id));
+    doc->RegistrarAsiento();
+    EXPECT_EQ(estadoEnBase(id), -100); // gone for good
+    EXPECT_EQ(filaDe(*doc, id), -1);
+    EXPECT_EQ(contar(QStringLiteral("Select Count(*) From genMovimientosFrecuentes Where MFrRecurrencia = 'mensual'")), 1);
+    EXPECT_EQ(contar(QStringLiteral("Select Count(*) From genMovimientosFrecuentesLineas")), 3);
+}
+
+TEST_P(Grabacion, CuentaCerradaNoSeRegistra)
+{
+    // "Banco Comercial" was closed in the demo; an entry dated before its closing uses it.
+    auto rs = m_base.conexion().Abrir(QStringLiteral("Select CueCodigo, CueFechaCerrada From cceCuentas Where CueFechaCerrada Is Not Null"));
+    const QString codigo = rs->Texto(QStringLiteral("CueCodigo"));
+    const QDate cierre = rs->Fecha(QStringLiteral("CueFechaCerrada"));
+    rs->Cerrar();
+    const qint32 id = asiento(cierre.addDays(-1), 0, 10, codigo.toLatin1().constData());
+    auto doc = abrir();
+    mostrarUltimos(*doc);
+    doc->grid()->FijarFilaActual(filaDe(*doc, id));
+    doc->RegistrarAsiento();
+    EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("error: No se puede registrar el asiento ya que existen cuentas cerradas para la fecha.")});
+    EXPECT_EQ(estadoEnBase(id), 0);
+}
+
+TEST_P(Grabacion, RegistrarTodosLosBorradores)
+{
+    const qint32 a = asiento(QDate::currentDate().addDays(-2), 0, 10);
+    const qint32 b = asiento(QDate::currentDate().addDays(-1), 0, 20);
+    const qint32 futuro = asiento(QDate::currentDate().addDays(5), 0, 30);
+    auto doc = abrir();
+    mostrarUltimos(*doc);
+    AsientoDatos otro(m_base.conexion());
+    ASSERT_TRUE(otro.CargarAsiento(b));
+    ASSERT_TRUE(otro.Grabar());
+    doc->RegistrarListados(0);
+    EXPECT_EQ(estadoEnBase(a), 1);
+    EXPECT_EQ(estadoEnBase(b), 0);
+    EXPECT_EQ(estadoEnBase(futuro), 0);
+    EXPECT_EQ(m_mensajes.mostrados.count(QStringLiteral("advertencia: Error en algunos asientos, no se cambiaron de estado a todos.")), 1);
+}
+
+TEST_P(Grabacion, EliminarAsientoYFila)
+{
+    const qint32 id = asiento(QDate::currentDate().addDays(-2), 1, 40);
+    auto doc = abrir();
+    mostrarUltimos(*doc);
+    int fila = filaDe(*doc, id);
+    // The zero line of "5.3.01": the entry keeps the other two and is read again.
+    int linea = -1;
+    for (int r = fila + 1; r <= doc->asientos().UltimaFilaAsiento(fila); ++r)
+        if (doc->grilla().Texto(r, 0).startsWith(QStringLiteral("5.3.01")))
+            linea = r;
+    ASSERT_GT(linea, 0);
+    doc->grid()->FijarFilaActual(linea);
+    m_mensajes.Responder(ServicioMensajes::Respuesta::Si);
+    doc->EliminarAsiento(true);
+    EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientoCuenta Where ACuIDAsiento = %1").arg(id)), 2);
+    fila = filaDe(*doc, id);
+    ASSERT_GT(fila, 0);
+    EXPECT_EQ(doc->asientos().UltimaFilaAsiento(fila) - fila, 2);
+
+    doc->grid()->FijarFilaActual(fila);
+    doc->EliminarAsiento(false);
+    EXPECT_EQ(estadoEnBase(id), 9);
+    EXPECT_EQ(filaDe(*doc, id), -1);
+}
+
+TEST_P(Grabacion, UnaFilaDeUnAsientoDeCierreNoSeElimina)
+{
+    const qint32 id = asiento(QDate::currentDate().addDays(-2), 1, 40, "1.1.01", Demo::kLibroCierre);
+    auto doc = abrir();
+    mostrarUltimos(*doc);
+    doc->grid()->FijarFilaActual(filaDe(*doc, id) + 1);
+    doc->EliminarAsiento(true);
+    EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("advertencia: En este tipo de Asiento no se puede eliminar un único renglón.")});
+    EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientoCuenta Where ACuIDAsiento = %1").arg(id)), 3);
+}
+
+TEST_P(Grabacion, CopiarYOcultar)
+{
+    const qint32 id = asiento(QDate::currentDate().addDays(-2), 1, 40);
+    auto doc = abrir();
+    mostrarUltimos(*doc);
+    const int antes = contar(QStringLiteral("Select Count(*) From cceAsientos"));
+    doc->grid()->FijarFilaActual(filaDe(*doc, id));
+    m_mensajes.Responder(ServicioMensajes::Respuesta::Si);
+    doc->CopiarAsiento();
+    EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientos")), antes + 1);
+    const int copia = contar(QStringLiteral("Select Max(AsiID) From cceAsientos"));
+    EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientoCuenta Where ACuIDAsiento = %1").arg(copia)), 3);
+    EXPECT_GT(filaDe(*doc, copia), 0);
+
+    doc->grid()->FijarFilaActual(filaDe(*doc, id));
+    doc->OcultarAsiento();
+    EXPECT_EQ(filaDe(*doc, id), -1);
+    EXPECT_EQ(estadoEnBase(id), 1); // only the screen changed
+    mostrarUltimos(*doc);
+    EXPECT_GT(filaDe(*doc, id), 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(Motores, Grabacion, ::testing::ValuesIn(MotoresDePrueba()),
+                         [](const ::testing::TestParamInfo<Motor> &i) { return NombreMotor(i.param).toStdString(); });
+
+} // namespace
