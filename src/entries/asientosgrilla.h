@@ -93,6 +93,8 @@ public:
     qint16 AutorizaDeFila(int fila) const;
     void FijarLibroAutoriza(int fila, qint16 tipo, qint16 autoriza);
 
+    // A header row has data in column 0 and none in column 1; a line row, even one whose
+    // account is still being typed, carries its key (possibly empty text) in column 1.
     bool EsFilaCabezal(int fila) const;
     bool EsFilaDiferencia(int fila) const;
     bool EsFilaNuevoAsiento(int fila) const;

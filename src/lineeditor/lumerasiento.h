@@ -67,6 +67,7 @@ public:
     enum Campo { kDebe = 1, kHaber = 2, kMoneda = 3, kImporte = 4, kTCambio = 5, kImporteMC = 6 };
 
     explicit lumERAsiento(ContextoLinea contexto, QWidget *padre = nullptr);
+    void FijarContexto(ContextoLinea contexto) { m_ctx = std::move(contexto); }
 
     // Properties.
     void setFechaAsiento(const QDate &fecha) { m_fechaAsiento = fecha; }

@@ -7,6 +7,7 @@
 #include "currency/catalogomonedas.h"
 #include "entries/vistas.h"
 #include "entries/vsgrid.h"
+#include "lineeditor/lumerasiento.h"
 #include "services/serviciomensajes.h"
 
 #include <QAction>
@@ -254,8 +255,11 @@ void lumIngAsiento::vsGrid_KeyPress(int ascii, bool *atendida)
         return;
     }
     const int columna = m_vsGrid->currentIndex().column();
-    if (m_filaEdicion <= 0 && (columna == 0 || columna == 1))
-        *atendida = EntrarEdicion(m_vsGrid->FilaActual());
+    if (m_filaEdicion <= 0 && (columna == 0 || columna == 1) && EntrarEdicion(m_vsGrid->FilaActual())) {
+        // The key typed on the grid is the first of the account.
+        oraEdit->SetFocusCtrl(columna == 0 ? lumERAsiento::kDebe : lumERAsiento::kHaber, ascii);
+        *atendida = true;
+    }
 }
 
 void lumIngAsiento::vsGrid_MouseDown(Qt::MouseButton boton, const QPoint &posicion)

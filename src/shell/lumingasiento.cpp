@@ -10,6 +10,8 @@
 #include "services/serviciomensajes.h"
 #include "services/servicioconfigusuario.h"
 #include "services/serviciopermisos.h"
+#include "services/serviciobusquedacuentas.h"
+#include "lineeditor/lumerasiento.h"
 
 #include <QAction>
 #include <QComboBox>
@@ -172,11 +174,19 @@ void lumIngAsiento::crearControles()
     lLibro->setBuddy(cfTipo);
     lAutoriza->setBuddy(cfAutoriza);
 
+    lLibroApertura = new QLabel(picCabezal);
+    lLibroApertura->setObjectName(QStringLiteral("lLibroApertura"));
+    lLibroApertura->setVisible(false);
+    for (QWidget *w : {static_cast<QWidget *>(odDate), static_cast<QWidget *>(cfTipo), static_cast<QWidget *>(tLeyenda),
+                       static_cast<QWidget *>(cfAutoriza)})
+        w->installEventFilter(this);
+
     auto *cabezal = new QGridLayout(picCabezal);
     cabezal->addWidget(lDate, 0, 0);
     cabezal->addWidget(odDate, 0, 1);
     cabezal->addWidget(lLibro, 0, 2);
     cabezal->addWidget(cfTipo, 0, 3);
+    cabezal->addWidget(lLibroApertura, 0, 3);
     cabezal->addWidget(lAutoriza, 0, 4);
     cabezal->addWidget(cfAutoriza, 0, 5);
     cabezal->addWidget(lLeyenda, 1, 0);
@@ -188,6 +198,8 @@ void lumIngAsiento::crearControles()
     picEdit->setVisible(false);
 
     m_vsGrid = new vsGrid(m_grilla, picVBD);
+    oraEdit = new lumERAsiento(ContextoLinea(), m_vsGrid->viewport());
+    oraEdit->hide();
 
     auto *principal = new QVBoxLayout(picVBD);
     principal->setContentsMargins(0, 0, 0, 0);
@@ -231,6 +243,31 @@ void lumIngAsiento::conectarComandos()
     });
 
     connect(m_vsGrid, &vsGrid::Click, this, &lumIngAsiento::vsGrid_Click);
+    connect(m_vsGrid, &vsGrid::Desplazado, this, &lumIngAsiento::colocarEditor);
+    connect(m_vsGrid->horizontalHeader(), &QHeaderView::sectionResized, this, &lumIngAsiento::colocarEditor);
+    connect(oraEdit, &lumERAsiento::EnabledContenedor, this, [this](bool *si) { m_vsGrid->setEnabled(*si); });
+    connect(oraEdit, &lumERAsiento::EditOK, this, [this](bool *) {
+        if (!cfAutoriza->isHidden() && cfAutoriza->currentIndex() < 0) {
+            cfAutoriza->setFocus();
+            return;
+        }
+        AceptarLinea();
+    });
+    connect(oraEdit, &lumERAsiento::MonedaResultadoTC, this, [this](QString *simbolo, QString *operador) {
+        m_grilla.FijarTexto(0, 5, Idioma::resLoad(61) + *simbolo);
+        m_grilla.FijarTexto(0, 4, *operador + Idioma::resLoad(63));
+    });
+    connect(oraEdit, &lumERAsiento::GetTCME, this, [this](qint16 *moneda, double *tasa) {
+        *tasa = m_asientos.BuscarTCMonedaCuenta(*moneda);
+    });
+    connect(oraEdit, &lumERAsiento::GotFocusCtrl, this, [this](int *campo) { encabezadosDeEdicion(*campo); });
+    connect(oraEdit, &lumERAsiento::KeyDownCtrl, this, [this](int *campo, int *tecla, int *) {
+        encabezadosDeEdicion(*campo);
+        if (*tecla == Qt::Key_Escape) {
+            *tecla = 0;
+            QMetaObject::invokeMethod(this, &lumIngAsiento::SalirEdicion, Qt::QueuedConnection);
+        }
+    });
     connect(m_vsGrid, &vsGrid::KeyDown, this, &lumIngAsiento::vsGrid_KeyDown);
     connect(m_vsGrid, &vsGrid::KeyPress, this, &lumIngAsiento::vsGrid_KeyPress);
     connect(m_vsGrid, &vsGrid::MouseDown, this, &lumIngAsiento::vsGrid_MouseDown);
@@ -282,7 +319,9 @@ void lumIngAsiento::conectarComandos()
 
     // Commands whose operations are not in this build yet stay disabled rather than
     // doing nothing when chosen.
-    for (const char *pendiente : {"MnuEdiNew", "MnuEdiAddCta", "MnuUnificarTCCta", "MnuUnificarTCMC", "MnuEdiASI",
+    alElegir("MnuEdiNew", [this] { NuevoAsiento(); });
+    alElegir("MnuEdiAddCta", [this] { AgregarCuenta(); });
+    for (const char *pendiente : {"MnuUnificarTCCta", "MnuUnificarTCMC", "MnuEdiASI",
                                   "MnuEdiAPA", "MnuEdiLibro", "MnuPriCnfgPage", "MnuPriPrint", "MnuPriPrevia",
                                   "MnuExpExcell", "MnuExpCSV", "MnuExpHtml", "MnuAFrRegistrar", "MnuAFrNew"})
         m_menus->accion(QString::fromLatin1(pendiente))->setEnabled(false);
@@ -372,6 +411,7 @@ void lumIngAsiento::iniciarSinTrampa()
         return;
     }
 
+    prepararEditor();
     CargarDisenoGrilla();
     if (FilasDeDatosGrilla() == 1) {
         if (const auto id = IdAsientoPendiente(m_host.SolicitudPendiente))

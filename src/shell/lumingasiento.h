@@ -24,6 +24,8 @@ class QTimer;
 class Conexion;
 class MenusDocumento;
 class ServicioMensajes;
+class ServicioBusquedaCuentas;
+class lumERAsiento;
 class lumHiperLink;
 class lumTooMenu;
 
@@ -33,6 +35,7 @@ struct EntornoDocumento
     ContenedorHost *host = nullptr;
     ServicioMensajes *mensajes = nullptr;
     AjustesConexion ajustes;
+    ServicioBusquedaCuentas *busquedaCuentas = nullptr; // null: the program's own search
 };
 
 // The journal-entry document. The host creates it, sets its user and company if it wants,
@@ -82,6 +85,18 @@ public:
     void BuscarPermisos(const QString &modulo, qint32 idEmpresa);
     bool CargarConfigEmpresa();
     void ConfigUsuario(bool guardar);
+
+    // Edit mode.
+    bool EntrarEdicion(int fila);
+    void SalirEdicion();
+    void AceptarLinea();
+    void AgregarCuenta();
+    void NuevoAsiento();
+    int FilaEdicion() const { return m_filaEdicion; }
+    lumERAsiento *editor() const { return oraEdit; }
+    QDateEdit *campoFecha() const { return odDate; }
+    QLineEdit *campoLeyenda() const { return tLeyenda; }
+    QComboBox *listaLibros() const { return cfTipo; }
 
     // Saving, deleting, copying (the commands of the entry menu).
     void RegistrarAsiento();
@@ -134,8 +149,6 @@ private:
     void GuardarDisenoGrilla();
     int FilasDeDatosGrilla() const;
     void CargarAsientoPendiente(qint32 idAsiento);
-    void SalirEdicion();
-    void NuevoAsiento();
     void MostrarBusqueda();
     void RepetirBusqueda();
     void OrdenarCuentasGrilla();
@@ -143,6 +156,19 @@ private:
     void AsientoApertura();
     void NuevoFrecuente();
     void RegistrarFrecuenteDiferido(qint32 idFrecuente);
+
+    // Edit mode helpers.
+    void prepararEditor();
+    void colocarEditor();
+    void cargarLineaEnEditor(int fila);
+    void encabezadosDeEdicion(int campo);
+    void restaurarEncabezados();
+    bool teclaEnCabezal(QObject *objeto, QKeyEvent *evento);
+    bool reglaTasas(RegistroLinea &linea);
+    void escribirLinea(int fila, const RegistroLinea &linea);
+    void terminarEdicion(bool recargar);
+    QString nombreLibro(qint16 libro) const;
+    bool eventFilter(QObject *objeto, QEvent *evento) override;
 
     // Saving helpers.
     LibrosSistema librosSistema() const;
@@ -166,7 +192,6 @@ private:
     void vsGrid_FilaActual();
     void MenuEdicionEnCelda();
     void PrepararMenuEdicion();
-    bool EntrarEdicion(int fila);
     bool EliminarConTecla(int fila);
     bool TeclaEdicion(int ascii);
 
@@ -188,6 +213,12 @@ private:
     QString m_comandoDiferido;
     int m_filaEdicion = 0;   // row mark of the edit panel: > 0 while an entry is edited
     int m_filaRecordada = -1; // the row a second click opens
+    bool m_pendiente = false;  // lines accepted since the entry was last written
+    bool m_asientoNuevo = false;
+    QString m_vistaAntesDeEditar;
+    lumERAsiento *oraEdit = nullptr;
+    QLabel *lLibroApertura = nullptr;
+    std::unique_ptr<ServicioBusquedaCuentas> m_busquedaPropia;
     int m_vista = 0;
     QDate m_mesVista;
 
