@@ -130,6 +130,17 @@ public:
     // Removes every row of the entry with that id (header, lines, difference row).
     void QuitarAsientoDeGrilla(qint32 asiID);
 
+    // Brings every foreign currency of the current entry to one rate: the sum of its lines'
+    // accounting-currency amounts over the sum of their own amounts. Each line keeps its own
+    // amount; its accounting-currency amount and rate are written anew.
+    void PromediarTasas();
+    // The lines of currency moneda at one rate. bMonedaCuenta true ("to the account's
+    // currency") keeps each line's accounting-currency amount and recomputes its own amount;
+    // false ("to the accounting currency") keeps its own amount and recomputes the other. A
+    // rate below 1 is taken the other way round, as the "/" operator does. Answers how many
+    // lines changed.
+    int AplicarTasa(bool bMonedaCuenta, double tasa, qint16 moneda);
+
     // Takes the entry whose header is at fila as the current entry.
     void TomarAsientoDeFila(int fila);
     // Removes the current entry's rows from the grid; nothing changes in the database.

@@ -227,3 +227,60 @@ void AsientosGrilla::OrdenarCuentas()
     if (cambia)
         m_g.PermutarFilas(desde, orden);
 }
+
+void AsientosGrilla::PromediarTasas()
+{
+    const int cabezal = Cabezal.FilaCabezal;
+    if (cabezal < 0)
+        return;
+    const int ultima = UltimaFilaAsiento(cabezal);
+    QList<qint16> hechas;
+    for (int r = cabezal + 1; r <= ultima; ++r) {
+        const RegistroLinea l = LineaDeFila(r);
+        if (l.iMon < 1 || l.iMon == m_ctx.monedaContabilidad || hechas.contains(l.iMon) || EsFilaDiferencia(r))
+            continue;
+        hechas << l.iMon;
+        Importe sumaME, sumaMC;
+        for (int k = cabezal + 1; k <= ultima; ++k) {
+            const RegistroLinea x = LineaDeFila(k);
+            if (x.iMon == l.iMon && x.dImporte != 0 && !EsFilaDiferencia(k)) {
+                sumaME += Importe::DesdeDouble(x.dImporte);
+                sumaMC += Importe::DesdeDouble(x.dImporteMC);
+            }
+        }
+        if (sumaME <= Importe())
+            continue;
+        const double promedio = sumaMC.aDouble() / sumaME.aDouble();
+        AplicarTasa(false, promedio, l.iMon);
+    }
+}
+
+int AsientosGrilla::AplicarTasa(bool bMonedaCuenta, double tasa, qint16 moneda)
+{
+    const int cabezal = Cabezal.FilaCabezal;
+    if (cabezal < 0 || tasa <= 0)
+        return 0;
+    const QString mascaraMC = mascaraImporte(0);
+    const QString mascaraME = mascaraImporte(moneda);
+    const QString mascaraTasa = m_ctx.monedas ? m_ctx.monedas->DatoMoneda(moneda, 5).toString() : QStringLiteral("#,##0.000");
+    // The rate as accounting units per unit of the currency, whichever way it was given.
+    const double directa = tasa < 1 ? 1 / tasa : tasa;
+    int cambiadas = 0;
+    for (int r = cabezal + 1; r <= UltimaFilaAsiento(cabezal); ++r) {
+        if (EsFilaDiferencia(r))
+            continue;
+        RegistroLinea l = LineaDeFila(r);
+        if (l.iMon != moneda || l.lCta <= 0)
+            continue;
+        if (bMonedaCuenta)
+            l.dImporte = RedondearConMascara(l.dImporteMC / directa, mascaraME);
+        else
+            l.dImporteMC = RedondearConMascara(l.dImporte * directa, mascaraMC);
+        l.dTCambio = RedondearConMascara(directa, mascaraTasa);
+        FilaLineaAsiento(r, l);
+        if (l.dTCambio != 0)
+            m_g.FijarDato(r, 5, l.dImporteMC / directa);
+        ++cambiadas;
+    }
+    return cambiadas;
+}

@@ -21,6 +21,8 @@ public:
 
     virtual Respuesta Preguntar(const QString &texto, Botones botones) = 0;
     virtual void Advertir(const QString &texto) = 0;
+    // Asks for a number, proposing one; false when the user cancels or leaves it empty.
+    virtual bool PedirNumero(const QString &texto, const QString &titulo, double &valor) = 0;
     // An error with its detail line; an empty titulo uses the application title.
     virtual void MostrarError(const QString &texto, const QString &titulo, const QString &detalle) = 0;
 };

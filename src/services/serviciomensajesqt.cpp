@@ -1,5 +1,6 @@
 #include "serviciomensajesqt.h"
 
+#include <QInputDialog>
 #include <QMessageBox>
 #include <QPushButton>
 
@@ -69,6 +70,27 @@ void ServicioMensajesQt::Advertir(const QString &texto)
     QMessageBox caja(QMessageBox::Warning, m_titulo, paraMostrar(texto), QMessageBox::NoButton, m_padre);
     caja.setDefaultButton(caja.addButton(boton(kAceptar), QMessageBox::AcceptRole));
     caja.exec();
+}
+
+bool ServicioMensajesQt::PedirNumero(const QString &texto, const QString &titulo, double &valor)
+{
+    if (m_desatendido) {
+        escribir(QStringLiteral("pedido"), texto);
+        return false;
+    }
+    QInputDialog dialogo(m_padre);
+    dialogo.setWindowTitle(titulo);
+    dialogo.setLabelText(paraMostrar(texto));
+    dialogo.setInputMode(QInputDialog::DoubleInput);
+    dialogo.setDoubleDecimals(4);
+    dialogo.setDoubleRange(0, 1e12);
+    dialogo.setDoubleValue(valor);
+    dialogo.setOkButtonText(boton(kAceptar));
+    dialogo.setCancelButtonText(boton(kCancelar));
+    if (dialogo.exec() != QDialog::Accepted)
+        return false;
+    valor = dialogo.doubleValue();
+    return true;
 }
 
 void ServicioMensajesQt::MostrarError(const QString &texto, const QString &titulo, const QString &detalle)

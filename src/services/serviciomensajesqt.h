@@ -18,6 +18,7 @@ public:
 
     Respuesta Preguntar(const QString &texto, Botones botones) override;
     void Advertir(const QString &texto) override;
+    bool PedirNumero(const QString &texto, const QString &titulo, double &valor) override;
     void MostrarError(const QString &texto, const QString &titulo, const QString &detalle) override;
 
 private:

@@ -8,6 +8,9 @@
 #include "entries/vsgrid.h"
 #include "services/serviciomensajes.h"
 #include "store/valoressql.h"
+#include "currency/catalogomonedas.h"
+#include "currency/mascara.h"
+#include "currency/tipocambio.h"
 
 #include <QAction>
 #include <QApplication>
@@ -523,4 +526,89 @@ bool lumIngAsiento::EliminarConTecla(int fila)
         return false;
     EliminarAsiento(!m_asientos.EsFilaCabezal(fila));
     return true;
+}
+
+void lumIngAsiento::UnificarTC(bool bMonedaCuenta)
+{
+    if (m_filaEdicion > 0)
+        SalirEdicion();
+    const int fila = m_vsGrid->FilaActual();
+    const int cabezal = m_asientos.FilaCabezalDe(fila);
+    if (cabezal < 0 || !ConexionCompartida())
+        return;
+    try {
+        const qint16 mc = m_empresa.monedaContabilidad;
+        qint16 moneda = m_asientos.LineaDeFila(fila).iMon;
+        if (moneda == mc || moneda < 1) {
+            // On the header row or a line in pesos: the entry's first foreign currency.
+            for (int r = cabezal + 1; r <= m_asientos.UltimaFilaAsiento(cabezal) && (moneda == mc || moneda < 1); ++r)
+                moneda = m_asientos.LineaDeFila(r).iMon;
+        }
+        if (moneda == mc || moneda < 1)
+            return;
+        m_asientos.TomarAsientoDeFila(cabezal);
+        ReglasCotizacion reglas;
+        reglas.delimitador = Parametros().delimitadorFecha;
+        reglas.patronFecha = Parametros().formatoFecha;
+        reglas.fechaCotizacion = m_empresa.fechaCotizacion;
+        QDate fechaCotizacion;
+        double propuesta = (bMonedaCuenta ? BuscarTipoCambio(*ConexionCompartida(), mc, moneda, m_empresa.tipoTCComprobantes,
+                                                             m_asientos.Cabezal.AsiFechaAsiento, fechaCotizacion, reglas)
+                                          : BuscarTipoCambio(*ConexionCompartida(), moneda, mc, m_empresa.tipoTCComprobantes,
+                                                             m_asientos.Cabezal.AsiFechaAsiento, fechaCotizacion, reglas))
+                               .aDouble();
+        if (propuesta > 0 && propuesta < 1)
+            propuesta = 1 / propuesta;
+        const QString mascara = Monedas().DatoMoneda(moneda, 5).toString();
+        propuesta = RedondearConMascara(propuesta, mascara);
+        double tasa = propuesta;
+        if (m_entorno.mensajes->PedirNumero(Idioma::resLoad(111), Idioma::resLoad(112), tasa) && tasa > 0)
+            AplicarTC(bMonedaCuenta, RedondearConMascara(tasa, mascara), moneda);
+    } catch (const ErrorBaseDatos &e) {
+        errorTexto(1934, DetalleError(e.numero(), e.descripcion()));
+    }
+    m_asientos.ResetCabezal();
+}
+
+bool lumIngAsiento::AplicarTC(bool bMonedaCuenta, double tasa, qint16 moneda)
+{
+    CabezalAsiento &c = m_asientos.Cabezal;
+    const int cabezal = c.FilaCabezal;
+    if (cabezal < 0)
+        return false;
+    AsientoDatos datos = nuevoAsientoDatos();
+    if (c.AsiID > 0) {
+        if (!datos.CargarAsiento(c.AsiID))
+            throw ErrorBaseDatos(datos.ultimoError());
+        if (datos.Cabezal().FechaModificado != c.AsiFechaModificado) {
+            errorTexto(1820);
+            return false;
+        }
+        if (datos.HayCuentasCerradas(datos.Cabezal().Fecha)) {
+            advertirTexto(1831);
+            return false;
+        }
+    }
+    m_grilla.FijarRedibujar(false);
+    const int cambiadas = m_asientos.AplicarTasa(bMonedaCuenta, tasa, moneda);
+    m_grilla.FijarRedibujar(true);
+    if (cambiadas == 0 || c.AsiID <= 0)
+        return cambiadas > 0;
+    datos.Lineas() = m_asientos.LineasParaGrabar();
+    const qint32 id = c.AsiID;
+    const bool bien = datos.GrabarTodo() > 0;
+    // The entry is read again: the amounts as stored, or as they were when the write failed.
+    m_grilla.FijarRedibujar(false);
+    m_grilla.QuitarFilas(cabezal, m_asientos.UltimaFilaAsiento(cabezal) - cabezal + 1);
+    ActualizarContexto();
+    if (const auto fallo = CargarAsientoEnGrilla(m_asientos, *ConexionCompartida(), id, cabezal))
+        MostrarFallo(*fallo);
+    m_grilla.FijarRedibujar(true);
+    if (!bien) {
+        if (datos.ultimoResultado() == AsientoDatos::Resultado::Modificado)
+            errorTexto(1820);
+        else
+            throw ErrorBaseDatos(datos.ultimoError());
+    }
+    return bien;
 }

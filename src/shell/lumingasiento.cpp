@@ -320,13 +320,14 @@ void lumIngAsiento::conectarComandos()
     // Commands whose operations are not in this build yet stay disabled rather than
     // doing nothing when chosen.
     alElegir("MnuEdiNew", [this] { NuevoAsiento(); });
+    alElegir("MnuUnificarTCCta", [this] { UnificarTC(true); });
+    alElegir("MnuUnificarTCMC", [this] { UnificarTC(false); });
     alElegir("MnuEdiAddCta", [this] { AgregarCuenta(); });
-    for (const char *pendiente : {"MnuUnificarTCCta", "MnuUnificarTCMC", "MnuEdiASI",
+    for (const char *pendiente : {"MnuEdiASI",
                                   "MnuEdiAPA", "MnuEdiLibro", "MnuPriCnfgPage", "MnuPriPrint", "MnuPriPrevia",
                                   "MnuExpExcell", "MnuExpCSV", "MnuExpHtml", "MnuAFrRegistrar", "MnuAFrNew"})
         m_menus->accion(QString::fromLatin1(pendiente))->setEnabled(false);
     m_menus->MnuExportar->menuAction()->setEnabled(false);
-    m_menus->MnuEdiTC->menuAction()->setEnabled(false);
 }
 
 void lumIngAsiento::showEvent(QShowEvent *evento)

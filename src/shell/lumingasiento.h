@@ -110,6 +110,8 @@ public:
     void CopiarAsiento();
     void OcultarAsiento();
     bool PuedeModificarApertura();
+    void UnificarTC(bool bMonedaCuenta);
+    bool AplicarTC(bool bMonedaCuenta, double tasa, qint16 moneda);
     void CargarLibros(QComboBox *lista, bool excluirSistema);
 
     // Process-wide state shared by every document of the process.

@@ -23,3 +23,16 @@ void MensajesGuionados::MostrarError(const QString &texto, const QString &titulo
     detalles << detalle;
     titulos << titulo;
 }
+
+bool MensajesGuionados::PedirNumero(const QString &texto, const QString &titulo, double &valor)
+{
+    mostrados << QStringLiteral("pedido: ") + texto + QStringLiteral(" [") + titulo + QStringLiteral("] ")
+                     + QString::number(valor, 'f', 3);
+    if (m_numeros.isEmpty() || !m_numeros.first().has_value()) {
+        if (!m_numeros.isEmpty())
+            m_numeros.removeFirst();
+        return false;
+    }
+    valor = *m_numeros.takeFirst();
+    return true;
+}

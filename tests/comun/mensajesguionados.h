@@ -5,17 +5,22 @@
 #include <QList>
 #include <QStringList>
 
+#include <optional>
+
 // A message service for tests: answers each question as the test said, in order, and
 // records every text shown ("pregunta: ", "advertencia: ", "error: " + text).
 class MensajesGuionados final : public ServicioMensajes
 {
 public:
     void Responder(Respuesta r) { m_respuestas.append(r); }
+    // The next number asked for: a value, or cancel when none is given.
+    void ResponderNumero(std::optional<double> v) { m_numeros.append(v); }
 
     void FijarIdioma(int idioma) override { m_idioma = idioma; }
     void FijarTitulo(const QString &titulo) override { m_titulo = titulo; }
     Respuesta Preguntar(const QString &texto, Botones botones) override;
     void Advertir(const QString &texto) override;
+    bool PedirNumero(const QString &texto, const QString &titulo, double &valor) override;
     void MostrarError(const QString &texto, const QString &titulo, const QString &detalle) override;
 
     QStringList mostrados;
@@ -26,6 +31,7 @@ public:
 
 private:
     QList<Respuesta> m_respuestas;
+    QList<std::optional<double>> m_numeros;
     int m_idioma = 0;
     QString m_titulo;
 };

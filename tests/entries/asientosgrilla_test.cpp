@@ -146,6 +146,30 @@ TEST_P(Llenado, TasaQueYaUsanLasLineasDelAsiento)
     EXPECT_DOUBLE_EQ(d.asientos.BuscarTCMonedaCuenta(2), 0);    // amount 0: the rate cell, here 0
 }
 
+TEST_P(Llenado, TasaPromedioYTasaUnica)
+{
+    DatosAsientos d(GetParam());
+    d.ctx.AsiOrder = 1;
+    const qint32 id = d.Asiento(QDate(2026, 4, 1), 1, QStringLiteral("11:D:100:4000,11:D:300:12600,20:H:16600,10:D:5"));
+    ASSERT_FALSE(CargarAsientoEnGrilla(d.asientos, d.conexion(), id, 0));
+    d.asientos.TomarAsientoDeFila(1);
+    d.asientos.PromediarTasas();
+    auto linea = [&](int fila) {
+        const RegistroLinea l = d.asientos.LineaDeFila(fila);
+        return QStringLiteral("%1 %2 %3").arg(l.dImporte, 0, 'g', 12).arg(l.dImporteMC, 0, 'g', 12).arg(l.dTCambio, 0, 'g', 12);
+    };
+    EXPECT_EQ(linea(2), QStringLiteral("100 4150 41.5"));
+    EXPECT_EQ(linea(3), QStringLiteral("300 12450 41.5"));
+    EXPECT_EQ(linea(4), QStringLiteral("5 5 1")); // pesos: untouched
+    EXPECT_DOUBLE_EQ(d.grilla.Dato(2, 5).toDouble(), 100);
+
+    // One rate for the dollars: 0.025 is taken as 40; to the account's currency the pesos stay.
+    EXPECT_EQ(d.asientos.AplicarTasa(true, 0.025, 2), 2);
+    EXPECT_EQ(linea(2), QStringLiteral("103.75 4150 40"));
+    EXPECT_EQ(d.asientos.AplicarTasa(false, 41, 2), 2);
+    EXPECT_EQ(linea(3), QStringLiteral("311.25 12761.25 41"));
+}
+
 INSTANTIATE_TEST_SUITE_P(Motores, Llenado, ::testing::ValuesIn(MotoresDePrueba()),
                          [](const ::testing::TestParamInfo<Motor> &i) { return NombreMotor(i.param).toStdString(); });
 

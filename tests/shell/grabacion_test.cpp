@@ -251,6 +251,41 @@ TEST_P(Grabacion, CopiarYOcultar)
     EXPECT_GT(filaDe(*doc, id), 0);
 }
 
+TEST_P(Grabacion, UnificarLaTasaDeLosDolares)
+{
+    AsientoDatos d(m_base.conexion());
+    d.Cabezal().Empresa = 1;
+    d.Cabezal().Estado = 1;
+    d.Cabezal().Fecha = BaseDePrueba::Hoy().addDays(-10);
+    d.Cabezal().Leyenda = QStringLiteral("Transferencia en dólares");
+    LineaDatos a, b;
+    a.Cuenta = cuenta("1.1.08");
+    a.Importe = 100;
+    a.ImporteMC = 4000;
+    b.Cuenta = cuenta("1.1.04");
+    b.AlDebe = false;
+    b.Importe = 100;
+    b.ImporteMC = 4000;
+    d.Lineas() = {a, b};
+    const qint32 id = d.GrabarTodo();
+    ASSERT_GT(id, 0);
+    auto doc = abrir();
+    mostrarUltimos(*doc);
+    doc->grid()->FijarFilaActual(filaDe(*doc, id) + 1);
+
+    m_mensajes.ResponderNumero(std::nullopt); // cancelled: nothing changes
+    doc->UnificarTC(false);
+    ASSERT_EQ(m_mensajes.mostrados.size(), 1);
+    EXPECT_TRUE(m_mensajes.mostrados[0].startsWith(QStringLiteral("pedido: Ingrese el valor de la tasa de cambio [Unificar tasa de cambio] ")));
+    EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientoCuenta Where ACuIDAsiento = %1 And ACuImporteMC = 4000").arg(id)), 2);
+
+    doc->grid()->FijarFilaActual(filaDe(*doc, id) + 1);
+    m_mensajes.ResponderNumero(41);
+    doc->UnificarTC(false);
+    EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientoCuenta Where ACuIDAsiento = %1 And ACuImporteMC = 4100").arg(id)), 2);
+    EXPECT_EQ(m_mensajes.mostrados.size(), 2) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
+}
+
 INSTANTIATE_TEST_SUITE_P(Motores, Grabacion, ::testing::ValuesIn(MotoresDePrueba()),
                          [](const ::testing::TestParamInfo<Motor> &i) { return NombreMotor(i.param).toStdString(); });
 
