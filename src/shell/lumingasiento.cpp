@@ -11,6 +11,7 @@
 #include "services/servicioconfigusuario.h"
 #include "services/serviciopermisos.h"
 #include "services/serviciobusquedacuentas.h"
+#include "services/gestorlibros.h"
 #include "lineeditor/lumerasiento.h"
 
 #include <QAction>
@@ -321,10 +322,21 @@ void lumIngAsiento::conectarComandos()
     // doing nothing when chosen.
     alElegir("MnuEdiNew", [this] { NuevoAsiento(); });
     alElegir("MnuUnificarTCCta", [this] { UnificarTC(true); });
+    alElegir("MnuEdiLibro", [this] {
+        if (!ConexionCompartida())
+            return;
+        try {
+            GestorLibros gestor(*ConexionCompartida(), this);
+            gestor.exec();
+            cfTipo->clear(); // the list is filled again on the next edit
+        } catch (const ErrorBaseDatos &e) {
+            errorTexto(1932, DetalleError(e.numero(), e.descripcion()));
+        }
+    });
     alElegir("MnuUnificarTCMC", [this] { UnificarTC(false); });
     alElegir("MnuEdiAddCta", [this] { AgregarCuenta(); });
     for (const char *pendiente : {"MnuEdiASI",
-                                  "MnuEdiAPA", "MnuEdiLibro", "MnuPriCnfgPage", "MnuPriPrint", "MnuPriPrevia",
+                                  "MnuEdiAPA", "MnuPriCnfgPage", "MnuPriPrint", "MnuPriPrevia",
                                   "MnuExpExcell", "MnuExpCSV", "MnuExpHtml", "MnuAFrRegistrar", "MnuAFrNew"})
         m_menus->accion(QString::fromLatin1(pendiente))->setEnabled(false);
     m_menus->MnuExportar->menuAction()->setEnabled(false);

@@ -1,0 +1,257 @@
+#include "gestorlibros.h"
+
+#include <QDialogButtonBox>
+#include <QHeaderView>
+#include <QInputDialog>
+#include <QKeyEvent>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTreeWidget>
+#include <QVBoxLayout>
+
+Libros::Libros(Conexion &conexion)
+    : m_conexion(conexion)
+{
+}
+
+QList<Libros::Libro> Libros::Listar()
+{
+    QList<Libro> libros;
+    auto rs = m_conexion.Abrir(QStringLiteral("Select LibCodigo, LibNombre, LibDelSistema From genLibros Order By LibNombre"));
+    for (; !rs->Fin(); rs->MoverSiguiente())
+        libros.append({qint16(rs->Entero(QStringLiteral("LibCodigo"))), rs->Texto(QStringLiteral("LibNombre")).trimmed(),
+                       rs->Entero(QStringLiteral("LibDelSistema")) != 0});
+    return libros;
+}
+
+Libros::Libro Libros::buscar(qint16 codigo, bool &existe)
+{
+    existe = false;
+    for (const Libro &l : Listar()) {
+        if (l.codigo == codigo) {
+            existe = true;
+            return l;
+        }
+    }
+    return {};
+}
+
+Libros::Resultado Libros::validarNombre(const QString &nombre, qint16 salvo)
+{
+    const QString n = nombre.trimmed();
+    if (n.isEmpty())
+        return Resultado::NombreVacio;
+    for (const Libro &l : Listar())
+        if (l.codigo != salvo && l.nombre.compare(n, Qt::CaseInsensitive) == 0)
+            return Resultado::NombreRepetido;
+    return Resultado::Bien;
+}
+
+Libros::Resultado Libros::Agregar(const QString &nombre, qint16 &codigo)
+{
+    try {
+        const Resultado v = validarNombre(nombre, -1);
+        if (v != Resultado::Bien)
+            return v;
+        Transaccion tx(m_conexion);
+        auto rs = m_conexion.Abrir(QStringLiteral("Select Max(LibCodigo) From genLibros"));
+        codigo = qint16(QVariant(rs->Campo(0)).toInt() + 1);
+        rs->Cerrar();
+        m_conexion.Ejecutar(QStringLiteral("Insert Into genLibros (LibCodigo, LibNombre, LibDelSistema) Values (?, ?, 0)"),
+                            {codigo, nombre.trimmed()});
+        tx.Confirmar();
+        return Resultado::Bien;
+    } catch (const ErrorBaseDatos &e) {
+        m_error = e.descripcion();
+        return Resultado::ErrorBase;
+    }
+}
+
+Libros::Resultado Libros::Renombrar(qint16 codigo, const QString &nombre)
+{
+    try {
+        bool existe = false;
+        const Libro l = buscar(codigo, existe);
+        if (!existe)
+            return Resultado::NoExiste;
+        if (l.delSistema)
+            return Resultado::DelSistema;
+        const Resultado v = validarNombre(nombre, codigo);
+        if (v != Resultado::Bien)
+            return v;
+        m_conexion.Ejecutar(QStringLiteral("Update genLibros Set LibNombre = ? Where LibCodigo = ?"), {nombre.trimmed(), codigo});
+        return Resultado::Bien;
+    } catch (const ErrorBaseDatos &e) {
+        m_error = e.descripcion();
+        return Resultado::ErrorBase;
+    }
+}
+
+Libros::Resultado Libros::Eliminar(qint16 codigo)
+{
+    try {
+        bool existe = false;
+        const Libro l = buscar(codigo, existe);
+        if (!existe)
+            return Resultado::NoExiste;
+        if (l.delSistema)
+            return Resultado::DelSistema;
+        Transaccion tx(m_conexion);
+        // Entries in the trash still name their book: it stays while any entry does.
+        auto rs = m_conexion.Abrir(QStringLiteral("Select Count(*) From cceAsientos Where AsiTipo = ?"), {codigo});
+        const bool enUso = QVariant(rs->Campo(0)).toInt() > 0;
+        rs->Cerrar();
+        if (enUso)
+            return Resultado::EnUso;
+        m_conexion.Ejecutar(QStringLiteral("Delete From genLibros Where LibCodigo = ?"), {codigo});
+        tx.Confirmar();
+        return Resultado::Bien;
+    } catch (const ErrorBaseDatos &e) {
+        m_error = e.descripcion();
+        return Resultado::ErrorBase;
+    }
+}
+
+QString Libros::Explicacion(Resultado r)
+{
+    switch (r) {
+    case Resultado::DelSistema:
+        return QStringLiteral("Es un libro del sistema: no se puede cambiar.");
+    case Resultado::EnUso:
+        return QStringLiteral("Hay asientos en este libro: no se puede eliminar.");
+    case Resultado::NombreVacio:
+        return QStringLiteral("Escriba el nombre del libro.");
+    case Resultado::NombreRepetido:
+        return QStringLiteral("Ya existe un libro con ese nombre.");
+    case Resultado::NoExiste:
+        return QStringLiteral("El libro ya no existe.");
+    case Resultado::ErrorBase:
+        return QStringLiteral("No se pudo guardar el cambio.");
+    case Resultado::Bien:
+        break;
+    }
+    return {};
+}
+
+GestorLibros::GestorLibros(Conexion &conexion, QWidget *padre)
+    : QDialog(padre)
+    , m_libros(conexion)
+{
+    setObjectName(QStringLiteral("dlgLibros"));
+    setWindowTitle(QStringLiteral("Organizar libros"));
+    resize(460, 380);
+    m_lista = new QTreeWidget(this);
+    m_lista->setObjectName(QStringLiteral("lstLibros"));
+    m_lista->setAccessibleName(QStringLiteral("Libros"));
+    m_lista->setRootIsDecorated(false);
+    m_lista->setHeaderLabels({QStringLiteral("Código"), QStringLiteral("Nombre"), QString()});
+    m_lista->header()->setSectionResizeMode(1, QHeaderView::Stretch);
+    auto *agregar = new QPushButton(QStringLiteral("&Agregar"), this);
+    m_renombrar = new QPushButton(QStringLiteral("&Renombrar"), this);
+    m_eliminar = new QPushButton(QStringLiteral("&Eliminar"), this);
+    auto *botones = new QDialogButtonBox(QDialogButtonBox::Close, this);
+    botones->button(QDialogButtonBox::Close)->setText(QStringLiteral("&Cerrar"));
+    botones->addButton(agregar, QDialogButtonBox::ActionRole);
+    botones->addButton(m_renombrar, QDialogButtonBox::ActionRole);
+    botones->addButton(m_eliminar, QDialogButtonBox::ActionRole);
+    auto *capa = new QVBoxLayout(this);
+    capa->addWidget(m_lista);
+    capa->addWidget(botones);
+    connect(botones, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    connect(agregar, &QPushButton::clicked, this, &GestorLibros::agregar);
+    connect(m_renombrar, &QPushButton::clicked, this, &GestorLibros::renombrar);
+    connect(m_eliminar, &QPushButton::clicked, this, &GestorLibros::eliminar);
+    connect(m_lista, &QTreeWidget::currentItemChanged, this, &GestorLibros::actualizarBotones);
+    cargar();
+}
+
+void GestorLibros::cargar(qint16 elegir)
+{
+    m_lista->clear();
+    try {
+        for (const Libros::Libro &l : m_libros.Listar()) {
+            auto *i = new QTreeWidgetItem(m_lista, {QString::number(l.codigo), l.nombre, l.delSistema ? QStringLiteral("del sistema") : QString()});
+            i->setData(0, Qt::UserRole, int(l.codigo));
+            i->setData(0, Qt::UserRole + 1, l.delSistema);
+            if (l.delSistema)
+                i->setForeground(1, palette().brush(QPalette::Disabled, QPalette::Text));
+            if (l.codigo == elegir)
+                m_lista->setCurrentItem(i);
+        }
+    } catch (const ErrorBaseDatos &) {
+        avisar(Libros::Resultado::ErrorBase);
+    }
+    if (!m_lista->currentItem() && m_lista->topLevelItemCount() > 0)
+        m_lista->setCurrentItem(m_lista->topLevelItem(0));
+    actualizarBotones();
+}
+
+void GestorLibros::actualizarBotones()
+{
+    const QTreeWidgetItem *i = m_lista->currentItem();
+    const bool propio = i && !i->data(0, Qt::UserRole + 1).toBool();
+    m_renombrar->setEnabled(propio);
+    m_eliminar->setEnabled(propio);
+}
+
+void GestorLibros::avisar(Libros::Resultado r)
+{
+    if (r != Libros::Resultado::Bien)
+        QMessageBox::warning(this, windowTitle(), Libros::Explicacion(r));
+}
+
+void GestorLibros::agregar()
+{
+    bool ok = false;
+    const QString nombre = QInputDialog::getText(this, windowTitle(), QStringLiteral("Nombre del libro nuevo:"), QLineEdit::Normal, {}, &ok);
+    if (!ok)
+        return;
+    qint16 codigo = 0;
+    const auto r = m_libros.Agregar(nombre, codigo);
+    avisar(r);
+    cargar(codigo);
+}
+
+void GestorLibros::renombrar()
+{
+    const QTreeWidgetItem *i = m_lista->currentItem();
+    if (!i)
+        return;
+    const qint16 codigo = qint16(i->data(0, Qt::UserRole).toInt());
+    bool ok = false;
+    const QString nombre = QInputDialog::getText(this, windowTitle(), QStringLiteral("Nombre del libro:"), QLineEdit::Normal, i->text(1), &ok);
+    if (!ok)
+        return;
+    avisar(m_libros.Renombrar(codigo, nombre));
+    cargar(codigo);
+}
+
+void GestorLibros::eliminar()
+{
+    const QTreeWidgetItem *i = m_lista->currentItem();
+    if (!i)
+        return;
+    const qint16 codigo = qint16(i->data(0, Qt::UserRole).toInt());
+    if (QMessageBox::question(this, windowTitle(), QStringLiteral("¿Desea eliminar el libro «%1»?").arg(i->text(1)))
+        != QMessageBox::Yes)
+        return;
+    avisar(m_libros.Eliminar(codigo));
+    cargar();
+}
+
+void GestorLibros::keyPressEvent(QKeyEvent *evento)
+{
+    switch (evento->key()) {
+    case Qt::Key_Insert:
+        agregar();
+        return;
+    case Qt::Key_F2:
+        renombrar();
+        return;
+    case Qt::Key_Delete:
+        eliminar();
+        return;
+    default:
+        QDialog::keyPressEvent(evento);
+    }
+}

@@ -1,0 +1,70 @@
+#pragma once
+
+#include "store/conexion.h"
+
+#include <QDialog>
+#include <QList>
+#include <QString>
+
+class QTreeWidget;
+class QPushButton;
+
+// The books (genLibros) of the company: the user's own can be added, renamed and removed
+// while no entry uses them; the books the system keeps for its own entries are listed but
+// cannot be changed.
+class Libros
+{
+public:
+    enum class Resultado { Bien, DelSistema, EnUso, NombreVacio, NombreRepetido, NoExiste, ErrorBase };
+
+    struct Libro
+    {
+        qint16 codigo = 0;
+        QString nombre;
+        bool delSistema = false;
+    };
+
+    explicit Libros(Conexion &conexion);
+
+    QList<Libro> Listar();
+    // Answers the new book's code in codigo.
+    Resultado Agregar(const QString &nombre, qint16 &codigo);
+    Resultado Renombrar(qint16 codigo, const QString &nombre);
+    Resultado Eliminar(qint16 codigo);
+    QString ultimoError() const { return m_error; }
+
+    // The text that tells the user why a change was refused.
+    static QString Explicacion(Resultado r);
+
+private:
+    Resultado validarNombre(const QString &nombre, qint16 salvo);
+    Libro buscar(qint16 codigo, bool &existe);
+
+    Conexion &m_conexion;
+    QString m_error;
+};
+
+// The books manager: a list of the books with Add, Rename and Remove, driven by the keyboard
+// (Insert adds, F2 renames, Delete removes).
+class GestorLibros : public QDialog
+{
+    Q_OBJECT
+public:
+    GestorLibros(Conexion &conexion, QWidget *padre = nullptr);
+
+protected:
+    void keyPressEvent(QKeyEvent *evento) override;
+
+private:
+    void cargar(qint16 elegir = 0);
+    void agregar();
+    void renombrar();
+    void eliminar();
+    void avisar(Libros::Resultado r);
+    void actualizarBotones();
+
+    Libros m_libros;
+    QTreeWidget *m_lista = nullptr;
+    QPushButton *m_renombrar = nullptr;
+    QPushButton *m_eliminar = nullptr;
+};
