@@ -548,9 +548,10 @@ void lumIngAsiento::terminarEdicion(bool recargar)
         } else if (m_asientos.UltimaFilaAsiento(cabezal) == cabezal && c.AsiID <= 0) {
             m_grilla.QuitarFila(cabezal);
         } else if (m_asientos.EsFilaCabezal(cabezal)) {
+            // Not written (refused, or nothing typed): the rows stay as they were, with their
+            // state's picture and, when it does not balance, the proposal of the missing line.
             m_asientos.ClaveEstado(cabezal, c.AsiEstado);
-            if (c.AsiID <= 0 || !hayCuentasCerradasEnGrilla(QDate(9999, 1, 1)))
-                m_asientos.FormatoEntrada();
+            m_asientos.FormatoEntrada();
         }
     }
     m_grilla.FijarRedibujar(true);
