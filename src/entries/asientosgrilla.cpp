@@ -16,7 +16,7 @@ const QString AsientosGrilla::kTextoDiferencia = QStringLiteral("...............
 void PrepararGrillaAsientos(Grilla &grilla, const QString &encabezados)
 {
     // Column 0 takes what the others leave when a view is loaded.
-    const int anchos[] = {3600, 3000, 1500, 1500, 1300, 1500};
+    const int anchos[] = {3600, 4000, 1500, 1500, 1300, 1500};
     for (int c = 0; c < grilla.Columnas() && c < 6; ++c)
         grilla.FijarAnchoColumna(c, anchos[c]);
     grilla.FijarEncabezados(encabezados);
