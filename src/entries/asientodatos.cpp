@@ -116,23 +116,33 @@ bool AsientoDatos::HayCuentasCerradas(const QDate &fecha)
     return hay;
 }
 
+// The header's compare-and-set: the row is updated only while it still carries the stamp
+// that was read. Answers whether it was.
+bool AsientoDatos::actualizarCabezal(qint32 asiID, const QDateTime &nuevo)
+{
+    QVariantList valores{m_cabezal.Estado, Conexion::ValorFecha(m_cabezal.Fecha), m_cabezal.Leyenda,
+                         m_cabezal.Libro ? QVariant(m_cabezal.Libro) : nulo(QMetaType::Int), m_cabezal.Autoriza,
+                         sello(m_cabezal.FechaCambioEstado), sello(nuevo), asiID};
+    const QString condicion = condicionSello(m_cabezal.FechaModificado, valores);
+    const int cambiadas = m_conexion->Ejecutar(
+        QStringLiteral("Update cceAsientos Set AsiEstado = ?, AsiFechaAsiento = ?, AsiLeyenda = ?, AsiTipo = ?,"
+                       " AsiUsuarioVerificador = ?, AsiFechaEstado = ?, AsiFechaModificado = ?"
+                       " Where AsiID = ?") + condicion,
+        valores);
+    if (cambiadas == 1)
+        return true;
+    fallar(Resultado::Modificado, QStringLiteral("Registro modificado con anterioridad."));
+    return false;
+}
+
 bool AsientoDatos::Grabar()
 {
     m_resultado = Resultado::Bien;
     const QDateTime nuevo = SelloNuevo(m_cabezal.FechaModificado);
     try {
         Transaccion tx(*m_conexion);
-        QVariantList valores{m_cabezal.Estado, Conexion::ValorFecha(m_cabezal.Fecha), m_cabezal.Leyenda,
-                             m_cabezal.Libro ? QVariant(m_cabezal.Libro) : nulo(QMetaType::Int), m_cabezal.Autoriza,
-                             sello(m_cabezal.FechaCambioEstado), sello(nuevo), m_cabezal.AsiID};
-        const QString condicion = condicionSello(m_cabezal.FechaModificado, valores);
-        const int cambiadas = m_conexion->Ejecutar(
-            QStringLiteral("Update cceAsientos Set AsiEstado = ?, AsiFechaAsiento = ?, AsiLeyenda = ?, AsiTipo = ?,"
-                           " AsiUsuarioVerificador = ?, AsiFechaEstado = ?, AsiFechaModificado = ?"
-                           " Where AsiID = ?") + condicion,
-            valores);
-        if (cambiadas != 1)
-            return fallar(Resultado::Modificado, QStringLiteral("Registro modificado con anterioridad."));
+        if (!actualizarCabezal(m_cabezal.AsiID, nuevo))
+            return false;
         tx.Confirmar();
     } catch (const ErrorBaseDatos &e) {
         return fallar(Resultado::ErrorBase, e.descripcion());
@@ -178,19 +188,8 @@ qint32 AsientoDatos::GrabarTodo()
                 QStringLiteral("AsiID")));
             if (id <= 0)
                 throw ErrorBaseDatos(QStringLiteral("el motor no dio el número del asiento nuevo"));
-        } else {
-            QVariantList valores{m_cabezal.Estado, Conexion::ValorFecha(m_cabezal.Fecha), m_cabezal.Leyenda, libro,
-                                 m_cabezal.Autoriza, sello(m_cabezal.FechaCambioEstado), sello(nuevo), id};
-            const QString condicion = condicionSello(m_cabezal.FechaModificado, valores);
-            const int cambiadas = m_conexion->Ejecutar(
-                QStringLiteral("Update cceAsientos Set AsiEstado = ?, AsiFechaAsiento = ?, AsiLeyenda = ?, AsiTipo = ?,"
-                               " AsiUsuarioVerificador = ?, AsiFechaEstado = ?, AsiFechaModificado = ?"
-                               " Where AsiID = ?") + condicion,
-                valores);
-            if (cambiadas != 1) {
-                fallar(Resultado::Modificado, QStringLiteral("Registro modificado con anterioridad."));
-                return 0;
-            }
+        } else if (!actualizarCabezal(id, nuevo)) {
+            return 0;
         }
         escribirLineas(id);
         tx.Confirmar();

@@ -95,6 +95,7 @@ public:
     static QDateTime SelloNuevo(const QDateTime &anterior);
 
 private:
+    bool actualizarCabezal(qint32 asiID, const QDateTime &nuevo);
     void escribirLineas(qint32 asiID);
     bool fallar(Resultado r, const QString &error);
 

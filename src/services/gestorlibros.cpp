@@ -24,16 +24,13 @@ QList<Libros::Libro> Libros::Listar()
     return libros;
 }
 
-Libros::Libro Libros::buscar(qint16 codigo, bool &existe)
+// Whether a book may be changed: it exists and it is one of the user's.
+Libros::Resultado Libros::modificable(qint16 codigo)
 {
-    existe = false;
-    for (const Libro &l : Listar()) {
-        if (l.codigo == codigo) {
-            existe = true;
-            return l;
-        }
-    }
-    return {};
+    for (const Libro &l : Listar())
+        if (l.codigo == codigo)
+            return l.delSistema ? Resultado::DelSistema : Resultado::Bien;
+    return Resultado::NoExiste;
 }
 
 Libros::Resultado Libros::validarNombre(const QString &nombre, qint16 salvo)
@@ -70,12 +67,8 @@ Libros::Resultado Libros::Agregar(const QString &nombre, qint16 &codigo)
 Libros::Resultado Libros::Renombrar(qint16 codigo, const QString &nombre)
 {
     try {
-        bool existe = false;
-        const Libro l = buscar(codigo, existe);
-        if (!existe)
-            return Resultado::NoExiste;
-        if (l.delSistema)
-            return Resultado::DelSistema;
+        if (const Resultado r = modificable(codigo); r != Resultado::Bien)
+            return r;
         const Resultado v = validarNombre(nombre, codigo);
         if (v != Resultado::Bien)
             return v;
@@ -90,12 +83,8 @@ Libros::Resultado Libros::Renombrar(qint16 codigo, const QString &nombre)
 Libros::Resultado Libros::Eliminar(qint16 codigo)
 {
     try {
-        bool existe = false;
-        const Libro l = buscar(codigo, existe);
-        if (!existe)
-            return Resultado::NoExiste;
-        if (l.delSistema)
-            return Resultado::DelSistema;
+        if (const Resultado r = modificable(codigo); r != Resultado::Bien)
+            return r;
         Transaccion tx(m_conexion);
         // Entries in the trash still name their book: it stays while any entry does.
         auto rs = m_conexion.Abrir(QStringLiteral("Select Count(*) From cceAsientos Where AsiTipo = ?"), {codigo});
@@ -212,12 +201,18 @@ void GestorLibros::agregar()
     cargar(codigo);
 }
 
+qint16 GestorLibros::codigoActual() const
+{
+    const QTreeWidgetItem *i = m_lista->currentItem();
+    return i ? qint16(i->data(0, Qt::UserRole).toInt()) : 0;
+}
+
 void GestorLibros::renombrar()
 {
     const QTreeWidgetItem *i = m_lista->currentItem();
+    const qint16 codigo = codigoActual();
     if (!i)
         return;
-    const qint16 codigo = qint16(i->data(0, Qt::UserRole).toInt());
     bool ok = false;
     const QString nombre = QInputDialog::getText(this, windowTitle(), QStringLiteral("Nombre del libro:"), QLineEdit::Normal, i->text(1), &ok);
     if (!ok)
@@ -229,9 +224,9 @@ void GestorLibros::renombrar()
 void GestorLibros::eliminar()
 {
     const QTreeWidgetItem *i = m_lista->currentItem();
+    const qint16 codigo = codigoActual();
     if (!i)
         return;
-    const qint16 codigo = qint16(i->data(0, Qt::UserRole).toInt());
     if (QMessageBox::question(this, windowTitle(), QStringLiteral("¿Desea eliminar el libro «%1»?").arg(i->text(1)))
         != QMessageBox::Yes)
         return;

@@ -38,7 +38,7 @@ public:
 
 private:
     Resultado validarNombre(const QString &nombre, qint16 salvo);
-    Libro buscar(qint16 codigo, bool &existe);
+    Resultado modificable(qint16 codigo);
 
     Conexion &m_conexion;
     QString m_error;
@@ -57,6 +57,7 @@ protected:
 
 private:
     void cargar(qint16 elegir = 0);
+    qint16 codigoActual() const;
     void agregar();
     void renombrar();
     void eliminar();

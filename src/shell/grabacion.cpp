@@ -39,6 +39,15 @@ AsientoDatos lumIngAsiento::nuevoAsientoDatos() const
     return AsientoDatos(*ConexionCompartida(), librosSistema());
 }
 
+// The stored entry as it is now; a failure to read it is the command's error.
+AsientoDatos lumIngAsiento::asientoGuardado(qint32 asiID) const
+{
+    AsientoDatos datos = nuevoAsientoDatos();
+    if (!datos.CargarAsiento(asiID))
+        throw ErrorBaseDatos(datos.ultimoError());
+    return datos;
+}
+
 void lumIngAsiento::errorTexto(int numero, const QString &detalle)
 {
     m_entorno.mensajes->MostrarError(Idioma::resLoad(numero - 1000), QString(), detalle);
@@ -121,9 +130,7 @@ void lumIngAsiento::RegistrarAsiento()
             }
             m_grilla.FijarRedibujar(false);
         }
-        AsientoDatos datos = nuevoAsientoDatos();
-        if (!datos.CargarAsiento(c.AsiID))
-            throw ErrorBaseDatos(datos.ultimoError());
+        AsientoDatos datos = asientoGuardado(c.AsiID);
         if (datos.Cabezal().FechaModificado != c.AsiFechaModificado) {
             errorTexto(1820);
         } else if (datos.HayCuentasCerradas(datos.Cabezal().Fecha)) {
@@ -223,9 +230,7 @@ bool lumIngAsiento::GrabarCabezal()
     if (c.AsiID <= 0 || !ConexionCompartida())
         return false;
     try {
-        AsientoDatos datos = nuevoAsientoDatos();
-        if (!datos.CargarAsiento(c.AsiID))
-            throw ErrorBaseDatos(datos.ultimoError());
+        AsientoDatos datos = asientoGuardado(c.AsiID);
         CabezalDatos &d = datos.Cabezal();
         if (d.Fecha != c.AsiFechaAsiento
             && (datos.HayCuentasCerradas(d.Fecha) || datos.HayCuentasCerradas(c.AsiFechaAsiento))) {
@@ -398,9 +403,7 @@ void lumIngAsiento::EliminarAsiento(bool porFila)
             } else if (c.AsiID <= 0) {
                 m_grilla.QuitarFila(fila);
             } else {
-                AsientoDatos datos = nuevoAsientoDatos();
-                if (!datos.CargarAsiento(c.AsiID))
-                    throw ErrorBaseDatos(datos.ultimoError());
+                AsientoDatos datos = asientoGuardado(c.AsiID);
                 if (datos.Cabezal().FechaModificado != c.AsiFechaModificado) {
                     errorTexto(1820);
                 } else if (datos.HayCuentasCerradas(datos.Cabezal().Fecha)) {
@@ -576,10 +579,8 @@ bool lumIngAsiento::AplicarTC(bool bMonedaCuenta, double tasa, qint16 moneda)
     const int cabezal = c.FilaCabezal;
     if (cabezal < 0)
         return false;
-    AsientoDatos datos = nuevoAsientoDatos();
+    AsientoDatos datos = c.AsiID > 0 ? asientoGuardado(c.AsiID) : nuevoAsientoDatos();
     if (c.AsiID > 0) {
-        if (!datos.CargarAsiento(c.AsiID))
-            throw ErrorBaseDatos(datos.ultimoError());
         if (datos.Cabezal().FechaModificado != c.AsiFechaModificado) {
             errorTexto(1820);
             return false;

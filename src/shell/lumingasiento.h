@@ -175,6 +175,7 @@ private:
     // Saving helpers.
     LibrosSistema librosSistema() const;
     AsientoDatos nuevoAsientoDatos() const;
+    AsientoDatos asientoGuardado(qint32 asiID) const;
     int tomarAsientoDeFilaActual();
     void errorTexto(int numero, const QString &detalle = {});
     void advertirTexto(int numero);

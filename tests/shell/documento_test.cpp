@@ -1,5 +1,7 @@
 #include "comun/basesprueba.h"
+#include "comun/hostdeprueba.h"
 #include "comun/mensajesguionados.h"
+#include "documentodeprueba.h"
 
 #include "shell/idioma.h"
 #include "shell/lumingasiento.h"
@@ -20,21 +22,6 @@
 
 namespace {
 
-class HostDePrueba : public ContenedorHost
-{
-public:
-    QString base;
-    QStringList comandos;
-    QStringList marcos;
-
-    QString BaseHRef() const override { return base; }
-    void Navegar(const QString &direccion, const QString &marco) override
-    {
-        comandos << direccion;
-        marcos << marco;
-    }
-};
-
 class Documento : public ::testing::Test
 {
 protected:
@@ -43,14 +30,7 @@ protected:
     {
     }
 
-    // The company id is process-wide: each test starts without one.
-    void SetUp() override
-    {
-        MensajesGuionados callados;
-        EntornoDocumento e;
-        e.mensajes = &callados;
-        lumIngAsiento(std::move(e)).setIDEmpresa(0);
-    }
+    void SetUp() override { OlvidarEmpresaDelProceso(); }
 
     std::unique_ptr<lumIngAsiento> abrir(const QString &parametros, const QString &baseDatos = {})
     {

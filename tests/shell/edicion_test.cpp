@@ -1,5 +1,7 @@
 #include "comun/basesprueba.h"
+#include "comun/hostdeprueba.h"
 #include "comun/mensajesguionados.h"
+#include "documentodeprueba.h"
 
 #include "entries/asientodatos.h"
 #include "entries/vsgrid.h"
@@ -24,14 +26,6 @@
 
 namespace {
 
-class HostMudo : public ContenedorHost
-{
-public:
-    QString base;
-    QString BaseHRef() const override { return base; }
-    void Navegar(const QString &, const QString &) override {}
-};
-
 // The exact code the user types, as the search answers it without its dialog.
 class BusquedaExacta final : public ServicioBusquedaCuentas
 {
@@ -52,10 +46,7 @@ protected:
     Edicion()
         : m_base(GetParam(), BaseDePrueba::Contenido::Demo)
     {
-        MensajesGuionados callados;
-        EntornoDocumento e;
-        e.mensajes = &callados;
-        lumIngAsiento(std::move(e)).setIDEmpresa(0);
+        OlvidarEmpresaDelProceso();
         m_host.base = QStringLiteral("x?psidusuario=1|psidempresa=1|psckey=lum01|pskeyinit=1|pstempdir=") + m_carpeta.path();
         EntornoDocumento d;
         d.host = &m_host;
@@ -98,7 +89,7 @@ protected:
 
     BaseDePrueba m_base;
     QTemporaryDir m_carpeta;
-    HostMudo m_host;
+    HostDePrueba m_host;
     MensajesGuionados m_mensajes;
     BusquedaExacta m_busqueda;
     std::unique_ptr<lumIngAsiento> m_doc;

@@ -1,5 +1,7 @@
 #include "comun/basesprueba.h"
+#include "comun/hostdeprueba.h"
 #include "comun/mensajesguionados.h"
+#include "documentodeprueba.h"
 
 #include "entries/asientodatos.h"
 #include "entries/vistas.h"
@@ -13,14 +15,6 @@
 
 namespace {
 
-class HostMudo : public ContenedorHost
-{
-public:
-    QString base;
-    QString BaseHRef() const override { return base; }
-    void Navegar(const QString &, const QString &) override {}
-};
-
 // A document on the demo company, on either engine, with entries of our own added.
 class Grabacion : public ::testing::TestWithParam<Motor>
 {
@@ -28,10 +22,7 @@ protected:
     Grabacion()
         : m_base(GetParam(), BaseDePrueba::Contenido::Demo)
     {
-        MensajesGuionados callados;
-        EntornoDocumento e;
-        e.mensajes = &callados;
-        lumIngAsiento(std::move(e)).setIDEmpresa(0);
+        OlvidarEmpresaDelProceso();
     }
 
     std::unique_ptr<lumIngAsiento> abrir()
@@ -99,7 +90,7 @@ protected:
 
     BaseDePrueba m_base;
     QTemporaryDir m_carpeta;
-    HostMudo m_host;
+    HostDePrueba m_host;
     MensajesGuionados m_mensajes;
 };
 
