@@ -77,9 +77,12 @@ int main(int argc, char *argv[])
     if (!errorDemo.isEmpty())
         ventana.MostrarError(QStringLiteral("No se pudo crear la base de demostración: ") + errorDemo);
     ventana.show();
+    // The document would start from the event loop; starting it here, after show() has
+    // returned, lets a screenshot be taken once it has.
+    ventana.documento()->Iniciar();
 
     if (captura) {
-        // Start-up has run in show(); let the host act on what the document sent first.
+        // Let the host act on what the document sent during start-up first.
         QTimer::singleShot(300, &ventana, [&ventana, &opciones] {
             const bool ok = ventana.grab().save(opciones.captura);
             if (!ok)

@@ -1,21 +1,29 @@
 #!/usr/bin/env bash
 # Installs, builds and runs the whole test suite, on SQLite and on a private PostgreSQL
-# server started here for the run (and stopped at the end).
+# server started here for the run (and stopped at the end). Run it as root or as a user
+# allowed to use sudo; the server runs as the postgres user either way.
 set -euo pipefail
 cd "$(dirname "$0")/.."
+source scripts/comun.sh
 bash scripts/setup.sh
 
 pgbin=$(ls -d /usr/lib/postgresql/*/bin 2>/dev/null | sort -V | tail -n 1 || true)
 if [ -n "$pgbin" ] && id postgres > /dev/null 2>&1; then
     dir=$(mktemp -d /tmp/asientos-pg.XXXXXX)
-    chown postgres "$dir"
-    como_postgres() { if [ "$(id -u)" -eq 0 ]; then runuser -u postgres -- "$@"; else sudo -u postgres "$@"; fi; }
+    # The server's folder; the tests connect through the socket folder inside, so it is
+    # open to every user.
+    chmod 755 "$dir"
+    como_root chown postgres "$dir"
+    como_postgres mkdir "$dir/sock"
     puerto=$((54000 + RANDOM % 1000))
     como_postgres "$pgbin/initdb" -D "$dir/data" -U postgres -A trust -E UTF8 --locale=C.UTF-8 --no-sync > /dev/null
-    como_postgres mkdir -p "$dir/sock"
     como_postgres "$pgbin/pg_ctl" -D "$dir/data" -l "$dir/log" -w -o \
         "-p $puerto -k $dir/sock -c listen_addresses= -c fsync=off -c synchronous_commit=off -c full_page_writes=off" start > /dev/null
-    trap 'como_postgres "$pgbin/pg_ctl" -D "$dir/data" -m immediate stop > /dev/null 2>&1 || true; rm -rf "$dir"' EXIT
+    detener() {
+        como_postgres "$pgbin/pg_ctl" -D "$dir/data" -m immediate stop > /dev/null 2>&1 || true
+        como_postgres rm -rf "$dir" || true
+    }
+    trap detener EXIT
     "$pgbin/psql" -h "$dir/sock" -p "$puerto" -U postgres -q -c "CREATE DATABASE asientos_pruebas" > /dev/null
     export ASIENTOS_TEST_PG="postgresql://postgres@/asientos_pruebas?host=$dir/sock&port=$puerto"
     echo "PostgreSQL de pruebas: $ASIENTOS_TEST_PG"
@@ -23,4 +31,4 @@ else
     echo "Sin PostgreSQL: las pruebas corren solo sobre SQLite."
 fi
 
-ctest --test-dir build --output-on-failure -j2
+como_usuario ctest --test-dir build --output-on-failure -j2

@@ -4,6 +4,7 @@
 
 #include <QHash>
 
+#include <algorithm>
 #include <cmath>
 
 Mascara::Mascara(const QString &mascara)
@@ -36,7 +37,21 @@ QString Mascara::Formatear(double valor, const QLocale &locale) const
     if (!std::isfinite(valor))
         return {};
     if (!m_valida)
-        return m_texto.isEmpty() ? locale.toString(valor, 'f', QLocale::FloatingPointShortest) : m_texto;
+        return m_texto.isEmpty() ? FormatearNumero(valor, locale) : m_texto;
+    return m_prefijo + FormatearNumero(valor, locale) + m_sufijo;
+}
+
+QString Mascara::FormatearNumero(double valor, const QLocale &locale) const
+{
+    if (!std::isfinite(valor))
+        return {};
+    if (!m_valida) {
+        // No grouping asked for; and Qt groups some locales in ways no reader accepts
+        // ("1234.567,5" in es_ES).
+        QLocale sinGrupos = locale;
+        sinGrupos.setNumberOptions(locale.numberOptions() | QLocale::OmitGroupSeparator);
+        return sinGrupos.toString(valor, 'f', QLocale::FloatingPointShortest);
+    }
 
     QString digitos = RedondearDecimal(TextoDecimal(valor), m_decimalesMax);
     const bool negativo = digitos.startsWith(QLatin1Char('-'));
@@ -63,38 +78,123 @@ QString Mascara::Formatear(double valor, const QLocale &locale) const
         texto += locale.decimalPoint() + fraccion;
     if (negativo)
         texto.prepend(locale.negativeSign());
-    return m_prefijo + texto + m_sufijo;
+    return texto;
 }
+
+namespace {
+
+bool esBlanco(QChar c)
+{
+    return c == u' ' || c == QChar(0xA0) || c == QChar(0x202F) || c == QChar(0x2009);
+}
+
+// The kinds of separator a number may hold.
+enum class Separador { Ninguno, Decimal, Otra, Grupo, Blanco };
+
+} // namespace
 
 bool LeerNumero(const QString &texto, double &valor, const QLocale &locale)
 {
-    QString t = texto.trimmed();
-    const QString grupo = locale.groupSeparator();
+    const QString t = texto.trimmed();
     const QString decimal = locale.decimalPoint();
-    QString limpio;
-    limpio.reserve(t.size());
-    for (qsizetype i = 0; i < t.size(); ++i) {
-        const QChar c = t.at(i);
-        if (c.isDigit()) {
-            limpio += c;
-        } else if (QStringView(t).mid(i).startsWith(decimal)) {
-            limpio += QLatin1Char('.');
-            i += decimal.size() - 1;
-        } else if (c == u'.' && grupo != QLatin1String(".")) {
-            limpio += QLatin1Char('.');
-        } else if (c == u'-' || QStringView(t).mid(i).startsWith(locale.negativeSign())) {
-            if (!limpio.isEmpty())
-                return false;
-            limpio += QLatin1Char('-');
-        } else if (QStringView(t).mid(i).startsWith(grupo) || c.isSpace() || c == QChar(0x202F) || c == QChar(0xA0)) {
+    const QString grupo = locale.groupSeparator();
+    // The other mark: "." against a decimal comma, "," against a decimal point.
+    const QChar otra = decimal == QLatin1String(",") ? QLatin1Char('.') : QLatin1Char(',');
+    const QStringView v(t);
+
+    qsizetype i = 0;
+    bool negativo = false;
+    if (v.startsWith(u'-')) {
+        negativo = true;
+        i = 1;
+    } else if (!locale.negativeSign().isEmpty() && v.startsWith(locale.negativeSign())) {
+        negativo = true;
+        i = locale.negativeSign().size();
+    }
+    while (negativo && i < v.size() && esBlanco(v.at(i)))
+        ++i;
+
+    // Digit runs and the separator in front of each (none in front of the first).
+    struct Tramo
+    {
+        Separador antes = Separador::Ninguno;
+        QChar marca;
+        QString digitos;
+    };
+    QList<Tramo> tramos{Tramo{}};
+    while (i < v.size()) {
+        const QChar c = v.at(i);
+        if (c.isDigit() && c.unicode() < 128) {
+            tramos.last().digitos += c;
+            ++i;
             continue;
+        }
+        Tramo nuevo;
+        if (v.mid(i).startsWith(decimal)) {
+            nuevo.antes = Separador::Decimal;
+            i += decimal.size();
+        } else if (c == otra) {
+            nuevo.antes = Separador::Otra;
+            ++i;
+        } else if (esBlanco(c)) {
+            nuevo.antes = Separador::Blanco;
+            ++i;
+        } else if (!grupo.isEmpty() && v.mid(i).startsWith(grupo)) {
+            nuevo.antes = Separador::Grupo;
+            i += grupo.size();
         } else {
             return false;
         }
+        nuevo.marca = c;
+        // Two separators in a row are never a number.
+        if (tramos.size() > 1 && tramos.last().digitos.isEmpty())
+            return false;
+        tramos << nuevo;
     }
+
+    // Where the decimal mark stands: the locale's own, else the other mark when it is the
+    // last separator and not followed by exactly three digits.
+    qsizetype coma = -1;
+    for (qsizetype k = 1; k < tramos.size(); ++k) {
+        if (tramos[k].antes == Separador::Decimal) {
+            if (coma >= 0)
+                return false;
+            coma = k;
+        }
+    }
+    const Tramo &ultimo = tramos.last();
+    if (coma < 0 && tramos.size() > 1 && ultimo.antes == Separador::Otra && ultimo.digitos.size() != 3)
+        coma = tramos.size() - 1;
+    if (coma >= 0 && coma != tramos.size() - 1)
+        return false; // separators after the decimal mark
+
+    // The whole part: one run, or groups of three after a first group of one to three.
+    const qsizetype grupos = coma >= 0 ? coma : tramos.size();
+    QString entera = tramos[0].digitos;
+    if (grupos > 1) {
+        const QString &primero = tramos[0].digitos;
+        if (primero.isEmpty() || primero.size() > 3 || primero.startsWith(u'0'))
+            return false;
+        for (qsizetype k = 1; k < grupos; ++k) {
+            const Tramo &g = tramos[k];
+            if (g.digitos.size() != 3 || g.marca != tramos[1].marca
+                || (g.antes == Separador::Otra && coma >= 0 && tramos[coma].antes == Separador::Otra))
+                return false;
+            entera += g.digitos;
+        }
+    }
+    const QString fraccion = coma >= 0 ? tramos[coma].digitos : QString();
+    if (entera.isEmpty() && fraccion.isEmpty())
+        return false;
+
+    const QString limpio = (negativo ? QStringLiteral("-") : QString()) + (entera.isEmpty() ? QStringLiteral("0") : entera)
+                         + (fraccion.isEmpty() ? QString() : QLatin1Char('.') + fraccion);
     bool ok = false;
-    valor = limpio.toDouble(&ok);
-    return ok;
+    const double leido = limpio.toDouble(&ok);
+    if (!ok || !std::isfinite(leido))
+        return false;
+    valor = leido;
+    return true;
 }
 
 double LeerNumero(const QString &texto, const QLocale &locale)
@@ -105,5 +205,24 @@ double LeerNumero(const QString &texto, const QLocale &locale)
 
 double RedondearConMascara(double valor, const QString &mascara, const QLocale &locale)
 {
-    return LeerNumero(Mascara(mascara).Formatear(valor, locale), locale);
+    return LeerNumero(Mascara(mascara).FormatearNumero(valor, locale), locale);
+}
+
+double RedondearADecimales(double valor, int decimales)
+{
+    if (!std::isfinite(valor))
+        return valor;
+    decimales = std::clamp(decimales, 0, 15);
+    double escala = 1;
+    for (int i = 0; i < decimales; ++i)
+        escala *= 10;
+    // Far from a half, scaling and rounding decides as the decimal digits do: below 1e9 the
+    // scaled value is off by less than 1e-6. Near a half, or beyond, the digits decide.
+    const double escalado = valor * escala;
+    if (std::fabs(escalado) < 1e9) {
+        const double resto = std::fabs(escalado - std::trunc(escalado));
+        if (std::fabs(resto - 0.5) > 1e-6)
+            return std::round(escalado) / escala;
+    }
+    return RedondearDecimal(TextoDecimal(valor), decimales).toDouble();
 }

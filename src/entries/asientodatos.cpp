@@ -2,6 +2,7 @@
 
 #include "store/valoressql.h"
 
+#include <QSet>
 #include <QStringList>
 
 #include <cmath>
@@ -19,12 +20,15 @@ QVariant sello(const QDateTime &momento)
 }
 
 // The stamp condition of a compare-and-set: the stamp that was read, or none when the row
-// was stored without one.
-QString condicionSello(const QDateTime &leido, QVariantList &valores)
+// was stored without one. Stamps are compared as values: SQLite keeps them as text, and a
+// stamp written without milliseconds ("…10:00:00") is the same instant as "…10:00:00.000".
+QString condicionSello(Motor motor, const QDateTime &leido, QVariantList &valores)
 {
     if (!leido.isValid())
         return QStringLiteral(" And AsiFechaModificado Is Null");
     valores << sello(leido);
+    if (motor == Motor::SQLite)
+        return QStringLiteral(" And strftime('%Y-%m-%d %H:%M:%f', AsiFechaModificado) = strftime('%Y-%m-%d %H:%M:%f', ?)");
     return QStringLiteral(" And AsiFechaModificado = ?");
 }
 
@@ -35,6 +39,17 @@ QDateTime ahora()
 }
 
 } // namespace
+
+bool AsientoVerificado(Conexion &conexion, qint32 asiID)
+{
+    auto rs = conexion.Abrir(QStringLiteral("Select AsiVerificado from cceAsientos Where AsiID = ") + QString::number(asiID));
+    const QVariant v = rs->Fin() ? QVariant() : rs->Campo(0);
+    rs->Cerrar();
+    if (v.isNull())
+        return false;
+    const int marca = v.toInt();
+    return marca == 1 || marca == 2;
+}
 
 AsientoDatos::AsientoDatos(Conexion &conexion, const LibrosSistema &libros)
     : m_conexion(&conexion)
@@ -92,6 +107,7 @@ bool AsientoDatos::CargarAsiento(qint32 asiID)
             l.Importe = rs->EsNulo(propio) ? 0 : rs->Numero(propio);
             l.ImporteMC = rs->Numero(QStringLiteral("ACuImporteMC"));
             l.Tasa = l.Importe != 0 ? l.ImporteMC / l.Importe : 0;
+            l.Orden = rs->EsNulo(QStringLiteral("ACuOrden")) ? 0 : qint16(rs->Entero(QStringLiteral("ACuOrden")));
             m_lineas.append(l);
         }
         rs->Cerrar();
@@ -123,7 +139,7 @@ bool AsientoDatos::actualizarCabezal(qint32 asiID, const QDateTime &nuevo)
     QVariantList valores{m_cabezal.Estado, Conexion::ValorFecha(m_cabezal.Fecha), m_cabezal.Leyenda,
                          m_cabezal.Libro ? QVariant(m_cabezal.Libro) : nulo(QMetaType::Int), m_cabezal.Autoriza,
                          sello(m_cabezal.FechaCambioEstado), sello(nuevo), asiID};
-    const QString condicion = condicionSello(m_cabezal.FechaModificado, valores);
+    const QString condicion = condicionSello(m_conexion->motor(), m_cabezal.FechaModificado, valores);
     const int cambiadas = m_conexion->Ejecutar(
         QStringLiteral("Update cceAsientos Set AsiEstado = ?, AsiFechaAsiento = ?, AsiLeyenda = ?, AsiTipo = ?,"
                        " AsiUsuarioVerificador = ?, AsiFechaEstado = ?, AsiFechaModificado = ?"
@@ -154,13 +170,21 @@ bool AsientoDatos::Grabar()
 void AsientoDatos::escribirLineas(qint32 asiID)
 {
     m_conexion->Ejecutar(QStringLiteral("Delete From cceAsientoCuenta Where ACuIDAsiento = ?"), {asiID});
-    int orden = 0;
+    // Lines keep their order of entry; new ones (and any repeated number) go after the last.
+    int ultimo = 0;
+    for (const LineaDatos &l : std::as_const(m_lineas))
+        ultimo = std::max(ultimo, int(l.Orden));
+    QSet<int> usados;
     for (const LineaDatos &l : std::as_const(m_lineas)) {
+        int orden = l.Orden;
+        if (orden <= 0 || usados.contains(orden))
+            orden = ++ultimo;
+        usados.insert(orden);
         const QVariant importe(l.Importe);
         m_conexion->Ejecutar(QStringLiteral("Insert Into cceAsientoCuenta (ACuIDAsiento, ACuCuenta, ACuProyecto, ACuDepartamento,"
                                             " ACuDebe, AcuHaber, ACuImporteMC, ACuOrden) Values (?, ?, ?, ?, ?, ?, ?, ?)"),
                              {asiID, l.Cuenta, l.Proyecto, l.Departamento, l.AlDebe ? importe : nulo(QMetaType::Double),
-                              l.AlDebe ? nulo(QMetaType::Double) : importe, l.ImporteMC, ++orden});
+                              l.AlDebe ? nulo(QMetaType::Double) : importe, l.ImporteMC, orden});
     }
 }
 
@@ -222,7 +246,7 @@ QString AsientoDatos::EnviarPapelera(qint32 asiID, qint16 monedaContabilidad, co
         rs->Cerrar();
 
         QVariantList valores{sello(nuevo), sello(nuevo), asiID};
-        const QString condicion = condicionSello(selloLeido, valores);
+        const QString condicion = condicionSello(m_conexion->motor(), selloLeido, valores);
         const int cambiadas = m_conexion->Ejecutar(
             QStringLiteral("Update cceAsientos Set AsiEstado = 9, AsiFechaEstado = ?, AsiFechaModificado = ?"
                            " Where AsiID = ? And AsiEstado <> 9") + condicion,

@@ -32,6 +32,7 @@ struct LineaDatos
     double Importe = 0;               // in the account's currency
     double Tasa = 0;
     double ImporteMC = 0;             // in the accounting currency
+    qint16 Orden = 0;                 // ACuOrden: the line's place in the order of entry; 0 = next
 };
 
 // The books the system keeps for its own entries.
@@ -43,6 +44,9 @@ struct LibrosSistema
     qint16 adc = 0;
     qint16 primeraApertura = 0;
 };
+
+// Whether the entry is verified (AsiVerificado 1 or 2): its authoriser may not change.
+bool AsientoVerificado(Conexion &conexion, qint32 asiID);
 
 // The entry data service: every write of an entry goes through here. A write is one
 // transaction, header and lines together or nothing, and it is a compare-and-set on the
@@ -72,7 +76,8 @@ public:
     // one read) and is kept in Cabezal().FechaModificado afterwards.
     bool Grabar();
     // Writes header and lines, inserting a new entry; answers the entry's id, 0 on failure.
-    // ACuOrden numbers the lines in their order here; project and department go with each.
+    // Each line keeps its ACuOrden; a line without one (0, or a number already taken) gets
+    // the next after the highest. Project and department go with each line.
     qint32 GrabarTodo();
     qint32 GrabarApertura() { return GrabarTodo(); }
 

@@ -154,16 +154,32 @@ void AsientosGrilla::FilaLineaAsiento(int fila, const RegistroLinea &l)
     m_g.FijarDato(fila, 5, QVariant());
     m_g.FijarTexto(fila, l.bEsAlDebe ? 0 : 1, l.sTextDisplay);
 
+    // Amounts are kept as they are shown, rounded to the mask of their cell: what the grid
+    // holds, what it shows and what is stored agree (100.555 U$S shown 100.56 is 100.56).
+    // The rate is not stored and keeps its value.
+    auto comoSeMuestra = [this](double valor, const QString &mascara) {
+        auto it = m_decimales.find(mascara);
+        if (it == m_decimales.end())
+            it = m_decimales.insert(mascara, Mascara(mascara).decimales());
+        // A mask with no digit characters (a blank one) shows every decimal there is.
+        bool valida = false;
+        for (QChar c : mascara)
+            valida = valida || c == u'#' || c == u'0' || c == u'.' || c == u',';
+        return Importe::DesdeDouble(valida ? RedondearADecimales(valor, qMin(*it, 4)) : valor).aDouble();
+    };
     const int columnaImporte = l.bEsAlDebe ? 2 : 3;
+    const QString mascaraColumna = m_g.FormatoColumna(columnaImporte);
     if (l.iMon != m_ctx.monedaContabilidad && l.iMon >= 1) {
-        m_g.FijarNumero(fila, columnaImporte, l.dImporteMC);
+        const double importeMC = comoSeMuestra(l.dImporteMC, mascaraColumna);
+        const QString mascaraME = mascaraImporte(l.iMon);
+        m_g.FijarNumero(fila, columnaImporte, importeMC);
         const QString mascaraTasa = m_ctx.monedas ? m_ctx.monedas->DatoMoneda(l.iMon, 5).toString() : QString();
         m_g.FijarNumero(fila, 4, l.dTCambio, mascaraTasa);
-        m_g.FijarNumero(fila, 5, l.dImporte, mascaraImporte(l.iMon));
+        m_g.FijarNumero(fila, 5, comoSeMuestra(l.dImporte, mascaraME), mascaraME);
         if (l.dTCambio != 0)
-            m_g.FijarDato(fila, 5, l.dImporteMC / l.dTCambio);
+            m_g.FijarDato(fila, 5, importeMC / l.dTCambio);
     } else {
-        m_g.FijarNumero(fila, columnaImporte, l.dImporte);
+        m_g.FijarNumero(fila, columnaImporte, comoSeMuestra(l.dImporte, mascaraColumna));
     }
     m_g.FijarColorTexto(fila, 1, ColoresGrilla::kHaber);
     m_g.FijarColorTexto(fila, 3, ColoresGrilla::kHaber);
@@ -215,6 +231,17 @@ void AsientosGrilla::TomarAsientoDeFila(int fila)
     Cabezal.AsiFechaModificado = m_g.Dato(r, 4).toDateTime();
     Cabezal.AsiTipo = LibroDeFila(r);
     Cabezal.AsiUsuarioVerificador = AutorizaDeFila(r);
+    Cabezal.AsiLeyenda = LeyendaDeFila(r);
+}
+
+QString AsientosGrilla::LeyendaDeFila(int fila) const
+{
+    // The header text is the date, blanks, and the legend; the legend is kept trimmed.
+    const QString texto = m_g.Texto(fila, 1);
+    const QString fecha = FormatoFechaSuite(m_g.Dato(fila, 2).toDate(), QTime(0, 0), m_ctx.formatoFecha);
+    if (!fecha.isEmpty() && texto.startsWith(fecha))
+        return texto.mid(fecha.size()).trimmed();
+    return texto.section(QLatin1Char(' '), 1).trimmed();
 }
 
 RegistroLinea AsientosGrilla::LineaDeFila(int fila) const
@@ -259,6 +286,7 @@ QVector<LineaDatos> AsientosGrilla::LineasParaGrabar(QVector<qint16> *monedas) c
         d.Importe = Importe::DesdeDouble(l.dImporte).aDouble();
         d.ImporteMC = Importe::DesdeDouble(l.dImporteMC).aDouble();
         d.Tasa = l.dTCambio;
+        d.Orden = l.ACuOrden;
         lineas.append(d);
         if (monedas)
             monedas->append(l.iMon);
@@ -268,11 +296,13 @@ QVector<LineaDatos> AsientosGrilla::LineasParaGrabar(QVector<qint16> *monedas) c
 
 void AsientosGrilla::ActualizarCabezalFila(int filaCabezal, const QDateTime &sello, qint16 estado)
 {
-    m_g.FijarDato(filaCabezal, 0, Cabezal.AsiID);
+    // The entry's rows are found by the id they carry, so its end is found before the id
+    // changes (a new entry's rows carry 0 until its first write).
+    const int ultima = UltimaFilaAsiento(filaCabezal);
+    for (int r = filaCabezal; r <= ultima; ++r)
+        m_g.FijarDato(r, 0, Cabezal.AsiID);
     m_g.FijarDato(filaCabezal, 3, estado);
     m_g.FijarDato(filaCabezal, 4, sello);
-    for (int r = filaCabezal + 1; r <= UltimaFilaAsiento(filaCabezal); ++r)
-        m_g.FijarDato(r, 0, Cabezal.AsiID);
     ClaveEstado(filaCabezal, estado);
 }
 

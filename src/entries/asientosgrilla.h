@@ -91,6 +91,8 @@ public:
     qint16 EstadoDeFila(int fila) const;
     qint16 LibroDeFila(int fila) const;
     qint16 AutorizaDeFila(int fila) const;
+    // The legend shown in a header row.
+    QString LeyendaDeFila(int fila) const;
     void FijarLibroAutoriza(int fila, qint16 tipo, qint16 autoriza);
 
     // A header row has data in column 0 and none in column 1; a line row, even one whose
@@ -131,14 +133,25 @@ public:
     void QuitarAsientoDeGrilla(qint32 asiID);
 
     // Brings every foreign currency of the current entry to one rate: the sum of its lines'
-    // accounting-currency amounts over the sum of their own amounts. Each line keeps its own
-    // amount; its accounting-currency amount and rate are written anew.
+    // accounting-currency amounts over the sum of their own amounts, over the lines with an
+    // amount in their currency. That average, a factor as AplicarTasa takes it (41.5 for
+    // dollars, 0.25 for a currency worth a quarter), goes to AplicarTasa(false, ...): each
+    // line keeps its own amount; its accounting-currency amount and rate are written anew.
     void PromediarTasas();
-    // The lines of currency moneda at one rate. bMonedaCuenta true ("to the account's
-    // currency") keeps each line's accounting-currency amount and recomputes its own amount;
-    // false ("to the accounting currency") keeps its own amount and recomputes the other. A
-    // rate below 1 is taken the other way round, as the "/" operator does. Answers how many
-    // lines changed.
+    // The lines of currency moneda at one rate.
+    // tasa is a factor: units of the accounting currency per unit of moneda, the meaning of
+    // RegistroLinea::dTCambio and of the grid's rate cell: 41 for a dollar at 41 pesos, 0.25
+    // for a yen at a quarter of a peso. It is applied as the line editor applies a rate:
+    // a factor of 1 or more as itself with "*", a factor below 1 as its
+    // reciprocal with "/" (0.25 as "/ 4"). So a rate as the user sees it, R with "/", is
+    // passed as 1 / R, and R with "*" as R; a factor that is 1 / R but for floating-point
+    // noise is applied as exactly "/ R".
+    // bMonedaCuenta true ("to the account's currency") keeps each line's accounting-currency
+    // amount and recomputes its own amount; false ("to the accounting currency") keeps its own
+    // amount and recomputes the other; the result is rounded to that currency's amount mask.
+    // The rate cell gets the factor whose shown form ("*" tasa or "/" 1 / tasa) is cut to
+    // moneda's rate mask. Lines with no amount in moneda (exchange differences) are left as
+    // they are. Nothing happens when tasa is not above 0. Answers how many lines changed.
     int AplicarTasa(bool bMonedaCuenta, double tasa, qint16 moneda);
 
     // Takes the entry whose header is at fila as the current entry.

@@ -6,6 +6,7 @@
 #include "currency/mascara.h"
 
 #include <algorithm>
+#include <cmath>
 
 void AsientosGrilla::CierreAsiento(bool &bDebeMenor, double &cDiferenciaMC, double &cDiferenciaME, bool &bCierra)
 {
@@ -39,13 +40,14 @@ void AsientosGrilla::CierreAsiento(bool &bDebeMenor, double &cDiferenciaMC, doub
         }
     }
 
-    // The sums are compared as the user sees them, printed with the currency's mask: two
-    // sums print alike exactly when they round alike to the mask's decimals.
-    const int decimalesMC = decimalesImporte(0);
-    const int decimalesME = monedaExtranjera ? decimalesImporte(monedaExtranjera) : decimalesMC;
+    // The sums are compared as the user sees them: printed with the currency's amount mask,
+    // so differences below the mask's last decimal do not count and a blank mask,
+    // which prints every decimal, lets none pass.
+    const Mascara mascaraMC(mascaraImporte(0));
+    const Mascara mascaraME(monedaExtranjera ? mascaraImporte(monedaExtranjera) : mascaraMC.texto());
     bCierra = lineasDebe > 0 && lineasHaber > 0
-           && debeMC.RedondeadoA(decimalesMC) == haberMC.RedondeadoA(decimalesMC)
-           && debeME.RedondeadoA(decimalesME) == haberME.RedondeadoA(decimalesME);
+           && mascaraMC.Formatear(debeMC.aDouble()) == mascaraMC.Formatear(haberMC.aDouble())
+           && mascaraME.Formatear(debeME.aDouble()) == mascaraME.Formatear(haberME.aDouble());
     if (bCierra)
         return;
     if (debeMC < haberMC) {
@@ -146,10 +148,54 @@ bool FueraDeOrden(const ClaveOrden &a, const ClaveOrden &b, quint8 modo)
     return a.alDebe == b.alDebe && a.orden > b.orden;
 }
 
-// The exchange sort swaps neighbours while one is "greater" than the next. That relation
-// is a strict weak order, so the sort ends where a stable sort ends. The one exception is
-// the difference row in mode 0, which no row may pass from above: rows above it stay above,
-// it sinks past the rows below that it is greater than, and the rest stays below it.
+namespace {
+
+// The exchange sort itself, without its restarts: after a swap at r only the pair above it
+// can have become out of order, since every pair further up was in order and is unchanged,
+// so going back one step lands where the restart would first find something. Quadratic at
+// worst, used only where the fast ways below do not give the same result. A pair out of
+// order both ways (rows with text in both columns, never on the screen) would swap for
+// ever; the number of swaps is bounded to stop there.
+std::vector<int> OrdenDeIntercambio(const std::vector<ClaveOrden> &filas, quint8 modo)
+{
+    const size_t n = filas.size();
+    std::vector<int> orden(n);
+    for (size_t i = 0; i < n; ++i)
+        orden[i] = int(i);
+    quint64 cambios = 0;
+    const quint64 maximo = quint64(n) * quint64(n) + 1;
+    for (size_t r = 0; r + 1 < n && cambios < maximo;) {
+        if (FueraDeOrden(filas[size_t(orden[r])], filas[size_t(orden[r + 1])], modo)) {
+            std::swap(orden[r], orden[r + 1]);
+            ++cambios;
+            r = r > 0 ? r - 1 : 0;
+        } else {
+            ++r;
+        }
+    }
+    return orden;
+}
+
+// In mode 0 the relation is a strict weak order (debit rows by their column-0 text, then
+// credit rows by their column-1 text) only while the debit rows are exactly the rows with no
+// text in column 1. A row with text in neither column (an account whose code and name are
+// blank, a line still being typed) is passed by no credit row and passes none, so it splits
+// the credit rows into groups that are ordered each on its own: a sort would carry them
+// across it.
+bool OrdenDebil(const std::vector<ClaveOrden> &filas, quint8 modo)
+{
+    if (modo != 0)
+        return true;
+    return std::all_of(filas.begin(), filas.end(), [](const ClaveOrden &k) { return k.alDebe == k.texto1.isEmpty(); });
+}
+
+} // namespace
+
+// The exchange sort swaps neighbours while one is "greater" than the next. Where that
+// relation is a strict weak order the sort ends where a stable sort ends. The one exception
+// is the difference row in mode 0, which no row may pass from above: rows above it stay
+// above, it sinks past the rows below that it is greater than, and the rest stays below it.
+// Anything else takes the exchange sort's own way.
 std::vector<int> OrdenCuentas(const std::vector<ClaveOrden> &filas, quint8 modo)
 {
     const int n = int(filas.size());
@@ -164,38 +210,28 @@ std::vector<int> OrdenCuentas(const std::vector<ClaveOrden> &filas, quint8 modo)
             if (filas[size_t(i)].esDiferencia)
                 diferencias.push_back(i);
 
+    if (!OrdenDebil(filas, modo) || diferencias.size() > 1)
+        return OrdenDeIntercambio(filas, modo);
     if (diferencias.empty()) {
         std::stable_sort(orden.begin(), orden.end(), menor);
         return orden;
     }
-    if (diferencias.size() == 1) {
-        const int d = diferencias.front();
-        std::vector<int> arriba;
-        std::vector<int> abajo;
-        for (int i = 0; i < n; ++i) {
-            if (i == d)
-                continue;
-            if (i < d || FueraDeOrden(filas[size_t(d)], filas[size_t(i)], modo))
-                arriba.push_back(i);
-            else
-                abajo.push_back(i);
-        }
-        std::stable_sort(arriba.begin(), arriba.end(), menor);
-        std::stable_sort(abajo.begin(), abajo.end(), menor);
-        orden = arriba;
-        orden.push_back(d);
-        orden.insert(orden.end(), abajo.begin(), abajo.end());
-        return orden;
+    const int d = diferencias.front();
+    std::vector<int> arriba;
+    std::vector<int> abajo;
+    for (int i = 0; i < n; ++i) {
+        if (i == d)
+            continue;
+        if (i < d || FueraDeOrden(filas[size_t(d)], filas[size_t(i)], modo))
+            arriba.push_back(i);
+        else
+            abajo.push_back(i);
     }
-    // More than one difference row never comes from the screen; sort them the slow way.
-    for (int r = 0; r + 1 < n;) {
-        if (FueraDeOrden(filas[size_t(orden[size_t(r)])], filas[size_t(orden[size_t(r + 1)])], modo)) {
-            std::swap(orden[size_t(r)], orden[size_t(r + 1)]);
-            r = 0;
-        } else {
-            ++r;
-        }
-    }
+    std::stable_sort(arriba.begin(), arriba.end(), menor);
+    std::stable_sort(abajo.begin(), abajo.end(), menor);
+    orden = arriba;
+    orden.push_back(d);
+    orden.insert(orden.end(), abajo.begin(), abajo.end());
     return orden;
 }
 
@@ -250,36 +286,71 @@ void AsientosGrilla::PromediarTasas()
         }
         if (sumaME <= Importe())
             continue;
+        // Accounting units per unit, above or below 1: AplicarTasa applies it the editor's way.
         const double promedio = sumaMC.aDouble() / sumaME.aDouble();
         AplicarTasa(false, promedio, l.iMon);
     }
 }
 
+namespace {
+
+// A rate as the line editor shows and applies it: a factor of 1 or more as itself
+// with "*", a factor below 1 as its reciprocal with "/". A rate that is the mask's rate but
+// for the noise of taking a reciprocal twice is taken as the mask's rate, so that "/ 4.123"
+// handed over as 1 / 4.123 is applied as 4.123.
+struct TasaVista
+{
+    double tasa = 0;        // as applied
+    double redondeada = 0;  // cut to the rate mask, as shown
+    bool divide = false;
+};
+
+TasaVista VerTasa(double factor, const QString &mascaraTasa)
+{
+    TasaVista t;
+    t.divide = factor < 1;
+    t.tasa = t.divide ? 1 / factor : factor;
+    t.redondeada = RedondearConMascara(t.tasa, mascaraTasa);
+    if (t.redondeada > 0 && std::abs(t.redondeada - t.tasa) <= t.tasa * 1e-12)
+        t.tasa = t.redondeada;
+    if (!(t.redondeada > 0))
+        t.redondeada = t.tasa;
+    return t;
+}
+
+} // namespace
+
 int AsientosGrilla::AplicarTasa(bool bMonedaCuenta, double tasa, qint16 moneda)
 {
     const int cabezal = Cabezal.FilaCabezal;
-    if (cabezal < 0 || tasa <= 0)
+    if (cabezal < 0 || !(tasa > 0) || !std::isfinite(tasa))
         return 0;
     const QString mascaraMC = mascaraImporte(0);
     const QString mascaraME = mascaraImporte(moneda);
     const QString mascaraTasa = m_ctx.monedas ? m_ctx.monedas->DatoMoneda(moneda, 5).toString() : QStringLiteral("#,##0.000");
-    // The rate as accounting units per unit of the currency, whichever way it was given.
-    const double directa = tasa < 1 ? 1 / tasa : tasa;
+    const TasaVista vista = VerTasa(tasa, mascaraTasa);
+    // The rate cell holds accounting units per unit, as a loaded line does; it is the rate as
+    // shown, cut to the mask, and taken back to a factor.
+    const double factorCelda = vista.divide ? 1 / vista.redondeada : vista.redondeada;
+    const double factor = vista.divide ? 1 / vista.tasa : vista.tasa;
     int cambiadas = 0;
     for (int r = cabezal + 1; r <= UltimaFilaAsiento(cabezal); ++r) {
         if (EsFilaDiferencia(r))
             continue;
         RegistroLinea l = LineaDeFila(r);
-        if (l.iMon != moneda || l.lCta <= 0)
+        // A line with no amount in its currency is an exchange difference: no rate applies.
+        if (l.iMon != moneda || l.lCta <= 0 || l.dImporte == 0)
             continue;
-        if (bMonedaCuenta)
-            l.dImporte = RedondearConMascara(l.dImporteMC / directa, mascaraME);
-        else
-            l.dImporteMC = RedondearConMascara(l.dImporte * directa, mascaraMC);
-        l.dTCambio = RedondearConMascara(directa, mascaraTasa);
+        if (bMonedaCuenta) {
+            const double me = vista.divide ? l.dImporteMC * vista.tasa : l.dImporteMC / vista.tasa;
+            l.dImporte = RedondearConMascara(me, mascaraME);
+        } else {
+            const double mc = vista.divide ? l.dImporte / vista.tasa : l.dImporte * vista.tasa;
+            l.dImporteMC = RedondearConMascara(mc, mascaraMC);
+        }
+        l.dTCambio = factorCelda;
         FilaLineaAsiento(r, l);
-        if (l.dTCambio != 0)
-            m_g.FijarDato(r, 5, l.dImporteMC / directa);
+        m_g.FijarDato(r, 5, m_g.Valor(r, l.bEsAlDebe ? 2 : 3) / factor);
         ++cambiadas;
     }
     return cambiadas;

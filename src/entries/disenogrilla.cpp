@@ -39,12 +39,26 @@ public:
         for (const QString &m : g.m_mascaras)
             s << m;
         s << qint64(g.m_filas.size());
-        for (const FilaGrilla &f : g.m_filas) {
-            s << f.imagen << quint32(f.fondo) << quint32(f.colorBorde) << qint32(f.alto) << f.oculta;
-            for (const CeldaGrilla &c : f.celdas)
-                s << c.texto << c.dato << c.valor << c.mascara << quint32(c.colorTexto) << c.alineacion;
-        }
+        for (const FilaGrilla &f : g.m_filas)
+            EscribirFila(s, f);
         return datos;
+    }
+
+    static void EscribirFila(QDataStream &s, const FilaGrilla &f)
+    {
+        s << f.imagen << quint32(f.fondo) << quint32(f.colorBorde) << qint32(f.alto) << f.oculta;
+        for (const CeldaGrilla &c : f.celdas)
+            s << c.texto << c.dato << c.valor << c.mascara << quint32(c.colorTexto) << c.alineacion;
+    }
+
+    // The fewest bytes a row of this grid takes in the file: an empty row's.
+    static qint64 BytesMinimosFila(const Grilla &g)
+    {
+        QByteArray datos;
+        QDataStream s(&datos, QIODevice::WriteOnly);
+        s.setVersion(QDataStream::Qt_6_0);
+        EscribirFila(s, g.filaVacia());
+        return datos.size();
     }
 
     static bool Leer(Grilla &g, const QByteArray &datos, QString *error)
@@ -77,6 +91,13 @@ public:
         s >> filas;
         if (s.status() != QDataStream::Ok || filas < fijas || filas > kMaxFilas)
             return false;
+        // The rows are made before they are read: a count that the bytes left cannot hold
+        // (a damaged or made-up file) is refused before gigabytes are taken for it.
+        const qint64 resto = datos.size() - s.device()->pos();
+        if (filas > resto / BytesMinimosFila(nueva)) {
+            fallar(error, QStringLiteral("el archivo de diseño está dañado: anuncia %1 filas en %2 bytes").arg(filas).arg(resto));
+            return false;
+        }
         nueva.m_filas.assign(size_t(filas), nueva.filaVacia());
         for (FilaGrilla &f : nueva.m_filas) {
             quint32 fondo = 0, borde = 0;

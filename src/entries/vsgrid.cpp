@@ -346,8 +346,8 @@ void vsGrid::keyPressEvent(QKeyEvent *evento)
             ascii = 13;
         else if (evento->key() == Qt::Key_Escape)
             ascii = 27;
-        else if (!t.isEmpty() && t.at(0).unicode() >= 32)
-            ascii = t.at(0).unicode();
+        else if (!t.isEmpty() && t.at(0).unicode() >= 32 && !(evento->modifiers() & (Qt::ControlModifier | Qt::AltModifier)))
+            ascii = t.at(0).unicode(); // a shortcut (Ctrl+N) types nothing
         if (ascii)
             emit KeyPress(ascii, &atendida);
     }

@@ -3,6 +3,7 @@
 #include "currency/mascara.h"
 
 #include <QFocusEvent>
+#include <QKeyEvent>
 
 #include <cmath>
 
@@ -75,7 +76,12 @@ bool CampoCalculadora::EsNumeroValido() const
     if (m_tieneValor)
         return true;
     double v = 0;
-    return Evaluar(text(), v);
+    return Evaluar(text(), v, locale());
+}
+
+bool CampoCalculadora::EsTextoInvalido() const
+{
+    return !text().trimmed().isEmpty() && !EsNumeroValido();
 }
 
 double CampoCalculadora::Valor() const
@@ -83,7 +89,7 @@ double CampoCalculadora::Valor() const
     if (m_tieneValor)
         return m_valor;
     double v = 0;
-    return Evaluar(text(), v) ? v : 0.0;
+    return Evaluar(text(), v, locale()) ? v : 0.0;
 }
 
 void CampoCalculadora::FijarValor(double valor)
@@ -119,9 +125,9 @@ void CampoCalculadora::FijarFondo(const QColor &color)
 void CampoCalculadora::mostrar()
 {
     // With the focus the field shows the plain number to edit; without it, the mask.
-    const QString texto = hasFocus() || m_mascara.isEmpty()
-                              ? QLocale().toString(m_valor, 'f', QLocale::FloatingPointShortest).remove(QLocale().groupSeparator())
-                              : ::Mascara(m_mascara).Formatear(m_valor);
+    const QLocale l = locale();
+    const QString texto = hasFocus() || m_mascara.isEmpty() ? ::Mascara(QString()).FormatearNumero(m_valor, l)
+                                                            : ::Mascara(m_mascara).Formatear(m_valor, l);
     m_mostrando = true;
     setText(texto);
     m_mostrando = false;
@@ -146,5 +152,23 @@ void CampoCalculadora::focusOutEvent(QFocusEvent *evento)
         m_valor = Valor();
         m_tieneValor = true;
         mostrar();
+    } else if (EsTextoInvalido() && evento->reason() != Qt::PopupFocusReason
+               && evento->reason() != Qt::ActiveWindowFocusReason) {
+        emit TextoInvalido();
     }
+}
+
+void CampoCalculadora::keyPressEvent(QKeyEvent *evento)
+{
+    // The keypad's decimal key sends "." or "," by the keyboard's layout; the number wants
+    // the locale's mark.
+    if ((evento->modifiers() & Qt::KeypadModifier) && (evento->key() == Qt::Key_Period || evento->key() == Qt::Key_Comma)) {
+        insert(locale().decimalPoint());
+        evento->accept();
+        return;
+    }
+    const bool fin = evento->key() == Qt::Key_Return || evento->key() == Qt::Key_Enter;
+    QLineEdit::keyPressEvent(evento);
+    if (fin && EsTextoInvalido())
+        emit TextoInvalido();
 }

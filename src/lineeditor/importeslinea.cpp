@@ -12,6 +12,12 @@
 
 #include <cmath>
 
+namespace {
+// "El importe ingresado no es un número válido. Use la coma o el punto solo como separador
+// decimal o entre grupos de tres cifras."
+constexpr int kTextoNumeroInvalido = 1950;
+} // namespace
+
 void lumERAsiento::AgregarMoneda(qint16 moneda)
 {
     if (moneda == 0 || cfMoneda->findData(moneda) >= 0)
@@ -83,24 +89,22 @@ void lumERAsiento::BuscarTasa()
     qint16 iMon = extranjera;
     double cTC = 0;
     emit GetTCME(&iMon, &cTC);
+    // r: units of B per unit of S, from the quotations or from the container, whose answer
+    // is accounting units per unit of the foreign currency (the entry's rate for it).
     double r = 0;
     if (cTC == 0) {
         QDate fecha;
         r = m_ctx.conexion ? BuscarTipoCambio(*m_ctx.conexion, a, b, m_ctx.tipoTCComprobantes, m_fechaAsiento, fecha, m_ctx.reglas).aDouble()
                            : 1.0;
-        // A rate below 1 is shown as its reciprocal with "/", so the rate on screen is always
-        // the larger of the two.
-        if (r >= 1) {
-            m_operador = QStringLiteral("*");
-        } else if (r > 0) {
-            r = 1 / r;
-            m_operador = QStringLiteral("/");
-        }
-    } else if (a != mc) {
-        r = cTC;
-        m_operador = QStringLiteral("*");
     } else {
-        r = 1 / cTC;
+        r = a != mc ? cTC : 1 / cTC;
+    }
+    // A rate below 1 is shown as its reciprocal with "/", so the rate on screen is always
+    // the larger of the two; a rate of 0 leaves the operator as it was.
+    if (r >= 1) {
+        m_operador = QStringLiteral("*");
+    } else if (r > 0) {
+        r = 1 / r;
         m_operador = QStringLiteral("/");
     }
     ocTCambio->FijarValor(r);
@@ -121,6 +125,28 @@ void lumERAsiento::CampoCalculoTerminado(int cambiado)
     Recalcular(cambiado);
 }
 
+void lumERAsiento::RechazarNumero(CampoCalculadora *campo)
+{
+    // Leaving the field because the editor is being hidden (the entry is left) is no
+    // moment for a message.
+    if (!isVisible() || !campo->isVisible() || !campo->EsTextoInvalido())
+        return;
+    Advertir(kTextoNumeroInvalido, campo);
+    campo->selectAll();
+}
+
+bool lumERAsiento::RechazarNumeroInvalido(CampoCalculadora *primero)
+{
+    for (CampoCalculadora *c : {primero, ocImporte, ocTCambio, ocImporteMC}) {
+        if (c->isEnabled() && c->EsTextoInvalido()) {
+            Advertir(kTextoNumeroInvalido, c);
+            c->selectAll();
+            return true;
+        }
+    }
+    return false;
+}
+
 // Which of the three numbers moves when one changes. The amount's rule compares the change
 // in percent, D, with 1: a change of at least 1 % (the first entry of an amount is 100 %)
 // keeps the rate and recomputes the converted amount; a smaller one is taken as a correction
@@ -130,7 +156,8 @@ void lumERAsiento::Recalcular(int cambiado)
     CampoCalculadora *campo = cambiado == 1 ? ocImporte : cambiado == 2 ? ocTCambio : ocImporteMC;
     if (campo->Tag.isEmpty())
         campo->Tag = QStringLiteral("0");
-    if (cambiado != 3 && !campo->EsNumeroValido())
+    // A refused text changes nothing; an empty converted amount counts as 0.
+    if (campo->EsTextoInvalido() || (cambiado != 3 && !campo->EsNumeroValido()))
         return;
     if (TextoDecimal(campo->Valor()) == campo->Tag)
         return;
@@ -228,7 +255,14 @@ ValorLinea lumERAsiento::valorDe(const CuentaLinea &c)
         v.dTCambio = v.dImporte != 0 ? RedondearConMascara(importeMC / v.dImporte, mascaraTasa(c.iMon)) : 0;
         return v;
     }
-    v.dTCambio = ocTCambio->Valor();
+    // The line's rate is accounting units per unit of its currency (RegistroLinea). The field
+    // shows it so when the selected currency is the foreign one and the operator is "*", or
+    // when the accounting currency is selected and the operator is "/" (41 pesos a dollar
+    // either way); otherwise it shows the reciprocal: a yen at a quarter of a peso is
+    // "/ 4" with the yen selected and "* 4" with the peso selected.
+    const double tasa = ocTCambio->Valor();
+    const bool reciproca = (s == mc) != (m_operador == QLatin1String("/"));
+    v.dTCambio = reciproca ? (tasa != 0 ? 1 / tasa : 0) : tasa;
     v.dImporte = s == c.iMon ? ocImporte->Valor() : ocImporteMC->Valor();
     return v;
 }

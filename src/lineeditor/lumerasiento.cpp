@@ -55,6 +55,8 @@ lumERAsiento::lumERAsiento(ContextoLinea contexto, QWidget *padre)
     connect(ocImporte, &QLineEdit::editingFinished, this, [this] { CampoCalculoTerminado(1); });
     connect(ocTCambio, &QLineEdit::editingFinished, this, [this] { CampoCalculoTerminado(2); });
     connect(ocImporteMC, &QLineEdit::editingFinished, this, [this] { CampoCalculoTerminado(3); });
+    for (CampoCalculadora *c : {ocImporte, ocTCambio, ocImporteMC})
+        connect(c, &CampoCalculadora::TextoInvalido, this, [this, c] { RechazarNumero(c); });
 
     InitRegistro();
     acomodar();
@@ -345,14 +347,20 @@ bool lumERAsiento::eventFilter(QObject *objeto, QEvent *evento)
             ocImporte->setFocus();
             return true;
         case kImporte:
+            if (RechazarNumeroInvalido(ocImporte))
+                return true;
             CampoCalculoTerminado(1);
             ConfirmarLinea();
             return true;
         case kTCambio:
+            if (RechazarNumeroInvalido(ocTCambio))
+                return true;
             CampoCalculoTerminado(2);
             (ocImporteMC->isEnabled() ? static_cast<QWidget *>(ocImporteMC) : ocImporte)->setFocus();
             return true;
         case kImporteMC:
+            if (RechazarNumeroInvalido(ocImporteMC))
+                return true;
             CampoCalculoTerminado(3);
             ConfirmarLinea();
             return true;

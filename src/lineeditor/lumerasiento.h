@@ -1,5 +1,7 @@
 #pragma once
 
+#include "entries/modeloasiento.h"
+
 #include "currency/importe.h"
 #include "currency/tipocambio.h"
 
@@ -93,6 +95,10 @@ public:
 
     // Methods.
     void InitRegistro();
+    // Shows a stored line ready to be accepted again: its account at its side, its currency
+    // selected, its amounts, and for a foreign currency the rate (accounting units per unit;
+    // one below 1 is shown as its reciprocal with "/") with the rate fields enabled.
+    void CargarLinea(const RegistroLinea &linea);
     void SetCuenta(bool bEsAlDebe, qint32 lCta, qint16 iPry, qint16 iDep, qint16 iMon, const QString &sTextDisplay,
                    const QDate &dFechaCierre);
     ValorLinea GetValorCuentaDebe();
@@ -140,6 +146,11 @@ private:
     void BuscarTasa();
     void Recalcular(int cambiado);
     void CampoCalculoTerminado(int cambiado);
+    // A refused number (text 1950) in that field; the focus goes back to it.
+    void RechazarNumero(CampoCalculadora *campo);
+    // Refuses the first enabled calculator field, that one first, whose text is refused;
+    // true when one was.
+    bool RechazarNumeroInvalido(CampoCalculadora *primero);
     ValorLinea valorDe(const CuentaLinea &c);
 
     void acomodar();

@@ -19,8 +19,12 @@ public:
     // Title of every message box (text 1000 of the catalogue).
     virtual void FijarTitulo(const QString &titulo) = 0;
 
-    virtual Respuesta Preguntar(const QString &texto, Botones botones) = 0;
+    // A question; an empty titulo uses the application title.
+    virtual Respuesta Preguntar(const QString &texto, Botones botones, const QString &titulo = QString()) = 0;
+    // A warning: the warning icon and OK.
     virtual void Advertir(const QString &texto) = 0;
+    // A piece of information: the information icon and OK.
+    virtual void Informar(const QString &texto) = 0;
     // Asks for a number, proposing one; false when the user cancels or leaves it empty.
     virtual bool PedirNumero(const QString &texto, const QString &titulo, double &valor) = 0;
     // An error with its detail line; an empty titulo uses the application title.

@@ -36,13 +36,14 @@ QString ServicioMensajesQt::boton(int cual) const
     return QString::fromUtf8(m_idioma == 2 ? en[cual] : es[cual]);
 }
 
-ServicioMensajes::Respuesta ServicioMensajesQt::Preguntar(const QString &texto, Botones botones)
+ServicioMensajes::Respuesta ServicioMensajesQt::Preguntar(const QString &texto, Botones botones, const QString &titulo)
 {
     if (m_desatendido) {
         escribir(QStringLiteral("pregunta"), texto);
         return Respuesta::Si;
     }
-    QMessageBox caja(QMessageBox::Question, m_titulo, paraMostrar(texto), QMessageBox::NoButton, m_padre);
+    QMessageBox caja(QMessageBox::Question, titulo.isEmpty() ? m_titulo : titulo, paraMostrar(texto), QMessageBox::NoButton,
+                     m_padre);
     QPushButton *si = caja.addButton(boton(kSi), QMessageBox::YesRole);
     QPushButton *no = caja.addButton(boton(kNo), QMessageBox::NoRole);
     QPushButton *cancelar = nullptr;
@@ -63,11 +64,21 @@ ServicioMensajes::Respuesta ServicioMensajesQt::Preguntar(const QString &texto, 
 
 void ServicioMensajesQt::Advertir(const QString &texto)
 {
+    aviso(QMessageBox::Warning, QStringLiteral("advertencia"), texto);
+}
+
+void ServicioMensajesQt::Informar(const QString &texto)
+{
+    aviso(QMessageBox::Information, QStringLiteral("información"), texto);
+}
+
+void ServicioMensajesQt::aviso(int icono, const QString &clase, const QString &texto)
+{
     if (m_desatendido) {
-        escribir(QStringLiteral("advertencia"), texto);
+        escribir(clase, texto);
         return;
     }
-    QMessageBox caja(QMessageBox::Warning, m_titulo, paraMostrar(texto), QMessageBox::NoButton, m_padre);
+    QMessageBox caja(QMessageBox::Icon(icono), m_titulo, paraMostrar(texto), QMessageBox::NoButton, m_padre);
     caja.setDefaultButton(caja.addButton(boton(kAceptar), QMessageBox::AcceptRole));
     caja.exec();
 }

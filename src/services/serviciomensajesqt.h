@@ -16,13 +16,15 @@ public:
     void FijarIdioma(int idioma) override { m_idioma = idioma; }
     void FijarTitulo(const QString &titulo) override { m_titulo = titulo; }
 
-    Respuesta Preguntar(const QString &texto, Botones botones) override;
+    Respuesta Preguntar(const QString &texto, Botones botones, const QString &titulo = QString()) override;
     void Advertir(const QString &texto) override;
+    void Informar(const QString &texto) override;
     bool PedirNumero(const QString &texto, const QString &titulo, double &valor) override;
     void MostrarError(const QString &texto, const QString &titulo, const QString &detalle) override;
 
 private:
     QString boton(int cual) const;
+    void aviso(int icono, const QString &clase, const QString &texto);
 
     QPointer<QWidget> m_padre;
     bool m_desatendido = false;

@@ -8,16 +8,18 @@
 #include "currency/mascara.h"
 #include "entries/vistas.h"
 #include "entries/vsgrid.h"
+#include "lineeditor/campofecha.h"
 #include "lineeditor/lumerasiento.h"
 #include "services/serviciobusquedacuentas.h"
 #include "services/serviciomensajes.h"
 
 #include <QAction>
 #include <QComboBox>
-#include <QDateEdit>
+#include "lineeditor/campofecha.h"
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QLayout>
 #include <QLineEdit>
 #include <QScrollBar>
 
@@ -47,6 +49,19 @@ void lumIngAsiento::prepararEditor()
     c.reglas.fechaCotizacion = m_empresa.fechaCotizacion;
     c.texto = texto;
     oraEdit->FijarContexto(std::move(c));
+    // Every accepted change of the date reaches the line editor, whatever moved the focus:
+    // its rates and closed-account checks go by the entry's date.
+    connect(odDate, &CampoFecha::dateChanged, oraEdit, [this](const QDate &fecha) { oraEdit->setFechaAsiento(fecha); });
+    // A date that cannot be read is refused where it was typed. The refusal may come from a
+    // focus change, so the message waits for it to end.
+    connect(odDate, &CampoFecha::fechaInvalida, this, [this] {
+        QMetaObject::invokeMethod(this, [this] {
+            if (m_filaEdicion <= 0)
+                return;
+            errorTexto(1951);
+            odDate->setFocus();
+        }, Qt::QueuedConnection);
+    });
 }
 
 QString lumIngAsiento::nombreLibro(qint16 libro) const
@@ -70,6 +85,7 @@ bool lumIngAsiento::EntrarEdicion(int fila)
     const bool ultima = fila == m_grilla.Filas() - 1;
     if (!TienePermiso(ultima ? u'A' : u'M'))
         return false;
+    m_filaRecordada = -1;
     try {
         odDate->setDate(QDate::currentDate());
         tLeyenda->clear();
@@ -102,18 +118,22 @@ bool lumIngAsiento::EntrarEdicion(int fila)
         if (m_asientos.EsFilaCabezal(fila))
             fila = cabezal + 1 <= m_asientos.UltimaFilaAsiento(cabezal) ? cabezal + 1 : cabezal;
         m_filaEdicion = fila;
+        m_escrituraRechazada = false;
 
         const LibrosSistema libros = librosSistema();
         if (c.AsiID > 0 && c.AsiTipo != 0 && c.AsiTipo == libros.primeraApertura && !PuedeModificarApertura()) {
             m_filaEdicion = 0;
+            m_asientos.ResetCabezal();
             return false;
         }
         m_grilla.FijarImagen(cabezal, QStringLiteral("edicion"));
-        if (cfTipo->count() == 0)
+        if (cfTipo->count() == 0) {
             CargarLibros(cfTipo, true);
+            cfTipo->setCurrentIndex(-1); // filling a list selects its first item
+        }
         if (cfTipo->count() == 0) {
             terminarEdicion(false);
-            advertirTexto(1828);
+            m_entorno.mensajes->Informar(Idioma::resLoad(828));
             return false;
         }
         if (m_vistaAntesDeEditar.isEmpty())
@@ -126,16 +146,20 @@ bool lumIngAsiento::EntrarEdicion(int fila)
             odDate->setDate(c.AsiFechaAsiento);
         if (c.AsiID > 0 && hayCuentasCerradasEnGrilla(c.AsiFechaAsiento))
             odDate->setEnabled(false);
-        const bool esApertura = c.AsiTipo != 0 && c.AsiTipo == libros.primeraApertura;
-        cfTipo->setVisible(!esApertura);
-        lLibroApertura->setVisible(esApertura);
-        lLibroApertura->setText(m_grilla.Texto(cabezal, 4));
-        if (c.AsiTipo > 0)
+        // A book the list does not offer (the opening-balance book, or another system book)
+        // is shown by name and kept: the entry cannot be moved to or from it here.
+        m_libroFijo = c.AsiTipo != 0 && (c.AsiTipo == libros.primeraApertura || cfTipo->findData(int(c.AsiTipo)) < 0);
+        cfTipo->setVisible(!m_libroFijo);
+        lLibroApertura->setVisible(m_libroFijo);
+        lLibroApertura->setText(m_libroFijo ? m_grilla.Texto(cabezal, 4) : QString());
+        if (c.AsiTipo > 0 && !m_libroFijo)
             cfTipo->setCurrentIndex(cfTipo->findData(int(c.AsiTipo)));
-        if (!cfAutoriza->isHidden())
+        if (!cfAutoriza->isHidden()) {
             cfAutoriza->setCurrentIndex(c.AsiUsuarioVerificador ? cfAutoriza->findData(int(c.AsiUsuarioVerificador)) : -1);
-        tLeyenda->setText(c.AsiLeyenda.isEmpty() && c.AsiID <= 0 ? m_grilla.Texto(cabezal, 1).section(QLatin1String("     "), 1).trimmed()
-                                                                  : c.AsiLeyenda);
+            cfAutoriza->setEnabled(!(c.AsiID > 0 && AsientoVerificado(*ConexionCompartida(), c.AsiID)));
+        }
+        tLeyenda->setText(c.AsiLeyenda);
+        // An entry without a book is offered the default book, the first one when there is none.
         if (cfTipo->count() > 0 && cfTipo->currentIndex() < 0) {
             const int defecto = cfTipo->findData(int(m_empresa.libroPorDefecto));
             cfTipo->setCurrentIndex(defecto >= 0 ? defecto : 0);
@@ -143,17 +167,40 @@ bool lumIngAsiento::EntrarEdicion(int fila)
 
         cargarLineaEnEditor(fila);
         picEdit->setVisible(true);
-        colocarEditor();
-        if (c.AsiID <= 0 && m_asientos.UltimaFilaAsiento(cabezal) == cabezal + 1 && odDate->isEnabled())
+        mostrarFilaEdicion();
+        if (odDate->isEnabled())
             odDate->setFocus();
         else
-            oraEdit->SetFocusCtrl(lumERAsiento::kDebe, 0);
+            tLeyenda->setFocus();
         return true;
     } catch (const ErrorBaseDatos &e) {
         errorTexto(1928, DetalleError(e.numero(), e.descripcion()));
+        if (m_filaEdicion > 0)
+            terminarEdicion(false);
         m_asientos.ResetCabezal();
         return false;
     }
+}
+
+// The edited row is scrolled into view and the line editor laid over it. The header area
+// that opens above the grid makes the grid shorter, so its layout is settled first.
+void lumIngAsiento::mostrarFilaEdicion()
+{
+    if (m_filaEdicion <= 0)
+        return;
+    if (layout())
+        layout()->activate();
+    if (picVBD->layout())
+        picVBD->layout()->activate();
+    const QModelIndex i = m_vsGrid->model()->index(m_filaEdicion - m_grilla.FilasFijas(), 0);
+    m_vsGrid->scrollTo(i, QAbstractItemView::EnsureVisible);
+    // The editor is taller than a row: a row at the bottom edge is brought up.
+    const QRect fila = m_vsGrid->visualRect(i);
+    if (fila.top() + std::max(fila.height(), oraEdit->fontMetrics().height() + 8) > m_vsGrid->viewport()->height())
+        m_vsGrid->scrollTo(i, QAbstractItemView::PositionAtCenter);
+    // The grid's height changes with the window: the editor follows its row.
+    m_vsGrid->viewport()->installEventFilter(this);
+    colocarEditor();
 }
 
 void lumIngAsiento::cargarLineaEnEditor(int fila)
@@ -165,18 +212,14 @@ void lumIngAsiento::cargarLineaEnEditor(int fila)
     m_asientos.CierreAsiento(debeMenor, mc, me, cierra);
     if (!cierra)
         oraEdit->SetDiferencia(debeMenor, me != 0 ? me : mc);
-    const RegistroLinea l = m_asientos.LineaDeFila(fila);
+    RegistroLinea l = m_asientos.LineaDeFila(fila);
     if (l.lCta > 0) {
-        oraEdit->SetCuenta(l.bEsAlDebe, l.lCta, l.iPry, l.iDep, l.iMon, l.sTextDisplay,
-                           QDate::fromString(l.dFechaCierre, Qt::ISODate));
+        // A foreign line shows the rate the entry uses for its currency.
         const bool extranjera = l.iMon != m_empresa.monedaContabilidad && l.iMon >= 1;
-        oraEdit->setMonedaCombo(l.iMon);
-        oraEdit->setImporteCta(l.dImporte);
-        if (extranjera) {
-            const double tasa = m_asientos.BuscarTCMonedaCuenta(l.iMon);
-            oraEdit->setImporteTC(tasa != 0 ? tasa : l.dTCambio);
-            oraEdit->setImporteMC(l.dImporteMC);
-        }
+        const double tasa = extranjera ? m_asientos.BuscarTCMonedaCuenta(l.iMon) : 0;
+        if (tasa != 0)
+            l.dTCambio = tasa;
+        oraEdit->CargarLinea(l);
     }
 }
 
@@ -243,6 +286,8 @@ bool lumIngAsiento::teclaEnCabezal(QObject *objeto, QKeyEvent *evento)
     if (evento->key() != Qt::Key_Return && evento->key() != Qt::Key_Enter)
         return false;
     if (objeto == odDate) {
+        if (!odDate->Aceptar())
+            return true;
         oraEdit->setFechaAsiento(odDate->date());
         (cfTipo->isVisible() ? static_cast<QWidget *>(cfTipo) : tLeyenda)->setFocus();
     } else if (objeto == cfTipo) {
@@ -260,6 +305,10 @@ bool lumIngAsiento::teclaEnCabezal(QObject *objeto, QKeyEvent *evento)
 
 bool lumIngAsiento::eventFilter(QObject *objeto, QEvent *evento)
 {
+    if (evento->type() == QEvent::Resize && objeto == m_vsGrid->viewport() && m_filaEdicion > 0) {
+        QMetaObject::invokeMethod(this, &lumIngAsiento::mostrarFilaEdicion, Qt::QueuedConnection);
+        return false;
+    }
     if (evento->type() == QEvent::KeyPress
         && (objeto == odDate || objeto == cfTipo || objeto == tLeyenda || objeto == cfAutoriza))
         return teclaEnCabezal(objeto, static_cast<QKeyEvent *>(evento));
@@ -382,11 +431,11 @@ void lumIngAsiento::AceptarLinea()
     CabezalAsiento &c = m_asientos.Cabezal;
     if (m_filaEdicion <= 0 || c.FilaCabezal < 0)
         return;
-    const QDate fecha = odDate->date();
-    if (!fecha.isValid()) {
+    if (!odDate->Aceptar() || !odDate->date().isValid()) {
         odDate->setFocus();
         return;
     }
+    const QDate fecha = odDate->date();
     const bool hayDebe = oraEdit->CuentaIngresadaAlDebe();
     const bool hayHaber = oraEdit->CuentaIngresadaAlHaber();
     QVector<RegistroLinea> lineas;
@@ -421,9 +470,11 @@ void lumIngAsiento::AceptarLinea()
         const QDate cierre = QDate::fromString(l.dFechaCierre, Qt::ISODate);
         if (!cierre.isValid() || fecha > cierre)
             continue;
+        // The edited row still carries the key it was loaded with: its account counts as one
+        // of the stored entry's.
         bool delAsiento = false;
         for (int r = c.FilaCabezal + 1; r <= m_asientos.UltimaFilaAsiento(c.FilaCabezal); ++r)
-            delAsiento = delAsiento || (r != m_filaEdicion && m_asientos.LineaDeFila(r).lCta == l.lCta);
+            delAsiento = delAsiento || m_asientos.LineaDeFila(r).lCta == l.lCta;
         if (c.AsiID > 0 && delAsiento) {
             errorTexto(1815);
         } else {
@@ -452,13 +503,17 @@ void lumIngAsiento::AceptarLinea()
         m_grilla.FijarDato(m_filaEdicion + 1, 0, c.AsiID);
         escribirLinea(m_filaEdicion + 1, lineas[1]);
     }
-    const bool cabezalCambiado = c.AsiFechaAsiento != fecha || c.AsiLeyenda != tLeyenda->text().trimmed()
-                              || c.AsiTipo != qint16(cfTipo->currentData().toInt())
-                              || c.AsiUsuarioVerificador != qint16(cfAutoriza->currentData().toInt());
+    // A book shown by name and an authoriser list the company does not show keep the
+    // entry's values.
+    const qint16 libro = m_libroFijo ? c.AsiTipo : qint16(cfTipo->currentData().toInt());
+    const qint16 autoriza = cfAutoriza->isHidden() ? c.AsiUsuarioVerificador : qint16(cfAutoriza->currentData().toInt());
+    const QString leyenda = tLeyenda->text().trimmed();
+    const bool cabezalCambiado = c.AsiFechaAsiento != fecha || c.AsiLeyenda != leyenda || c.AsiTipo != libro
+                              || c.AsiUsuarioVerificador != autoriza;
     c.AsiFechaAsiento = fecha;
-    c.AsiLeyenda = tLeyenda->text().trimmed();
-    c.AsiTipo = qint16(cfTipo->currentData().toInt());
-    c.AsiUsuarioVerificador = qint16(cfAutoriza->currentData().toInt());
+    c.AsiLeyenda = leyenda;
+    c.AsiTipo = libro;
+    c.AsiUsuarioVerificador = autoriza;
     m_asientos.FilaCabezalAsiento(nombreLibro(c.AsiTipo));
     m_grilla.FijarImagen(c.FilaCabezal, QStringLiteral("edicion"));
     // The old proposal of the missing line goes; a new one is made below when still needed.
@@ -477,18 +532,27 @@ void lumIngAsiento::AceptarLinea()
     }
     if (cierra) {
         escrito = GrabarAsientoCompleto(true);
-        if (!escrito)
-            return; // the message is shown; the edit stays open with what was typed
         m_pendiente = false;
+        if (!escrito) {
+            // The message is shown once; the edit stays open with what was typed, and
+            // leaving it shows the entry as stored.
+            m_escrituraRechazada = true;
+            return;
+        }
     } else if (c.AsiID > 0 && cabezalCambiado) {
         GrabarCabezal();
     }
 
     if (escrito && c.AsiFechaAsiento > QDate::currentDate() && preguntarTexto(1807)) {
         const qint32 id = c.AsiID;
-        if (CrearMovimientoFrecuente(true))
-            EliminarDefinitivo(id);
-        terminarEdicion(false);
+        if (CrearMovimientoFrecuente(true) && EliminarDefinitivo(id)) {
+            // The entry's rows are gone from the grid: no row of it is left to tidy up.
+            c.FilaCabezal = -1;
+            m_filaEdicion = 0;
+            terminarEdicion(false);
+        } else {
+            terminarEdicion(true);
+        }
         return;
     }
     if (escrito) {
@@ -505,7 +569,7 @@ void lumIngAsiento::AceptarLinea()
     m_asientos.FilaDiferencia(m_filaEdicion + 1, true);
     SeleccionarFila(m_filaEdicion);
     cargarLineaEnEditor(m_filaEdicion);
-    colocarEditor();
+    mostrarFilaEdicion();
     oraEdit->SetFocusCtrl(lumERAsiento::kDebe, 0);
 }
 
@@ -514,42 +578,48 @@ void lumIngAsiento::SalirEdicion()
     if (m_filaEdicion <= 0)
         return;
     CabezalAsiento &c = m_asientos.Cabezal;
-    bool recargar = false;
+    bool escrito = false;
     if (m_pendiente && c.FilaCabezal >= 0) {
         // The row being typed is no line yet; without it the entry is what was accepted.
-        if (m_grilla.Dato(m_filaEdicion, 1).toString().isEmpty())
+        if (m_grilla.Dato(m_filaEdicion, 1).toString().isEmpty() && !m_asientos.EsFilaCabezal(m_filaEdicion)) {
             m_grilla.QuitarFila(m_filaEdicion);
+            m_filaEdicion = c.FilaCabezal;
+        }
         bool debeMenor = false, cierra = false;
         double mc = 0, me = 0;
         m_asientos.CierreAsiento(debeMenor, mc, me, cierra);
-        recargar = GrabarAsientoCompleto(cierra);
+        escrito = GrabarAsientoCompleto(cierra);
+        m_escrituraRechazada = m_escrituraRechazada || !escrito;
         m_pendiente = false;
     }
-    terminarEdicion(recargar);
+    // A stored entry is shown as stored: what was written, or, after a refusal, as it was.
+    terminarEdicion(escrito || c.AsiID > 0);
 }
 
-// Leaves edit mode. A written entry's rows are read again from the store; an entry that
-// got no line is taken off the grid.
+// Leaves edit mode. A stored entry's rows are read again from the store; an entry that was
+// never stored goes when nothing of it could be written.
 void lumIngAsiento::terminarEdicion(bool recargar)
 {
     CabezalAsiento &c = m_asientos.Cabezal;
+    int seleccion = -1;
     m_grilla.FijarRedibujar(false);
     if (c.FilaCabezal >= 0 && c.FilaCabezal < m_grilla.Filas()) {
         const int cabezal = c.FilaCabezal;
+        seleccion = cabezal;
         if (m_filaEdicion > 0 && m_filaEdicion < m_grilla.Filas() && m_grilla.Dato(m_filaEdicion, 1).toString().isEmpty()
             && !m_asientos.EsFilaCabezal(m_filaEdicion) && !m_asientos.EsFilaNuevoAsiento(m_filaEdicion))
             m_grilla.QuitarFila(m_filaEdicion);
+        const int ultima = m_asientos.UltimaFilaAsiento(cabezal);
         if (recargar && c.AsiID > 0) {
             const qint32 id = c.AsiID;
-            m_grilla.QuitarFilas(cabezal, m_asientos.UltimaFilaAsiento(cabezal) - cabezal + 1);
+            m_grilla.QuitarFilas(cabezal, ultima - cabezal + 1);
             ActualizarContexto();
             if (const auto fallo = CargarAsientoEnGrilla(m_asientos, *ConexionCompartida(), id, cabezal))
                 MostrarFallo(*fallo);
-        } else if (m_asientos.UltimaFilaAsiento(cabezal) == cabezal && c.AsiID <= 0) {
-            m_grilla.QuitarFila(cabezal);
+        } else if (c.AsiID <= 0 && (ultima == cabezal || m_escrituraRechazada)) {
+            // Never stored, and nothing of it could be: its rows go.
+            m_grilla.QuitarFilas(cabezal, ultima - cabezal + 1);
         } else if (m_asientos.EsFilaCabezal(cabezal)) {
-            // Not written (refused, or nothing typed): the rows stay as they were, with their
-            // state's picture and, when it does not balance, the proposal of the missing line.
             m_asientos.ClaveEstado(cabezal, c.AsiEstado);
             m_asientos.FormatoEntrada();
         }
@@ -558,8 +628,11 @@ void lumIngAsiento::terminarEdicion(bool recargar)
     oraEdit->hide();
     picEdit->setVisible(false);
     m_filaEdicion = 0;
+    m_filaRecordada = -1;
     m_pendiente = false;
     m_asientoNuevo = false;
+    m_libroFijo = false;
+    m_escrituraRechazada = false;
     m_asientos.ResetCabezal();
     restaurarEncabezados();
     if (!m_vistaAntesDeEditar.isEmpty()) {
@@ -568,6 +641,11 @@ void lumIngAsiento::terminarEdicion(bool recargar)
         MostrarVista();
     }
     m_vsGrid->setEnabled(true);
+    // The entry just left stays the current row, in view.
+    if (seleccion < m_grilla.FilasFijas() || seleccion >= m_grilla.Filas())
+        seleccion = m_grilla.Filas() - 1;
+    SeleccionarFila(seleccion);
+    m_vsGrid->scrollTo(m_vsGrid->currentIndex(), QAbstractItemView::EnsureVisible);
     m_vsGrid->setFocus();
 }
 

@@ -4,6 +4,7 @@
 #include "idioma.h"
 #include "menusdocumento.h"
 #include "entries/movimientosfrecuentes.h"
+#include "entries/saldosiniciales.h"
 #include "entries/vistas.h"
 #include "entries/vsgrid.h"
 #include "services/serviciomensajes.h"
@@ -15,6 +16,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QComboBox>
+#include <QStringList>
 
 namespace {
 
@@ -210,7 +212,7 @@ bool lumIngAsiento::CrearMovimientoFrecuente(bool agendar)
     CabezalDatos cabezal;
     cabezal.Empresa = EmpresaProceso();
     cabezal.Fecha = c.AsiFechaAsiento;
-    cabezal.Leyenda = c.AsiLeyenda.isEmpty() ? m_grilla.Texto(c.FilaCabezal, 1).section(QLatin1Char(' '), 1).trimmed() : c.AsiLeyenda;
+    cabezal.Leyenda = c.AsiLeyenda;
     cabezal.Libro = c.AsiTipo;
     cabezal.Autoriza = c.AsiUsuarioVerificador;
     cabezal.Usuario = m_host.IDUsuario;
@@ -284,6 +286,7 @@ bool lumIngAsiento::GrabarAsientoCompleto(bool asientoCierra)
         AsientoDatos datos = nuevoAsientoDatos();
         CabezalDatos &d = datos.Cabezal();
         qint16 estado = asientoCierra ? estadoCerrado : EstadoAsiento::kInconcluso;
+        qint16 estadoGuardado = EstadoAsiento::kNuevo;
         if (c.AsiID <= 0) {
             d.AsiID = 0;
             d.Empresa = EmpresaProceso();
@@ -301,6 +304,7 @@ bool lumIngAsiento::GrabarAsientoCompleto(bool asientoCierra)
                 errorTexto(1820);
                 return false;
             }
+            estadoGuardado = d.Estado;
             // A stored entry keeps its state while it balances; it becomes incomplete when it
             // stops balancing, and an incomplete one that balances again is saved as new ones are.
             if (asientoCierra && d.Estado != EstadoAsiento::kInconcluso)
@@ -309,6 +313,14 @@ bool lumIngAsiento::GrabarAsientoCompleto(bool asientoCierra)
                 d.Estado = estado;
                 d.FechaCambioEstado = AsientoDatos::SelloNuevo(QDateTime());
             }
+        }
+        bool esApertura = false;
+        if (asientoCierra && estadoGuardado == EstadoAsiento::kInconcluso && c.AsiTipo != 0
+            && c.AsiTipo == librosSistema().primeraApertura) {
+            d.Libro = c.AsiTipo;
+            if (!libroParaApertura(d, esApertura))
+                return false;
+            c.AsiTipo = d.Libro;
         }
         d.Leyenda = c.AsiLeyenda;
         d.Libro = c.AsiTipo;
@@ -319,7 +331,21 @@ bool lumIngAsiento::GrabarAsientoCompleto(bool asientoCierra)
             errorTexto(1811);
             return false;
         }
-        const qint32 id = datos.GrabarTodo();
+        if (esApertura) {
+            // The opening-balance entry may not use an account closed on or after the
+            // opening-balance date.
+            QStringList cuentas;
+            for (const LineaDatos &l : std::as_const(datos.Lineas()))
+                cuentas << QString::number(l.Cuenta);
+            SaldosIniciales saldos(*ConexionCompartida(), c.AsiTipo, EmpresaProceso(), Parametros().delimitadorFecha,
+                                   Parametros().formatoFecha);
+            if (!cuentas.isEmpty()
+                && !saldos.CuentasCerradasApertura(m_fechaAsientoApertura, m_empresa.clase, cuentas.join(QLatin1Char(','))).isEmpty()) {
+                errorTexto(1811);
+                return false;
+            }
+        }
+        const qint32 id = esApertura ? datos.GrabarApertura() : datos.GrabarTodo();
         if (id <= 0) {
             if (datos.ultimoResultado() == AsientoDatos::Resultado::Modificado) {
                 errorTexto(1820);
@@ -336,6 +362,36 @@ bool lumIngAsiento::GrabarAsientoCompleto(bool asientoCierra)
         errorTexto(1924, DetalleError(e.numero(), e.descripcion()));
         return false;
     }
+}
+
+// An incomplete entry of the opening-balance book that now balances becomes the
+// opening-balance entry, unless the company has one already: then it is written with another
+// book (the default book, else the first by name) after question 1836, or refused with 1837
+// when there is no other book. False when nothing may be written.
+bool lumIngAsiento::libroParaApertura(CabezalDatos &d, bool &esApertura)
+{
+    SaldosIniciales saldos(*ConexionCompartida(), d.Libro, EmpresaProceso(), Parametros().delimitadorFecha,
+                           Parametros().formatoFecha);
+    if (!saldos.ExisteAsientoApertura()) {
+        esApertura = true;
+        return true;
+    }
+    QComboBox libros;
+    CargarLibros(&libros, true);
+    int otro = libros.findData(int(m_empresa.libroPorDefecto));
+    if (otro < 0 && libros.count() > 0)
+        otro = 0;
+    if (otro < 0) {
+        errorTexto(1837);
+        return false;
+    }
+    QString pregunta = Idioma::resLoad(836);
+    pregunta.replace(QLatin1String("[p]"), QLatin1Char('\'') + libros.itemText(otro) + QLatin1Char('\''));
+    if (m_entorno.mensajes->Preguntar(pregunta, ServicioMensajes::Botones::SiNo) != ServicioMensajes::Respuesta::Si)
+        return false;
+    d.Libro = qint16(libros.itemData(otro).toInt());
+    esApertura = false;
+    return true;
 }
 
 bool lumIngAsiento::PuedeModificarApertura()
@@ -460,7 +516,8 @@ void lumIngAsiento::CopiarAsiento()
     const int cabezal = m_asientos.FilaCabezalDe(m_vsGrid->FilaActual());
     if (cabezal < 0 || !ConexionCompartida())
         return;
-    if (!preguntarTexto(1806))
+    if (m_entorno.mensajes->Preguntar(Idioma::resLoad(806), ServicioMensajes::Botones::SiNo, Idioma::resLoad(24))
+        != ServicioMensajes::Respuesta::Si)
         return;
     try {
         AsientoDatos datos = nuevoAsientoDatos();
@@ -471,7 +528,7 @@ void lumIngAsiento::CopiarAsiento()
         datos.Cabezal().FechaModificado = QDateTime();
         datos.Cabezal().Usuario = m_host.IDUsuario;
         if (datos.HayCuentasCerradas(datos.Cabezal().Fecha)) {
-            advertirTexto(1816);
+            m_entorno.mensajes->Informar(Idioma::resLoad(816));
             return;
         }
         const qint32 copia = datos.GrabarTodo();

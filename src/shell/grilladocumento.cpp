@@ -187,6 +187,9 @@ void lumIngAsiento::CargarAsientoPendiente(qint32 idAsiento)
 
 void lumIngAsiento::OrdenarCuentasGrilla()
 {
+    // Reordering moves rows under the open line editor: the edit is finished first.
+    if (m_filaEdicion > 0)
+        SalirEdicion();
     ActualizarContexto();
     m_grilla.FijarRedibujar(false);
     for (int r = m_grilla.FilasFijas(); r < m_grilla.Filas(); ++r) {

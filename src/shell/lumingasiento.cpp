@@ -12,6 +12,7 @@
 #include "services/serviciopermisos.h"
 #include "services/serviciobusquedacuentas.h"
 #include "services/gestorlibros.h"
+#include "lineeditor/campofecha.h"
 #include "lineeditor/lumerasiento.h"
 
 #include <QAction>
@@ -105,6 +106,11 @@ lumIngAsiento::~lumIngAsiento()
     }
     if (m_usaIdioma)
         Idioma::Liberar();
+    // The grid's view reads the grid, a member that goes before the base class closes the
+    // window: the view goes first.
+    m_grilla.FijarObservador(nullptr);
+    delete m_vsGrid;
+    m_vsGrid = nullptr;
 }
 
 qint16 lumIngAsiento::IDEmpresa() const
@@ -161,9 +167,8 @@ void lumIngAsiento::crearControles()
     lLeyenda = etiqueta("lLeyenda");
     lLibro = etiqueta("lLibro");
     lAutoriza = etiqueta("lAutoriza");
-    odDate = new QDateEdit(picCabezal);
+    odDate = new CampoFecha(picCabezal);
     odDate->setObjectName(QStringLiteral("odDate"));
-    odDate->setCalendarPopup(true);
     tLeyenda = new QLineEdit(picCabezal);
     tLeyenda->setObjectName(QStringLiteral("tLeyenda"));
     cfTipo = new QComboBox(picCabezal);
@@ -345,8 +350,11 @@ void lumIngAsiento::conectarComandos()
 void lumIngAsiento::showEvent(QShowEvent *evento)
 {
     QWidget::showEvent(evento);
+    // The start-up may open message boxes on the host's window, and Qt is still walking
+    // that window's children while it shows them: the start-up runs from the event loop,
+    // once the show is over.
     if (!m_iniciado)
-        Iniciar();
+        QMetaObject::invokeMethod(this, &lumIngAsiento::Iniciar, Qt::QueuedConnection);
 }
 
 void lumIngAsiento::Iniciar()
@@ -533,7 +541,7 @@ void lumIngAsiento::BuscarPermisos(const QString &modulo, qint32 idEmpresa)
         ServicioPermisos permisos(*proceso().conexion, m_host.IDUsuario);
         m_letras = permisos.Permisos(m_host.ClaveSesion, modulo, idEmpresa).trimmed();
     } catch (const ErrorBaseDatos &e) {
-        MostrarFallo({909, DetalleError(e.numero(), e.descripcion())});
+        MostrarFallo({1909, DetalleError(e.numero(), e.descripcion())});
     }
 }
 

@@ -13,7 +13,7 @@
 #include <memory>
 
 class QComboBox;
-class QDateEdit;
+class CampoFecha;
 class QFrame;
 class QLabel;
 class QLineEdit;
@@ -59,7 +59,8 @@ public:
     void LoadDocument();
     void GetFechaAsientoApertura();
 
-    // Runs the start-up now (the first show does it when this was not called).
+    // Runs the start-up now. When this was not called, the first show queues it: it then
+    // runs from the event loop after show() has returned, never inside it.
     void Iniciar();
 
     Estado estado() const { return m_estado; }
@@ -94,7 +95,7 @@ public:
     void NuevoAsiento();
     int FilaEdicion() const { return m_filaEdicion; }
     lumERAsiento *editor() const { return oraEdit; }
-    QDateEdit *campoFecha() const { return odDate; }
+    CampoFecha *campoFecha() const { return odDate; }
     QLineEdit *campoLeyenda() const { return tLeyenda; }
     QComboBox *listaLibros() const { return cfTipo; }
 
@@ -169,6 +170,8 @@ private:
     bool reglaTasas(RegistroLinea &linea);
     void escribirLinea(int fila, const RegistroLinea &linea);
     void terminarEdicion(bool recargar);
+    void mostrarFilaEdicion();
+    bool libroParaApertura(CabezalDatos &d, bool &esApertura);
     QString nombreLibro(qint16 libro) const;
     bool eventFilter(QObject *objeto, QEvent *evento) override;
 
@@ -218,6 +221,8 @@ private:
     int m_filaRecordada = -1; // the row a second click opens
     bool m_pendiente = false;  // lines accepted since the entry was last written
     bool m_asientoNuevo = false;
+    bool m_libroFijo = false;          // the edited entry's book cannot change here (a system book)
+    bool m_escrituraRechazada = false; // a write of the edited entry was refused; leaving re-reads it
     QString m_vistaAntesDeEditar;
     lumERAsiento *oraEdit = nullptr;
     QLabel *lLibroApertura = nullptr;
@@ -240,7 +245,7 @@ private:
     QFrame *picEdit = nullptr;
     QFrame *picCabezal = nullptr;
     QLabel *lDate = nullptr;
-    QDateEdit *odDate = nullptr;
+    CampoFecha *odDate = nullptr;
     QLabel *lLeyenda = nullptr;
     QLineEdit *tLeyenda = nullptr;
     QLabel *lLibro = nullptr;

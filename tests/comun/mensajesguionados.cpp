@@ -2,9 +2,10 @@
 
 #include <gtest/gtest.h>
 
-ServicioMensajes::Respuesta MensajesGuionados::Preguntar(const QString &texto, Botones)
+ServicioMensajes::Respuesta MensajesGuionados::Preguntar(const QString &texto, Botones, const QString &titulo)
 {
     mostrados << QStringLiteral("pregunta: ") + texto;
+    titulosPreguntas << titulo;
     if (m_respuestas.isEmpty()) {
         ADD_FAILURE() << "pregunta sin respuesta preparada: " << texto.toStdString();
         return Respuesta::No;
@@ -15,6 +16,11 @@ ServicioMensajes::Respuesta MensajesGuionados::Preguntar(const QString &texto, B
 void MensajesGuionados::Advertir(const QString &texto)
 {
     mostrados << QStringLiteral("advertencia: ") + texto;
+}
+
+void MensajesGuionados::Informar(const QString &texto)
+{
+    mostrados << QStringLiteral("información: ") + texto;
 }
 
 void MensajesGuionados::MostrarError(const QString &texto, const QString &titulo, const QString &detalle)

@@ -18,14 +18,16 @@ public:
 
     void FijarIdioma(int idioma) override { m_idioma = idioma; }
     void FijarTitulo(const QString &titulo) override { m_titulo = titulo; }
-    Respuesta Preguntar(const QString &texto, Botones botones) override;
+    Respuesta Preguntar(const QString &texto, Botones botones, const QString &titulo = QString()) override;
     void Advertir(const QString &texto) override;
+    void Informar(const QString &texto) override;
     bool PedirNumero(const QString &texto, const QString &titulo, double &valor) override;
     void MostrarError(const QString &texto, const QString &titulo, const QString &detalle) override;
 
     QStringList mostrados;
     QStringList detalles;
     QStringList titulos;
+    QStringList titulosPreguntas; // each question's own title, empty for the application's
     int idioma() const { return m_idioma; }
     QString titulo() const { return m_titulo; }
 

@@ -3,6 +3,10 @@
 
 #include <gtest/gtest.h>
 
+#include <iterator>
+#include <ostream>
+#include <vector>
+
 namespace {
 
 const QLocale kEs(QLocale::Spanish, QLocale::Uruguay);
@@ -65,6 +69,138 @@ TEST(Mascaras, NumerosQueNoSonNumerosNoSeLeen)
     EXPECT_FALSE(LeerNumero(QString(), v, kEs));
     EXPECT_TRUE(LeerNumero(QStringLiteral(" -1.234,5 "), v, kEs));
     EXPECT_DOUBLE_EQ(v, -1234.5);
+}
+
+// One rule for a typed number, whatever the locale: the locale's decimal mark is always the
+// decimal mark; the other mark is one too when it is the last separator and not followed by
+// exactly three digits; group separators stand only between groups of three.
+struct CasoLectura
+{
+    const char *locale;
+    const char *texto;
+    bool valido;
+    double valor;
+};
+
+void PrintTo(const CasoLectura &c, std::ostream *os)
+{
+    *os << c.locale << " \"" << c.texto << "\"";
+}
+
+class Lecturas : public ::testing::TestWithParam<CasoLectura>
+{
+};
+
+QLocale LocaleDe(const char *nombre)
+{
+    return QLatin1String(nombre) == QLatin1String("C") ? QLocale::c() : QLocale(QString::fromLatin1(nombre));
+}
+
+TEST_P(Lecturas, UnaReglaQueNuncaEscala)
+{
+    const CasoLectura &c = GetParam();
+    double v = -777;
+    EXPECT_EQ(LeerNumero(QString::fromUtf8(c.texto), v, LocaleDe(c.locale)), c.valido);
+    if (c.valido)
+        EXPECT_DOUBLE_EQ(v, c.valor);
+    else
+        EXPECT_DOUBLE_EQ(v, -777); // a refused text leaves the value alone
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    UruguayYEspana, Lecturas,
+    ::testing::ValuesIn([] {
+        std::vector<CasoLectura> casos;
+        for (const char *l : {"es_UY", "es_ES"}) {
+            const CasoLectura propios[] = {
+                {l, "12,5", true, 12.5},           {l, "12.5", true, 12.5},         {l, "1500.50", true, 1500.5},
+                {l, "1.500", true, 1500},          {l, "1.500,5", true, 1500.5},    {l, "1.500.000", true, 1500000},
+                {l, "1.500.000,25", true, 1500000.25}, {l, "1,500", true, 1.5},     {l, "1500,505", true, 1500.505},
+                {l, "1.5000", true, 1.5},          {l, ",25", true, 0.25},          {l, ".5", true, 0.5},
+                {l, "12,", true, 12},              {l, "12.", true, 12},            {l, "0,500", true, 0.5},
+                {l, "1 500,5", true, 1500.5},      {l, "-1.234,5", true, -1234.5},  {l, "- 3", true, -3},
+                {l, " 007 ", true, 7},             {l, "1234567,891", true, 1234567.891},
+                {l, "1500.505", false, 0},         // "." before three digits groups, and 1500 is no group
+                {l, "1.2.3,4", false, 0},          {l, "1,23,4", false, 0},         {l, "0.500", false, 0},
+                {l, ".500", false, 0},             {l, "1.234.5", false, 0},        {l, "1,234.5", false, 0},
+                {l, "1.234 567", false, 0},        {l, "1,2,3", false, 0},          {l, "1..5", false, 0},
+                {l, "12a", false, 0},              {l, "1-2", false, 0},            {l, "", false, 0},
+                {l, ",", false, 0},                {l, "-", false, 0},              {l, "1e5", false, 0},
+            };
+            casos.insert(casos.end(), std::begin(propios), std::end(propios));
+        }
+        return casos;
+    }()));
+
+INSTANTIATE_TEST_SUITE_P(
+    EstadosUnidos, Lecturas,
+    ::testing::Values(CasoLectura{"en_US", "12,5", true, 12.5}, CasoLectura{"en_US", "12.5", true, 12.5},
+                      CasoLectura{"en_US", "1,500", true, 1500}, CasoLectura{"en_US", "1.500", true, 1.5},
+                      CasoLectura{"en_US", "1500,50", true, 1500.5}, CasoLectura{"en_US", "1,500.25", true, 1500.25},
+                      CasoLectura{"en_US", "1,234,567", true, 1234567}, CasoLectura{"en_US", "-1,234.5", true, -1234.5},
+                      CasoLectura{"en_US", ".25", true, 0.25}, CasoLectura{"en_US", "1,5000", true, 1.5},
+                      CasoLectura{"en_US", "1.500,25", false, 0}, CasoLectura{"en_US", "1,23,4", false, 0},
+                      CasoLectura{"en_US", "1.2.3,4", false, 0}, CasoLectura{"en_US", "0,500", false, 0},
+                      CasoLectura{"en_US", "1500,505", false, 0}, CasoLectura{"en_US", "1.5.0", false, 0}));
+
+INSTANTIATE_TEST_SUITE_P(
+    LocaleC, Lecturas,
+    ::testing::Values(CasoLectura{"C", "12,5", true, 12.5}, CasoLectura{"C", "12.5", true, 12.5},
+                      CasoLectura{"C", "1,500", true, 1500}, CasoLectura{"C", "1,500.5", true, 1500.5},
+                      CasoLectura{"C", "1500,50", true, 1500.5}, CasoLectura{"C", "1 000 000", true, 1000000},
+                      CasoLectura{"C", "1.2.3,4", false, 0}, CasoLectura{"C", "1,23,4", false, 0},
+                      CasoLectura{"C", "1.500,5", false, 0}, CasoLectura{"C", "1,5,0", false, 0}));
+
+// Whatever a mask prints in any of the four locales reads back as the value it shows.
+TEST(Lecturas, LoQueImprimeUnaMascaraSeLeeEnLosCuatroLocales)
+{
+    const char *const mascaras[] = {"#,##0.00", "#,##0.000", "#,##0", "0", "#.000", "#,##0.##", "0.0000", ""};
+    const double valores[] = {0, 0.004, 2.675, -2.675, 12.5, 999.995, 1234.5, -1234567.891, 1500000.25, 0.333333};
+    for (const char *l : {"es_UY", "es_ES", "en_US", "C"}) {
+        const QLocale locale = LocaleDe(l);
+        for (const char *m : mascaras) {
+            const Mascara mascara(QString::fromLatin1(m));
+            for (double v : valores) {
+                const QString texto = mascara.Formatear(v, locale);
+                double leido = 0;
+                ASSERT_TRUE(LeerNumero(texto, leido, locale)) << l << " " << m << " " << texto.toStdString();
+                const double esperado = mascara.valida() ? RedondearADecimales(v, mascara.decimales()) : v;
+                EXPECT_DOUBLE_EQ(leido, esperado) << l << " " << m << " " << texto.toStdString();
+                EXPECT_DOUBLE_EQ(RedondearConMascara(v, QString::fromLatin1(m), locale), esperado) << l << " " << m;
+            }
+        }
+    }
+}
+
+TEST(Mascaras, MascaraEnBlancoNoAgrupaYConTextoSeRedondeaIgual)
+{
+    // Qt groups es_ES as "1234.567,5", which no reader takes; a blank mask does not group.
+    const QLocale es(QLocale::Spanish, QLocale::Spain);
+    EXPECT_EQ(Mascara(QString()).Formatear(1234567.5, es), QStringLiteral("1234567,5"));
+    EXPECT_DOUBLE_EQ(RedondearConMascara(1234567.5, QString(), es), 1234567.5);
+    // The text around the digits is not read back as part of the number.
+    EXPECT_DOUBLE_EQ(RedondearConMascara(1234.567, QStringLiteral("U$S #,##0.00"), kEs), 1234.57);
+}
+
+TEST(Mascaras, RedondearADecimalesComoImprimeLaMascara)
+{
+    struct Caso
+    {
+        double valor;
+        int decimales;
+        double esperado;
+    };
+    const Caso casos[] = {{2.675, 2, 2.68},   {-2.675, 2, -2.68},     {1.005, 2, 1.01},        {2.674951, 2, 2.67},
+                          {100.555, 2, 100.56}, {4169.5634, 2, 4169.56}, {0.125, 2, 0.13},      {1234567.125, 2, 1234567.13},
+                          {123456789012.345, 2, 123456789012.35},      {38.12345, 3, 38.123},  {1234.5, 0, 1235}};
+    for (const Caso &c : casos)
+        EXPECT_DOUBLE_EQ(RedondearADecimales(c.valor, c.decimales), c.esperado) << c.valor << " " << c.decimales;
+    // The fast way and the printed way agree, near halves and far from them.
+    const Mascara dos(QStringLiteral("0.00"));
+    for (int i = -20000; i <= 20000; ++i) {
+        const double v = i * 0.0005 + 1000;
+        ASSERT_DOUBLE_EQ(RedondearADecimales(v, 2), LeerNumero(dos.Formatear(v, QLocale::c()), QLocale::c())) << v;
+    }
 }
 
 TEST(Importe, RedondeaACuatroDecimalesComoSeEscribe)

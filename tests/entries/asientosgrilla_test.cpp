@@ -1,5 +1,6 @@
 #include "fixtureasientos.h"
 
+#include "currency/mascara.h"
 #include "entries/vistas.h"
 
 #include <gtest/gtest.h>
@@ -163,11 +164,200 @@ TEST_P(Llenado, TasaPromedioYTasaUnica)
     EXPECT_EQ(linea(4), QStringLiteral("5 5 1")); // pesos: untouched
     EXPECT_DOUBLE_EQ(d.grilla.Dato(2, 5).toDouble(), 100);
 
-    // One rate for the dollars: 0.025 is taken as 40; to the account's currency the pesos stay.
-    EXPECT_EQ(d.asientos.AplicarTasa(true, 0.025, 2), 2);
+    // One rate for the dollars, pesos per dollar: to the account's currency the pesos stay,
+    // to the accounting currency the dollars stay.
+    EXPECT_EQ(d.asientos.AplicarTasa(true, 40, 2), 2);
     EXPECT_EQ(linea(2), QStringLiteral("103.75 4150 40"));
     EXPECT_EQ(d.asientos.AplicarTasa(false, 41, 2), 2);
     EXPECT_EQ(linea(3), QStringLiteral("311.25 12761.25 41"));
+    EXPECT_EQ(d.asientos.AplicarTasa(false, 0, 2), 0);
+    EXPECT_EQ(d.asientos.AplicarTasa(false, -41, 2), 0);
+}
+
+// A currency worth less than the accounting currency: a yen at a quarter of a peso, shown by
+// the line editor as "/ 4.000". Its rate goes one way in every operation: to the accounting
+// currency U 1000 at 0.25 is $ 250, never $ 4000.
+class TasasDeUnaMonedaMenor : public ::testing::TestWithParam<Motor>
+{
+protected:
+    TasasDeUnaMonedaMenor()
+        : d(GetParam())
+    {
+        d.conexion().Ejecutar(QStringLiteral("Insert Into genMonedas (MonID, MonSimbolo, MonCotizaEn, MonRedondeo, MonFormatoCotizacion, MonTipo)"
+                                             " Values (3, 'Y', 1, '#,##0.00', '#,##0.000', 1)"));
+        d.conexion().Ejecutar(QStringLiteral("Insert Into cceCuentas (CueID, CueIDEmpresa, CueCodigo, CueNombre, CueMoneda, CueFechaCerrada, CueEsCarpeta)"
+                                             " Values (12, 1, '1.1.05', 'Banco Yenes', 3, Null, 0)"));
+        d.monedas.CargarMonedas(d.conexion());
+        d.monedas.FijarMonedaContabilidad(1);
+        d.ctx.AsiOrder = 1;
+    }
+
+    void cargar(const QString &lineas)
+    {
+        const qint32 id = d.Asiento(QDate(2026, 4, 1), 1, lineas);
+        ASSERT_FALSE(CargarAsientoEnGrilla(d.asientos, d.conexion(), id, 0));
+        d.asientos.TomarAsientoDeFila(1);
+    }
+
+    // Amount in the currency, accounting amount, rate (as held), the rate as shown and the
+    // column-5 data.
+    QString linea(int fila)
+    {
+        const RegistroLinea l = d.asientos.LineaDeFila(fila);
+        return QStringLiteral("%1 %2 %3 [%4] %5")
+            .arg(l.dImporte, 0, 'g', 12)
+            .arg(l.dImporteMC, 0, 'g', 12)
+            .arg(l.dTCambio, 0, 'g', 12)
+            .arg(d.grilla.Texto(fila, 4))
+            .arg(d.grilla.Dato(fila, 5).toDouble(), 0, 'g', 12);
+    }
+
+    DatosAsientos d;
+};
+
+struct CasoTasa
+{
+    bool bMonedaCuenta;
+    double tasa;            // accounting units per unit
+    const char *esperada;   // the yen line afterwards
+};
+
+TEST_P(TasasDeUnaMonedaMenor, EnAmbosSentidos)
+{
+    // The same yen line at rate after rate, each from the one before.
+    cargar(QStringLiteral("12:D:1000:250,20:H:250"));
+    ASSERT_EQ(linea(2), QStringLiteral("1000 250 0.25 [0,250] 1000"));
+    const CasoTasa casos[] = {
+        {false, 0.25, "1000 250 0.25 [0,250] 1000"},                   // "/ 4": 1000 / 4
+        {false, 1 / 4.5, "1000 222.22 0.222222222222 [0,222] 999.99"}, // "/ 4.5" typed by the user
+        {true, 0.2, "1111.1 222.22 0.2 [0,200] 1111.1"},              // "/ 5", the pesos stay
+        // An average is applied as it is; its cell shows it cut to the rate mask, "/ 4.000".
+        {true, 1 / 3.9999, "888.86 222.22 0.25 [0,250] 888.857778"},
+        {false, 2, "888.86 1777.72 2 [2,000] 888.86"},                 // worth more now: "* 2"
+    };
+    for (const CasoTasa &c : casos) {
+        EXPECT_EQ(d.asientos.AplicarTasa(c.bMonedaCuenta, c.tasa, 3), 1);
+        EXPECT_EQ(linea(2), QString::fromLatin1(c.esperada)) << c.bMonedaCuenta << " " << c.tasa;
+    }
+    EXPECT_EQ(linea(3).section(QLatin1Char(' '), 0, 1), QStringLiteral("250 250")); // pesos: untouched
+}
+
+TEST_P(TasasDeUnaMonedaMenor, PromedioDeTasasMenoresQueUno)
+{
+    // U 1000 at 0.25 and U 3000 at 0.30: the average is 1150 / 4000 = 0.2875, and the pesos
+    // add up as before. A line with no amount in yen (an exchange difference) stays.
+    cargar(QStringLiteral("12:D:1000:250,12:D:3000:900,12:D:0:7,20:H:1157"));
+    d.asientos.PromediarTasas();
+    EXPECT_EQ(linea(2), QStringLiteral("1000 287.5 0.287521564117 [0,288] 1000"));
+    EXPECT_EQ(linea(3), QStringLiteral("3000 862.5 0.287521564117 [0,288] 3000"));
+    EXPECT_EQ(linea(4).section(QLatin1Char(' '), 0, 1), QStringLiteral("0 7"));
+    bool debeMenor = false, cierra = false;
+    double difMC = 0, difME = 0;
+    d.asientos.CierreAsiento(debeMenor, difMC, difME, cierra);
+    EXPECT_DOUBLE_EQ(difMC, 0);
+
+    // The exchange difference is left alone by one rate too.
+    EXPECT_EQ(d.asientos.AplicarTasa(false, 0.25, 3), 2);
+    EXPECT_EQ(linea(4).section(QLatin1Char(' '), 0, 1), QStringLiteral("0 7"));
+    EXPECT_EQ(d.asientos.AplicarTasa(true, 0.25, 3), 2);
+    EXPECT_EQ(linea(4).section(QLatin1Char(' '), 0, 1), QStringLiteral("0 7"));
+}
+
+TEST_P(TasasDeUnaMonedaMenor, DolaresYYenesEnUnAsiento)
+{
+    // Each currency at its own average, each the right way round.
+    cargar(QStringLiteral("11:D:100:4000,11:D:300:12600,12:D:1000:250,12:D:3000:900,20:H:17750"));
+    d.asientos.PromediarTasas();
+    EXPECT_EQ(linea(2).section(QLatin1Char(' '), 0, 3), QStringLiteral("100 4150 41.5 [41,500]"));
+    EXPECT_EQ(linea(3).section(QLatin1Char(' '), 0, 3), QStringLiteral("300 12450 41.5 [41,500]"));
+    EXPECT_EQ(linea(4).section(QLatin1Char(' '), 0, 1), QStringLiteral("1000 287.5"));
+    EXPECT_EQ(linea(5).section(QLatin1Char(' '), 0, 1), QStringLiteral("3000 862.5"));
+}
+
+INSTANTIATE_TEST_SUITE_P(Motores, TasasDeUnaMonedaMenor, ::testing::ValuesIn(MotoresDePrueba()),
+                         [](const ::testing::TestParamInfo<Motor> &i) { return NombreMotor(i.param).toStdString(); });
+
+// What the grid holds is what it shows, and what is stored: amounts enter the grid rounded to
+// the mask of their cell.
+TEST_P(Llenado, LoQueSeGuardaEsLoQueSeMuestra)
+{
+    DatosAsientos d(GetParam());
+    const qint32 id = d.Asiento(QDate(2026, 4, 1), 0, QStringLiteral("10:D:1,20:H:1"));
+    ASSERT_FALSE(CargarAsientoEnGrilla(d.asientos, d.conexion(), id, 0));
+    d.asientos.TomarAsientoDeFila(1);
+    Grilla &g = d.grilla;
+    g.InsertarFila(4);
+
+    struct Caso
+    {
+        qint16 iMon;
+        double importe;
+        double tasa;
+        double importeMC;
+        const char *fila;      // debit, rate and column-5 texts
+        double guardado;       // LineaDatos::Importe
+        double guardadoMC;     // LineaDatos::ImporteMC
+    };
+    const Caso casos[] = {
+        {2, 100.555, 41.465, 4169.5634, "4.169,56|41,465|100,56", 100.56, 4169.56},
+        {2, -2.675, 40, -107.005, "-107,01|40,000|-2,68", -2.68, -107.01},
+        {1, 10.005, 0, 10.005, "10,01||", 10.01, 10.01},
+        {1, 0.004, 0, 0.004, "0,00||", 0, 0},
+    };
+    for (const Caso &c : casos) {
+        RegistroLinea l;
+        l.sTextDisplay = QStringLiteral("cuenta");
+        l.lCta = c.iMon == 2 ? 11 : 10;
+        l.iMon = c.iMon;
+        l.dImporte = c.importe;
+        l.dTCambio = c.tasa;
+        l.dImporteMC = c.importeMC;
+        d.asientos.FilaLineaAsiento(4, l);
+        const QString texto = g.Texto(4, 2) + QLatin1Char('|') + g.Texto(4, 4) + QLatin1Char('|') + g.Texto(4, 5);
+        EXPECT_EQ(texto, QString::fromLatin1(c.fila));
+        // The held value reads back from the text.
+        EXPECT_DOUBLE_EQ(g.Valor(4, 2), LeerNumero(g.Texto(4, 2)));
+        const RegistroLinea leida = d.asientos.LineaDeFila(4);
+        EXPECT_DOUBLE_EQ(leida.dImporte, c.guardado);
+        EXPECT_DOUBLE_EQ(leida.dImporteMC, c.guardadoMC);
+        const QVector<LineaDatos> lineas = d.asientos.LineasParaGrabar();
+        ASSERT_EQ(lineas.size(), 3);
+        EXPECT_DOUBLE_EQ(lineas[2].Importe, c.guardado);
+        EXPECT_DOUBLE_EQ(lineas[2].ImporteMC, c.guardadoMC);
+    }
+}
+
+// The balance compares the sums as the mask prints them: with a blank mask every
+// decimal is printed, so a difference of 0.30 or of 0.0001 does not balance; with a mask of
+// no decimals, 0.30 does.
+TEST_P(Llenado, BalanceConMascaraEnBlancoOSinDecimales)
+{
+    struct Caso
+    {
+        const char *mascara;
+        const char *lineas;
+        bool cierra;
+    };
+    const Caso casos[] = {
+        {"", "10:D:100.3,20:H:100", false},   {"", "10:D:100.0001,20:H:100", false}, {"", "10:D:100.3,20:H:100.3", true},
+        {"#,##0", "10:D:100.3,20:H:100", true}, {"#,##0", "10:D:100.6,20:H:100", false},
+        {"#,##0.00", "10:D:100.004,20:H:100", true},
+    };
+    for (const Caso &c : casos) {
+        DatosAsientos d(GetParam());
+        d.conexion().Ejecutar(QStringLiteral("Update genMonedas Set MonRedondeo = '%1' Where MonID = 1").arg(QLatin1String(c.mascara)));
+        d.monedas.CargarMonedas(d.conexion());
+        d.monedas.FijarMonedaContabilidad(1);
+        d.grilla.FijarFormatoColumna(2, QString::fromLatin1(c.mascara));
+        d.grilla.FijarFormatoColumna(3, QString::fromLatin1(c.mascara));
+        const qint32 id = d.Asiento(QDate(2026, 3, 1), 1, QString::fromLatin1(c.lineas));
+        ASSERT_FALSE(CargarAsientoEnGrilla(d.asientos, d.conexion(), id, 0));
+        d.asientos.TomarAsientoDeFila(1);
+        bool debeMenor = false, cierra = false;
+        double difMC = 0, difME = 0;
+        d.asientos.CierreAsiento(debeMenor, difMC, difME, cierra);
+        EXPECT_EQ(cierra, c.cierra) << "'" << c.mascara << "' " << c.lineas;
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Motores, Llenado, ::testing::ValuesIn(MotoresDePrueba()),

@@ -3,11 +3,17 @@
 #include "entries/vsgrid.h"
 
 #include <QAbstractItemModelTester>
+#include <QCryptographicHash>
+#include <QDataStream>
 #include <QFile>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
+
+#include <sys/resource.h>
+
+#include <tuple>
 
 namespace {
 
@@ -143,6 +149,59 @@ TEST(DisenoGrilla, ArchivosDanadosSeIgnoranSinTocarLaGrilla)
         EXPECT_EQ(g.Filas(), 3);
         EXPECT_EQ(g.Texto(2, 0), QStringLiteral("queda"));
     }
+}
+
+// A file made to claim far more rows than it holds, with a right checksum: refused before
+// the rows are made (5,000,000 empty rows of six cells take gigabytes).
+TEST(DisenoGrilla, FilasQueElArchivoNoPuedeTenerSeRechazanSinReservarlas)
+{
+    QTemporaryDir dir;
+    auto armar = [&](const char *nombre, qint64 filas, int filasEscritas) {
+        QByteArray datos;
+        QDataStream s(&datos, QIODevice::WriteOnly);
+        s.setVersion(QDataStream::Qt_6_0);
+        s << qint32(6) << qint32(1);
+        for (int c = 0; c < 6; ++c)
+            s << qint32(1440) << false << qint32(1) << QString();
+        s << qint32(0) << filas;
+        for (int r = 0; r < filasEscritas; ++r) {
+            s << QString() << quint32(0) << quint32(0) << qint32(0) << false;
+            for (int c = 0; c < 6; ++c)
+                s << QString() << QVariant() << 0.0 << qint16(-1) << quint32(0) << quint8(0);
+        }
+        const QString ruta = dir.filePath(QString::fromLatin1(nombre));
+        QFile f(ruta);
+        EXPECT_TRUE(f.open(QIODevice::WriteOnly));
+        QDataStream cabecera(&f);
+        cabecera.setVersion(QDataStream::Qt_6_0);
+        cabecera << quint32(0x41534752) << quint16(1) << qint64(datos.size());
+        cabecera.writeRawData(QCryptographicHash::hash(datos, QCryptographicHash::Sha1).constData(), 20);
+        cabecera.writeRawData(datos.constData(), int(datos.size()));
+        return ruta;
+    };
+
+    // The same way of making a file gives one that loads when the count is true.
+    Grilla buena;
+    QString error;
+    ASSERT_TRUE(buena.Cargar(armar("tres.tgr", 3, 3), &error)) << error.toStdString();
+    EXPECT_EQ(buena.Filas(), 3);
+
+    struct rusage antes {};
+    getrusage(RUSAGE_SELF, &antes);
+    for (const auto &[nombre, filas, escritas] : {std::tuple{"cinco-millones.tgr", qint64(5'000'000), 2},
+                                                  std::tuple{"una-de-mas.tgr", qint64(4), 3}}) {
+        Grilla g;
+        g.InsertarFilas(1, 2);
+        g.FijarTexto(2, 0, QStringLiteral("queda"));
+        error.clear();
+        EXPECT_FALSE(g.Cargar(armar(nombre, filas, escritas), &error)) << nombre;
+        EXPECT_TRUE(error.contains(QStringLiteral("dañado"))) << error.toStdString();
+        EXPECT_EQ(g.Filas(), 3);
+        EXPECT_EQ(g.Texto(2, 0), QStringLiteral("queda"));
+    }
+    struct rusage despues {};
+    getrusage(RUSAGE_SELF, &despues);
+    EXPECT_LT(despues.ru_maxrss - antes.ru_maxrss, 200L * 1024) << "kilobytes taken"; // not gigabytes
 }
 
 TEST(ModeloGrilla, SigueALaGrillaYUnaCargaSinRedibujoEsUnReinicio)

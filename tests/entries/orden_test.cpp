@@ -26,7 +26,10 @@ std::vector<int> ordenDeIntercambio(const std::vector<ClaveOrden> &filas, quint8
     return orden;
 }
 
-std::vector<ClaveOrden> filasAlAzar(QRandomGenerator &azar, int n, bool conDiferencia)
+// Rows as OrdenarCuentas makes them: a debit row has text in column 0, a credit row in
+// column 1; with conBlancos some rows have text in neither (an account whose code and name
+// are blank, a line still being typed), which OrdenarCuentas takes as not at the debit.
+std::vector<ClaveOrden> filasAlAzar(QRandomGenerator &azar, int n, bool conDiferencia, bool conBlancos = false)
 {
     static const char *const cuentas[] = {"1.1.01 - Caja", "1.1.02 - banco", "1.1.02 - Banco", "2.1.01 - Proveedores",
                                           "4.1 - Ventas", "5.3.01 - Alquileres", "a - cuenta", "B - cuenta"};
@@ -37,6 +40,11 @@ std::vector<ClaveOrden> filasAlAzar(QRandomGenerator &azar, int n, bool conDifer
         const QString texto = QString::fromLatin1(cuentas[azar.bounded(8)]);
         (k.alDebe ? k.texto0 : k.texto1) = texto;
         k.orden = int(azar.bounded(6));
+        if (conBlancos && azar.bounded(4) == 0) {
+            k.texto0.clear();
+            k.texto1.clear();
+            k.alDebe = false;
+        }
         filas.push_back(k);
     }
     if (conDiferencia && n > 0) {
@@ -62,6 +70,48 @@ TEST(OrdenCuentas, IgualAlOrdenDeIntercambioEnAmbosModos)
     }
 }
 
+TEST(OrdenCuentas, ConTextosEnBlancoIgualAlOrdenDeIntercambio)
+{
+    QRandomGenerator azar(20261124);
+    for (int vuelta = 0; vuelta < 3000; ++vuelta) {
+        const int n = int(azar.bounded(20));
+        const bool conDiferencia = azar.bounded(2) == 0;
+        const auto filas = filasAlAzar(azar, n, conDiferencia, true);
+        for (quint8 modo : {quint8(0), quint8(1)})
+            ASSERT_EQ(OrdenCuentas(filas, modo), ordenDeIntercambio(filas, modo)) << "vuelta " << vuelta << " modo " << int(modo);
+    }
+}
+
+TEST(OrdenCuentas, UnaFilaEnBlancoSeparaLasCuentasAlHaber)
+{
+    auto fila = [](const char *texto0, const char *texto1) {
+        ClaveOrden k;
+        k.texto0 = QString::fromLatin1(texto0);
+        k.texto1 = QString::fromLatin1(texto1);
+        k.alDebe = !k.texto0.isEmpty();
+        return k;
+    };
+    struct Caso
+    {
+        std::vector<ClaveOrden> filas;
+        std::vector<int> orden;
+    };
+    const Caso casos[] = {
+        // No credit row passes the blank one: "X" stays above it, "A" below.
+        {{fila("", "X - cuenta"), fila("", ""), fila("", "A - cuenta")}, {0, 1, 2}},
+        // A debit row passes everything that is not at the debit.
+        {{fila("", "X - cuenta"), fila("", ""), fila("Caja", "")}, {2, 0, 1}},
+        // Each group between blank rows is ordered on its own.
+        {{fila("", "Z"), fila("", "Y"), fila("", ""), fila("", "C"), fila("", "B"), fila("Caja", "")}, {5, 1, 0, 2, 4, 3}},
+        // A sort would carry "C" above the blank rows and "d", since it is less than "d".
+        {{fila("", "d"), fila("", ""), fila("", ""), fila("b", ""), fila("", "C"), fila("", "d")}, {3, 0, 1, 2, 4, 5}},
+    };
+    for (const Caso &c : casos) {
+        EXPECT_EQ(ordenDeIntercambio(c.filas, 0), c.orden);
+        EXPECT_EQ(OrdenCuentas(c.filas, 0), c.orden);
+    }
+}
+
 TEST(OrdenCuentas, MilesDeLineasNoTardanComoUnIntercambio)
 {
     // An opening-balance entry may have thousands of lines; the exchange sort would need
@@ -71,6 +121,12 @@ TEST(OrdenCuentas, MilesDeLineasNoTardanComoUnIntercambio)
     const auto orden = OrdenCuentas(filas, 0);
     for (size_t i = 0; i + 1 < orden.size(); ++i)
         ASSERT_FALSE(FueraDeOrden(filas[size_t(orden[i])], filas[size_t(orden[i + 1])], 0));
+
+    // With blank rows the exchange sort's own way is taken; it still ends, and ordered.
+    auto blancos = filasAlAzar(azar, 5000, true, true);
+    const auto ordenBlancos = OrdenCuentas(blancos, 0);
+    for (size_t i = 0; i + 1 < ordenBlancos.size(); ++i)
+        ASSERT_FALSE(FueraDeOrden(blancos[size_t(ordenBlancos[i])], blancos[size_t(ordenBlancos[i + 1])], 0));
 }
 
 class OrdenEnGrilla : public ::testing::TestWithParam<Motor>

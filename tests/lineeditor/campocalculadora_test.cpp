@@ -1,31 +1,193 @@
 #include "lineeditor/campocalculadora.h"
 
+#include <QApplication>
+#include <QSignalSpy>
+#include <QTest>
+#include <QVBoxLayout>
+#include <QWidget>
+
 #include <gtest/gtest.h>
+
+#include <memory>
+#include <ostream>
 
 namespace {
 
-TEST(CampoCalculadora, NumerosYCuentasEnElLocale)
+QLocale LocaleDe(const char *nombre)
 {
-    const QLocale es(QLocale::Spanish, QLocale::Uruguay);
+    return QLatin1String(nombre) == QLatin1String("C") ? QLocale::c() : QLocale(QString::fromLatin1(nombre));
+}
+
+struct CasoCuenta
+{
+    const char *locale;
+    const char *texto;
+    bool valido;
+    double valor;
+};
+
+void PrintTo(const CasoCuenta &c, std::ostream *os)
+{
+    *os << c.locale << " \"" << c.texto << "\"";
+}
+
+class Cuentas : public ::testing::TestWithParam<CasoCuenta>
+{
+};
+
+// Each number of a calculation is read by the one rule of LeerNumero.
+TEST_P(Cuentas, CadaNumeroPorLaMismaRegla)
+{
+    const CasoCuenta &c = GetParam();
+    double v = 0;
+    EXPECT_EQ(CampoCalculadora::Evaluar(QString::fromUtf8(c.texto), v, LocaleDe(c.locale)), c.valido);
+    if (c.valido)
+        EXPECT_DOUBLE_EQ(v, c.valor);
+}
+
+std::vector<CasoCuenta> casosEnTodos()
+{
+    // The same answer in every locale.
+    const CasoCuenta comunes[] = {
+        {"", "1250*1,22", true, 1525}, {"", "1250*1.22", true, 1525}, {"", "100+25,5-3", true, 122.5},
+        {"", "-40", true, -40},        {"", "10/4", true, 2.5},       {"", "2+3*4", true, 14},
+        {"", "5*-3", true, -15},       {"", "10/0", false, 0},        {"", "abc", false, 0},
+        {"", "", false, 0},            {"", "5*", false, 0},          {"", "*5", false, 0},
+        {"", "1.2.3,4", false, 0},     {"", "1,23,4+1", false, 0},    {"", "2*1.2.3", false, 0},
+    };
+    std::vector<CasoCuenta> casos;
+    for (const char *l : {"es_UY", "es_ES", "en_US", "C"})
+        for (CasoCuenta c : comunes) {
+            c.locale = l;
+            casos.push_back(c);
+        }
+    return casos;
+}
+
+INSTANTIATE_TEST_SUITE_P(EnTodos, Cuentas, ::testing::ValuesIn(casosEnTodos()));
+
+INSTANTIATE_TEST_SUITE_P(
+    SegunElLocale, Cuentas,
+    ::testing::Values(CasoCuenta{"es_UY", "1.250,5", true, 1250.5}, CasoCuenta{"es_UY", "1.250*2", true, 2500},
+                      CasoCuenta{"es_UY", "1,250*2", true, 2.5}, CasoCuenta{"es_ES", "1.500+0,5", true, 1500.5},
+                      CasoCuenta{"en_US", "1,250*2", true, 2500}, CasoCuenta{"en_US", "1.250*2", true, 2.5},
+                      CasoCuenta{"C", "1,250*2", true, 2500}, CasoCuenta{"C", "12,5+1", true, 13.5}));
+
+// A field typed into with the keyboard, in a window of its own with a second field to move to.
+class CampoEscrito : public ::testing::TestWithParam<const char *>
+{
+protected:
+    CampoEscrito()
+    {
+        auto *capa = new QVBoxLayout(&m_ventana);
+        m_campo = new CampoCalculadora(QStringLiteral("ocImporte"), &m_ventana);
+        m_otro = new CampoCalculadora(QStringLiteral("ocTCambio"), &m_ventana);
+        capa->addWidget(m_campo);
+        capa->addWidget(m_otro);
+        m_campo->setLocale(LocaleDe(GetParam()));
+        m_campo->FijarMascara(QStringLiteral("#,##0.00"));
+        m_ventana.show();
+        QApplication::setActiveWindow(&m_ventana);
+        m_campo->setFocus();
+    }
+
+    // Types the text over whatever the field holds, then moves on with Tab.
+    void escribir(const QString &texto)
+    {
+        m_campo->setFocus();
+        m_campo->selectAll();
+        QTest::keyClicks(m_campo, texto);
+    }
+
+    QWidget m_ventana;
+    CampoCalculadora *m_campo = nullptr;
+    CampoCalculadora *m_otro = nullptr;
+};
+
+TEST_P(CampoEscrito, LoEscritoSeLeePorLaRegla)
+{
+    const QLocale l = LocaleDe(GetParam());
     struct Caso
     {
-        const char *texto;
+        QString texto;
         bool valido;
         double valor;
     };
+    const bool comaDecimal = l.decimalPoint() == QLatin1String(",");
     const Caso casos[] = {
-        {"1250*1,22", true, 1525},  {"1.250,5", true, 1250.5}, {"100+25,5-3", true, 122.5},
-        {"-40", true, -40},         {"10/4", true, 2.5},       {"2+3*4", true, 14},
-        {"10/0", false, 0},         {"abc", false, 0},         {"", false, 0},
-        {"5*", false, 0},           {"*5", false, 0},
+        {QStringLiteral("12,5"), true, 12.5},
+        {QStringLiteral("1500.50"), true, 1500.5},
+        {QStringLiteral("1.500"), true, comaDecimal ? 1500.0 : 1.5},
+        {QStringLiteral("1,500"), true, comaDecimal ? 1.5 : 1500.0},
+        {QStringLiteral("1250*1,22"), true, 1525},
+        {QStringLiteral("1.2.3,4"), false, 0},
+        {QStringLiteral("1,23,4"), false, 0},
     };
     for (const Caso &c : casos) {
-        double v = 0;
-        EXPECT_EQ(CampoCalculadora::Evaluar(QString::fromUtf8(c.texto), v, es), c.valido) << c.texto;
-        if (c.valido)
-            EXPECT_DOUBLE_EQ(v, c.valor) << c.texto;
+        escribir(c.texto);
+        EXPECT_EQ(m_campo->text(), c.texto);
+        EXPECT_EQ(m_campo->EsNumeroValido(), c.valido) << c.texto.toStdString();
+        EXPECT_EQ(m_campo->EsTextoInvalido(), !c.valido) << c.texto.toStdString();
+        EXPECT_DOUBLE_EQ(m_campo->Valor(), c.valor) << c.texto.toStdString();
     }
 }
+
+TEST_P(CampoEscrito, LaTeclaDecimalDelTecladoNumericoEscribeLaDelLocale)
+{
+    const QString marca = LocaleDe(GetParam()).decimalPoint();
+    for (Qt::Key tecla : {Qt::Key_Period, Qt::Key_Comma}) {
+        escribir(QStringLiteral("12"));
+        QTest::keyClick(m_campo, tecla, Qt::KeypadModifier);
+        QTest::keyClicks(m_campo, QStringLiteral("5"));
+        EXPECT_EQ(m_campo->text(), QStringLiteral("12") + marca + QStringLiteral("5"));
+        EXPECT_DOUBLE_EQ(m_campo->Valor(), 12.5);
+    }
+    // The main keyboard's keys type what they say.
+    escribir(QStringLiteral("12"));
+    QTest::keyClick(m_campo, Qt::Key_Period);
+    EXPECT_EQ(m_campo->text(), QStringLiteral("12."));
+}
+
+TEST_P(CampoEscrito, UnTextoRechazadoSeAvisaAlSalirYQuedaComoSeEscribio)
+{
+    QSignalSpy avisos(m_campo, &CampoCalculadora::TextoInvalido);
+    escribir(QStringLiteral("1.2.3,4"));
+    QTest::keyClick(m_campo, Qt::Key_Tab);
+    EXPECT_EQ(QApplication::focusWidget(), m_otro);
+    EXPECT_EQ(avisos.count(), 1);
+    EXPECT_EQ(m_campo->text(), QStringLiteral("1.2.3,4")); // not replaced by some number
+
+    escribir(QStringLiteral("1,23,4"));
+    QTest::keyClick(m_campo, Qt::Key_Return);
+    EXPECT_EQ(avisos.count(), 2);
+
+    // A message box or a popup taking the focus is no leaving.
+    QFocusEvent ventana(QEvent::FocusOut, Qt::ActiveWindowFocusReason);
+    QApplication::sendEvent(m_campo, &ventana);
+    QFocusEvent emergente(QEvent::FocusOut, Qt::PopupFocusReason);
+    QApplication::sendEvent(m_campo, &emergente);
+    EXPECT_EQ(avisos.count(), 2);
+
+    // A good number or an empty field is no refusal; a good one is shown with the mask.
+    escribir(QStringLiteral("1500.5"));
+    QTest::keyClick(m_campo, Qt::Key_Tab);
+    escribir(QString());
+    m_campo->clear();
+    QTest::keyClick(m_campo, Qt::Key_Tab);
+    EXPECT_EQ(avisos.count(), 2);
+    escribir(QStringLiteral("1500.5"));
+    QTest::keyClick(m_campo, Qt::Key_Tab);
+    const QLocale l = LocaleDe(GetParam());
+    EXPECT_EQ(m_campo->text(), QStringLiteral("1") + l.groupSeparator() + QStringLiteral("500") + l.decimalPoint() + QStringLiteral("50"));
+    EXPECT_DOUBLE_EQ(m_campo->Valor(), 1500.5);
+    // Back in the field, the plain number to edit, which reads back the same.
+    m_campo->setFocus();
+    EXPECT_EQ(m_campo->text(), QStringLiteral("1500") + l.decimalPoint() + QStringLiteral("5"));
+    EXPECT_DOUBLE_EQ(m_campo->Valor(), 1500.5);
+}
+
+INSTANTIATE_TEST_SUITE_P(Locales, CampoEscrito, ::testing::Values("es_UY", "es_ES", "en_US", "C"),
+                         [](const ::testing::TestParamInfo<const char *> &i) { return std::string(i.param); });
 
 TEST(CampoCalculadora, MuestraConMascaraSinFoco)
 {
@@ -39,6 +201,7 @@ TEST(CampoCalculadora, MuestraConMascaraSinFoco)
     EXPECT_DOUBLE_EQ(campo.Valor(), 9);
     campo.Limpiar();
     EXPECT_FALSE(campo.EsNumeroValido());
+    EXPECT_FALSE(campo.EsTextoInvalido()); // empty: incomplete, not refused
 }
 
 } // namespace

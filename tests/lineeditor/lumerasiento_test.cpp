@@ -72,6 +72,7 @@ protected:
             case 1852: return QStringLiteral("Cuenta duplicada");
             case 1854: return QStringLiteral("La cuenta seleccionada esta cerrada para la fecha del asiento.");
             case 1937: return QStringLiteral("Error el valor ingresado supera el tamaño permitido.");
+            case 1950: return QStringLiteral("El importe ingresado no es un número válido.");
             default: return QStringLiteral("#%1").arg(n);
             }
         };
@@ -181,8 +182,45 @@ TEST_F(EditorDeLinea, ElContenedorDaLaTasa)
     m_editor->SetCuenta(true, 11, 0, 0, 2, QStringLiteral("1.1.02 - Banco U$S"), QDate());
     m_editor->setMonedaCombo(1);
     emit m_editor->listaMonedas()->activated(m_editor->listaMonedas()->currentIndex());
-    EXPECT_DOUBLE_EQ(m_editor->ImporteTC(), 0.025);
+    // The container's 40 is pesos a dollar: in pesos, dollars = pesos / 40, shown as the
+    // quotations' answer is, never as "/ 0.025" (4000 pesos would be 160000 dollars).
+    EXPECT_DOUBLE_EQ(m_editor->ImporteTC(), 40);
     EXPECT_EQ(m_editor->Operador(), QStringLiteral("/"));
+    escribir(campo(lumERAsiento::kImporte), QStringLiteral("4000"));
+    EXPECT_DOUBLE_EQ(m_editor->ImporteMC(), 100);
+    const ValorLinea v = m_editor->GetValorCuentaDebe();
+    EXPECT_DOUBLE_EQ(v.dImporte, 100);
+    EXPECT_DOUBLE_EQ(v.dTCambio, 40);
+    EXPECT_DOUBLE_EQ(v.dImporteMC, 4000);
+}
+
+// The container's rate for a currency worth less (0.25 pesos a yen) follows the same rule
+// as a rate found in the quotations: "/ 4" with the yen selected, "* 4" with the peso.
+TEST_F(EditorDeLinea, ElContenedorDaLaTasaDeUnaMonedaMenor)
+{
+    Conexion &c = m_base.conexion();
+    c.Ejecutar(QStringLiteral("Insert Into genMonedas (MonID, MonSimbolo, MonCotizaEn, MonRedondeo, MonFormatoCotizacion, MonTipo)"
+                              " Values (3, 'Y', 1, '#,##0.00', '#,##0.000', 1)"));
+    m_monedas.CargarMonedas(c);
+    m_monedas.FijarMonedaContabilidad(1);
+    QObject::connect(m_editor.get(), &lumERAsiento::GetTCME, [](qint16 *mon, double *tc) {
+        if (*mon == 3)
+            *tc = 0.25;
+    });
+    m_editor->SetCuenta(true, 16, 0, 0, 3, QStringLiteral("1.1.06 - Caja Yenes"), QDate());
+    m_editor->setMonedaCombo(1);
+    QComboBox *lista = m_editor->listaMonedas();
+    emit lista->activated(lista->currentIndex());
+    EXPECT_DOUBLE_EQ(m_editor->ImporteTC(), 4);
+    EXPECT_EQ(m_editor->Operador(), QStringLiteral("*"));
+
+    lista->setCurrentIndex(lista->findData(3));
+    emit lista->activated(lista->currentIndex());
+    EXPECT_DOUBLE_EQ(m_editor->ImporteTC(), 4);
+    EXPECT_EQ(m_editor->Operador(), QStringLiteral("/"));
+    escribir(campo(lumERAsiento::kImporte), QStringLiteral("1000"));
+    EXPECT_DOUBLE_EQ(m_editor->ImporteMC(), 250);
+    EXPECT_DOUBLE_EQ(m_editor->GetValorCuentaDebe().dTCambio, 0.25);
 }
 
 TEST_F(EditorDeLinea, CuentasRechazadas)
@@ -249,8 +287,121 @@ TEST_F(EditorDeLinea, CamposIncompletosYFlujoDeEnter)
 
     escribir(debe(), QStringLiteral("1.1.01"));
     escribir(campo(lumERAsiento::kImporte), QStringLiteral("x"));
-    EXPECT_EQ(m_mensajes.mostrados.last(), QStringLiteral("advertencia: Campo incompleto."));
+    EXPECT_EQ(m_mensajes.mostrados.last(), QStringLiteral("advertencia: El importe ingresado no es un número válido."));
     EXPECT_EQ(QApplication::focusWidget(), campo(lumERAsiento::kImporte));
+    campo(lumERAsiento::kImporte)->clear();
+    QTest::keyClick(campo(lumERAsiento::kImporte), Qt::Key_Return);
+    EXPECT_EQ(m_mensajes.mostrados.last(), QStringLiteral("advertencia: Campo incompleto."));
+    EXPECT_EQ(m_aceptadas, 0);
+}
+
+// A typed amount is read by one rule (LeerNumero); what it refuses is refused with text 1950
+// and the focus stays in the field, never read as another number.
+TEST_F(EditorDeLinea, ImporteQueNoEsNumeroSeRechaza)
+{
+    const QString rechazo = QStringLiteral("advertencia: El importe ingresado no es un número válido.");
+    escribir(debe(), QStringLiteral("1.1.01"));
+    for (const QString &texto : {QStringLiteral("1.2.3,4"), QStringLiteral("1,23,4"), QStringLiteral("0.500"),
+                                 QStringLiteral("1500.505")}) {
+        m_mensajes.mostrados.clear();
+        escribir(campo(lumERAsiento::kImporte), texto);
+        EXPECT_EQ(m_mensajes.mostrados, QStringList{rechazo}) << texto.toStdString();
+        EXPECT_EQ(QApplication::focusWidget(), campo(lumERAsiento::kImporte));
+        EXPECT_EQ(campo(lumERAsiento::kImporte)->text(), texto);
+        EXPECT_EQ(m_aceptadas, 0);
+    }
+
+    // Leaving the field with Tab: refused, and the focus comes back.
+    m_mensajes.mostrados.clear();
+    CampoCalculadora *importe = campo(lumERAsiento::kImporte);
+    importe->setFocus();
+    importe->selectAll();
+    QTest::keyClicks(importe, QStringLiteral("12,5,0"));
+    QTest::keyClick(importe, Qt::Key_Tab);
+    EXPECT_EQ(m_mensajes.mostrados, QStringList{rechazo});
+    EXPECT_EQ(QApplication::focusWidget(), importe);
+
+    // In es_UY "1500.50" is 1500.50 and "1.500" is 1500, never 150.050 or 1.5.
+    escribir(importe, QStringLiteral("1500.50"));
+    EXPECT_EQ(m_aceptadas, 1);
+    EXPECT_DOUBLE_EQ(m_editor->GetValorCuentaDebe().dImporte, 1500.5);
+    escribir(importe, QStringLiteral("1.500"));
+    EXPECT_EQ(m_aceptadas, 2);
+    EXPECT_DOUBLE_EQ(m_editor->GetValorCuentaDebe().dImporte, 1500);
+    EXPECT_EQ(m_mensajes.mostrados, QStringList{rechazo});
+}
+
+TEST_F(EditorDeLinea, TasaRechazadaYEditorOcultoSinMensaje)
+{
+    escribir(haber(), QStringLiteral("1.1.02"));
+    escribir(campo(lumERAsiento::kImporte), QStringLiteral("100"));
+    ASSERT_DOUBLE_EQ(m_editor->ImporteMC(), 4000);
+    m_mensajes.mostrados.clear();
+    escribir(campo(lumERAsiento::kTCambio), QStringLiteral("4,1,5"));
+    EXPECT_EQ(m_mensajes.mostrados.size(), 1);
+    EXPECT_EQ(QApplication::focusWidget(), campo(lumERAsiento::kTCambio));
+    EXPECT_DOUBLE_EQ(m_editor->ImporteMC(), 4000); // nothing recomputed from a refused rate
+
+    // Leaving the refused rate for the amount brings the focus back to it.
+    campo(lumERAsiento::kImporte)->setFocus();
+    EXPECT_EQ(m_mensajes.mostrados.size(), 2);
+    EXPECT_EQ(QApplication::focusWidget(), campo(lumERAsiento::kTCambio));
+    // Enter in the amount with the rate refused: the line is not taken, the rate is refused.
+    QTest::keyClick(campo(lumERAsiento::kImporte), Qt::Key_Return);
+    EXPECT_EQ(m_mensajes.mostrados.size(), 3);
+    EXPECT_EQ(QApplication::focusWidget(), campo(lumERAsiento::kTCambio));
+    EXPECT_EQ(m_aceptadas, 1);
+    escribir(campo(lumERAsiento::kTCambio), QStringLiteral("41,5"));
+    EXPECT_DOUBLE_EQ(m_editor->ImporteMC(), 4150);
+    EXPECT_EQ(m_mensajes.mostrados.size(), 3);
+
+    // The container hiding the editor while a refused text is in it: no message.
+    CampoCalculadora *importe = campo(lumERAsiento::kImporte);
+    importe->setFocus();
+    importe->selectAll();
+    QTest::keyClicks(importe, QStringLiteral("1.2.3"));
+    m_editor->hide();
+    EXPECT_EQ(m_mensajes.mostrados.size(), 3);
+}
+
+// A currency worth a quarter of a peso: the rate found, 0.25, is shown as 4 with "/", and
+// the line read by the container carries accounting units per unit, 0.25, as a loaded line
+// does, whichever of the two currencies is selected.
+TEST_F(EditorDeLinea, MonedaQueValeMenosQueLaDeLaContabilidad)
+{
+    Conexion &c = m_base.conexion();
+    c.Ejecutar(QStringLiteral("Insert Into genMonedas (MonID, MonSimbolo, MonCotizaEn, MonRedondeo, MonFormatoCotizacion, MonTipo)"
+                              " Values (3, 'Y', 1, '#,##0.00', '#,##0.000', 1)"));
+    c.Ejecutar(QStringLiteral("Insert Into genCotizacionesMoneda (CMoFecha, CMoMoneda, CMoCotizaEn, CMoTipoCotizacion, CMoCompra, CMoVenta)"
+                              " Values ('2026-03-01', 3, 1, 1, 0.25, 0.26)"));
+    c.Ejecutar(QStringLiteral("Insert Into cceCuentas (CueID, CueIDEmpresa, CueCodigo, CueNombre, CueMoneda, CueFechaCerrada, CueEsCarpeta)"
+                              " Values (15, 1, '1.1.05', 'Banco Yenes', 3, Null, 0)"));
+    m_monedas.CargarMonedas(c);
+    m_monedas.FijarMonedaContabilidad(1);
+
+    escribir(haber(), QStringLiteral("1.1.05"));
+    EXPECT_EQ(m_editor->MonedaCombo(), 3);
+    EXPECT_DOUBLE_EQ(m_editor->ImporteTC(), 4);
+    EXPECT_EQ(m_editor->Operador(), QStringLiteral("/"));
+    escribir(campo(lumERAsiento::kImporte), QStringLiteral("1000"));
+    EXPECT_DOUBLE_EQ(m_editor->ImporteMC(), 250);
+    const ValorLinea v = m_editor->GetValorCuentaHaber();
+    EXPECT_DOUBLE_EQ(v.dImporte, 1000);
+    EXPECT_DOUBLE_EQ(v.dTCambio, 0.25);
+    EXPECT_DOUBLE_EQ(v.dImporteMC, 250);
+
+    // In pesos the lookup of pesos in yen gives 4, shown with "*".
+    QComboBox *lista = m_editor->listaMonedas();
+    lista->setCurrentIndex(lista->findText(QStringLiteral("$")));
+    emit lista->activated(lista->currentIndex());
+    EXPECT_DOUBLE_EQ(m_editor->ImporteTC(), 4);
+    EXPECT_EQ(m_editor->Operador(), QStringLiteral("*"));
+    escribir(campo(lumERAsiento::kImporte), QStringLiteral("250"));
+    EXPECT_DOUBLE_EQ(m_editor->ImporteMC(), 1000);
+    const ValorLinea w = m_editor->GetValorCuentaHaber();
+    EXPECT_DOUBLE_EQ(w.dImporte, 1000);
+    EXPECT_DOUBLE_EQ(w.dTCambio, 0.25);
+    EXPECT_DOUBLE_EQ(w.dImporteMC, 250);
 }
 
 TEST_F(EditorDeLinea, EscribirSobreLaCuentaLaQuitaConSusImportes)

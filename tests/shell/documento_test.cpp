@@ -7,15 +7,23 @@
 #include "shell/lumingasiento.h"
 #include "shell/menusdocumento.h"
 #include "entries/vistas.h"
+#include "services/serviciomensajesqt.h"
 #include "store/basedemo.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QComboBox>
+#include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
+#include <QMainWindow>
+#include <QMessageBox>
+#include <QStackedWidget>
+#include <QPushButton>
 #include <QSettings>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
 #include <QToolButton>
 
 #include <gtest/gtest.h>
@@ -163,6 +171,77 @@ TEST_F(Documento, ParametrosDelSistemaQueFallanNoDetienenElArranque)
     EXPECT_EQ(doc->estado(), lumIngAsiento::Estado::Listo);
     ASSERT_FALSE(m_mensajes.mostrados.isEmpty());
     EXPECT_EQ(m_mensajes.mostrados[0], QStringLiteral("error: Error al cargar los parámetros del sistema."));
+}
+
+// The document inside a window, shown the way the program's host shows it, with the real
+// message boxes on that window; each box is answered with its default button as soon as it
+// is up. Returns the texts of the boxes, in order, once start-up has ended.
+QStringList ArrancarMostrando(const EntornoDocumento &base, HostDePrueba &host, lumIngAsiento::Estado &estado)
+{
+    QMainWindow ventana;
+    ServicioMensajesQt mensajes(&ventana);
+    EntornoDocumento e = base;
+    e.host = &host;
+    e.mensajes = &mensajes;
+    auto *marco = new QStackedWidget(&ventana);
+    ventana.setCentralWidget(marco);
+    auto *doc = new lumIngAsiento(std::move(e), marco);
+    marco->addWidget(doc);
+
+    QStringList cajas;
+    QTimer usuario;
+    usuario.setInterval(10);
+    QObject::connect(&usuario, &QTimer::timeout, [&cajas] {
+        if (auto *caja = qobject_cast<QMessageBox *>(QApplication::activeModalWidget())) {
+            cajas << caja->text();
+            caja->defaultButton()->click();
+        }
+    });
+    usuario.start();
+
+    ventana.resize(900, 600);
+    ventana.show();
+    const QDeadlineTimer limite(20000);
+    while (doc->estado() != lumIngAsiento::Estado::Listo && host.comandos.isEmpty() && !limite.hasExpired())
+        QTest::qWait(10);
+    estado = doc->estado();
+    return cajas;
+}
+
+TEST_F(Documento, CajasDeMensajeDelArranqueConLaVentanaRecienMostrada)
+{
+    EntornoDocumento e;
+    e.ajustes.archivoAjustes = m_carpeta.filePath(QStringLiteral("ajustes.ini"));
+    m_host.base = QStringLiteral("lumapp://asientos/ingreso.htm?") + usuario(Demo::kUsuarioAdministrador);
+    lumIngAsiento::Estado estado = lumIngAsiento::Estado::Creado;
+
+    // A database with no tables: every read of the start-up fails and says so, and with no
+    // permission letters the host is told that access is denied.
+    for (const Motor motor : MotoresDePrueba()) {
+        SCOPED_TRACE(NombreMotor(motor).toStdString());
+        OlvidarEmpresaDelProceso();
+        m_host.comandos.clear();
+        BaseDePrueba vacia(motor, BaseDePrueba::Contenido::Vacia);
+        e.ajustes.baseDatos = vacia.direccion();
+        const QStringList cajas = ArrancarMostrando(e, m_host, estado);
+        EXPECT_EQ(estado, lumIngAsiento::Estado::Detenido);
+        EXPECT_EQ(cajas, (QStringList{QStringLiteral("Error al cargar los parámetros del sistema."),
+                                      QStringLiteral("Error al leer los datos de cnfg de la empresa."),
+                                      QStringLiteral("Error al buscar los permisos.")}));
+        EXPECT_EQ(m_host.comandos,
+                  QStringList{QStringLiteral("lumcod:inf_AccesoDenegado<prm>[NombreApp]:=Ingreso de Asientos</prm>")});
+    }
+
+    // Without the system parameters the document says so and still gets ready.
+    OlvidarEmpresaDelProceso();
+    m_host.comandos.clear();
+    m_base.conexion().Ejecutar(QStringLiteral("Drop Table genParametros"));
+    e.ajustes.baseDatos = m_base.direccion();
+    const QStringList cajas = ArrancarMostrando(e, m_host, estado);
+    EXPECT_EQ(estado, lumIngAsiento::Estado::Listo);
+    ASSERT_FALSE(cajas.isEmpty());
+    EXPECT_EQ(cajas[0], QStringLiteral("Error al cargar los parámetros del sistema."));
+    EXPECT_TRUE(m_host.comandos.isEmpty()) << m_host.comandos.join(QLatin1Char('\n')).toStdString();
 }
 
 TEST_F(Documento, PreferenciasDelUsuarioSobrevivenAlReinicio)

@@ -17,7 +17,7 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QDir>
-#include <QDateEdit>
+#include "lineeditor/campofecha.h"
 #include <QLineEdit>
 #include <QTemporaryDir>
 #include <QTest>
@@ -57,6 +57,7 @@ protected:
         m_doc = std::make_unique<lumIngAsiento>(std::move(d));
         m_doc->resize(1000, 600);
         m_doc->show();
+        m_doc->Iniciar();
         QApplication::setActiveWindow(m_doc.get());
     }
 

@@ -1,0 +1,132 @@
+#include "escenario.h"
+
+#include "store/valoressql.h"
+
+#include <QAbstractItemModel>
+#include <QLineEdit>
+
+std::ostream &operator<<(std::ostream &os, const AsientoEnBase &a)
+{
+    os << a.cabezal.join(QLatin1Char('|')).toStdString();
+    for (const QStringList &l : a.lineas)
+        os << "\n  " << l.join(QLatin1Char('|')).toStdString();
+    return os;
+}
+
+Escenario::Escenario()
+    : m_base(GetParam(), BaseDePrueba::Contenido::Demo)
+{
+    OlvidarEmpresaDelProceso();
+    m_host.base = QStringLiteral("x?psidusuario=1|psidempresa=1|psckey=lum01|pskeyinit=1|pstempdir=") + m_carpeta.path();
+    EntornoDocumento d;
+    d.host = &m_host;
+    d.mensajes = &m_mensajes;
+    d.busquedaCuentas = &m_busqueda;
+    d.ajustes.archivoAjustes = m_carpeta.filePath(QStringLiteral("a.ini"));
+    d.ajustes.baseDatos = m_base.direccion();
+    m_doc = std::make_unique<lumIngAsiento>(std::move(d));
+    // Shorter than a month of entries: the grid scrolls.
+    m_doc->resize(1000, 420);
+    m_doc->show();
+    m_doc->Iniciar();
+    QApplication::setActiveWindow(m_doc.get());
+    QApplication::processEvents();
+}
+
+void Escenario::escribir(QWidget *w, const QString &t)
+{
+    if (auto *e = qobject_cast<QLineEdit *>(w))
+        e->selectAll();
+    QTest::keyClicks(w, t);
+}
+
+int Escenario::filaDe(qint32 id) const
+{
+    for (int r = m_doc->grilla().FilasFijas(); r < m_doc->grilla().Filas(); ++r)
+        if (m_doc->asientos().EsFilaCabezal(r) && m_doc->grilla().Dato(r, 0).toInt() == id)
+            return r;
+    return -1;
+}
+
+void Escenario::abrir(int fila)
+{
+    m_doc->grid()->FijarFilaActual(fila);
+    m_doc->grid()->setFocus();
+    enter(m_doc->grid());
+}
+
+QStringList Escenario::filasVistas(int desde, int hasta) const
+{
+    QStringList filas;
+    const QAbstractItemModel *m = m_doc->grid()->model();
+    const int fijas = m_doc->grilla().FilasFijas();
+    for (int r = desde; r <= hasta; ++r) {
+        QStringList celdas;
+        for (int c = 0; c < m->columnCount(); ++c)
+            celdas << m->data(m->index(r - fijas, c), Qt::DisplayRole).toString().simplified();
+        filas << celdas.join(QLatin1Char('|'));
+    }
+    return filas;
+}
+
+QStringList Escenario::filasVistas(qint32 id) const
+{
+    const int r = filaDe(id);
+    if (r < 0)
+        return {};
+    return filasVistas(r, m_doc->asientos().UltimaFilaAsiento(r));
+}
+
+bool Escenario::editorALaVista() const
+{
+    const QWidget *e = m_doc->editor();
+    const QWidget *vista = m_doc->grid()->viewport();
+    return e->isVisible() && e->geometry().top() >= 0 && e->geometry().bottom() <= vista->height() + 2;
+}
+
+AsientoEnBase Escenario::enBase(qint32 id)
+{
+    AsientoEnBase a;
+    auto rs = m_base.conexion().Abrir(QStringLiteral("Select AsiEstado, AsiFechaAsiento, AsiLeyenda, AsiTipo, AsiUsuarioVerificador,"
+                                                     " AsiVerificado, AsiFechaModificado From cceAsientos Where AsiID = %1").arg(id));
+    if (rs->Fin())
+        return a;
+    auto texto = [&](const char *campo) {
+        const QString c = QString::fromLatin1(campo);
+        return rs->EsNulo(c) ? QStringLiteral("null") : rs->Texto(c);
+    };
+    a.cabezal = QStringList{texto("AsiEstado"), rs->Fecha(QStringLiteral("AsiFechaAsiento")).toString(Qt::ISODate),
+                            texto("AsiLeyenda"), texto("AsiTipo"), texto("AsiUsuarioVerificador"), texto("AsiVerificado")};
+    a.sello = rs->FechaHora(QStringLiteral("AsiFechaModificado")).toString(Qt::ISODateWithMs);
+    rs->Cerrar();
+    rs = m_base.conexion().Abrir(QStringLiteral("Select CueCodigo, ACuDebe, AcuHaber, ACuImporteMC, ACuOrden, ACuProyecto, ACuDepartamento"
+                                                " From cceAsientoCuenta INNER JOIN cceCuentas ON CueID = ACuCuenta"
+                                                " Where ACuIDAsiento = %1 Order By ACuOrden, CueCodigo").arg(id));
+    for (; !rs->Fin(); rs->MoverSiguiente()) {
+        const bool debe = rs->EsNulo(QStringLiteral("AcuHaber"));
+        const QString propio = debe ? QStringLiteral("ACuDebe") : QStringLiteral("AcuHaber");
+        a.lineas << QStringList{rs->Texto(QStringLiteral("CueCodigo")), debe ? QStringLiteral("D") : QStringLiteral("H"),
+                                NumeroSQL(rs->Numero(propio)), NumeroSQL(rs->Numero(QStringLiteral("ACuImporteMC"))),
+                                rs->Texto(QStringLiteral("ACuOrden")), rs->Texto(QStringLiteral("ACuProyecto")),
+                                rs->Texto(QStringLiteral("ACuDepartamento"))};
+    }
+    rs->Cerrar();
+    return a;
+}
+
+qint32 Escenario::ultimoId()
+{
+    auto rs = m_base.conexion().Abrir(QStringLiteral("Select Max(AsiID) From cceAsientos"));
+    return QVariant(rs->Campo(0)).toInt();
+}
+
+QList<qint32> Escenario::ids(const QString &condicion)
+{
+    QList<qint32> l;
+    auto rs = m_base.conexion().Abrir(QStringLiteral("Select AsiID From cceAsientos Where ") + condicion
+                                      + QStringLiteral(" Order By AsiID"));
+    for (; !rs->Fin(); rs->MoverSiguiente())
+        l << qint32(rs->Entero(QStringLiteral("AsiID")));
+    rs->Cerrar();
+    return l;
+}

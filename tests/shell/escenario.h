@@ -1,0 +1,86 @@
+#pragma once
+
+#include "comun/basesprueba.h"
+#include "comun/hostdeprueba.h"
+#include "comun/mensajesguionados.h"
+#include "documentodeprueba.h"
+
+#include "entries/vsgrid.h"
+#include "lineeditor/lumerasiento.h"
+#include "services/serviciobusquedacuentas.h"
+#include "shell/lumingasiento.h"
+
+#include <QApplication>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+// The exact code the user types, as the search answers it without its dialog.
+class BusquedaExacta final : public ServicioBusquedaCuentas
+{
+public:
+    bool Buscar(Conexion &conexion, qint32 empresa, const QString &texto, CuentaElegida &c, QWidget *) override
+    {
+        const auto coinciden = BusquedaCuentasQt::Coincidencias(BusquedaCuentasQt::Cuentas(conexion, empresa), texto);
+        if (coinciden.size() != 1)
+            return false;
+        c = {coinciden.first().id, 0, 0};
+        return true;
+    }
+};
+
+// A stored entry as the database holds it: the header's columns and its lines, as text, so
+// two snapshots compare whole.
+struct AsientoEnBase
+{
+    QStringList cabezal;          // estado, fecha, leyenda, libro, autoriza, verificado
+    QList<QStringList> lineas;    // cuenta, lado, importe, importe MC, orden, proyecto, departamento
+    QString sello;
+    bool operator==(const AsientoEnBase &o) const { return cabezal == o.cabezal && lineas == o.lineas; }
+};
+std::ostream &operator<<(std::ostream &os, const AsientoEnBase &a);
+
+// The document started on the demo company in a window shorter than its grid, driven with
+// the keyboard as a user does, with the database checked afterwards.
+class Escenario : public ::testing::TestWithParam<Motor>
+{
+protected:
+    Escenario();
+
+    void enter(QWidget *w) { QTest::keyClick(w, Qt::Key_Return); }
+    // Escape in the line editor leaves edit mode once the key's event is over.
+    void escape(QWidget *w)
+    {
+        QTest::keyClick(w, Qt::Key_Escape);
+        QApplication::processEvents();
+    }
+    void escribir(QWidget *w, const QString &t);
+    QWidget *foco() const { return QApplication::focusWidget(); }
+    lumERAsiento *editor() const { return m_doc->editor(); }
+
+    // Loads a view of the view menu.
+    void vista(int v) { m_doc->ElegirVista(v); }
+    // The grid row of the entry's header; -1 when it is not shown.
+    int filaDe(qint32 id) const;
+    // Puts the grid on a row and presses Enter there, as a user opens an entry.
+    void abrir(int fila);
+    // The rows of an entry as the user sees them, one text per row.
+    QStringList filasVistas(qint32 id) const;
+    QStringList filasVistas(int desde, int hasta) const;
+    // Whether the line editor is shown inside the grid's visible area.
+    bool editorALaVista() const;
+
+    AsientoEnBase enBase(qint32 id);
+    qint32 ultimoId();
+    QList<qint32> ids(const QString &condicion);
+
+    BaseDePrueba m_base;
+    QTemporaryDir m_carpeta;
+    HostDePrueba m_host;
+    MensajesGuionados m_mensajes;
+    BusquedaExacta m_busqueda;
+    std::unique_ptr<lumIngAsiento> m_doc;
+};

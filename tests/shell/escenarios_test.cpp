@@ -1,0 +1,438 @@
+// Everyday flows driven through the real document with the keyboard, checked both in the
+// grid as the user sees it and in the database.
+#include "escenario.h"
+
+#include "entries/vistas.h"
+#include "lineeditor/campocalculadora.h"
+#include "shell/menusdocumento.h"
+#include "entries/asientodatos.h"
+#include "entries/modeloasiento.h"
+#include "store/basedemo.h"
+
+#include <QAction>
+#include <QComboBox>
+#include "lineeditor/campofecha.h"
+#include <QLineEdit>
+
+namespace {
+
+class Escenarios : public Escenario
+{
+protected:
+    // Opens the entry's first line and accepts it unchanged with Enter in the amount; leaves
+    // with Escape when the entry stays open (it does not balance).
+    void aceptarSinCambios(qint32 id)
+    {
+        abrir(filaDe(id));
+        ASSERT_GT(m_doc->FilaEdicion(), 0) << "asiento " << id;
+        aceptarLinea();
+        if (m_doc->FilaEdicion() > 0)
+            escape(foco());
+        ASSERT_EQ(m_doc->FilaEdicion(), 0) << "asiento " << id;
+    }
+
+    // Enter in the amount accepts the line; an entry without an authoriser is first given
+    // the first one of the list, as the document asks.
+    void aceptarLinea()
+    {
+        enter(editor()->campo(lumERAsiento::kImporte));
+        if (foco() == autoriza()) {
+            autoriza()->setCurrentIndex(0);
+            enter(autoriza());
+            enter(editor()->campo(lumERAsiento::kImporte));
+        }
+    }
+    QComboBox *autoriza() const { return m_doc->findChild<QComboBox *>(QStringLiteral("cfAutoriza")); }
+    QString primerAutorizador() const { return autoriza()->itemData(0).toString(); }
+
+    // A new entry typed with the keyboard alone: Ctrl+N, the header by Enter, a debit and a
+    // credit line.
+    void nuevoConTeclado(const QString &leyenda, const QString &debe, const QString &haber, const QString &importe)
+    {
+        QTest::keyClick(m_doc->grid(), Qt::Key_N, Qt::ControlModifier);
+        ASSERT_GT(m_doc->FilaEdicion(), 0);
+        ASSERT_TRUE(editorALaVista()) << editor()->geometry().top() << " " << editor()->isVisible() << " " << m_doc->grid()->viewport()->height();
+        ASSERT_EQ(foco(), m_doc->campoFecha()) << (foco() ? foco()->objectName().toStdString() : "none");
+        enter(m_doc->campoFecha());
+        enter(m_doc->listaLibros());
+        escribir(m_doc->campoLeyenda(), leyenda);
+        enter(m_doc->campoLeyenda());
+        if (foco() != editor()->campoCuenta(true)) {
+            auto *autoriza = m_doc->findChild<QComboBox *>(QStringLiteral("cfAutoriza"));
+            autoriza->setCurrentIndex(0);
+            enter(autoriza);
+        }
+        ASSERT_EQ(foco(), editor()->campoCuenta(true));
+        escribir(editor()->campoCuenta(true), debe);
+        enter(editor()->campoCuenta(true));
+        escribir(editor()->campo(lumERAsiento::kImporte), importe);
+        enter(editor()->campo(lumERAsiento::kImporte));
+        ASSERT_TRUE(editorALaVista());
+        enter(editor()->campoCuenta(true));
+        escribir(editor()->campoCuenta(false), haber);
+        enter(editor()->campoCuenta(false));
+        enter(editor()->campo(lumERAsiento::kImporte));
+    }
+
+    // A stored entry of the view with lines in pesos only, registered, dated before today.
+    qint32 asientoSimple()
+    {
+        const QList<qint32> candidatos = ids(QStringLiteral("AsiEstado = 1 And AsiTipo Between 1 And 5 And AsiVerificado Is Null"
+                                                           " And AsiID In (Select ACuIDAsiento From cceAsientoCuenta"
+                                                           " Group By ACuIDAsiento Having Count(*) = 2)"
+                                                           " And AsiID Not In (Select ACuIDAsiento From cceAsientoCuenta INNER JOIN"
+                                                           " cceCuentas ON CueID = ACuCuenta Where CueMoneda <> 1"
+                                                           " Or CueFechaCerrada Is Not Null)"));
+        for (qint32 id : candidatos)
+            if (filaDe(id) > 0 && m_doc->asientos().UltimaFilaAsiento(filaDe(id)) + 1 < m_doc->grilla().Filas() - 1)
+                return id;
+        if (candidatos.isEmpty())
+            return 0;
+        // None in the view: the last one is put above the first entry of the grid.
+        EXPECT_FALSE(CargarAsientoEnGrilla(m_doc->asientos(), *lumIngAsiento::ConexionCompartida(), candidatos.last(),
+                                           m_doc->grilla().FilasFijas()));
+        return candidatos.last();
+    }
+};
+
+TEST_P(Escenarios, DiezAsientosSeguidosConElTecladoEnUnaGrillaMasAltaQueLaVentana)
+{
+    vista(Vista::kPrimerMes);
+    ASSERT_GT(m_doc->grilla().Filas() * m_doc->grid()->rowHeight(0), m_doc->grid()->viewport()->height());
+    const qint32 antes = ultimoId();
+    for (int i = 1; i <= 10; ++i)
+        nuevoConTeclado(QStringLiteral("Venta %1").arg(i), QStringLiteral("1.1.01"), QStringLiteral("4.1.01"),
+                        QStringLiteral("%1").arg(i * 10));
+    EXPECT_TRUE(m_mensajes.mostrados.isEmpty()) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
+    const QList<qint32> nuevos = ids(QStringLiteral("AsiID > %1").arg(antes));
+    ASSERT_EQ(nuevos.size(), 10);
+    for (int i = 0; i < 10; ++i) {
+        const AsientoEnBase a = enBase(nuevos[i]);
+        EXPECT_EQ(a.cabezal.mid(0, 4), (QStringList{QStringLiteral("1"), QDate::currentDate().toString(Qt::ISODate),
+                                                   QStringLiteral("Venta %1").arg(i + 1), QString::number(Demo::kLibroDiario)}));
+        ASSERT_EQ(a.lineas.size(), 2);
+        EXPECT_EQ(a.lineas[0].mid(0, 5), (QStringList{QStringLiteral("1.1.01"), QStringLiteral("D"), QString::number((i + 1) * 10),
+                                                     QString::number((i + 1) * 10), QStringLiteral("1")}));
+        // Each line shows once: the header and two lines.
+        const QStringList filas = filasVistas(nuevos[i]);
+        ASSERT_EQ(filas.size(), 3) << filas.join(QLatin1Char('\n')).toStdString();
+        EXPECT_TRUE(filas[0].contains(QStringLiteral("Venta %1").arg(i + 1)));
+        EXPECT_TRUE(filas[0].contains(QStringLiteral("Diario")));
+    }
+    // The last entry typed is the current row, in view.
+    EXPECT_EQ(m_doc->grid()->FilaActual(), filaDe(nuevos.last()));
+}
+
+TEST_P(Escenarios, AbrirUnAsientoGuardadoYAceptarloSinCambiosNoCambiaNada)
+{
+    vista(Vista::kPrimerMes);
+    const qint32 id = asientoSimple();
+    ASSERT_GT(id, 0);
+    const AsientoEnBase antes = enBase(id);
+    const QStringList filasAntes = filasVistas(id);
+    abrir(filaDe(id));
+    // The header fields show the stored entry; the focus is on its date.
+    EXPECT_EQ(m_doc->campoLeyenda()->text(), antes.cabezal[2]);
+    EXPECT_EQ(m_doc->listaLibros()->currentData().toInt(), antes.cabezal[3].toInt());
+    EXPECT_EQ(foco(), m_doc->campoFecha());
+    EXPECT_TRUE(editorALaVista());
+    aceptarLinea();
+    EXPECT_EQ(m_doc->FilaEdicion(), 0);
+    EXPECT_TRUE(m_mensajes.mostrados.isEmpty()) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
+    AsientoEnBase despues = enBase(id);
+    if (antes.cabezal[4] == QLatin1String("0") || antes.cabezal[4] == QLatin1String("null")) {
+        EXPECT_EQ(despues.cabezal[4], primerAutorizador());
+        despues.cabezal[4] = antes.cabezal[4];
+    }
+    EXPECT_EQ(despues, antes);
+    EXPECT_NE(despues.sello, antes.sello);
+    EXPECT_EQ(filasVistas(id), filasAntes);
+    // Escape on the same entry leaves it as it was.
+    const AsientoEnBase aceptado = enBase(id);
+    abrir(filaDe(id));
+    escape(foco());
+    EXPECT_EQ(enBase(id), aceptado);
+    EXPECT_EQ(enBase(id).sello, aceptado.sello);
+    EXPECT_EQ(filasVistas(id), filasAntes);
+    // A single click after leaving selects; it does not open the entry again.
+    EXPECT_EQ(m_doc->grid()->FilaActual(), filaDe(id));
+}
+
+TEST_P(Escenarios, CambiarImporteFechaYLibroDeUnAsientoGuardado)
+{
+    vista(Vista::kPrimerMes);
+    const qint32 id = asientoSimple();
+    ASSERT_GT(id, 0);
+    const AsientoEnBase antes = enBase(id);
+
+    // Both lines to 1.234,50: the first line and then the second.
+    abrir(filaDe(id));
+    escribir(editor()->campo(lumERAsiento::kImporte), QLocale().toString(1234.5, 'f', 2));
+    aceptarLinea();
+    ASSERT_GT(m_doc->FilaEdicion(), 0); // unbalanced now: the edit stays open
+    escape(foco());
+    AsientoEnBase a = enBase(id);
+    EXPECT_EQ(a.cabezal[0], QStringLiteral("2")); // left unbalanced: incomplete
+    EXPECT_EQ(a.cabezal[2], antes.cabezal[2]);
+    abrir(filaDe(id) + 2);
+    escribir(editor()->campo(lumERAsiento::kImporte), QLocale().toString(1234.5, 'f', 2));
+    aceptarLinea();
+    EXPECT_EQ(m_doc->FilaEdicion(), 0);
+    a = enBase(id);
+    EXPECT_EQ(a.cabezal[2], antes.cabezal[2]);
+    ASSERT_EQ(a.lineas.size(), 2);
+    EXPECT_EQ(a.lineas[0][3], QStringLiteral("1234.5"));
+    EXPECT_EQ(a.lineas[1][3], QStringLiteral("1234.5"));
+    EXPECT_EQ(a.lineas[0][4], antes.lineas[0][4]); // the order of entry is kept
+    EXPECT_EQ(filasVistas(id).size(), 3);
+
+    // The date, typed and left with Tab, and the book.
+    abrir(filaDe(id));
+    const QDate nueva = QDate::fromString(antes.cabezal[1], Qt::ISODate).addDays(-1);
+    m_doc->campoFecha()->setDate(nueva);
+    QTest::keyClick(m_doc->campoFecha(), Qt::Key_Tab);
+    m_doc->listaLibros()->setCurrentIndex(m_doc->listaLibros()->findText(QStringLiteral("Ventas")));
+    aceptarLinea();
+    a = enBase(id);
+    EXPECT_EQ(a.cabezal[1], nueva.toString(Qt::ISODate));
+    EXPECT_EQ(a.cabezal[3], QStringLiteral("3"));
+    EXPECT_EQ(a.cabezal[2], antes.cabezal[2]);
+    EXPECT_TRUE(filasVistas(id).value(0).contains(QStringLiteral("Ventas")));
+    EXPECT_TRUE(m_mensajes.mostrados.isEmpty()) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
+}
+
+TEST_P(Escenarios, AgregarYBorrarUnaLinea)
+{
+    vista(Vista::kPrimerMes);
+    const qint32 id = asientoSimple();
+    ASSERT_GT(id, 0);
+    const AsientoEnBase antes = enBase(id);
+    // "Agregar cuenta": a third line, 100 at the debit, leaves the entry unbalanced.
+    m_doc->grid()->FijarFilaActual(filaDe(id) + 1);
+    m_doc->menus().accion(QStringLiteral("MnuEdiAddCta"))->trigger();
+    ASSERT_GT(m_doc->FilaEdicion(), 0);
+    EXPECT_TRUE(editorALaVista());
+    escribir(editor()->campoCuenta(true), QStringLiteral("1.1.02"));
+    enter(editor()->campoCuenta(true));
+    escribir(editor()->campo(lumERAsiento::kImporte), QStringLiteral("100"));
+    aceptarLinea();
+    escape(foco());
+    AsientoEnBase a = enBase(id);
+    ASSERT_EQ(a.lineas.size(), 3);
+    EXPECT_EQ(a.lineas[2][0], QStringLiteral("1.1.02"));
+    EXPECT_EQ(a.lineas[2][4], QString::number(antes.lineas[1][4].toInt() + 1)); // the next number
+    EXPECT_EQ(a.cabezal[0], QStringLiteral("2"));
+    EXPECT_EQ(a.cabezal[2], antes.cabezal[2]);
+
+    // The new line goes again (Delete on its row, Yes): balanced, as before.
+    int fila = -1;
+    for (int r = filaDe(id) + 1; r <= m_doc->asientos().UltimaFilaAsiento(filaDe(id)); ++r)
+        if (m_doc->asientos().LineaDeFila(r).sTextDisplay.contains(QStringLiteral("Caja chica")))
+            fila = r;
+    ASSERT_GT(fila, 0);
+    m_doc->grid()->FijarFilaActual(fila);
+    m_mensajes.Responder(ServicioMensajes::Respuesta::Si);
+    QTest::keyClick(m_doc->grid(), Qt::Key_Delete);
+    a = enBase(id);
+    EXPECT_EQ(a.lineas, antes.lineas);
+    EXPECT_EQ(a.cabezal[2], antes.cabezal[2]);
+    EXPECT_EQ(filasVistas(id).size(), 3); // balanced again: no proposal of a missing amount
+}
+
+TEST_P(Escenarios, UnaEscrituraRechazadaYEscapeMuestranElAsientoGuardado)
+{
+    vista(Vista::kPrimerMes);
+    const qint32 id = asientoSimple();
+    ASSERT_GT(id, 0);
+    const AsientoEnBase antes = enBase(id);
+    const QStringList filasAntes = filasVistas(id);
+    abrir(filaDe(id));
+    // Someone else saves the entry meanwhile.
+    m_base.conexion().Ejecutar(QStringLiteral("Update cceAsientos Set AsiFechaModificado = ? Where AsiID = ?"),
+                               {Conexion::ValorFechaHora(QDateTime(QDate(2030, 1, 1), QTime(1, 2, 3), Qt::UTC)), id});
+    const AsientoEnBase ajeno = enBase(id);
+    escribir(m_doc->campoLeyenda(), QStringLiteral("Cambio que no se guarda"));
+    aceptarLinea();
+    ASSERT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("error: Registro modificado con anterioridad.")});
+    EXPECT_GT(m_doc->FilaEdicion(), 0);
+    escape(foco());
+    EXPECT_EQ(m_doc->FilaEdicion(), 0);
+    EXPECT_EQ(m_mensajes.mostrados.size(), 1); // once
+    EXPECT_EQ(enBase(id), antes);
+    EXPECT_EQ(enBase(id).sello, ajeno.sello);
+    EXPECT_EQ(filasVistas(id), filasAntes);
+}
+
+TEST_P(Escenarios, AgendarDesdeUnaLineaNoTocaElAsientoSiguiente)
+{
+    vista(Vista::kPrimerMes);
+    const qint32 id = asientoSimple();
+    ASSERT_GT(id, 0);
+    const int fila = filaDe(id);
+    const int siguiente = m_doc->asientos().UltimaFilaAsiento(fila) + 1;
+    ASSERT_TRUE(m_doc->asientos().EsFilaCabezal(siguiente));
+    const qint32 idSiguiente = m_doc->grilla().Dato(siguiente, 0).toInt();
+    const QStringList filasSiguiente = filasVistas(idSiguiente);
+    const QString leyenda = enBase(id).cabezal[2];
+
+    abrir(fila);
+    m_doc->campoFecha()->setDate(QDate::currentDate().addDays(10));
+    QTest::keyClick(m_doc->campoFecha(), Qt::Key_Tab);
+    m_mensajes.Responder(ServicioMensajes::Respuesta::Si); // 1807: schedule it
+    aceptarLinea();
+    EXPECT_EQ(m_doc->FilaEdicion(), 0);
+    EXPECT_TRUE(enBase(id).cabezal.isEmpty()); // turned into a scheduled frequent entry
+    EXPECT_EQ(filaDe(id), -1);
+    EXPECT_EQ(filasVistas(idSiguiente), filasSiguiente);
+    auto rs = m_base.conexion().Abrir(QStringLiteral("Select MFrNombre From genMovimientosFrecuentes Order By MFrID Desc"));
+    ASSERT_FALSE(rs->Fin());
+    EXPECT_EQ(rs->Texto(QStringLiteral("MFrNombre")), leyenda);
+}
+
+TEST_P(Escenarios, RegistrarUnBorrador)
+{
+    vista(Vista::kRecienIngresados);
+    const QList<qint32> borradores = ids(QStringLiteral("AsiEstado = 0 And AsiFechaAsiento <= '%1'")
+                                             .arg(QDate::currentDate().toString(Qt::ISODate)));
+    ASSERT_FALSE(borradores.isEmpty());
+    const qint32 id = borradores.first();
+    if (filaDe(id) < 0)
+        ASSERT_FALSE(CargarAsientoEnGrilla(m_doc->asientos(), *lumIngAsiento::ConexionCompartida(), id, m_doc->grilla().Filas() - 1));
+    const AsientoEnBase antes = enBase(id);
+    m_doc->grid()->FijarFilaActual(filaDe(id));
+    m_doc->menus().accion(QStringLiteral("MnuEdiSaveNormal"))->trigger();
+    const AsientoEnBase a = enBase(id);
+    EXPECT_EQ(a.cabezal[0], QStringLiteral("1"));
+    EXPECT_EQ(a.cabezal.mid(1), antes.cabezal.mid(1));
+    EXPECT_EQ(a.lineas, antes.lineas);
+    EXPECT_EQ(m_doc->grilla().Dato(filaDe(id), 3).toInt(), 1);
+}
+
+// Writes an entry of the opening-balance book straight into the database: 1.1.01 against
+// 3.1.01 for 5000, in the given state; answers its id.
+qint32 AsientoDeSaldosIniciales(Conexion &c, qint16 estado)
+{
+    AsientoDatos datos(c);
+    datos.Cabezal().Empresa = Demo::kEmpresa;
+    datos.Cabezal().Estado = estado;
+    datos.Cabezal().Fecha = QDate(QDate::currentDate().year(), 1, 1);
+    datos.Cabezal().Leyenda = QStringLiteral("Asiento de Saldos Iniciales");
+    datos.Cabezal().Libro = Demo::kLibroPrimeraApertura;
+    auto cuenta = [&](const char *codigo) {
+        auto rs = c.Abrir(QStringLiteral("Select CueID From cceCuentas Where CueCodigo = ?"), {QString::fromLatin1(codigo)});
+        return qint32(rs->Entero(QStringLiteral("CueID")));
+    };
+    LineaDatos debe{cuenta("1.1.01"), 0, 0, true, 5000, 1, 5000};
+    LineaDatos haber{cuenta("3.1.01"), 0, 0, false, estado == EstadoAsiento::kInconcluso ? 4000 : 5000, 1,
+                     estado == EstadoAsiento::kInconcluso ? 4000 : 5000};
+    datos.Lineas() = {debe, haber};
+    return datos.GrabarTodo();
+}
+
+TEST_P(Escenarios, ElAsientoDeSaldosInicialesConservaSuLibro)
+{
+    const qint32 id = AsientoDeSaldosIniciales(m_base.conexion(), EstadoAsiento::kRegistrado);
+    ASSERT_GT(id, 0);
+    ASSERT_FALSE(CargarAsientoEnGrilla(m_doc->asientos(), *lumIngAsiento::ConexionCompartida(), id, m_doc->grilla().Filas() - 1));
+    const AsientoEnBase antes = enBase(id);
+    abrir(filaDe(id));
+    ASSERT_GT(m_doc->FilaEdicion(), 0);
+    EXPECT_FALSE(m_doc->listaLibros()->isVisible());
+    escribir(m_doc->campoLeyenda(), QStringLiteral("Saldos al inicio de actividad"));
+    aceptarLinea();
+    EXPECT_EQ(m_doc->FilaEdicion(), 0);
+    const AsientoEnBase a = enBase(id);
+    EXPECT_EQ(a.cabezal[3], QString::number(Demo::kLibroPrimeraApertura));
+    EXPECT_EQ(a.cabezal[2], QStringLiteral("Saldos al inicio de actividad"));
+    EXPECT_EQ(a.lineas, antes.lineas);
+    EXPECT_TRUE(filasVistas(id).value(0).contains(QStringLiteral("Primera apertura")));
+}
+
+// An incomplete entry of the opening-balance book that comes to balance becomes the
+// opening-balance entry; with one already there, it takes another book after 1836.
+TEST_P(Escenarios, UnInconclusoDelLibroDeSaldosInicialesAlCerrar)
+{
+    for (const bool yaExiste : {false, true}) {
+        if (yaExiste)
+            ASSERT_GT(AsientoDeSaldosIniciales(m_base.conexion(), EstadoAsiento::kRegistrado), 0);
+        const qint32 id = AsientoDeSaldosIniciales(m_base.conexion(), EstadoAsiento::kInconcluso);
+        ASSERT_GT(id, 0);
+        ASSERT_FALSE(CargarAsientoEnGrilla(m_doc->asientos(), *lumIngAsiento::ConexionCompartida(), id, m_doc->grilla().Filas() - 1));
+        abrir(filaDe(id) + 2); // the credit line of 4000
+        escribir(editor()->campo(lumERAsiento::kImporte), QStringLiteral("5000"));
+        m_mensajes.mostrados.clear();
+        if (yaExiste)
+            m_mensajes.Responder(ServicioMensajes::Respuesta::Si);
+        aceptarLinea();
+        EXPECT_EQ(m_doc->FilaEdicion(), 0);
+        const AsientoEnBase a = enBase(id);
+        EXPECT_EQ(a.cabezal[0], QStringLiteral("1"));
+        if (yaExiste) {
+            ASSERT_EQ(m_mensajes.mostrados.size(), 1);
+            EXPECT_TRUE(m_mensajes.mostrados[0].startsWith(QStringLiteral("pregunta: Ya existe el asiento de saldos iniciales")));
+            EXPECT_TRUE(m_mensajes.mostrados[0].contains(QStringLiteral("con el libro 'Diario'.")));
+            EXPECT_EQ(a.cabezal[3], QString::number(Demo::kLibroDiario));
+        } else {
+            EXPECT_TRUE(m_mensajes.mostrados.isEmpty()) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
+            EXPECT_EQ(a.cabezal[3], QString::number(Demo::kLibroPrimeraApertura));
+        }
+        escape(m_doc->grid());
+        m_mensajes.mostrados.clear();
+        // Leaving the opening-balance entry as the only one for the second round.
+        if (!yaExiste)
+            m_base.conexion().Ejecutar(QStringLiteral("Update cceAsientos Set AsiEstado = 9 Where AsiID = ?"), {id});
+    }
+}
+
+TEST_P(Escenarios, CopiarUnAsientoConUnaCuentaCerradaInformaYNoCopia)
+{
+    const QList<qint32> conCerrada = ids(QStringLiteral("AsiEstado = 1 And AsiID In (Select ACuIDAsiento From cceAsientoCuenta"
+                                                        " INNER JOIN cceCuentas ON CueID = ACuCuenta"
+                                                        " Where CueFechaCerrada >= AsiFechaAsiento)"));
+    ASSERT_FALSE(conCerrada.isEmpty());
+    const qint32 id = conCerrada.first();
+    ASSERT_FALSE(CargarAsientoEnGrilla(m_doc->asientos(), *lumIngAsiento::ConexionCompartida(), id, m_doc->grilla().Filas() - 1));
+    const qint32 ultimo = ultimoId();
+    m_doc->grid()->FijarFilaActual(filaDe(id));
+    m_mensajes.Responder(ServicioMensajes::Respuesta::Si);
+    m_doc->menus().accion(QStringLiteral("MnuEdiCopy"))->trigger();
+    EXPECT_EQ(m_mensajes.mostrados, (QStringList{QStringLiteral("pregunta: ¿Confirma hacer una copia de este asiento?"),
+                                                 QStringLiteral("información: No se logro copiar el asiento ya que existen cuentas cerradas.")}));
+    EXPECT_EQ(m_mensajes.titulosPreguntas, QStringList{QStringLiteral("Copiar Asiento")});
+    EXPECT_EQ(ultimoId(), ultimo);
+}
+
+// Every entry of the demo, opened and accepted unchanged, stays as it was but for its stamp.
+// An entry stored without a book is offered the default book, and takes it.
+TEST_P(Escenarios, CadaAsientoDeLaDemoAbiertoYAceptadoSinCambiosQuedaIgual)
+{
+    const QList<qint32> todos = ids(QStringLiteral("AsiEstado <> 9"));
+    ASSERT_GT(todos.size(), 300);
+    int escritos = 0;
+    for (qint32 id : todos) {
+        m_doc->ElegirVista(Vista::kUltimos5);
+        ASSERT_FALSE(CargarAsientoEnGrilla(m_doc->asientos(), *lumIngAsiento::ConexionCompartida(), id, m_doc->grilla().Filas() - 1));
+        AsientoEnBase antes = enBase(id);
+        if (QDate::fromString(antes.cabezal[1], Qt::ISODate) > QDate::currentDate())
+            m_mensajes.Responder(ServicioMensajes::Respuesta::No); // 1807: do not schedule it
+        m_mensajes.mostrados.clear();
+        aceptarSinCambios(id);
+        const AsientoEnBase despues = enBase(id);
+        if (despues.sello != antes.sello) {
+            if (antes.cabezal[3] == QLatin1String("null"))
+                antes.cabezal[3] = QString::number(Demo::kLibroDiario);
+            if (antes.cabezal[4] == QLatin1String("0") || antes.cabezal[4] == QLatin1String("null"))
+                antes.cabezal[4] = primerAutorizador();
+        }
+        EXPECT_EQ(despues, antes) << "asiento " << id << " " << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
+        escritos += despues.sello != antes.sello ? 1 : 0;
+    }
+    // Refusals (closed accounts, a locked opening-balance entry) write nothing; the rest are
+    // written.
+    EXPECT_GT(escritos, todos.size() * 9 / 10);
+}
+
+INSTANTIATE_TEST_SUITE_P(Motores, Escenarios, ::testing::ValuesIn(MotoresDePrueba()),
+                         [](const ::testing::TestParamInfo<Motor> &i) { return NombreMotor(i.param).toStdString(); });
+
+} // namespace
