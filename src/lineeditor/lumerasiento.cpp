@@ -55,8 +55,9 @@ lumERAsiento::lumERAsiento(ContextoLinea contexto, QWidget *padre)
     connect(ocImporte, &QLineEdit::editingFinished, this, [this] { CampoCalculoTerminado(1); });
     connect(ocTCambio, &QLineEdit::editingFinished, this, [this] { CampoCalculoTerminado(2); });
     connect(ocImporteMC, &QLineEdit::editingFinished, this, [this] { CampoCalculoTerminado(3); });
+    // Queued: the message comes once the focus has moved, not from inside the focus change.
     for (CampoCalculadora *c : {ocImporte, ocTCambio, ocImporteMC})
-        connect(c, &CampoCalculadora::TextoInvalido, this, [this, c] { RechazarNumero(c); });
+        connect(c, &CampoCalculadora::TextoInvalido, this, [this, c] { RechazarNumero(c); }, Qt::QueuedConnection);
 
     InitRegistro();
     acomodar();

@@ -621,9 +621,21 @@ void lumIngAsiento::UnificarTC(bool bMonedaCuenta)
             propuesta = 1 / propuesta;
         const QString mascara = Monedas().DatoMoneda(moneda, 5).toString();
         propuesta = RedondearConMascara(propuesta, mascara);
+        // The rate is asked for as the line editor shows it, 1 or more; a currency worth less
+        // than the accounting currency is applied with "/" (a yen at 0.25 is "/ 4"). The
+        // entry's own rate tells which, or the quotation when the entry has none.
+        double factor = m_asientos.BuscarTCMonedaCuenta(moneda);
+        if (factor <= 0)
+            factor = BuscarTipoCambio(*ConexionCompartida(), moneda, mc, m_empresa.tipoTCComprobantes,
+                                      m_asientos.Cabezal.AsiFechaAsiento, fechaCotizacion, reglas)
+                         .aDouble();
+        const bool divide = factor > 0 && factor < 1;
         double tasa = propuesta;
-        if (m_entorno.mensajes->PedirNumero(Idioma::resLoad(111), Idioma::resLoad(112), tasa) && tasa > 0)
-            AplicarTC(bMonedaCuenta, RedondearConMascara(tasa, mascara), moneda);
+        if (m_entorno.mensajes->PedirNumero(Idioma::resLoad(111), Idioma::resLoad(112), tasa) && tasa > 0) {
+            tasa = RedondearConMascara(tasa, mascara);
+            if (tasa > 0)
+                AplicarTC(bMonedaCuenta, divide ? 1 / tasa : tasa, moneda);
+        }
     } catch (const ErrorBaseDatos &e) {
         errorTexto(1934, DetalleError(e.numero(), e.descripcion()));
     }

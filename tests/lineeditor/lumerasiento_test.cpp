@@ -181,6 +181,7 @@ TEST_F(EditorDeLinea, ElContenedorDaLaTasa)
     });
     m_editor->SetCuenta(true, 11, 0, 0, 2, QStringLiteral("1.1.02 - Banco U$S"), QDate());
     m_editor->setMonedaCombo(1);
+    m_editor->SetFocusCtrl(lumERAsiento::kImporte, 0); // as the document starts a line: the rate fields enabled
     emit m_editor->listaMonedas()->activated(m_editor->listaMonedas()->currentIndex());
     // The container's 40 is pesos a dollar: in pesos, dollars = pesos / 40, shown as the
     // quotations' answer is, never as "/ 0.025" (4000 pesos would be 160000 dollars).
@@ -209,6 +210,7 @@ TEST_F(EditorDeLinea, ElContenedorDaLaTasaDeUnaMonedaMenor)
     });
     m_editor->SetCuenta(true, 16, 0, 0, 3, QStringLiteral("1.1.06 - Caja Yenes"), QDate());
     m_editor->setMonedaCombo(1);
+    m_editor->SetFocusCtrl(lumERAsiento::kImporte, 0);
     QComboBox *lista = m_editor->listaMonedas();
     emit lista->activated(lista->currentIndex());
     EXPECT_DOUBLE_EQ(m_editor->ImporteTC(), 4);
@@ -318,6 +320,7 @@ TEST_F(EditorDeLinea, ImporteQueNoEsNumeroSeRechaza)
     importe->selectAll();
     QTest::keyClicks(importe, QStringLiteral("12,5,0"));
     QTest::keyClick(importe, Qt::Key_Tab);
+    QCoreApplication::processEvents(); // the refusal comes once the focus has moved
     EXPECT_EQ(m_mensajes.mostrados, QStringList{rechazo});
     EXPECT_EQ(QApplication::focusWidget(), importe);
 
@@ -344,6 +347,7 @@ TEST_F(EditorDeLinea, TasaRechazadaYEditorOcultoSinMensaje)
 
     // Leaving the refused rate for the amount brings the focus back to it.
     campo(lumERAsiento::kImporte)->setFocus();
+    QCoreApplication::processEvents();
     EXPECT_EQ(m_mensajes.mostrados.size(), 2);
     EXPECT_EQ(QApplication::focusWidget(), campo(lumERAsiento::kTCambio));
     // Enter in the amount with the rate refused: the line is not taken, the rate is refused.
@@ -361,6 +365,7 @@ TEST_F(EditorDeLinea, TasaRechazadaYEditorOcultoSinMensaje)
     importe->selectAll();
     QTest::keyClicks(importe, QStringLiteral("1.2.3"));
     m_editor->hide();
+    QCoreApplication::processEvents();
     EXPECT_EQ(m_mensajes.mostrados.size(), 3);
 }
 

@@ -384,6 +384,60 @@ TEST_P(Escenarios, UnInconclusoDelLibroDeSaldosInicialesAlCerrar)
     }
 }
 
+// A stamp stored without milliseconds ("…10:00:00") is the stamp read: the write goes through.
+TEST_P(Escenarios, UnSelloSinMilisegundosNoImpideGuardar)
+{
+    vista(Vista::kPrimerMes);
+    const qint32 id = asientoSimple();
+    ASSERT_GT(id, 0);
+    const QString sello = QStringLiteral("2026-01-02 10:00:00");
+    m_base.conexion().Ejecutar(QStringLiteral("Update cceAsientos Set AsiFechaModificado = '%1' Where AsiID = %2").arg(sello).arg(id));
+    m_doc->grilla().QuitarFilas(filaDe(id), m_doc->asientos().UltimaFilaAsiento(filaDe(id)) - filaDe(id) + 1);
+    ASSERT_FALSE(CargarAsientoEnGrilla(m_doc->asientos(), *lumIngAsiento::ConexionCompartida(), id, m_doc->grilla().FilasFijas()));
+    abrir(filaDe(id));
+    escribir(m_doc->campoLeyenda(), QStringLiteral("Leyenda corregida"));
+    aceptarLinea();
+    EXPECT_TRUE(m_mensajes.mostrados.isEmpty()) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
+    EXPECT_EQ(enBase(id).cabezal[2], QStringLiteral("Leyenda corregida"));
+}
+
+// A verified entry keeps its authoriser: the list is locked; an unverified one's is not.
+TEST_P(Escenarios, ElAutorizadorDeUnAsientoVerificadoNoSeCambia)
+{
+    const QList<qint32> verificados = ids(QStringLiteral("AsiVerificado In (1, 2) And AsiEstado = 1"));
+    const QList<qint32> otros = ids(QStringLiteral("AsiVerificado Is Null And AsiEstado = 1"));
+    ASSERT_FALSE(verificados.isEmpty());
+    ASSERT_FALSE(otros.isEmpty());
+    for (const qint32 id : {verificados.first(), otros.first()}) {
+        ASSERT_FALSE(CargarAsientoEnGrilla(m_doc->asientos(), *lumIngAsiento::ConexionCompartida(), id, m_doc->grilla().Filas() - 1));
+        abrir(filaDe(id));
+        ASSERT_GT(m_doc->FilaEdicion(), 0);
+        EXPECT_EQ(autoriza()->isEnabled(), id != verificados.first()) << "asiento " << id;
+        escape(foco());
+    }
+}
+
+// The date is typed whole and left with Tab: the line editor takes it at once, so a dollar
+// account gets that day's rate, not today's.
+TEST_P(Escenarios, LaFechaEscritaYDejadaConTabLlegaAlEditorDeLinea)
+{
+    QTest::keyClick(m_doc->grid(), Qt::Key_N, Qt::ControlModifier);
+    ASSERT_EQ(foco(), m_doc->campoFecha());
+    escribir(m_doc->campoFecha(), QStringLiteral("31 12 2025"));
+    QTest::keyClick(m_doc->campoFecha(), Qt::Key_Tab);
+    EXPECT_EQ(m_doc->campoFecha()->date(), QDate(2025, 12, 31));
+    EXPECT_EQ(editor()->FechaAsiento(), QDate(2025, 12, 31));
+    // A day the month lacks is refused and changes nothing.
+    m_doc->campoFecha()->setFocus();
+    escribir(m_doc->campoFecha(), QStringLiteral("31/11/2025"));
+    QTest::keyClick(m_doc->campoFecha(), Qt::Key_Tab);
+    QApplication::processEvents();
+    EXPECT_EQ(m_doc->campoFecha()->date(), QDate(2025, 12, 31));
+    EXPECT_EQ(foco(), m_doc->campoFecha());
+    EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("error: La fecha ingresada no es válida.")});
+    escape(foco());
+}
+
 TEST_P(Escenarios, CopiarUnAsientoConUnaCuentaCerradaInformaYNoCopia)
 {
     const QList<qint32> conCerrada = ids(QStringLiteral("AsiEstado = 1 And AsiID In (Select ACuIDAsiento From cceAsientoCuenta"

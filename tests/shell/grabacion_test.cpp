@@ -277,6 +277,41 @@ TEST_P(Grabacion, UnificarLaTasaDeLosDolares)
     EXPECT_EQ(m_mensajes.mostrados.size(), 2) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
 }
 
+// A currency worth less than the accounting one: ¥1000 booked at 250 pesos is "/ 4". The
+// rate is asked for and applied the same way: "/ 5" makes it 200, never 5000.
+TEST_P(Grabacion, UnificarLaTasaDeUnaMonedaQueValeMenosQueUnPeso)
+{
+    Conexion &c = m_base.conexion();
+    c.Ejecutar(QStringLiteral("Insert Into genMonedas (MonID, MonSimbolo, MonNombre, MonCotizaEn, MonRedondeo, MonFormatoCotizacion,"
+                              " MonTipo) Values (6, '¥', 'Yenes', 1, '#,##0', '#,##0.000', 1)"));
+    c.Ejecutar(QStringLiteral("Insert Into cceCuentas (CueID, CueIDEmpresa, CueCodigo, CueNombre, CueMoneda, CueEsCarpeta, CueTipo)"
+                              " Values (9001, 1, '1.1.90', 'Caja en yenes', 6, 0, 1), (9002, 1, '1.1.91', 'Banco en yenes', 6, 0, 1)"));
+    AsientoDatos d(c);
+    d.Cabezal().Empresa = 1;
+    d.Cabezal().Estado = 1;
+    d.Cabezal().Fecha = BaseDePrueba::Hoy().addDays(-10);
+    d.Cabezal().Leyenda = QStringLiteral("Yenes al banco");
+    d.Lineas() = {LineaDatos{9001, 0, 0, true, 1000, 0.25, 250}, LineaDatos{9002, 0, 0, false, 1000, 0.25, 250}};
+    const qint32 id = d.GrabarTodo();
+    ASSERT_GT(id, 0);
+    auto doc = abrir();
+    mostrarUltimos(*doc);
+    ASSERT_GT(filaDe(*doc, id), 0);
+    doc->grid()->FijarFilaActual(filaDe(*doc, id) + 1);
+    m_mensajes.ResponderNumero(5);
+    doc->UnificarTC(false);
+    ASSERT_EQ(m_mensajes.mostrados.size(), 1) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
+    EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientoCuenta Where ACuIDAsiento = %1 And ACuImporteMC = 200"
+                                    " And (ACuDebe = 1000 Or AcuHaber = 1000)").arg(id)), 2);
+
+    // "a la moneda de la cuenta" keeps the pesos: 200 pesos at "/ 8" are ¥1600.
+    doc->grid()->FijarFilaActual(filaDe(*doc, id) + 1);
+    m_mensajes.ResponderNumero(8);
+    doc->UnificarTC(true);
+    EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientoCuenta Where ACuIDAsiento = %1 And ACuImporteMC = 200"
+                                    " And (ACuDebe = 1600 Or AcuHaber = 1600)").arg(id)), 2);
+}
+
 INSTANTIATE_TEST_SUITE_P(Motores, Grabacion, ::testing::ValuesIn(MotoresDePrueba()),
                          [](const ::testing::TestParamInfo<Motor> &i) { return NombreMotor(i.param).toStdString(); });
 
