@@ -1,7 +1,4 @@
-#include "comun/basesprueba.h"
-#include "comun/hostdeprueba.h"
-#include "comun/mensajesguionados.h"
-#include "documentodeprueba.h"
+#include "escenario.h"
 
 #include "entries/asientodatos.h"
 #include "entries/vsgrid.h"
@@ -9,6 +6,7 @@
 #include "lineeditor/lumerasiento.h"
 #include "services/serviciobusquedacuentas.h"
 #include "shell/lumingasiento.h"
+#include "lineeditor/campofecha.h"
 #include "shell/menusdocumento.h"
 
 #include <QAction>
@@ -17,7 +15,6 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QDir>
-#include "lineeditor/campofecha.h"
 #include <QLineEdit>
 #include <QTemporaryDir>
 #include <QTest>
@@ -26,50 +23,9 @@
 
 namespace {
 
-// The exact code the user types, as the search answers it without its dialog.
-class BusquedaExacta final : public ServicioBusquedaCuentas
-{
-public:
-    bool Buscar(Conexion &conexion, qint32 empresa, const QString &texto, CuentaElegida &c, QWidget *) override
-    {
-        const auto coinciden = BusquedaCuentasQt::Coincidencias(BusquedaCuentasQt::Cuentas(conexion, empresa), texto);
-        if (coinciden.size() != 1)
-            return false;
-        c = {coinciden.first().id, 0, 0};
-        return true;
-    }
-};
-
-class Edicion : public ::testing::TestWithParam<Motor>
+class Edicion : public Escenario
 {
 protected:
-    Edicion()
-        : m_base(GetParam(), BaseDePrueba::Contenido::Demo)
-    {
-        OlvidarEmpresaDelProceso();
-        m_host.base = QStringLiteral("x?psidusuario=1|psidempresa=1|psckey=lum01|pskeyinit=1|pstempdir=") + m_carpeta.path();
-        EntornoDocumento d;
-        d.host = &m_host;
-        d.mensajes = &m_mensajes;
-        d.busquedaCuentas = &m_busqueda;
-        d.ajustes.archivoAjustes = m_carpeta.filePath(QStringLiteral("a.ini"));
-        d.ajustes.baseDatos = m_base.direccion();
-        m_doc = std::make_unique<lumIngAsiento>(std::move(d));
-        m_doc->resize(1000, 600);
-        m_doc->show();
-        m_doc->Iniciar();
-        QApplication::setActiveWindow(m_doc.get());
-    }
-
-    void enter(QWidget *w) { QTest::keyClick(w, Qt::Key_Return); }
-    void escribir(QWidget *w, const QString &t)
-    {
-        if (auto *e = qobject_cast<QLineEdit *>(w))
-            e->selectAll();
-        QTest::keyClicks(w, t);
-    }
-    QWidget *foco() const { return QApplication::focusWidget(); }
-
     QList<QStringList> lineasEnBase(qint32 id)
     {
         QList<QStringList> l;
@@ -81,19 +37,6 @@ protected:
                              QString::number(rs->Numero(QStringLiteral("ACuImporteMC"))), rs->Texto(QStringLiteral("ACuOrden"))};
         return l;
     }
-
-    qint32 ultimoId()
-    {
-        auto rs = m_base.conexion().Abrir(QStringLiteral("Select Max(AsiID) From cceAsientos"));
-        return QVariant(rs->Campo(0)).toInt();
-    }
-
-    BaseDePrueba m_base;
-    QTemporaryDir m_carpeta;
-    HostDePrueba m_host;
-    MensajesGuionados m_mensajes;
-    BusquedaExacta m_busqueda;
-    std::unique_ptr<lumIngAsiento> m_doc;
 };
 
 TEST_P(Edicion, UnAsientoNuevoSoloConElTeclado)
