@@ -40,14 +40,24 @@ void AsientosGrilla::CierreAsiento(bool &bDebeMenor, double &cDiferenciaMC, doub
         }
     }
 
-    // The sums are compared as the user sees them: printed with the currency's amount mask,
-    // so differences below the mask's last decimal do not count and a blank mask,
-    // which prints every decimal, lets none pass.
-    const Mascara mascaraMC(mascaraImporte(0));
-    const Mascara mascaraME(monedaExtranjera ? mascaraImporte(monedaExtranjera) : mascaraMC.texto());
-    bCierra = lineasDebe > 0 && lineasHaber > 0
-           && mascaraMC.Formatear(debeMC.aDouble()) == mascaraMC.Formatear(haberMC.aDouble())
-           && mascaraME.Formatear(debeME.aDouble()) == mascaraME.Formatear(haberME.aDouble());
+    // The sums are compared as the user sees them, printed with the currency's amount mask,
+    // so differences below the mask's last decimal do not count. A mask with digits prints
+    // two sums alike exactly when they round alike to its decimals, which is cheaper to ask;
+    // any other mask is printed: a blank one shows every decimal and lets no difference pass.
+    auto igualesImpresos = [this](qint16 moneda, Importe a, Importe b) {
+        const QString mascara = mascaraImporte(moneda);
+        bool valida = false;
+        for (QChar c : mascara)
+            valida = valida || c == u'#' || c == u'0' || c == u'.' || c == u',';
+        if (valida) {
+            const int decimales = std::min(decimalesImporte(moneda), 4);
+            return a.RedondeadoA(decimales) == b.RedondeadoA(decimales);
+        }
+        const Mascara m(mascara);
+        return m.Formatear(a.aDouble()) == m.Formatear(b.aDouble());
+    };
+    bCierra = lineasDebe > 0 && lineasHaber > 0 && igualesImpresos(0, debeMC, haberMC)
+           && igualesImpresos(monedaExtranjera, debeME, haberME);
     if (bCierra)
         return;
     if (debeMC < haberMC) {

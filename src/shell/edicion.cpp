@@ -369,7 +369,10 @@ bool lumIngAsiento::reglaTasas(RegistroLinea &linea)
         return true;
     const double usada = m_asientos.BuscarTCMonedaCuenta(linea.iMon);
     const QString mascara = Monedas().DatoMoneda(linea.iMon, 5).toString();
-    auto redondo = [&](double t) { return RedondearConMascara(t, QStringLiteral("#,##0.000")); };
+    // Rates are compared, shown and rounded as the line editor shows them: a factor below 1
+    // as its reciprocal (a yen at 0.25 is "/ 4").
+    auto mostrada = [](double f) { return f > 0 && f < 1 ? 1 / f : f; };
+    auto redondo = [&](double t) { return RedondearConMascara(mostrada(t), QStringLiteral("#,##0.000")); };
     if (usada == 0 || redondo(usada) == redondo(linea.dTCambio))
         return true;
 
@@ -389,16 +392,16 @@ bool lumIngAsiento::reglaTasas(RegistroLinea &linea)
     const double promedio = sumaME != 0 ? sumaMC / sumaME : linea.dTCambio;
     const Mascara tres(QStringLiteral("#,##0.000"));
     QString pregunta = texto(1832);
-    pregunta.replace(QLatin1String("[p]"), tres.Formatear(linea.dTCambio));
-    pregunta.replace(QLatin1String("[p1]"), tres.Formatear(promedio));
-    pregunta.replace(QLatin1String("[p2]"), tres.Formatear(usada));
+    pregunta.replace(QLatin1String("[p]"), tres.Formatear(mostrada(linea.dTCambio)));
+    pregunta.replace(QLatin1String("[p1]"), tres.Formatear(mostrada(promedio)));
+    pregunta.replace(QLatin1String("[p2]"), tres.Formatear(mostrada(usada)));
     const auto respuesta = m_entorno.mensajes->Preguntar(pregunta, ServicioMensajes::Botones::SiNoCancelar);
     double nueva = linea.dTCambio;
     if (respuesta == ServicioMensajes::Respuesta::No)
         nueva = promedio;
     else if (respuesta == ServicioMensajes::Respuesta::Cancelar)
         nueva = usada;
-    nueva = RedondearConMascara(nueva, mascara);
+    nueva = nueva > 0 && nueva < 1 ? 1 / RedondearConMascara(1 / nueva, mascara) : RedondearConMascara(nueva, mascara);
     const bool mantenerMC = respuesta != ServicioMensajes::Respuesta::Cancelar && preguntarTexto(1833);
     const QString mascaraMC = Monedas().DatoMoneda(0, 4).toString();
     const QString mascaraME = Monedas().DatoMoneda(linea.iMon, 4).toString();
