@@ -18,6 +18,8 @@ public:
     virtual void FijarIdioma(int idioma) = 0;
     // Title of every message box (text 1000 of the catalogue).
     virtual void FijarTitulo(const QString &titulo) = 0;
+    // What PedirNumero says of a typed text that is no number (catalogue text 1950).
+    virtual void FijarTextoNumeroInvalido(const QString &texto) { Q_UNUSED(texto) }
 
     // A question; an empty titulo uses the application title.
     virtual Respuesta Preguntar(const QString &texto, Botones botones, const QString &titulo = QString()) = 0;

@@ -1,5 +1,7 @@
 #include "serviciomensajesqt.h"
 
+#include "currency/mascara.h"
+
 #include <QInputDialog>
 #include <QMessageBox>
 #include <QPushButton>
@@ -89,19 +91,26 @@ bool ServicioMensajesQt::PedirNumero(const QString &texto, const QString &titulo
         escribir(QStringLiteral("pedido"), texto);
         return false;
     }
+    // The number is typed as text and read by the amounts' rule (either decimal mark, groups
+    // of three only); a text that is no number is refused and asked for again.
     QInputDialog dialogo(m_padre);
     dialogo.setWindowTitle(titulo);
     dialogo.setLabelText(paraMostrar(texto));
-    dialogo.setInputMode(QInputDialog::DoubleInput);
-    dialogo.setDoubleDecimals(4);
-    dialogo.setDoubleRange(0, 1e12);
-    dialogo.setDoubleValue(valor);
+    dialogo.setInputMode(QInputDialog::TextInput);
+    dialogo.setTextValue(QLocale().toString(valor, 'f', 4));
     dialogo.setOkButtonText(boton(kAceptar));
     dialogo.setCancelButtonText(boton(kCancelar));
-    if (dialogo.exec() != QDialog::Accepted)
-        return false;
-    valor = dialogo.doubleValue();
-    return true;
+    for (;;) {
+        if (dialogo.exec() != QDialog::Accepted || dialogo.textValue().trimmed().isEmpty())
+            return false;
+        double leido = 0;
+        if (LeerNumero(dialogo.textValue().trimmed(), leido) && leido >= 0) {
+            valor = leido;
+            return true;
+        }
+        if (!m_numeroInvalido.isEmpty())
+            Advertir(m_numeroInvalido);
+    }
 }
 
 void ServicioMensajesQt::MostrarError(const QString &texto, const QString &titulo, const QString &detalle)

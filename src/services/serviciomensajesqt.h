@@ -15,6 +15,7 @@ public:
 
     void FijarIdioma(int idioma) override { m_idioma = idioma; }
     void FijarTitulo(const QString &titulo) override { m_titulo = titulo; }
+    void FijarTextoNumeroInvalido(const QString &texto) override { m_numeroInvalido = texto; }
 
     Respuesta Preguntar(const QString &texto, Botones botones, const QString &titulo = QString()) override;
     void Advertir(const QString &texto) override;
@@ -30,4 +31,5 @@ private:
     bool m_desatendido = false;
     int m_idioma = 1;
     QString m_titulo = QStringLiteral("Ingreso de Asientos");
+    QString m_numeroInvalido;
 };

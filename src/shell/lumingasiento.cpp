@@ -583,6 +583,7 @@ void lumIngAsiento::ConfigUsuario(bool guardar)
 void lumIngAsiento::AsignarTextos()
 {
     m_entorno.mensajes->FijarTitulo(Idioma::resLoad(0));
+    m_entorno.mensajes->FijarTextoNumeroInvalido(Idioma::resLoad(950));
     m_menus->AsignarTextos([](int n) { return Idioma::resLoad(n); });
     hlRegistro->setText(Idioma::resLoad(10));
     hlAsientoFrecuente->setText(Idioma::resLoad(11));
