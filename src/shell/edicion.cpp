@@ -5,6 +5,7 @@
 #include "lumhiperlink.h"
 #include "menusdocumento.h"
 #include "currency/catalogomonedas.h"
+#include "currency/importe.h"
 #include "currency/mascara.h"
 #include "entries/vistas.h"
 #include "entries/vsgrid.h"
@@ -210,8 +211,10 @@ void lumIngAsiento::cargarLineaEnEditor(int fila)
     bool debeMenor = false, cierra = false;
     double mc = 0, me = 0;
     m_asientos.CierreAsiento(debeMenor, mc, me, cierra);
+    // The missing amount is proposed as an amount: to the cent of the fixed-point type, not
+    // with the noise of the sums (99.99999999999999).
     if (!cierra)
-        oraEdit->SetDiferencia(debeMenor, me != 0 ? me : mc);
+        oraEdit->SetDiferencia(debeMenor, Importe::DesdeDouble(me != 0 ? me : mc).aDouble());
     RegistroLinea l = m_asientos.LineaDeFila(fila);
     if (l.lCta > 0) {
         // A foreign line shows the rate the entry uses for its currency.
@@ -312,8 +315,9 @@ bool lumIngAsiento::eventFilter(QObject *objeto, QEvent *evento)
     if (evento->type() == QEvent::KeyPress
         && (objeto == odDate || objeto == cfTipo || objeto == tLeyenda || objeto == cfAutoriza))
         return teclaEnCabezal(objeto, static_cast<QKeyEvent *>(evento));
-    if (evento->type() == QEvent::FocusIn && (objeto == tLeyenda))
-        QMetaObject::invokeMethod(tLeyenda, &QLineEdit::selectAll, Qt::QueuedConnection);
+    // The date and the legend are typed over: on focus their whole text is selected.
+    if (evento->type() == QEvent::FocusIn && (objeto == tLeyenda || objeto == odDate))
+        QMetaObject::invokeMethod(static_cast<QLineEdit *>(objeto), &QLineEdit::selectAll, Qt::QueuedConnection);
     return QWidget::eventFilter(objeto, evento);
 }
 

@@ -269,8 +269,11 @@ void lumIngAsiento::vsGrid_MouseDown(Qt::MouseButton boton, const QPoint &posici
 {
     if (boton != Qt::RightButton)
         return;
+    // While a line is open the menu acts on the entry being edited: the row stays.
     const int fila = m_vsGrid->rowAt(posicion.y());
-    if (fila >= 0)
+    if (m_filaEdicion > 0)
+        SeleccionarFila(m_filaEdicion);
+    else if (fila >= 0)
         SeleccionarFila(fila + m_grilla.FilasFijas());
     PrepararMenuEdicion();
     m_menus->MnuEdicion->popup(m_vsGrid->viewport()->mapToGlobal(posicion));

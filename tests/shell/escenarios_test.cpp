@@ -438,7 +438,9 @@ TEST_P(Escenarios, LaFechaEscritaYDejadaConTabLlegaAlEditorDeLinea)
 {
     QTest::keyClick(m_doc->grid(), Qt::Key_N, Qt::ControlModifier);
     ASSERT_EQ(foco(), m_doc->campoFecha());
-    escribir(m_doc->campoFecha(), QStringLiteral("31 12 2025"));
+    // The date shown is selected: what is typed replaces it.
+    QApplication::processEvents();
+    QTest::keyClicks(m_doc->campoFecha(), QStringLiteral("31 12 2025"));
     QTest::keyClick(m_doc->campoFecha(), Qt::Key_Tab);
     EXPECT_EQ(m_doc->campoFecha()->date(), QDate(2025, 12, 31));
     EXPECT_EQ(editor()->FechaAsiento(), QDate(2025, 12, 31));
