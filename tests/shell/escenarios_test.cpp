@@ -169,8 +169,17 @@ TEST_P(Escenarios, AbrirUnAsientoGuardadoYAceptarloSinCambiosNoCambiaNada)
     EXPECT_EQ(enBase(id), aceptado);
     EXPECT_EQ(enBase(id).sello, aceptado.sello);
     EXPECT_EQ(filasVistas(id), filasAntes);
-    // A single click after leaving selects; it does not open the entry again.
+    // The entry left stays the current row; a single click on it selects, a second opens.
     EXPECT_EQ(m_doc->grid()->FilaActual(), filaDe(id));
+    const QRect celda = m_doc->grid()->visualRect(m_doc->grid()->model()->index(filaDe(id) + 1 - m_doc->grilla().FilasFijas(), 0));
+    auto clic = [&] { QTest::mouseClick(m_doc->grid()->viewport(), Qt::LeftButton, {}, celda.center()); };
+    clic();
+    EXPECT_EQ(m_doc->FilaEdicion(), 0);
+    clic();
+    EXPECT_GT(m_doc->FilaEdicion(), 0);
+    escape(foco());
+    clic();
+    EXPECT_EQ(m_doc->FilaEdicion(), 0);
 }
 
 TEST_P(Escenarios, CambiarImporteFechaYLibroDeUnAsientoGuardado)
