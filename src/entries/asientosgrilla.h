@@ -170,4 +170,5 @@ private:
     int m_relleno = -1;
     QFont m_fuenteRelleno;
     QHash<QString, int> m_decimales; // decimals of each amount mask met
+    QHash<QString, int> m_decimalesMostrados; // decimals a mask shows; -1 for a blank mask
 };
