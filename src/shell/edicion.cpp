@@ -323,12 +323,13 @@ bool lumIngAsiento::eventFilter(QObject *objeto, QEvent *evento)
 
 void lumIngAsiento::AgregarCuenta()
 {
+    // Leaving an edit re-reads that entry and leaves its header row current.
+    if (m_filaEdicion > 0)
+        SalirEdicion();
     const int cabezal = m_asientos.FilaCabezalDe(m_vsGrid->FilaActual());
     if (cabezal < 0)
         return;
     try {
-        if (m_filaEdicion > 0)
-            SalirEdicion();
         m_asientos.TomarAsientoDeFila(cabezal);
         int ultima = m_asientos.UltimaFilaAsiento(cabezal);
         if (m_asientos.EsFilaDiferencia(ultima))
@@ -601,6 +602,25 @@ void lumIngAsiento::SalirEdicion()
     }
     // A stored entry is shown as stored: what was written, or, after a refusal, as it was.
     terminarEdicion(escrito || c.AsiID > 0);
+}
+
+bool lumIngAsiento::SalirEdicionEnLaFila()
+{
+    const qint32 id = m_asientos.IdDeFila(m_filaEdicion);
+    const QString clave = m_grilla.Dato(m_filaEdicion, 1).toString();
+    SalirEdicion();
+    if (id <= 0 || clave.isEmpty() || clave == AsientosGrilla::kClaveDiferencia)
+        return false;
+    const int cabezal = m_asientos.FilaCabezalDe(m_vsGrid->FilaActual());
+    if (cabezal < 0 || m_asientos.IdDeFila(cabezal) != id)
+        return false;
+    for (int r = cabezal + 1; r <= m_asientos.UltimaFilaAsiento(cabezal); ++r) {
+        if (m_grilla.Dato(r, 1).toString() == clave) {
+            SeleccionarFila(r);
+            return true;
+        }
+    }
+    return false;
 }
 
 // Leaves edit mode. A stored entry's rows are read again from the store; an entry that was

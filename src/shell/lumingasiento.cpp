@@ -307,8 +307,16 @@ void lumIngAsiento::conectarComandos()
     });
     connect(m_menus->accion(QStringLiteral("MnuAFrNew")), &QAction::triggered, this,
             [this] { ArmarComandoDiferido(QStringLiteral("2")); });
-    auto alElegir = [this](const char *accion, auto funcion) {
-        connect(m_menus->accion(QString::fromLatin1(accion)), &QAction::triggered, this, funcion);
+    // Every entry command first finishes a line being edited, as leaving it with Escape does:
+    // the command then works on the entry as stored, and no row of the edit is left behind.
+    // A command on one line (deleting a row) has no line to act on when the row being typed
+    // was none yet.
+    auto alElegir = [this](const char *accion, auto funcion, bool sobreUnaLinea = false) {
+        connect(m_menus->accion(QString::fromLatin1(accion)), &QAction::triggered, this, [this, funcion, sobreUnaLinea] {
+            if (m_filaEdicion > 0 && !SalirEdicionEnLaFila() && sobreUnaLinea)
+                return;
+            funcion();
+        });
     };
     alElegir("MnuEdiSaveNormal", [this] { RegistrarAsiento(); });
     alElegir("MnuSaveEnBorrador", [this] { RegistrarListados(EstadoAsiento::kBorrador); });
@@ -319,7 +327,7 @@ void lumIngAsiento::conectarComandos()
         m_asientos.ResetCabezal();
     });
     alElegir("MnuEdiDel", [this] { EliminarAsiento(false); });
-    alElegir("MnuEdiDelRow", [this] { EliminarAsiento(true); });
+    alElegir("MnuEdiDelRow", [this] { EliminarAsiento(true); }, true);
     alElegir("MnuEdiCopy", [this] { CopiarAsiento(); });
     alElegir("MnuEdiHide", [this] { OcultarAsiento(); });
 

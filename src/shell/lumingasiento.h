@@ -90,6 +90,9 @@ public:
     // Edit mode.
     bool EntrarEdicion(int fila);
     void SalirEdicion();
+    // Leaves edit mode with the edited line as the current row again, once the entry has
+    // been re-read; false when that row was no stored line (then the entry's header row is).
+    bool SalirEdicionEnLaFila();
     void AceptarLinea();
     void AgregarCuenta();
     void NuevoAsiento();

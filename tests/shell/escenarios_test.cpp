@@ -263,6 +263,33 @@ TEST_P(Escenarios, AgregarYBorrarUnaLinea)
     EXPECT_EQ(filasVistas(id).size(), 3); // balanced again: no proposal of a missing amount
 }
 
+// "Eliminar fila" chosen while a line of a stored entry is open deletes that line, not the
+// entry; chosen on the row of a line not typed yet, it only leaves the edit.
+TEST_P(Escenarios, EliminarFilaConUnaLineaAbierta)
+{
+    vista(Vista::kPrimerMes);
+    const qint32 id = asientoSimple();
+    ASSERT_GT(id, 0);
+    const AsientoEnBase antes = enBase(id);
+    abrir(filaDe(id) + 2); // the second line
+    ASSERT_GT(m_doc->FilaEdicion(), 0);
+    m_mensajes.Responder(ServicioMensajes::Respuesta::Si);
+    m_doc->menus().accion(QStringLiteral("MnuEdiDelRow"))->trigger();
+    EXPECT_EQ(m_doc->FilaEdicion(), 0);
+    AsientoEnBase a = enBase(id);
+    EXPECT_EQ(a.cabezal[0], antes.cabezal[0]); // not in the trash
+    ASSERT_EQ(a.lineas.size(), 1);
+    EXPECT_EQ(a.lineas[0], antes.lineas[0]);
+
+    m_doc->grid()->FijarFilaActual(filaDe(id) + 1);
+    m_doc->menus().accion(QStringLiteral("MnuEdiAddCta"))->trigger();
+    ASSERT_GT(m_doc->FilaEdicion(), 0);
+    m_doc->menus().accion(QStringLiteral("MnuEdiDelRow"))->trigger();
+    EXPECT_EQ(m_doc->FilaEdicion(), 0);
+    EXPECT_EQ(enBase(id).lineas, a.lineas);
+    EXPECT_EQ(enBase(id).cabezal[0], antes.cabezal[0]);
+}
+
 TEST_P(Escenarios, UnaEscrituraRechazadaYEscapeMuestranElAsientoGuardado)
 {
     vista(Vista::kPrimerMes);
