@@ -34,12 +34,13 @@ QString AsientosGrilla::mascaraImporte(qint16 moneda)
     return m_ctx.monedas ? m_ctx.monedas->DatoMoneda(moneda, 4).toString() : QStringLiteral("#,##0.00");
 }
 
-int AsientosGrilla::decimalesImporte(qint16 moneda)
+int AsientosGrilla::decimalesMostrados(const QString &mascara)
 {
-    const QString mascara = mascaraImporte(moneda);
     auto it = m_decimales.find(mascara);
-    if (it == m_decimales.end())
-        it = m_decimales.insert(mascara, Mascara(mascara).decimales());
+    if (it == m_decimales.end()) {
+        const Mascara m(mascara);
+        it = m_decimales.insert(mascara, m.valida() ? m.decimales() : -1);
+    }
     return *it;
 }
 
@@ -158,16 +159,8 @@ void AsientosGrilla::FilaLineaAsiento(int fila, const RegistroLinea &l)
     // holds, what it shows and what is stored agree (100.555 U$S shown 100.56 is 100.56).
     // The rate is not stored and keeps its value.
     auto comoSeMuestra = [this](double valor, const QString &mascara) {
-        // The decimals a mask shows, looked up once per mask; -1 for a mask with no digit
-        // characters (a blank one), which shows every decimal there is.
-        auto it = m_decimalesMostrados.find(mascara);
-        if (it == m_decimalesMostrados.end()) {
-            bool valida = false;
-            for (QChar c : mascara)
-                valida = valida || c == u'#' || c == u'0' || c == u'.' || c == u',';
-            it = m_decimalesMostrados.insert(mascara, valida ? Mascara(mascara).decimales() : -1);
-        }
-        return Importe::DesdeDouble(*it >= 0 ? RedondearADecimales(valor, qMin(*it, 4)) : valor).aDouble();
+        const int decimales = decimalesMostrados(mascara);
+        return Importe::DesdeDouble(decimales >= 0 ? RedondearADecimales(valor, qMin(decimales, 4)) : valor).aDouble();
     };
     const int columnaImporte = l.bEsAlDebe ? 2 : 3;
     const QString mascaraColumna = m_g.FormatoColumna(columnaImporte);

@@ -163,12 +163,13 @@ private:
     int anchoRelleno();
     bool tieneTexto(int fila, int columna) const;
     QString mascaraImporte(qint16 moneda);
-    int decimalesImporte(qint16 moneda);
+    // The decimals a mask shows, looked up once per mask; -1 for a mask with no digit
+    // characters (a blank one), which shows every decimal there is.
+    int decimalesMostrados(const QString &mascara);
 
     Grilla &m_g;
     ContextoAsientos &m_ctx;
     int m_relleno = -1;
     QFont m_fuenteRelleno;
-    QHash<QString, int> m_decimales; // decimals of each amount mask met
-    QHash<QString, int> m_decimalesMostrados; // decimals a mask shows; -1 for a blank mask
+    QHash<QString, int> m_decimales; // decimalesMostrados of each mask met
 };

@@ -46,13 +46,9 @@ void AsientosGrilla::CierreAsiento(bool &bDebeMenor, double &cDiferenciaMC, doub
     // any other mask is printed: a blank one shows every decimal and lets no difference pass.
     auto igualesImpresos = [this](qint16 moneda, Importe a, Importe b) {
         const QString mascara = mascaraImporte(moneda);
-        bool valida = false;
-        for (QChar c : mascara)
-            valida = valida || c == u'#' || c == u'0' || c == u'.' || c == u',';
-        if (valida) {
-            const int decimales = std::min(decimalesImporte(moneda), 4);
-            return a.RedondeadoA(decimales) == b.RedondeadoA(decimales);
-        }
+        const int decimales = decimalesMostrados(mascara);
+        if (decimales >= 0)
+            return a.RedondeadoA(std::min(decimales, 4)) == b.RedondeadoA(std::min(decimales, 4));
         const Mascara m(mascara);
         return m.Formatear(a.aDouble()) == m.Formatear(b.aDouble());
     };

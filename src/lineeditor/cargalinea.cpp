@@ -17,13 +17,8 @@ void lumERAsiento::CargarLinea(const RegistroLinea &l)
     setImporteCta(l.dImporte);
     if (!extranjera)
         return;
-    m_operador = l.dTCambio > 0 && l.dTCambio < 1 ? QStringLiteral("/") : QStringLiteral("*");
-    const double mostrada = m_operador == QLatin1String("/") ? 1 / l.dTCambio : l.dTCambio;
-    ocImporteMC->FijarMascara(mascaraImporte(mc));
-    ocTCambio->FijarMascara(mascaraTasa(l.iMon));
-    setImporteTC(RedondearConMascara(mostrada, mascaraTasa(l.iMon)));
+    m_operador = QStringLiteral("*");
+    MostrarTasa(l.dTCambio, l.iMon, mc);
+    setImporteTC(RedondearConMascara(ocTCambio->Valor(), mascaraTasa(l.iMon)));
     setImporteMC(l.dImporteMC);
-    QString s = simbolo(mc);
-    QString o = m_operador;
-    emit MonedaResultadoTC(&s, &o);
 }

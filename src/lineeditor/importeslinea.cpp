@@ -99,6 +99,12 @@ void lumERAsiento::BuscarTasa()
     } else {
         r = a != mc ? cTC : 1 / cTC;
     }
+    MostrarTasa(r, s, b);
+    Recalcular(2);
+}
+
+void lumERAsiento::MostrarTasa(double r, qint16 s, qint16 b)
+{
     // A rate below 1 is shown as its reciprocal with "/", so the rate on screen is always
     // the larger of the two; a rate of 0 leaves the operator as it was.
     if (r >= 1) {
@@ -117,7 +123,6 @@ void lumERAsiento::BuscarTasa()
         QString op = m_operador;
         emit MonedaResultadoTC(&sim, &op);
     }
-    Recalcular(2);
 }
 
 void lumERAsiento::CampoCalculoTerminado(int cambiado)

@@ -151,6 +151,9 @@ private:
     // Refuses the first enabled calculator field, that one first, whose text is refused;
     // true when one was.
     bool RechazarNumeroInvalido(CampoCalculadora *primero);
+    // Shows r, units of b per unit of the selected currency s, the way the editor shows
+    // rates: one below 1 as its reciprocal with "/"; sets the masks and the headings.
+    void MostrarTasa(double r, qint16 s, qint16 b);
     ValorLinea valorDe(const CuentaLinea &c);
 
     void acomodar();

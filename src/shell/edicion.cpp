@@ -16,7 +16,6 @@
 
 #include <QAction>
 #include <QComboBox>
-#include "lineeditor/campofecha.h"
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QLabel>
@@ -50,19 +49,6 @@ void lumIngAsiento::prepararEditor()
     c.reglas.fechaCotizacion = m_empresa.fechaCotizacion;
     c.texto = texto;
     oraEdit->FijarContexto(std::move(c));
-    // Every accepted change of the date reaches the line editor, whatever moved the focus:
-    // its rates and closed-account checks go by the entry's date.
-    connect(odDate, &CampoFecha::dateChanged, oraEdit, [this](const QDate &fecha) { oraEdit->setFechaAsiento(fecha); });
-    // A date that cannot be read is refused where it was typed. The refusal may come from a
-    // focus change, so the message waits for it to end.
-    connect(odDate, &CampoFecha::fechaInvalida, this, [this] {
-        QMetaObject::invokeMethod(this, [this] {
-            if (m_filaEdicion <= 0)
-                return;
-            errorTexto(1951);
-            odDate->setFocus();
-        }, Qt::QueuedConnection);
-    });
 }
 
 QString lumIngAsiento::nombreLibro(qint16 libro) const
@@ -107,9 +93,6 @@ bool lumIngAsiento::EntrarEdicion(int fila)
             m_asientos.FilaNuevoAsiento();
             m_grilla.FijarRedibujar(true);
             fila = fila + 1;
-            m_asientoNuevo = true;
-        } else {
-            m_asientoNuevo = false;
         }
         const int cabezal = m_asientos.FilaCabezalDe(fila);
         if (cabezal < 0)
@@ -199,8 +182,6 @@ void lumIngAsiento::mostrarFilaEdicion()
     const QRect fila = m_vsGrid->visualRect(i);
     if (fila.top() + std::max(fila.height(), oraEdit->fontMetrics().height() + 8) > m_vsGrid->viewport()->height())
         m_vsGrid->scrollTo(i, QAbstractItemView::PositionAtCenter);
-    // The grid's height changes with the window: the editor follows its row.
-    m_vsGrid->viewport()->installEventFilter(this);
     colocarEditor();
 }
 
@@ -289,9 +270,9 @@ bool lumIngAsiento::teclaEnCabezal(QObject *objeto, QKeyEvent *evento)
     if (evento->key() != Qt::Key_Return && evento->key() != Qt::Key_Enter)
         return false;
     if (objeto == odDate) {
+        // An accepted date reaches the line editor through dateChanged.
         if (!odDate->Aceptar())
             return true;
-        oraEdit->setFechaAsiento(odDate->date());
         (cfTipo->isVisible() ? static_cast<QWidget *>(cfTipo) : tLeyenda)->setFocus();
     } else if (objeto == cfTipo) {
         tLeyenda->setFocus();
@@ -657,7 +638,6 @@ void lumIngAsiento::terminarEdicion(bool recargar)
     m_filaEdicion = 0;
     m_filaRecordada = -1;
     m_pendiente = false;
-    m_asientoNuevo = false;
     m_libroFijo = false;
     m_escrituraRechazada = false;
     m_asientos.ResetCabezal();

@@ -337,10 +337,8 @@ bool lumIngAsiento::GrabarAsientoCompleto(bool asientoCierra)
             QStringList cuentas;
             for (const LineaDatos &l : std::as_const(datos.Lineas()))
                 cuentas << QString::number(l.Cuenta);
-            SaldosIniciales saldos(*ConexionCompartida(), c.AsiTipo, EmpresaProceso(), Parametros().delimitadorFecha,
-                                   Parametros().formatoFecha);
             if (!cuentas.isEmpty()
-                && !saldos.CuentasCerradasApertura(m_fechaAsientoApertura, m_empresa.clase, cuentas.join(QLatin1Char(','))).isEmpty()) {
+                && !saldosIniciales().CuentasCerradasApertura(m_fechaAsientoApertura, m_empresa.clase, cuentas.join(QLatin1Char(','))).isEmpty()) {
                 errorTexto(1811);
                 return false;
             }
@@ -370,28 +368,31 @@ bool lumIngAsiento::GrabarAsientoCompleto(bool asientoCierra)
 // when there is no other book. False when nothing may be written.
 bool lumIngAsiento::libroParaApertura(CabezalDatos &d, bool &esApertura)
 {
-    SaldosIniciales saldos(*ConexionCompartida(), d.Libro, EmpresaProceso(), Parametros().delimitadorFecha,
-                           Parametros().formatoFecha);
-    if (!saldos.ExisteAsientoApertura()) {
+    if (!saldosIniciales().ExisteAsientoApertura()) {
         esApertura = true;
         return true;
     }
-    QComboBox libros;
-    CargarLibros(&libros, true);
-    int otro = libros.findData(int(m_empresa.libroPorDefecto));
-    if (otro < 0 && libros.count() > 0)
-        otro = 0;
-    if (otro < 0) {
+    const auto libros = LeerLibros(true);
+    if (libros.isEmpty()) {
         errorTexto(1837);
         return false;
     }
+    const auto defecto = std::find_if(libros.begin(), libros.end(),
+                                      [this](const auto &libro) { return libro.second == m_empresa.libroPorDefecto; });
+    const auto &[nombre, codigo] = defecto != libros.end() ? *defecto : libros.first();
     QString pregunta = Idioma::resLoad(836);
-    pregunta.replace(QLatin1String("[p]"), QLatin1Char('\'') + libros.itemText(otro) + QLatin1Char('\''));
+    pregunta.replace(QLatin1String("[p]"), QLatin1Char('\'') + nombre + QLatin1Char('\''));
     if (m_entorno.mensajes->Preguntar(pregunta, ServicioMensajes::Botones::SiNo) != ServicioMensajes::Respuesta::Si)
         return false;
-    d.Libro = qint16(libros.itemData(otro).toInt());
+    d.Libro = codigo;
     esApertura = false;
     return true;
+}
+
+SaldosIniciales lumIngAsiento::saldosIniciales() const
+{
+    return SaldosIniciales(*ConexionCompartida(), librosSistema().primeraApertura, EmpresaProceso(),
+                           Parametros().delimitadorFecha, Parametros().formatoFecha);
 }
 
 bool lumIngAsiento::PuedeModificarApertura()
@@ -561,6 +562,16 @@ void lumIngAsiento::CargarLibros(QComboBox *lista, bool excluirSistema)
     lista->clear();
     if (!ConexionCompartida())
         return;
+    try {
+        for (const auto &[nombre, codigo] : LeerLibros(excluirSistema))
+            lista->addItem(nombre, int(codigo));
+    } catch (const ErrorBaseDatos &e) {
+        errorTexto(1910, DetalleError(e.numero(), e.descripcion()));
+    }
+}
+
+QList<std::pair<QString, qint16>> lumIngAsiento::LeerLibros(bool excluirSistema) const
+{
     const ParametrosSistema &p = Parametros();
     QString sql = QStringLiteral("Select * From genLibros ");
     if (excluirSistema)
@@ -570,13 +581,11 @@ void lumIngAsiento::CargarLibros(QComboBox *lista, bool excluirSistema)
                    .join(QStringLiteral(", "))
              + QStringLiteral(")");
     sql += QStringLiteral(" Order By LibNombre");
-    try {
-        auto rs = ConexionCompartida()->Abrir(sql);
-        for (; !rs->Fin(); rs->MoverSiguiente())
-            lista->addItem(rs->Texto(QStringLiteral("LibNombre")).trimmed(), int(rs->Entero(QStringLiteral("LibCodigo"))));
-    } catch (const ErrorBaseDatos &e) {
-        errorTexto(1910, DetalleError(e.numero(), e.descripcion()));
-    }
+    QList<std::pair<QString, qint16>> libros;
+    auto rs = ConexionCompartida()->Abrir(sql);
+    for (; !rs->Fin(); rs->MoverSiguiente())
+        libros.append({rs->Texto(QStringLiteral("LibNombre")).trimmed(), qint16(rs->Entero(QStringLiteral("LibCodigo")))});
+    return libros;
 }
 
 // Delete on the grid: the whole entry on its header row, the line on any other.

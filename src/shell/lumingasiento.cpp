@@ -108,7 +108,6 @@ lumIngAsiento::~lumIngAsiento()
         Idioma::Liberar();
     // The grid's view reads the grid, a member that goes before the base class closes the
     // window: the view goes first.
-    m_grilla.FijarObservador(nullptr);
     delete m_vsGrid;
     m_vsGrid = nullptr;
 }
@@ -251,6 +250,19 @@ void lumIngAsiento::conectarComandos()
     connect(m_vsGrid, &vsGrid::Click, this, &lumIngAsiento::vsGrid_Click);
     connect(m_vsGrid, &vsGrid::Desplazado, this, &lumIngAsiento::colocarEditor);
     connect(m_vsGrid->horizontalHeader(), &QHeaderView::sectionResized, this, &lumIngAsiento::colocarEditor);
+    // Every accepted change of the date reaches the line editor, whatever moved the focus:
+    // its rates and closed-account checks go by the entry's date.
+    connect(odDate, &CampoFecha::dateChanged, oraEdit, [this](const QDate &fecha) { oraEdit->setFechaAsiento(fecha); });
+    // The grid's height changes with the window: the editor follows its row.
+    m_vsGrid->viewport()->installEventFilter(this);
+    // A date that cannot be read is refused where it was typed. The refusal may come from a
+    // focus change, so the message waits for it to end.
+    connect(odDate, &CampoFecha::fechaInvalida, this, [this] {
+        if (m_filaEdicion <= 0)
+            return;
+        errorTexto(1951);
+        odDate->setFocus();
+    }, Qt::QueuedConnection);
     connect(oraEdit, &lumERAsiento::EnabledContenedor, this, [this](bool *si) { m_vsGrid->setEnabled(*si); });
     connect(oraEdit, &lumERAsiento::EditOK, this, [this](bool *) {
         if (!cfAutoriza->isHidden() && cfAutoriza->currentIndex() < 0) {

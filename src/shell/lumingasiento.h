@@ -5,6 +5,7 @@
 #include "sesion.h"
 #include "entries/asientodatos.h"
 #include "entries/asientosgrilla.h"
+#include "entries/saldosiniciales.h"
 #include "entries/grilla.h"
 #include "services/servicioconexion.h"
 
@@ -175,6 +176,10 @@ private:
     void terminarEdicion(bool recargar);
     void mostrarFilaEdicion();
     bool libroParaApertura(CabezalDatos &d, bool &esApertura);
+    SaldosIniciales saldosIniciales() const;
+    // The books of genLibros by name, the system books left out when asked; throws
+    // ErrorBaseDatos.
+    QList<std::pair<QString, qint16>> LeerLibros(bool excluirSistema) const;
     QString nombreLibro(qint16 libro) const;
     bool eventFilter(QObject *objeto, QEvent *evento) override;
 
@@ -223,7 +228,6 @@ private:
     int m_filaEdicion = 0;   // row mark of the edit panel: > 0 while an entry is edited
     int m_filaRecordada = -1; // the row a second click opens
     bool m_pendiente = false;  // lines accepted since the entry was last written
-    bool m_asientoNuevo = false;
     bool m_libroFijo = false;          // the edited entry's book cannot change here (a system book)
     bool m_escrituraRechazada = false; // a write of the edited entry was refused; leaving re-reads it
     QString m_vistaAntesDeEditar;
