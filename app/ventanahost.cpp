@@ -46,6 +46,7 @@ VentanaHost::VentanaHost(const OpcionesHost &opciones, const QString &baseDatos,
     EntornoDocumento entorno;
     entorno.host = this;
     entorno.mensajes = m_mensajes.get();
+    entorno.proceso = m_proceso;
     entorno.ajustes.archivoAjustes = archivoAjustes;
     entorno.ajustes.baseDatos = baseDatos;
     if (opciones.idioma > 0)

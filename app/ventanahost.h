@@ -43,6 +43,7 @@ private:
 
     QString m_baseHRef;
     std::unique_ptr<ServicioMensajes> m_mensajes;
+    std::shared_ptr<Proceso> m_proceso = std::make_shared<Proceso>(); // shared by the documents it opens
     QStackedWidget *m_centro = nullptr;
     QPointer<lumIngAsiento> m_documento;
     QPointer<QDialog> m_visorAyuda;

@@ -45,6 +45,20 @@ struct RegistroLinea
     qint16 ACuOrden = 0;
 };
 
+// A line as the container reads it.
+struct ValorLinea
+{
+    qint32 lCta = 0;
+    qint16 iPry = 0;
+    qint16 iDep = 0;
+    qint16 iMon = 0;
+    double dImporte = 0;
+    double dTCambio = 0;
+    double dImporteMC = 0;
+    QString sTextDisplay;
+    QDate dFechaCierre;
+};
+
 // Picture key of a header row for a state: "borradorgrabar", "borrador", "asiento",
 // "inconcluso", or empty for any other state.
 QString ClaveImagenEstado(qint16 estado);

@@ -44,20 +44,6 @@ struct CuentaLinea
     QDate dFechaCierre{1901, 1, 1}; // closed until; 1 January 1901 when open
 };
 
-// A line as the container reads it.
-struct ValorLinea
-{
-    qint32 lCta = 0;
-    qint16 iPry = 0;
-    qint16 iDep = 0;
-    qint16 iMon = 0;
-    double dImporte = 0;
-    double dTCambio = 0;
-    double dImporteMC = 0;
-    QString sTextDisplay;
-    QDate dFechaCierre;
-};
-
 // The line editor: debit account, credit account, currency, amount, rate and converted
 // amount, fields 1 to 6. It looks accounts up and checks them, keeps the three amounts
 // consistent and tells its container through the signals below (all arguments by pointer,

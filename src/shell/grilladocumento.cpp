@@ -7,8 +7,10 @@
 #include "currency/catalogomonedas.h"
 #include "entries/vistas.h"
 #include "entries/vsgrid.h"
+#include "editing/comandosasiento.h"
+#include "editing/sesionedicion.h"
 #include "lineeditor/lumerasiento.h"
-#include "services/serviciomensajes.h"
+#include "paneledicion.h"
 
 #include <QAction>
 #include <QApplication>
@@ -20,30 +22,24 @@
 
 void lumIngAsiento::ActualizarContexto()
 {
-    m_ctx.monedas = &Monedas();
-    m_ctx.monedaContabilidad = m_empresa.monedaContabilidad;
-    m_ctx.mostrarCodigoCta = m_empresa.mostrarCodigoCta;
-    m_ctx.formatoFecha = m_formatoFecha.isEmpty() ? QStringLiteral("dd/mm/yyyy") : m_formatoFecha;
-    m_ctx.texto = [](int n) { return Idioma::resLoad(n - 1000); };
+    m_ctx.monedas = &m_datos.monedas();
+    m_ctx.monedaContabilidad = m_datos.empresa.monedaContabilidad;
+    m_ctx.mostrarCodigoCta = m_datos.empresa.mostrarCodigoCta;
+    m_ctx.formatoFecha = m_datos.formatoFecha.isEmpty() ? QStringLiteral("dd/mm/yyyy") : m_datos.formatoFecha;
+    m_ctx.texto = m_datos.texto;
     m_ctx.fuente = m_vsGrid->font();
     m_ctx.puntosPorPulgada = m_vsGrid->logicalDpiX();
     m_ctx.anchoClienteTwips = m_vsGrid->AnchoClienteTwips();
     m_ctx.AsiOrder = m_asiOrder;
-    m_ctx.empresa = EmpresaProceso();
-    m_ctx.delimitadorFecha = Parametros().delimitadorFecha;
-    m_ctx.patronFecha = Parametros().formatoFecha;
-}
-
-void lumIngAsiento::CargarMonedas()
-{
-    if (ConexionCompartida())
-        Monedas().CargarMonedas(*ConexionCompartida());
+    m_ctx.empresa = m_datos.idEmpresa();
+    m_ctx.delimitadorFecha = m_datos.parametros().delimitadorFecha;
+    m_ctx.patronFecha = m_datos.parametros().formatoFecha;
 }
 
 void lumIngAsiento::FormatoColumnasImporte()
 {
-    Monedas().FijarMonedaContabilidad(m_empresa.monedaContabilidad);
-    const QString mascara = Monedas().DatoMoneda(0, 4).toString();
+    m_datos.monedas().FijarMonedaContabilidad(m_datos.empresa.monedaContabilidad);
+    const QString mascara = m_datos.monedas().DatoMoneda(0, 4).toString();
     m_grilla.FijarFormatoColumna(2, mascara);
     m_grilla.FijarFormatoColumna(3, mascara);
 }
@@ -76,14 +72,14 @@ void lumIngAsiento::CargarVistaInicial()
 void lumIngAsiento::CargarAsientos(const QString &sql)
 {
     MostrarVista();
-    if (!ConexionCompartida())
+    if (!m_datos.conexion())
         return;
     ActualizarContexto();
     int fila = -1;
-    const auto fallo = ::CargarAsientos(m_asientos, *ConexionCompartida(), hlCargar->Tag.toInt(), sql,
+    const auto fallo = ::CargarAsientos(m_asientos, *m_datos.conexion(), hlCargar->Tag.toInt(), sql,
                                         QDate::currentDate(), m_mesVista, &fila);
     if (fallo)
-        MostrarFallo(*fallo);
+        m_datos.MostrarFallo(*fallo);
     SeleccionarFila(fila >= 0 ? fila : m_grilla.FilasFijas());
     m_vsGrid->setFocus();
 }
@@ -103,8 +99,8 @@ void lumIngAsiento::CargarMeses()
 {
     QDate menor;
     try {
-        if (ConexionCompartida())
-            menor = MenorFechaCierre(*ConexionCompartida());
+        if (m_datos.conexion())
+            menor = MenorFechaCierre(*m_datos.conexion());
     } catch (const ErrorBaseDatos &) {
         // Without the closing dates the months are shown without "(cerrado)".
     }
@@ -163,33 +159,19 @@ void lumIngAsiento::GuardarDisenoGrilla()
     const QString ruta = RutaDisenoGrilla();
     if (ruta.isEmpty())
         return;
-    if (m_filaEdicion > 0)
-        SalirEdicion();
+    if (FilaEdicion() > 0)
+        m_edicion->SalirEdicion();
     QDir().mkpath(QFileInfo(ruta).absolutePath());
     QString error;
     if (!m_grilla.Guardar(ruta, &error))
         qWarning("No se pudo guardar el diseño de la grilla en %s: %s", qPrintable(ruta), qPrintable(error));
 }
 
-int lumIngAsiento::FilasDeDatosGrilla() const
-{
-    return m_grilla.Filas() - m_grilla.FilasFijas();
-}
-
-void lumIngAsiento::CargarAsientoPendiente(qint32 idAsiento)
-{
-    if (!ConexionCompartida())
-        return;
-    ActualizarContexto();
-    if (const auto fallo = CargarAsientoEnGrilla(m_asientos, *ConexionCompartida(), idAsiento, m_grilla.Filas() - 1))
-        MostrarFallo(*fallo);
-}
-
 void lumIngAsiento::OrdenarCuentasGrilla()
 {
     // Reordering moves rows under the open line editor: the edit is finished first.
-    if (m_filaEdicion > 0)
-        SalirEdicion();
+    if (FilaEdicion() > 0)
+        m_edicion->SalirEdicion();
     ActualizarContexto();
     m_grilla.FijarRedibujar(false);
     for (int r = m_grilla.FilasFijas(); r < m_grilla.Filas(); ++r) {
@@ -212,13 +194,13 @@ void lumIngAsiento::SeleccionarFila(int fila)
 
 void lumIngAsiento::vsGrid_Click()
 {
-    if (m_filaEdicion > 0) {
-        SalirEdicion();
+    if (FilaEdicion() > 0) {
+        m_edicion->SalirEdicion();
         return;
     }
     const int fila = m_vsGrid->FilaActual();
     if (fila == m_filaRecordada)
-        EntrarEdicion(fila);
+        m_edicion->EntrarEdicion(fila);
     else
         m_filaRecordada = fila;
 }
@@ -230,18 +212,22 @@ void lumIngAsiento::vsGrid_KeyDown(int tecla, Qt::KeyboardModifiers modificadore
     const int fila = m_vsGrid->FilaActual();
     switch (tecla) {
     case Qt::Key_Delete:
-        *atendida = EliminarConTecla(fila);
+        // The whole entry on its header row, the line on any other.
+        if (FilaEdicion() <= 0 && m_asientos.FilaCabezalDe(fila) >= 0) {
+            m_comandos->EliminarAsiento(!m_asientos.EsFilaCabezal(fila));
+            *atendida = true;
+        }
         break;
     case Qt::Key_Up:
     case Qt::Key_Down:
-        if (m_filaEdicion <= 0) {
+        if (FilaEdicion() <= 0) {
             const int destino = fila + (tecla == Qt::Key_Up ? -1 : 1);
             if (destino >= m_grilla.FilasFijas() && destino < m_grilla.Filas())
                 m_filaRecordada = destino;
         }
         break;
     case Qt::Key_Menu:
-        if (m_filaEdicion <= 0) {
+        if (FilaEdicion() <= 0) {
             MenuEdicionEnCelda();
             *atendida = true;
         }
@@ -253,14 +239,19 @@ void lumIngAsiento::vsGrid_KeyDown(int tecla, Qt::KeyboardModifiers modificadore
 
 void lumIngAsiento::vsGrid_KeyPress(int ascii, bool *atendida)
 {
+    if (ascii == 27 && FilaEdicion() > 0) {
+        m_edicion->SalirEdicion();
+        *atendida = true;
+        return;
+    }
     if (ascii == 13 || ascii == 27) {
-        *atendida = TeclaEdicion(ascii);
+        *atendida = ascii == 13 && FilaEdicion() <= 0 && m_edicion->EntrarEdicion(m_vsGrid->FilaActual());
         return;
     }
     const int columna = m_vsGrid->currentIndex().column();
-    if (m_filaEdicion <= 0 && (columna == 0 || columna == 1) && EntrarEdicion(m_vsGrid->FilaActual())) {
+    if (FilaEdicion() <= 0 && (columna == 0 || columna == 1) && m_edicion->EntrarEdicion(m_vsGrid->FilaActual())) {
         // The key typed on the grid is the first of the account.
-        oraEdit->SetFocusCtrl(columna == 0 ? lumERAsiento::kDebe : lumERAsiento::kHaber, ascii);
+        m_panel->editor()->SetFocusCtrl(columna == 0 ? lumERAsiento::kDebe : lumERAsiento::kHaber, ascii);
         *atendida = true;
     }
 }
@@ -271,34 +262,12 @@ void lumIngAsiento::vsGrid_MouseDown(Qt::MouseButton boton, const QPoint &posici
         return;
     // While a line is open the menu acts on the entry being edited: the row stays.
     const int fila = m_vsGrid->rowAt(posicion.y());
-    if (m_filaEdicion > 0)
-        SeleccionarFila(m_filaEdicion);
+    if (FilaEdicion() > 0)
+        SeleccionarFila(FilaEdicion());
     else if (fila >= 0)
         SeleccionarFila(fila + m_grilla.FilasFijas());
     PrepararMenuEdicion();
     m_menus->MnuEdicion->popup(m_vsGrid->viewport()->mapToGlobal(posicion));
-}
-
-void lumIngAsiento::MenuEdicionEnCelda()
-{
-    PrepararMenuEdicion();
-    const QRect celda = m_vsGrid->visualRect(m_vsGrid->currentIndex());
-    m_menus->MnuEdicion->popup(m_vsGrid->viewport()->mapToGlobal(celda.bottomLeft()));
-}
-
-// The state caption and the save command follow the entry of the current row.
-void lumIngAsiento::PrepararMenuEdicion()
-{
-    const int fila = m_vsGrid->FilaActual();
-    const bool hayAsiento = m_asientos.FilaCabezalDe(fila) >= 0;
-    const qint16 estado = hayAsiento ? m_asientos.EstadoDeFila(fila) : 0;
-    QAction *info = m_menus->accion(QStringLiteral("MnuEdiShowEstado"));
-    const int texto = hayAsiento ? TextoMenuEstado(estado) : 0;
-    info->setVisible(hayAsiento && estado <= 0);
-    info->setText(texto ? Idioma::resLoad(texto - 1000) : QString());
-    m_menus->accion(QStringLiteral("MnuEdiLineEstado"))->setVisible(info->isVisible());
-    QAction *grabar = m_menus->accion(QStringLiteral("MnuEdiSaveNormal"));
-    grabar->setText(Idioma::resLoad(hayAsiento && estado == EstadoAsiento::kRegistrado ? 36 : 23));
 }
 
 void lumIngAsiento::vsGrid_FilaActual()
@@ -308,7 +277,7 @@ void lumIngAsiento::vsGrid_FilaActual()
     const int fila = m_vsGrid->FilaActual();
     const QColor textoSeleccion = QApplication::palette().color(QPalette::Highlight);
     QColor fondo = QApplication::palette().color(QPalette::ToolTipBase);
-    if (m_filaEdicion <= 0) {
+    if (FilaEdicion() <= 0) {
         if (fila >= m_grilla.FilasFijas() && fila < m_grilla.Filas() && m_grilla.Dato(fila, 0).toInt() != 0
             && !m_grilla.Dato(fila, 1).isValid())
             fondo = QColor::fromRgba(ColoresGrilla::kSeleccionCabezal);
@@ -316,4 +285,19 @@ void lumIngAsiento::vsGrid_FilaActual()
         fondo = m_vsGrid->palette().color(QPalette::Base);
     }
     m_vsGrid->FijarColoresSeleccion(fondo, textoSeleccion);
+}
+
+void lumIngAsiento::MarcarVistaEdicion(bool enEdicion)
+{
+    m_filaRecordada = -1;
+    if (enEdicion) {
+        if (m_vistaAntesDeEditar.isEmpty())
+            m_vistaAntesDeEditar = hlCargar->Tag;
+        hlCargar->Tag = QString::number(Vista::kEnEdicion);
+        MostrarVista();
+    } else if (!m_vistaAntesDeEditar.isEmpty()) {
+        hlCargar->Tag = m_vistaAntesDeEditar;
+        m_vistaAntesDeEditar.clear();
+        MostrarVista();
+    }
 }

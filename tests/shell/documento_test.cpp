@@ -17,6 +17,7 @@
 #include <QDir>
 #include <QFile>
 #include <QMainWindow>
+#include <QMenu>
 #include <QMessageBox>
 #include <QStackedWidget>
 #include <QPushButton>
@@ -38,8 +39,6 @@ protected:
     {
     }
 
-    void SetUp() override { OlvidarEmpresaDelProceso(); }
-
     std::unique_ptr<lumIngAsiento> abrir(const QString &parametros, const QString &baseDatos = {})
     {
         m_host.base = QStringLiteral("lumapp://asientos/ingreso.htm?") + parametros;
@@ -49,6 +48,7 @@ protected:
         e.ajustes.archivoAjustes = m_carpeta.filePath(QStringLiteral("ajustes.ini"));
         e.ajustes.baseDatos = baseDatos.isNull() ? m_base.direccion() : baseDatos;
         e.ajustes.forzados = m_forzados;
+        e.proceso = m_proceso;
         auto doc = std::make_unique<lumIngAsiento>(std::move(e));
         doc->Iniciar();
         return doc;
@@ -72,6 +72,7 @@ protected:
     HostDePrueba m_host;
     MensajesGuionados m_mensajes;
     QHash<QString, QString> m_forzados;
+    std::shared_ptr<Proceso> m_proceso = std::make_shared<Proceso>(); // the documents of one test share it
 };
 
 TEST_F(Documento, AdministradorQuedaListoConTodosLosEnlaces)
@@ -86,7 +87,7 @@ TEST_F(Documento, AdministradorQuedaListoConTodosLosEnlaces)
     EXPECT_EQ(doc->IDEmpresa(), 1);
     EXPECT_EQ(doc->IDUsuario(), Demo::kUsuarioAdministrador);
     EXPECT_EQ(doc->datosHost().NombreEmpresa, doc->empresa().NombreEmpresa); // the company row wins
-    EXPECT_EQ(lumIngAsiento::Parametros().delimitadorFecha, QStringLiteral("'"));
+    EXPECT_EQ(doc->proceso().parametros.delimitadorFecha, QStringLiteral("'"));
     EXPECT_EQ(doc->FechaAsientoApertura().day(), 1);
     EXPECT_EQ(doc->FechaAsientoApertura().month(), 1);
     EXPECT_EQ(m_mensajes.titulo(), QStringLiteral("Ingreso de Asientos"));
@@ -97,6 +98,17 @@ TEST_F(Documento, AdministradorQuedaListoConTodosLosEnlaces)
     EXPECT_FALSE(autoriza->isHidden());
     EXPECT_EQ(autoriza->count(), 2);
     EXPECT_NE(autoriza->findData(Demo::kUsuarioAdministrador), -1);
+
+    // What this build does not do is not offered: no link or item that does nothing.
+    for (const char *l : {"hlFind", "hlAsientoFrecuente"})
+        EXPECT_TRUE(doc->findChild<QToolButton *>(QString::fromLatin1(l))->isHidden()) << l;
+    for (const char *a : {"MnuEdiASI", "MnuEdiAPA", "MnuPriCnfgPage", "MnuPriPrint", "MnuPriPrevia", "MnuAFrRegistrar", "MnuAFrNew"})
+        EXPECT_FALSE(doc->menus().accion(QString::fromLatin1(a))->isVisible()) << a;
+    EXPECT_FALSE(doc->menus().MnuExportar->menuAction()->isVisible());
+    for (const char *a : {"MnuEdiNew", "MnuEdiDel", "MnuEdiDelRow", "MnuEdiAddCta", "MnuEdiSaveNormal", "MnuEdiCopy",
+                          "MnuEdiHide", "MnuUnificarTCCta", "MnuUnificarTCMC", "MnuEdiHacerFrecuente",
+                          "MnuEdiAgendarAsiento", "MnuEdiLibro"})
+        EXPECT_TRUE(doc->menus().accion(QString::fromLatin1(a))->isVisible()) << a;
 }
 
 TEST_F(Documento, UsuarioDeConsultaSoloBuscaYCambiaVista)
@@ -219,7 +231,6 @@ TEST_F(Documento, CajasDeMensajeDelArranqueConLaVentanaRecienMostrada)
     // permission letters the host is told that access is denied.
     for (const Motor motor : MotoresDePrueba()) {
         SCOPED_TRACE(NombreMotor(motor).toStdString());
-        OlvidarEmpresaDelProceso();
         m_host.comandos.clear();
         BaseDePrueba vacia(motor, BaseDePrueba::Contenido::Vacia);
         e.ajustes.baseDatos = vacia.direccion();
@@ -233,7 +244,6 @@ TEST_F(Documento, CajasDeMensajeDelArranqueConLaVentanaRecienMostrada)
     }
 
     // Without the system parameters the document says so and still gets ready.
-    OlvidarEmpresaDelProceso();
     m_host.comandos.clear();
     m_base.conexion().Ejecutar(QStringLiteral("Drop Table genParametros"));
     e.ajustes.baseDatos = m_base.direccion();
@@ -283,14 +293,6 @@ TEST_F(Documento, CaptionsDelCatalogoYAyuda)
     ayuda->click();
     EXPECT_EQ(m_host.comandos, QStringList{QStringLiteral("lumNav:navhelp?Main|asientos\\ingreso_de_asientos.htm")});
     EXPECT_EQ(m_host.marcos, QStringList{QString()});
-}
-
-TEST_F(Documento, PedidoDeSaldosInicialesArmaElComandoDiferido)
-{
-    auto doc = abrir(usuario(1) + QStringLiteral("|pshacerasi=Si"));
-    EXPECT_EQ(doc->ComandoDiferido(), QStringLiteral("1"));
-    auto sinPedido = abrir(usuario(1));
-    EXPECT_EQ(sinPedido->ComandoDiferido(), QString());
 }
 
 TEST_F(Documento, DosDocumentosCompartenEmpresaEIdioma)

@@ -5,6 +5,7 @@
 #include "lineeditor/campocalculadora.h"
 #include "lineeditor/lumerasiento.h"
 #include "services/serviciobusquedacuentas.h"
+#include "editing/sesionedicion.h"
 #include "shell/lumingasiento.h"
 #include "lineeditor/campofecha.h"
 #include "shell/menusdocumento.h"
@@ -106,7 +107,7 @@ TEST_P(Edicion, UnAsientoNuevoSoloConElTeclado)
 TEST_P(Edicion, EscapeConElAsientoSinCerrarLoGuardaIncompleto)
 {
     const qint32 antes = ultimoId();
-    m_doc->NuevoAsiento();
+    m_doc->edicion().NuevoAsiento();
     m_doc->findChild<QComboBox *>(QStringLiteral("cfAutoriza"))->setCurrentIndex(0);
     lumERAsiento *e = m_doc->editor();
     e->SetFocusCtrl(lumERAsiento::kDebe, 0);
@@ -134,7 +135,7 @@ TEST_P(Edicion, BorradoresSiEstaMarcado)
     // "Pasar asientos nuevos como borrador".
     m_doc->menus().accion(QStringLiteral("MnuSaveNewBorrador"))->trigger();
     ASSERT_TRUE(m_doc->AsiSaveB());
-    m_doc->NuevoAsiento();
+    m_doc->edicion().NuevoAsiento();
     m_doc->findChild<QComboBox *>(QStringLiteral("cfAutoriza"))->setCurrentIndex(0);
     lumERAsiento *e = m_doc->editor();
     m_doc->editor()->setPermitirDosCtas(true);
@@ -152,7 +153,7 @@ TEST_P(Edicion, BorradoresSiEstaMarcado)
 
 TEST_P(Edicion, OtraTasaParaLosMismosDolaresPregunta)
 {
-    m_doc->NuevoAsiento();
+    m_doc->edicion().NuevoAsiento();
     m_doc->campoFecha()->setDate(BaseDePrueba::Hoy().addDays(-3));
     m_doc->findChild<QComboBox *>(QStringLiteral("cfAutoriza"))->setCurrentIndex(0);
     lumERAsiento *e = m_doc->editor();

@@ -16,7 +16,6 @@ std::ostream &operator<<(std::ostream &os, const AsientoEnBase &a)
 Escenario::Escenario()
     : m_base(GetParam(), BaseDePrueba::Contenido::Demo)
 {
-    OlvidarEmpresaDelProceso();
     m_host.base = QStringLiteral("x?psidusuario=1|psidempresa=1|psckey=lum01|pskeyinit=1|pstempdir=") + m_carpeta.path();
     EntornoDocumento d;
     d.host = &m_host;

@@ -90,7 +90,7 @@ protected:
         if (candidatos.isEmpty())
             return 0;
         // None in the view: the last one is put above the first entry of the grid.
-        EXPECT_FALSE(CargarAsientoEnGrilla(m_doc->asientos(), *lumIngAsiento::ConexionCompartida(), candidatos.last(),
+        EXPECT_FALSE(CargarAsientoEnGrilla(m_doc->asientos(), *m_doc->proceso().conexion, candidatos.last(),
                                            m_doc->grilla().FilasFijas()));
         return candidatos.last();
     }
@@ -348,7 +348,7 @@ TEST_P(Escenarios, RegistrarUnBorrador)
     ASSERT_FALSE(borradores.isEmpty());
     const qint32 id = borradores.first();
     if (filaDe(id) < 0)
-        ASSERT_FALSE(CargarAsientoEnGrilla(m_doc->asientos(), *lumIngAsiento::ConexionCompartida(), id, m_doc->grilla().Filas() - 1));
+        ASSERT_FALSE(CargarAsientoEnGrilla(m_doc->asientos(), *m_doc->proceso().conexion, id, m_doc->grilla().Filas() - 1));
     const AsientoEnBase antes = enBase(id);
     m_doc->grid()->FijarFilaActual(filaDe(id));
     m_doc->menus().accion(QStringLiteral("MnuEdiSaveNormal"))->trigger();
@@ -384,7 +384,7 @@ TEST_P(Escenarios, ElAsientoDeSaldosInicialesConservaSuLibro)
 {
     const qint32 id = AsientoDeSaldosIniciales(m_base.conexion(), EstadoAsiento::kRegistrado);
     ASSERT_GT(id, 0);
-    ASSERT_FALSE(CargarAsientoEnGrilla(m_doc->asientos(), *lumIngAsiento::ConexionCompartida(), id, m_doc->grilla().Filas() - 1));
+    ASSERT_FALSE(CargarAsientoEnGrilla(m_doc->asientos(), *m_doc->proceso().conexion, id, m_doc->grilla().Filas() - 1));
     const AsientoEnBase antes = enBase(id);
     abrir(filaDe(id));
     ASSERT_GT(m_doc->FilaEdicion(), 0);
@@ -408,7 +408,7 @@ TEST_P(Escenarios, UnInconclusoDelLibroDeSaldosInicialesAlCerrar)
             ASSERT_GT(AsientoDeSaldosIniciales(m_base.conexion(), EstadoAsiento::kRegistrado), 0);
         const qint32 id = AsientoDeSaldosIniciales(m_base.conexion(), EstadoAsiento::kInconcluso);
         ASSERT_GT(id, 0);
-        ASSERT_FALSE(CargarAsientoEnGrilla(m_doc->asientos(), *lumIngAsiento::ConexionCompartida(), id, m_doc->grilla().Filas() - 1));
+        ASSERT_FALSE(CargarAsientoEnGrilla(m_doc->asientos(), *m_doc->proceso().conexion, id, m_doc->grilla().Filas() - 1));
         abrir(filaDe(id) + 2); // the credit line of 4000
         escribir(editor()->campo(lumERAsiento::kImporte), QStringLiteral("5000"));
         m_mensajes.mostrados.clear();
@@ -444,7 +444,7 @@ TEST_P(Escenarios, UnSelloSinMilisegundosNoImpideGuardar)
     const QString sello = QStringLiteral("2026-01-02 10:00:00");
     m_base.conexion().Ejecutar(QStringLiteral("Update cceAsientos Set AsiFechaModificado = '%1' Where AsiID = %2").arg(sello).arg(id));
     m_doc->grilla().QuitarFilas(filaDe(id), m_doc->asientos().UltimaFilaAsiento(filaDe(id)) - filaDe(id) + 1);
-    ASSERT_FALSE(CargarAsientoEnGrilla(m_doc->asientos(), *lumIngAsiento::ConexionCompartida(), id, m_doc->grilla().FilasFijas()));
+    ASSERT_FALSE(CargarAsientoEnGrilla(m_doc->asientos(), *m_doc->proceso().conexion, id, m_doc->grilla().FilasFijas()));
     abrir(filaDe(id));
     escribir(m_doc->campoLeyenda(), QStringLiteral("Leyenda corregida"));
     aceptarLinea();
@@ -460,7 +460,7 @@ TEST_P(Escenarios, ElAutorizadorDeUnAsientoVerificadoNoSeCambia)
     ASSERT_FALSE(verificados.isEmpty());
     ASSERT_FALSE(otros.isEmpty());
     for (const qint32 id : {verificados.first(), otros.first()}) {
-        ASSERT_FALSE(CargarAsientoEnGrilla(m_doc->asientos(), *lumIngAsiento::ConexionCompartida(), id, m_doc->grilla().Filas() - 1));
+        ASSERT_FALSE(CargarAsientoEnGrilla(m_doc->asientos(), *m_doc->proceso().conexion, id, m_doc->grilla().Filas() - 1));
         abrir(filaDe(id));
         ASSERT_GT(m_doc->FilaEdicion(), 0);
         EXPECT_EQ(autoriza()->isEnabled(), id != verificados.first()) << "asiento " << id;
@@ -498,7 +498,7 @@ TEST_P(Escenarios, CopiarUnAsientoConUnaCuentaCerradaInformaYNoCopia)
                                                         " Where CueFechaCerrada >= AsiFechaAsiento)"));
     ASSERT_FALSE(conCerrada.isEmpty());
     const qint32 id = conCerrada.first();
-    ASSERT_FALSE(CargarAsientoEnGrilla(m_doc->asientos(), *lumIngAsiento::ConexionCompartida(), id, m_doc->grilla().Filas() - 1));
+    ASSERT_FALSE(CargarAsientoEnGrilla(m_doc->asientos(), *m_doc->proceso().conexion, id, m_doc->grilla().Filas() - 1));
     const qint32 ultimo = ultimoId();
     m_doc->grid()->FijarFilaActual(filaDe(id));
     m_mensajes.Responder(ServicioMensajes::Respuesta::Si);
@@ -518,7 +518,7 @@ TEST_P(Escenarios, CadaAsientoDeLaDemoAbiertoYAceptadoSinCambiosQuedaIgual)
     int escritos = 0;
     for (qint32 id : todos) {
         m_doc->ElegirVista(Vista::kUltimos5);
-        ASSERT_FALSE(CargarAsientoEnGrilla(m_doc->asientos(), *lumIngAsiento::ConexionCompartida(), id, m_doc->grilla().Filas() - 1));
+        ASSERT_FALSE(CargarAsientoEnGrilla(m_doc->asientos(), *m_doc->proceso().conexion, id, m_doc->grilla().Filas() - 1));
         AsientoEnBase antes = enBase(id);
         if (QDate::fromString(antes.cabezal[1], Qt::ISODate) > QDate::currentDate())
             m_mensajes.Responder(ServicioMensajes::Respuesta::No); // 1807: do not schedule it

@@ -3,6 +3,7 @@
 #include "comun/mensajesguionados.h"
 #include "documentodeprueba.h"
 
+#include "editing/comandosasiento.h"
 #include "entries/asientodatos.h"
 #include "entries/vistas.h"
 #include "entries/vsgrid.h"
@@ -22,7 +23,6 @@ protected:
     Grabacion()
         : m_base(GetParam(), BaseDePrueba::Contenido::Demo)
     {
-        OlvidarEmpresaDelProceso();
     }
 
     std::unique_ptr<lumIngAsiento> abrir()
@@ -102,11 +102,11 @@ TEST_P(Grabacion, RegistrarYVolverABorrador)
     const int fila = filaDe(*doc, id);
     ASSERT_GT(fila, 0);
     doc->grid()->FijarFilaActual(fila + 1); // a line row of the entry is enough
-    doc->RegistrarAsiento();
+    doc->comandos().RegistrarAsiento();
     EXPECT_EQ(estadoEnBase(id), 1);
     EXPECT_EQ(doc->grilla().Dato(fila, 3).toInt(), 1);
     EXPECT_EQ(doc->grilla().Fila(fila).imagen, QStringLiteral("asiento"));
-    doc->RegistrarAsiento(); // "A borrador"
+    doc->comandos().RegistrarAsiento(); // "A borrador"
     EXPECT_EQ(estadoEnBase(id), 0);
     EXPECT_TRUE(m_mensajes.mostrados.isEmpty()) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
 }
@@ -122,7 +122,7 @@ TEST_P(Grabacion, OtroUsuarioGraboAntes)
     ASSERT_TRUE(otro.Grabar());
 
     doc->grid()->FijarFilaActual(filaDe(*doc, id));
-    doc->RegistrarAsiento();
+    doc->comandos().RegistrarAsiento();
     EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("error: Registro modificado con anterioridad.")});
     EXPECT_EQ(estadoEnBase(id), 0);
     EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientos Where AsiID = %1 And AsiLeyenda = 'cambiada por otro'").arg(id)), 1);
@@ -136,14 +136,14 @@ TEST_P(Grabacion, BorradorConFechaFuturaSeAgenda)
     doc->grid()->FijarFilaActual(filaDe(*doc, id));
     m_mensajes.Responder(ServicioMensajes::Respuesta::No);
     m_mensajes.Responder(ServicioMensajes::Respuesta::No);
-    doc->RegistrarAsiento();
+    doc->comandos().RegistrarAsiento();
     EXPECT_EQ(estadoEnBase(id), 0); // No, then No: untouched
     ASSERT_EQ(m_mensajes.mostrados.size(), 2);
     EXPECT_TRUE(m_mensajes.mostrados[0].contains(QStringLiteral("posterior a la de hoy")));
 
     m_mensajes.Responder(ServicioMensajes::Respuesta::Si);
     doc->grid()->FijarFilaActual(filaDe(*doc, id));
-    doc->RegistrarAsiento();
+    doc->comandos().RegistrarAsiento();
     EXPECT_EQ(estadoEnBase(id), -100); // gone for good
     EXPECT_EQ(filaDe(*doc, id), -1);
     EXPECT_EQ(contar(QStringLiteral("Select Count(*) From genMovimientosFrecuentes Where MFrRecurrencia = 'mensual'")), 1);
@@ -161,7 +161,7 @@ TEST_P(Grabacion, CuentaCerradaNoSeRegistra)
     auto doc = abrir();
     mostrarUltimos(*doc);
     doc->grid()->FijarFilaActual(filaDe(*doc, id));
-    doc->RegistrarAsiento();
+    doc->comandos().RegistrarAsiento();
     EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("error: No se puede registrar el asiento ya que existen cuentas cerradas para la fecha.")});
     EXPECT_EQ(estadoEnBase(id), 0);
 }
@@ -176,7 +176,7 @@ TEST_P(Grabacion, RegistrarTodosLosBorradores)
     AsientoDatos otro(m_base.conexion());
     ASSERT_TRUE(otro.CargarAsiento(b));
     ASSERT_TRUE(otro.Grabar());
-    doc->RegistrarListados(0);
+    doc->comandos().RegistrarListados(0);
     EXPECT_EQ(estadoEnBase(a), 1);
     EXPECT_EQ(estadoEnBase(b), 0);
     EXPECT_EQ(estadoEnBase(futuro), 0);
@@ -197,14 +197,14 @@ TEST_P(Grabacion, EliminarAsientoYFila)
     ASSERT_GT(linea, 0);
     doc->grid()->FijarFilaActual(linea);
     m_mensajes.Responder(ServicioMensajes::Respuesta::Si);
-    doc->EliminarAsiento(true);
+    doc->comandos().EliminarAsiento(true);
     EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientoCuenta Where ACuIDAsiento = %1").arg(id)), 2);
     fila = filaDe(*doc, id);
     ASSERT_GT(fila, 0);
     EXPECT_EQ(doc->asientos().UltimaFilaAsiento(fila) - fila, 2);
 
     doc->grid()->FijarFilaActual(fila);
-    doc->EliminarAsiento(false);
+    doc->comandos().EliminarAsiento(false);
     EXPECT_EQ(estadoEnBase(id), 9);
     EXPECT_EQ(filaDe(*doc, id), -1);
 }
@@ -215,7 +215,7 @@ TEST_P(Grabacion, UnaFilaDeUnAsientoDeCierreNoSeElimina)
     auto doc = abrir();
     mostrarUltimos(*doc);
     doc->grid()->FijarFilaActual(filaDe(*doc, id) + 1);
-    doc->EliminarAsiento(true);
+    doc->comandos().EliminarAsiento(true);
     EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("advertencia: En este tipo de Asiento no se puede eliminar un único renglón.")});
     EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientoCuenta Where ACuIDAsiento = %1").arg(id)), 3);
 }
@@ -228,14 +228,14 @@ TEST_P(Grabacion, CopiarYOcultar)
     const int antes = contar(QStringLiteral("Select Count(*) From cceAsientos"));
     doc->grid()->FijarFilaActual(filaDe(*doc, id));
     m_mensajes.Responder(ServicioMensajes::Respuesta::Si);
-    doc->CopiarAsiento();
+    doc->comandos().CopiarAsiento();
     EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientos")), antes + 1);
     const int copia = contar(QStringLiteral("Select Max(AsiID) From cceAsientos"));
     EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientoCuenta Where ACuIDAsiento = %1").arg(copia)), 3);
     EXPECT_GT(filaDe(*doc, copia), 0);
 
     doc->grid()->FijarFilaActual(filaDe(*doc, id));
-    doc->OcultarAsiento();
+    doc->comandos().OcultarAsiento();
     EXPECT_EQ(filaDe(*doc, id), -1);
     EXPECT_EQ(estadoEnBase(id), 1); // only the screen changed
     mostrarUltimos(*doc);
@@ -265,14 +265,14 @@ TEST_P(Grabacion, UnificarLaTasaDeLosDolares)
     doc->grid()->FijarFilaActual(filaDe(*doc, id) + 1);
 
     m_mensajes.ResponderNumero(std::nullopt); // cancelled: nothing changes
-    doc->UnificarTC(false);
+    doc->comandos().UnificarTC(false);
     ASSERT_EQ(m_mensajes.mostrados.size(), 1);
     EXPECT_TRUE(m_mensajes.mostrados[0].startsWith(QStringLiteral("pedido: Ingrese el valor de la tasa de cambio [Unificar tasa de cambio] ")));
     EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientoCuenta Where ACuIDAsiento = %1 And ACuImporteMC = 4000").arg(id)), 2);
 
     doc->grid()->FijarFilaActual(filaDe(*doc, id) + 1);
     m_mensajes.ResponderNumero(41);
-    doc->UnificarTC(false);
+    doc->comandos().UnificarTC(false);
     EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientoCuenta Where ACuIDAsiento = %1 And ACuImporteMC = 4100").arg(id)), 2);
     EXPECT_EQ(m_mensajes.mostrados.size(), 2) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
 }
@@ -299,7 +299,7 @@ TEST_P(Grabacion, UnificarLaTasaDeUnaMonedaQueValeMenosQueUnPeso)
     ASSERT_GT(filaDe(*doc, id), 0);
     doc->grid()->FijarFilaActual(filaDe(*doc, id) + 1);
     m_mensajes.ResponderNumero(5);
-    doc->UnificarTC(false);
+    doc->comandos().UnificarTC(false);
     ASSERT_EQ(m_mensajes.mostrados.size(), 1) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
     EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientoCuenta Where ACuIDAsiento = %1 And ACuImporteMC = 200"
                                     " And (ACuDebe = 1000 Or AcuHaber = 1000)").arg(id)), 2);
@@ -307,7 +307,7 @@ TEST_P(Grabacion, UnificarLaTasaDeUnaMonedaQueValeMenosQueUnPeso)
     // "a la moneda de la cuenta" keeps the pesos: 200 pesos at "/ 8" are ¥1600.
     doc->grid()->FijarFilaActual(filaDe(*doc, id) + 1);
     m_mensajes.ResponderNumero(8);
-    doc->UnificarTC(true);
+    doc->comandos().UnificarTC(true);
     EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientoCuenta Where ACuIDAsiento = %1 And ACuImporteMC = 200"
                                     " And (ACuDebe = 1600 Or AcuHaber = 1600)").arg(id)), 2);
 }

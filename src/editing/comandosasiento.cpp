@@ -1,21 +1,15 @@
-// Saving, registering, scheduling, deleting and copying entries.
-#include "lumingasiento.h"
+#include "comandosasiento.h"
 
-#include "idioma.h"
-#include "menusdocumento.h"
-#include "entries/movimientosfrecuentes.h"
-#include "entries/saldosiniciales.h"
-#include "entries/vistas.h"
-#include "entries/vsgrid.h"
-#include "services/serviciomensajes.h"
-#include "store/valoressql.h"
 #include "currency/catalogomonedas.h"
 #include "currency/mascara.h"
 #include "currency/tipocambio.h"
+#include "entries/movimientosfrecuentes.h"
+#include "entries/vistas.h"
+#include "services/serviciomensajes.h"
+#include "store/valoressql.h"
 
-#include <QAction>
-#include <QApplication>
-#include <QComboBox>
+#include <QCursor>
+#include <QGuiApplication>
 #include <QStringList>
 
 namespace {
@@ -24,25 +18,27 @@ namespace {
 class Ocupado
 {
 public:
-    Ocupado() { QApplication::setOverrideCursor(Qt::BusyCursor); }
-    ~Ocupado() { QApplication::restoreOverrideCursor(); }
+    Ocupado() { QGuiApplication::setOverrideCursor(QCursor(Qt::BusyCursor)); }
+    ~Ocupado() { QGuiApplication::restoreOverrideCursor(); }
 };
 
 } // namespace
 
-LibrosSistema lumIngAsiento::librosSistema() const
+ComandosAsiento::ComandosAsiento(DatosDocumento &datos, AsientosGrilla &asientos, PantallaAsientos &pantalla)
+    : m_datos(datos)
+    , m_asientos(asientos)
+    , m_grilla(asientos.grilla())
+    , m_pantalla(pantalla)
 {
-    const ParametrosSistema &p = Parametros();
-    return {p.libroResumen, p.libroApertura, p.libroCierre, p.libroADC, p.libroPrimeraApertura};
 }
 
-AsientoDatos lumIngAsiento::nuevoAsientoDatos() const
+AsientoDatos ComandosAsiento::nuevoAsientoDatos() const
 {
-    return AsientoDatos(*ConexionCompartida(), librosSistema());
+    return AsientoDatos(*m_datos.conexion(), m_datos.librosSistema());
 }
 
 // The stored entry as it is now; a failure to read it is the command's error.
-AsientoDatos lumIngAsiento::asientoGuardado(qint32 asiID) const
+AsientoDatos ComandosAsiento::asientoGuardado(qint32 asiID) const
 {
     AsientoDatos datos = nuevoAsientoDatos();
     if (!datos.CargarAsiento(asiID))
@@ -50,34 +46,18 @@ AsientoDatos lumIngAsiento::asientoGuardado(qint32 asiID) const
     return datos;
 }
 
-void lumIngAsiento::errorTexto(int numero, const QString &detalle)
-{
-    m_entorno.mensajes->MostrarError(Idioma::resLoad(numero - 1000), QString(), detalle);
-}
-
-void lumIngAsiento::advertirTexto(int numero)
-{
-    m_entorno.mensajes->Advertir(Idioma::resLoad(numero - 1000));
-}
-
-bool lumIngAsiento::preguntarTexto(int numero)
-{
-    return m_entorno.mensajes->Preguntar(Idioma::resLoad(numero - 1000), ServicioMensajes::Botones::SiNo)
-        == ServicioMensajes::Respuesta::Si;
-}
-
 // The entry of the grid's current row becomes the current entry; answers its header row,
 // -1 when the row belongs to no entry.
-int lumIngAsiento::tomarAsientoDeFilaActual()
+int ComandosAsiento::tomarAsientoDeFilaActual()
 {
-    const int cabezal = m_asientos.FilaCabezalDe(m_vsGrid->FilaActual());
+    const int cabezal = m_asientos.FilaCabezalDe(m_pantalla.FilaActual());
     m_asientos.TomarAsientoDeFila(cabezal);
     return cabezal;
 }
 
 // Whether an account of the current entry's lines is closed at a date, from the closing
 // dates the grid carries.
-bool lumIngAsiento::hayCuentasCerradasEnGrilla(const QDate &fecha) const
+bool ComandosAsiento::HayCuentasCerradasEnGrilla(const QDate &fecha) const
 {
     const int cabezal = m_asientos.Cabezal.FilaCabezal;
     if (cabezal < 0)
@@ -90,17 +70,17 @@ bool lumIngAsiento::hayCuentasCerradasEnGrilla(const QDate &fecha) const
     return false;
 }
 
-void lumIngAsiento::RegistrarAsiento()
+void ComandosAsiento::RegistrarAsiento()
 {
-    const int filaActual = m_vsGrid->FilaActual();
-    if (filaActual < m_grilla.FilasFijas() || !ConexionCompartida())
+    const int filaActual = m_pantalla.FilaActual();
+    if (filaActual < m_grilla.FilasFijas() || !m_datos.conexion())
         return;
     m_grilla.FijarRedibujar(false);
     const int cabezal = tomarAsientoDeFilaActual();
     CabezalAsiento &c = m_asientos.Cabezal;
     auto terminar = [&] {
         m_grilla.FijarRedibujar(true);
-        SeleccionarFila(filaActual);
+        m_pantalla.SeleccionarFila(filaActual);
         m_asientos.ResetCabezal();
     };
     if (cabezal < 0 || c.AsiEstado >= EstadoAsiento::kInconcluso) {
@@ -118,7 +98,7 @@ void lumIngAsiento::RegistrarAsiento()
     }
     try {
         if (c.AsiFechaAsiento > QDate::currentDate() && c.AsiEstado == EstadoAsiento::kBorrador) {
-            if (preguntarTexto(1807)) {
+            if (m_datos.Preguntar(1807)) {
                 if (CrearMovimientoFrecuente(true))
                     EliminarDefinitivo(c.AsiID);
                 m_grilla.FijarRedibujar(true);
@@ -126,7 +106,7 @@ void lumIngAsiento::RegistrarAsiento()
                 return;
             }
             m_grilla.FijarRedibujar(true);
-            if (!preguntarTexto(1838)) {
+            if (!m_datos.Preguntar(1838)) {
                 terminar();
                 return;
             }
@@ -134,10 +114,10 @@ void lumIngAsiento::RegistrarAsiento()
         }
         AsientoDatos datos = asientoGuardado(c.AsiID);
         if (datos.Cabezal().FechaModificado != c.AsiFechaModificado) {
-            errorTexto(1820);
+            m_datos.Error(1820);
         } else if (datos.HayCuentasCerradas(datos.Cabezal().Fecha)) {
             m_grilla.FijarRedibujar(true);
-            errorTexto(1811);
+            m_datos.Error(1811);
         } else {
             datos.Cabezal().Estado = c.AsiEstado == EstadoAsiento::kRegistrado ? EstadoAsiento::kBorrador : EstadoAsiento::kRegistrado;
             datos.Cabezal().FechaCambioEstado = AsientoDatos::SelloNuevo(QDateTime());
@@ -146,20 +126,20 @@ void lumIngAsiento::RegistrarAsiento()
                 c.AsiEstado = datos.Cabezal().Estado;
                 m_asientos.ActualizarCabezalFila(cabezal, c.AsiFechaModificado, c.AsiEstado);
             } else if (datos.ultimoResultado() == AsientoDatos::Resultado::Modificado) {
-                errorTexto(1820);
+                m_datos.Error(1820);
             } else {
                 throw ErrorBaseDatos(datos.ultimoError());
             }
         }
     } catch (const ErrorBaseDatos &e) {
-        errorTexto(1931, DetalleError(e.numero(), e.descripcion()));
+        m_datos.Error(1931, DetalleError(e.numero(), e.descripcion()));
     }
     terminar();
 }
 
-void lumIngAsiento::RegistrarListados(qint16 estadoOrigen)
+void ComandosAsiento::RegistrarListados(qint16 estadoOrigen)
 {
-    if (!ConexionCompartida())
+    if (!m_datos.conexion())
         return;
     bool algunaFalla = false;
     try {
@@ -186,14 +166,14 @@ void lumIngAsiento::RegistrarListados(qint16 estadoOrigen)
             m_asientos.ActualizarCabezalFila(r, datos.Cabezal().FechaModificado, c.AsiEstado);
         }
     } catch (const ErrorBaseDatos &e) {
-        errorTexto(1913, DetalleError(e.numero(), e.descripcion()));
+        m_datos.Error(1913, DetalleError(e.numero(), e.descripcion()));
     }
     m_asientos.ResetCabezal();
     if (algunaFalla)
-        advertirTexto(1822);
+        m_datos.Advertir(1822);
 }
 
-void lumIngAsiento::AgendarAsiento()
+void ComandosAsiento::AgendarAsiento()
 {
     tomarAsientoDeFilaActual();
     if (m_asientos.Cabezal.FilaCabezal >= 0 && m_asientos.Cabezal.AsiEstado != EstadoAsiento::kInconcluso)
@@ -201,42 +181,42 @@ void lumIngAsiento::AgendarAsiento()
     m_asientos.ResetCabezal();
 }
 
-bool lumIngAsiento::CrearMovimientoFrecuente(bool agendar)
+bool ComandosAsiento::CrearMovimientoFrecuente(bool agendar)
 {
     if (m_asientos.Cabezal.FilaCabezal < 0)
         tomarAsientoDeFilaActual();
     const CabezalAsiento &c = m_asientos.Cabezal;
-    if (c.FilaCabezal < 0 || c.AsiEstado == EstadoAsiento::kInconcluso || !ConexionCompartida())
+    if (c.FilaCabezal < 0 || c.AsiEstado == EstadoAsiento::kInconcluso || !m_datos.conexion())
         return false;
     Ocupado ocupado;
     CabezalDatos cabezal;
-    cabezal.Empresa = EmpresaProceso();
+    cabezal.Empresa = m_datos.idEmpresa();
     cabezal.Fecha = c.AsiFechaAsiento;
     cabezal.Leyenda = c.AsiLeyenda;
     cabezal.Libro = c.AsiTipo;
     cabezal.Autoriza = c.AsiUsuarioVerificador;
-    cabezal.Usuario = m_host.IDUsuario;
+    cabezal.Usuario = m_datos.usuario;
     QVector<qint16> monedas;
     const QVector<LineaDatos> lineas = m_asientos.LineasParaGrabar(&monedas);
-    MovimientosFrecuentes frecuentes(*ConexionCompartida());
-    const QString nombre = cabezal.Leyenda.isEmpty() ? FormatoFechaSuite(cabezal.Fecha, QTime(0, 0), m_formatoFecha) : cabezal.Leyenda;
+    MovimientosFrecuentes frecuentes(*m_datos.conexion());
+    const QString nombre = cabezal.Leyenda.isEmpty() ? FormatoFechaSuite(cabezal.Fecha, QTime(0, 0), m_datos.formatoFecha) : cabezal.Leyenda;
     if (frecuentes.Crear(cabezal, lineas, monedas, agendar, nombre) > 0)
         return true;
-    errorTexto(1908, frecuentes.ultimoError());
+    m_datos.Error(1908, frecuentes.ultimoError());
     return false;
 }
 
-bool lumIngAsiento::GrabarCabezal()
+bool ComandosAsiento::GrabarCabezal()
 {
     CabezalAsiento &c = m_asientos.Cabezal;
-    if (c.AsiID <= 0 || !ConexionCompartida())
+    if (c.AsiID <= 0 || !m_datos.conexion())
         return false;
     try {
         AsientoDatos datos = asientoGuardado(c.AsiID);
         CabezalDatos &d = datos.Cabezal();
         if (d.Fecha != c.AsiFechaAsiento
             && (datos.HayCuentasCerradas(d.Fecha) || datos.HayCuentasCerradas(c.AsiFechaAsiento))) {
-            errorTexto(1813);
+            m_datos.Error(1813);
             c.AsiFechaAsiento = d.Fecha;
             c.AsiEstado = d.Estado;
             c.AsiFechaModificado = d.FechaModificado;
@@ -246,7 +226,7 @@ bool lumIngAsiento::GrabarCabezal()
             return false;
         }
         if (d.FechaModificado != c.AsiFechaModificado) {
-            errorTexto(1820);
+            m_datos.Error(1820);
             return false;
         }
         d.Leyenda = c.AsiLeyenda;
@@ -260,7 +240,7 @@ bool lumIngAsiento::GrabarCabezal()
         d.Autoriza = c.AsiUsuarioVerificador;
         if (!datos.Grabar()) {
             if (datos.ultimoResultado() == AsientoDatos::Resultado::Modificado) {
-                errorTexto(1820);
+                m_datos.Error(1820);
                 return false;
             }
             throw ErrorBaseDatos(datos.ultimoError());
@@ -271,17 +251,17 @@ bool lumIngAsiento::GrabarCabezal()
             m_asientos.ActualizarCabezalFila(c.FilaCabezal, c.AsiFechaModificado, c.AsiEstado);
         return true;
     } catch (const ErrorBaseDatos &e) {
-        errorTexto(1923, DetalleError(e.numero(), e.descripcion()));
+        m_datos.Error(1923, DetalleError(e.numero(), e.descripcion()));
         return false;
     }
 }
 
-bool lumIngAsiento::GrabarAsientoCompleto(bool asientoCierra)
+bool ComandosAsiento::GrabarAsientoCompleto(bool asientoCierra)
 {
     CabezalAsiento &c = m_asientos.Cabezal;
-    if (!ConexionCompartida() || c.FilaCabezal < 0)
+    if (!m_datos.conexion() || c.FilaCabezal < 0)
         return false;
-    const qint16 estadoCerrado = m_asiSaveB ? EstadoAsiento::kBorrador : EstadoAsiento::kRegistrado;
+    const qint16 estadoCerrado = m_datos.asiSaveB ? EstadoAsiento::kBorrador : EstadoAsiento::kRegistrado;
     try {
         AsientoDatos datos = nuevoAsientoDatos();
         CabezalDatos &d = datos.Cabezal();
@@ -289,19 +269,19 @@ bool lumIngAsiento::GrabarAsientoCompleto(bool asientoCierra)
         qint16 estadoGuardado = EstadoAsiento::kNuevo;
         if (c.AsiID <= 0) {
             d.AsiID = 0;
-            d.Empresa = EmpresaProceso();
-            d.Usuario = m_host.IDUsuario;
+            d.Empresa = m_datos.idEmpresa();
+            d.Usuario = m_datos.usuario;
             d.Estado = estado;
             d.FechaCambioEstado = AsientoDatos::SelloNuevo(QDateTime());
         } else {
             if (!datos.CargarAsiento(c.AsiID))
                 throw ErrorBaseDatos(datos.ultimoError());
             if (!asientoCierra && datos.HayCuentasCerradas(d.Fecha)) {
-                errorTexto(1811);
+                m_datos.Error(1811);
                 return false;
             }
             if (d.FechaModificado != c.AsiFechaModificado) {
-                errorTexto(1820);
+                m_datos.Error(1820);
                 return false;
             }
             estadoGuardado = d.Estado;
@@ -316,7 +296,7 @@ bool lumIngAsiento::GrabarAsientoCompleto(bool asientoCierra)
         }
         bool esApertura = false;
         if (asientoCierra && estadoGuardado == EstadoAsiento::kInconcluso && c.AsiTipo != 0
-            && c.AsiTipo == librosSistema().primeraApertura) {
+            && c.AsiTipo == m_datos.librosSistema().primeraApertura) {
             d.Libro = c.AsiTipo;
             if (!libroParaApertura(d, esApertura))
                 return false;
@@ -328,7 +308,7 @@ bool lumIngAsiento::GrabarAsientoCompleto(bool asientoCierra)
         d.Autoriza = c.AsiUsuarioVerificador;
         datos.Lineas() = m_asientos.LineasParaGrabar();
         if (datos.HayCuentasCerradas(d.Fecha)) {
-            errorTexto(1811);
+            m_datos.Error(1811);
             return false;
         }
         if (esApertura) {
@@ -338,15 +318,15 @@ bool lumIngAsiento::GrabarAsientoCompleto(bool asientoCierra)
             for (const LineaDatos &l : std::as_const(datos.Lineas()))
                 cuentas << QString::number(l.Cuenta);
             if (!cuentas.isEmpty()
-                && !saldosIniciales().CuentasCerradasApertura(m_fechaAsientoApertura, m_empresa.clase, cuentas.join(QLatin1Char(','))).isEmpty()) {
-                errorTexto(1811);
+                && !saldosIniciales().CuentasCerradasApertura(m_datos.fechaAsientoApertura, m_datos.empresa.clase, cuentas.join(QLatin1Char(','))).isEmpty()) {
+                m_datos.Error(1811);
                 return false;
             }
         }
         const qint32 id = esApertura ? datos.GrabarApertura() : datos.GrabarTodo();
         if (id <= 0) {
             if (datos.ultimoResultado() == AsientoDatos::Resultado::Modificado) {
-                errorTexto(1820);
+                m_datos.Error(1820);
                 return false;
             }
             throw ErrorBaseDatos(datos.ultimoError());
@@ -357,7 +337,7 @@ bool lumIngAsiento::GrabarAsientoCompleto(bool asientoCierra)
         m_asientos.ActualizarCabezalFila(c.FilaCabezal, c.AsiFechaModificado, c.AsiEstado);
         return true;
     } catch (const ErrorBaseDatos &e) {
-        errorTexto(1924, DetalleError(e.numero(), e.descripcion()));
+        m_datos.Error(1924, DetalleError(e.numero(), e.descripcion()));
         return false;
     }
 }
@@ -366,7 +346,7 @@ bool lumIngAsiento::GrabarAsientoCompleto(bool asientoCierra)
 // opening-balance entry, unless the company has one already: then it is written with another
 // book (the default book, else the first by name) after question 1836, or refused with 1837
 // when there is no other book. False when nothing may be written.
-bool lumIngAsiento::libroParaApertura(CabezalDatos &d, bool &esApertura)
+bool ComandosAsiento::libroParaApertura(CabezalDatos &d, bool &esApertura)
 {
     if (!saldosIniciales().ExisteAsientoApertura()) {
         esApertura = true;
@@ -374,49 +354,49 @@ bool lumIngAsiento::libroParaApertura(CabezalDatos &d, bool &esApertura)
     }
     const auto libros = LeerLibros(true);
     if (libros.isEmpty()) {
-        errorTexto(1837);
+        m_datos.Error(1837);
         return false;
     }
     const auto defecto = std::find_if(libros.begin(), libros.end(),
-                                      [this](const auto &libro) { return libro.second == m_empresa.libroPorDefecto; });
+                                      [this](const auto &libro) { return libro.second == m_datos.empresa.libroPorDefecto; });
     const auto &[nombre, codigo] = defecto != libros.end() ? *defecto : libros.first();
-    QString pregunta = Idioma::resLoad(836);
+    QString pregunta = m_datos.texto(1836);
     pregunta.replace(QLatin1String("[p]"), QLatin1Char('\'') + nombre + QLatin1Char('\''));
-    if (m_entorno.mensajes->Preguntar(pregunta, ServicioMensajes::Botones::SiNo) != ServicioMensajes::Respuesta::Si)
+    if (m_datos.mensajes->Preguntar(pregunta, ServicioMensajes::Botones::SiNo) != ServicioMensajes::Respuesta::Si)
         return false;
     d.Libro = codigo;
     esApertura = false;
     return true;
 }
 
-SaldosIniciales lumIngAsiento::saldosIniciales() const
+SaldosIniciales ComandosAsiento::saldosIniciales() const
 {
-    return SaldosIniciales(*ConexionCompartida(), librosSistema().primeraApertura, EmpresaProceso(),
-                           Parametros().delimitadorFecha, Parametros().formatoFecha);
+    return SaldosIniciales(*m_datos.conexion(), m_datos.librosSistema().primeraApertura, m_datos.idEmpresa(),
+                           m_datos.parametros().delimitadorFecha, m_datos.parametros().formatoFecha);
 }
 
-bool lumIngAsiento::PuedeModificarApertura()
+bool ComandosAsiento::PuedeModificarApertura()
 {
     AsientoDatos datos = nuevoAsientoDatos();
     const CabezalAsiento &c = m_asientos.Cabezal;
-    const int estado = datos.EstadoApertura(c.AsiID, c.AsiFechaAsiento, EmpresaProceso(), m_empresa.monedaContabilidad);
+    const int estado = datos.EstadoApertura(c.AsiID, c.AsiFechaAsiento, m_datos.idEmpresa(), m_datos.empresa.monedaContabilidad);
     if (estado == 1) {
-        m_entorno.mensajes->MostrarError(Idioma::resLoad(829), Idioma::resLoad(0), QString());
+        m_datos.mensajes->MostrarError(m_datos.texto(1829), m_datos.texto(1000), QString());
         return false;
     }
     if (estado == 2) {
-        advertirTexto(1826);
+        m_datos.Advertir(1826);
         return false;
     }
     return true;
 }
 
-bool lumIngAsiento::EliminarDefinitivo(qint32 asiID)
+bool ComandosAsiento::EliminarDefinitivo(qint32 asiID)
 {
     Ocupado ocupado;
     AsientoDatos datos = nuevoAsientoDatos();
     if (!datos.EliminarDefinitivo(asiID)) {
-        errorTexto(1921, datos.ultimoError());
+        m_datos.Error(1921, datos.ultimoError());
         return false;
     }
     m_grilla.FijarRedibujar(false);
@@ -425,11 +405,11 @@ bool lumIngAsiento::EliminarDefinitivo(qint32 asiID)
     return true;
 }
 
-void lumIngAsiento::EliminarAsiento(bool porFila)
+void ComandosAsiento::EliminarAsiento(bool porFila)
 {
-    if (!TienePermiso(u'E') || !ConexionCompartida())
+    if (!m_datos.TienePermiso(u'E') || !m_datos.conexion())
         return;
-    const int fila = m_vsGrid->FilaActual();
+    const int fila = m_pantalla.FilaActual();
     const int cabezal = m_asientos.FilaCabezalDe(fila);
     if (cabezal < m_grilla.FilasFijas())
         return;
@@ -444,16 +424,16 @@ void lumIngAsiento::EliminarAsiento(bool porFila)
     }
     m_asientos.TomarAsientoDeFila(cabezal);
     CabezalAsiento &c = m_asientos.Cabezal;
-    const LibrosSistema libros = librosSistema();
+    const LibrosSistema libros = m_datos.librosSistema();
     try {
         if (porFila) {
             if (c.AsiTipo != 0
                 && (c.AsiTipo == libros.resumen || c.AsiTipo == libros.adc || c.AsiTipo == libros.apertura || c.AsiTipo == libros.cierre)) {
-                advertirTexto(1817);
+                m_datos.Advertir(1817);
             } else if (c.AsiTipo != 0 && c.AsiTipo == libros.primeraApertura && !PuedeModificarApertura()) {
-            } else if (!preguntarTexto(1805)) {
-            } else if (hayCuentasCerradasEnGrilla(c.AsiFechaAsiento)) {
-                advertirTexto(1814);
+            } else if (!m_datos.Preguntar(1805)) {
+            } else if (HayCuentasCerradasEnGrilla(c.AsiFechaAsiento)) {
+                m_datos.Advertir(1814);
             } else if (m_asientos.EsFilaDiferencia(fila)) {
                 // The proposal of the missing line is no line: it just goes.
                 m_grilla.QuitarFila(fila);
@@ -462,9 +442,9 @@ void lumIngAsiento::EliminarAsiento(bool porFila)
             } else {
                 AsientoDatos datos = asientoGuardado(c.AsiID);
                 if (datos.Cabezal().FechaModificado != c.AsiFechaModificado) {
-                    errorTexto(1820);
+                    m_datos.Error(1820);
                 } else if (datos.HayCuentasCerradas(datos.Cabezal().Fecha)) {
-                    advertirTexto(1814);
+                    m_datos.Advertir(1814);
                 } else {
                     const RegistroLinea l = m_asientos.LineaDeFila(fila);
                     for (int i = 0; i < datos.Lineas().size(); ++i) {
@@ -477,15 +457,12 @@ void lumIngAsiento::EliminarAsiento(bool porFila)
                     datos.Cabezal().FechaCambioEstado = AsientoDatos::SelloNuevo(QDateTime());
                     if (datos.GrabarTodo() <= 0) {
                         if (datos.ultimoResultado() == AsientoDatos::Resultado::Modificado)
-                            errorTexto(1820);
+                            m_datos.Error(1820);
                         else
                             throw ErrorBaseDatos(datos.ultimoError());
                     } else {
                         m_grilla.FijarRedibujar(false);
-                        m_asientos.QuitarAsientoDeGrilla(c.AsiID);
-                        ActualizarContexto();
-                        if (const auto fallo = CargarAsientoEnGrilla(m_asientos, *ConexionCompartida(), c.AsiID, cabezal))
-                            MostrarFallo(*fallo);
+                        RecargarAsiento(c.AsiID, cabezal);
                         m_grilla.FijarRedibujar(true);
                     }
                 }
@@ -494,30 +471,29 @@ void lumIngAsiento::EliminarAsiento(bool porFila)
             m_grilla.QuitarFilas(cabezal, m_asientos.UltimaFilaAsiento(cabezal) - cabezal + 1);
         } else {
             AsientoDatos datos = nuevoAsientoDatos();
-            const QString ids = datos.EnviarPapelera(c.AsiID, m_empresa.monedaContabilidad, c.AsiFechaModificado);
+            const QString ids = datos.EnviarPapelera(c.AsiID, m_datos.empresa.monedaContabilidad, c.AsiFechaModificado);
             m_grilla.FijarRedibujar(false);
             for (const QString &id : ids.split(QLatin1Char(','), Qt::SkipEmptyParts))
                 m_asientos.QuitarAsientoDeGrilla(id.toInt());
             m_grilla.FijarRedibujar(true);
-            BuscarAsientoApertura();
             if (ids.isEmpty() && datos.ultimoResultado() == AsientoDatos::Resultado::Modificado)
-                errorTexto(1820);
+                m_datos.Error(1820);
             else if (ids.isEmpty() && datos.ultimoResultado() == AsientoDatos::Resultado::ErrorBase)
                 throw ErrorBaseDatos(datos.ultimoError());
         }
     } catch (const ErrorBaseDatos &e) {
-        errorTexto(porFila ? 1919 : 1918, DetalleError(e.numero(), e.descripcion()));
+        m_datos.Error(porFila ? 1919 : 1918, DetalleError(e.numero(), e.descripcion()));
     }
     m_asientos.ResetCabezal();
-    SeleccionarFila(std::min(fila, m_grilla.Filas() - 1));
+    m_pantalla.SeleccionarFila(std::min(fila, m_grilla.Filas() - 1));
 }
 
-void lumIngAsiento::CopiarAsiento()
+void ComandosAsiento::CopiarAsiento()
 {
-    const int cabezal = m_asientos.FilaCabezalDe(m_vsGrid->FilaActual());
-    if (cabezal < 0 || !ConexionCompartida())
+    const int cabezal = m_asientos.FilaCabezalDe(m_pantalla.FilaActual());
+    if (cabezal < 0 || !m_datos.conexion())
         return;
-    if (m_entorno.mensajes->Preguntar(Idioma::resLoad(806), ServicioMensajes::Botones::SiNo, Idioma::resLoad(24))
+    if (m_datos.mensajes->Preguntar(m_datos.texto(1806), ServicioMensajes::Botones::SiNo, m_datos.texto(1024))
         != ServicioMensajes::Respuesta::Si)
         return;
     try {
@@ -527,52 +503,37 @@ void lumIngAsiento::CopiarAsiento()
             throw ErrorBaseDatos(datos.ultimoError());
         datos.Cabezal().AsiID = 0;
         datos.Cabezal().FechaModificado = QDateTime();
-        datos.Cabezal().Usuario = m_host.IDUsuario;
+        datos.Cabezal().Usuario = m_datos.usuario;
         if (datos.HayCuentasCerradas(datos.Cabezal().Fecha)) {
-            m_entorno.mensajes->Informar(Idioma::resLoad(816));
+            m_datos.mensajes->Informar(m_datos.texto(1816));
             return;
         }
         const qint32 copia = datos.GrabarTodo();
         if (copia <= 0)
             throw ErrorBaseDatos(datos.ultimoError());
-        ActualizarContexto();
-        if (const auto fallo = CargarAsientoEnGrilla(m_asientos, *ConexionCompartida(), copia, m_grilla.Filas() - 1))
-            MostrarFallo(*fallo);
-        SeleccionarFila(m_grilla.Filas() - 1);
+        CargarAsiento(copia, m_grilla.Filas() - 1);
+        m_pantalla.SeleccionarFila(m_grilla.Filas() - 1);
     } catch (const ErrorBaseDatos &e) {
-        errorTexto(1915, DetalleError(e.numero(), e.descripcion()));
+        m_datos.Error(1915, DetalleError(e.numero(), e.descripcion()));
     }
     m_asientos.ResetCabezal();
 }
 
-void lumIngAsiento::OcultarAsiento()
+void ComandosAsiento::OcultarAsiento()
 {
-    const int cabezal = m_asientos.FilaCabezalDe(m_vsGrid->FilaActual());
+    const int cabezal = m_asientos.FilaCabezalDe(m_pantalla.FilaActual());
     if (cabezal < 0)
         return;
     m_grilla.FijarRedibujar(false);
     m_grilla.QuitarFilas(cabezal, m_asientos.UltimaFilaAsiento(cabezal) - cabezal + 1);
     m_grilla.FijarRedibujar(true);
     m_asientos.ResetCabezal();
-    SeleccionarFila(std::min(cabezal, m_grilla.Filas() - 1));
+    m_pantalla.SeleccionarFila(std::min(cabezal, m_grilla.Filas() - 1));
 }
 
-void lumIngAsiento::CargarLibros(QComboBox *lista, bool excluirSistema)
+QList<std::pair<QString, qint16>> ComandosAsiento::LeerLibros(bool excluirSistema) const
 {
-    lista->clear();
-    if (!ConexionCompartida())
-        return;
-    try {
-        for (const auto &[nombre, codigo] : LeerLibros(excluirSistema))
-            lista->addItem(nombre, int(codigo));
-    } catch (const ErrorBaseDatos &e) {
-        errorTexto(1910, DetalleError(e.numero(), e.descripcion()));
-    }
-}
-
-QList<std::pair<QString, qint16>> lumIngAsiento::LeerLibros(bool excluirSistema) const
-{
-    const ParametrosSistema &p = Parametros();
+    const ParametrosSistema &p = m_datos.parametros();
     QString sql = QStringLiteral("Select * From genLibros ");
     if (excluirSistema)
         sql += QStringLiteral("Where LibCodigo Not In (")
@@ -582,31 +543,20 @@ QList<std::pair<QString, qint16>> lumIngAsiento::LeerLibros(bool excluirSistema)
              + QStringLiteral(")");
     sql += QStringLiteral(" Order By LibNombre");
     QList<std::pair<QString, qint16>> libros;
-    auto rs = ConexionCompartida()->Abrir(sql);
+    auto rs = m_datos.conexion()->Abrir(sql);
     for (; !rs->Fin(); rs->MoverSiguiente())
         libros.append({rs->Texto(QStringLiteral("LibNombre")).trimmed(), qint16(rs->Entero(QStringLiteral("LibCodigo")))});
     return libros;
 }
 
-// Delete on the grid: the whole entry on its header row, the line on any other.
-bool lumIngAsiento::EliminarConTecla(int fila)
+void ComandosAsiento::UnificarTC(bool bMonedaCuenta)
 {
-    if (m_filaEdicion > 0 || m_asientos.FilaCabezalDe(fila) < 0)
-        return false;
-    EliminarAsiento(!m_asientos.EsFilaCabezal(fila));
-    return true;
-}
-
-void lumIngAsiento::UnificarTC(bool bMonedaCuenta)
-{
-    if (m_filaEdicion > 0)
-        SalirEdicion();
-    const int fila = m_vsGrid->FilaActual();
+    const int fila = m_pantalla.FilaActual();
     const int cabezal = m_asientos.FilaCabezalDe(fila);
-    if (cabezal < 0 || !ConexionCompartida())
+    if (cabezal < 0 || !m_datos.conexion())
         return;
     try {
-        const qint16 mc = m_empresa.monedaContabilidad;
+        const qint16 mc = m_datos.empresa.monedaContabilidad;
         qint16 moneda = m_asientos.LineaDeFila(fila).iMon;
         if (moneda == mc || moneda < 1) {
             // On the header row or a line in pesos: the entry's first foreign currency.
@@ -617,41 +567,41 @@ void lumIngAsiento::UnificarTC(bool bMonedaCuenta)
             return;
         m_asientos.TomarAsientoDeFila(cabezal);
         ReglasCotizacion reglas;
-        reglas.delimitador = Parametros().delimitadorFecha;
-        reglas.patronFecha = Parametros().formatoFecha;
-        reglas.fechaCotizacion = m_empresa.fechaCotizacion;
+        reglas.delimitador = m_datos.parametros().delimitadorFecha;
+        reglas.patronFecha = m_datos.parametros().formatoFecha;
+        reglas.fechaCotizacion = m_datos.empresa.fechaCotizacion;
         QDate fechaCotizacion;
-        double propuesta = (bMonedaCuenta ? BuscarTipoCambio(*ConexionCompartida(), mc, moneda, m_empresa.tipoTCComprobantes,
+        double propuesta = (bMonedaCuenta ? BuscarTipoCambio(*m_datos.conexion(), mc, moneda, m_datos.empresa.tipoTCComprobantes,
                                                              m_asientos.Cabezal.AsiFechaAsiento, fechaCotizacion, reglas)
-                                          : BuscarTipoCambio(*ConexionCompartida(), moneda, mc, m_empresa.tipoTCComprobantes,
+                                          : BuscarTipoCambio(*m_datos.conexion(), moneda, mc, m_datos.empresa.tipoTCComprobantes,
                                                              m_asientos.Cabezal.AsiFechaAsiento, fechaCotizacion, reglas))
                                .aDouble();
         if (propuesta > 0 && propuesta < 1)
             propuesta = 1 / propuesta;
-        const QString mascara = Monedas().DatoMoneda(moneda, 5).toString();
+        const QString mascara = m_datos.monedas().DatoMoneda(moneda, 5).toString();
         propuesta = RedondearConMascara(propuesta, mascara);
         // The rate is asked for as the line editor shows it, 1 or more; a currency worth less
         // than the accounting currency is applied with "/" (a yen at 0.25 is "/ 4"). The
         // entry's own rate tells which, or the quotation when the entry has none.
         double factor = m_asientos.BuscarTCMonedaCuenta(moneda);
         if (factor <= 0)
-            factor = BuscarTipoCambio(*ConexionCompartida(), moneda, mc, m_empresa.tipoTCComprobantes,
+            factor = BuscarTipoCambio(*m_datos.conexion(), moneda, mc, m_datos.empresa.tipoTCComprobantes,
                                       m_asientos.Cabezal.AsiFechaAsiento, fechaCotizacion, reglas)
                          .aDouble();
         const bool divide = factor > 0 && factor < 1;
         double tasa = propuesta;
-        if (m_entorno.mensajes->PedirNumero(Idioma::resLoad(111), Idioma::resLoad(112), tasa) && tasa > 0) {
+        if (m_datos.mensajes->PedirNumero(m_datos.texto(1111), m_datos.texto(1112), tasa) && tasa > 0) {
             tasa = RedondearConMascara(tasa, mascara);
             if (tasa > 0)
                 AplicarTC(bMonedaCuenta, divide ? 1 / tasa : tasa, moneda);
         }
     } catch (const ErrorBaseDatos &e) {
-        errorTexto(1934, DetalleError(e.numero(), e.descripcion()));
+        m_datos.Error(1934, DetalleError(e.numero(), e.descripcion()));
     }
     m_asientos.ResetCabezal();
 }
 
-bool lumIngAsiento::AplicarTC(bool bMonedaCuenta, double tasa, qint16 moneda)
+bool ComandosAsiento::AplicarTC(bool bMonedaCuenta, double tasa, qint16 moneda)
 {
     CabezalAsiento &c = m_asientos.Cabezal;
     const int cabezal = c.FilaCabezal;
@@ -660,11 +610,11 @@ bool lumIngAsiento::AplicarTC(bool bMonedaCuenta, double tasa, qint16 moneda)
     AsientoDatos datos = c.AsiID > 0 ? asientoGuardado(c.AsiID) : nuevoAsientoDatos();
     if (c.AsiID > 0) {
         if (datos.Cabezal().FechaModificado != c.AsiFechaModificado) {
-            errorTexto(1820);
+            m_datos.Error(1820);
             return false;
         }
         if (datos.HayCuentasCerradas(datos.Cabezal().Fecha)) {
-            advertirTexto(1831);
+            m_datos.Advertir(1831);
             return false;
         }
     }
@@ -678,16 +628,26 @@ bool lumIngAsiento::AplicarTC(bool bMonedaCuenta, double tasa, qint16 moneda)
     const bool bien = datos.GrabarTodo() > 0;
     // The entry is read again: the amounts as stored, or as they were when the write failed.
     m_grilla.FijarRedibujar(false);
-    m_grilla.QuitarFilas(cabezal, m_asientos.UltimaFilaAsiento(cabezal) - cabezal + 1);
-    ActualizarContexto();
-    if (const auto fallo = CargarAsientoEnGrilla(m_asientos, *ConexionCompartida(), id, cabezal))
-        MostrarFallo(*fallo);
+    RecargarAsiento(id, cabezal);
     m_grilla.FijarRedibujar(true);
     if (!bien) {
         if (datos.ultimoResultado() == AsientoDatos::Resultado::Modificado)
-            errorTexto(1820);
+            m_datos.Error(1820);
         else
             throw ErrorBaseDatos(datos.ultimoError());
     }
     return bien;
+}
+
+void ComandosAsiento::RecargarAsiento(qint32 asiID, int cabezal)
+{
+    m_grilla.QuitarFilas(cabezal, m_asientos.UltimaFilaAsiento(cabezal) - cabezal + 1);
+    CargarAsiento(asiID, cabezal);
+}
+
+void ComandosAsiento::CargarAsiento(qint32 asiID, int fila)
+{
+    m_pantalla.ActualizarContexto();
+    if (const auto fallo = CargarAsientoEnGrilla(m_asientos, *m_datos.conexion(), asiID, fila))
+        m_datos.MostrarFallo(*fallo);
 }

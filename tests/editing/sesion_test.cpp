@@ -2,7 +2,7 @@
 
 #include "services/servicioconfigusuario.h"
 #include "services/serviciopermisos.h"
-#include "shell/sesion.h"
+#include "editing/sesion.h"
 #include "store/basedemo.h"
 
 #include <gtest/gtest.h>

@@ -1,0 +1,90 @@
+#pragma once
+
+#include "editing/datosdocumento.h"
+#include "editing/pantalla.h"
+#include "entries/asientodatos.h"
+#include "entries/asientosgrilla.h"
+#include "entries/saldosiniciales.h"
+
+#include <QList>
+#include <QString>
+
+#include <utility>
+
+// The commands of the entry menu: registering, drafts in bulk, scheduling, frequent entries,
+// deleting an entry or a line, copying, hiding, unifying rates, and the writes of the edited
+// entry. They work on the grid's entries and the store, ask and tell through the message
+// service, and open no window. A command acts on the entry of the screen's current row and
+// leaves the grid's current entry (AsientosGrilla::Cabezal) reset, except the writes of the
+// edited entry, which work on it. A database failure is told with the command's catalogue
+// text and its detail; nothing is left half-written.
+class ComandosAsiento
+{
+public:
+    ComandosAsiento(DatosDocumento &datos, AsientosGrilla &asientos, PantallaAsientos &pantalla);
+
+    // Registers a draft, or puts a registered entry back to draft (a future draft may
+    // become a scheduled frequent entry instead, 1807/1838). An entry never stored is
+    // stored. Refused: changed by someone else (1820), a closed account (1811).
+    void RegistrarAsiento();
+    // Registers every entry of the grid in state estadoOrigen that is not in the future;
+    // 1822 when some could not be.
+    void RegistrarListados(qint16 estadoOrigen);
+    // Makes the current entry a scheduled frequent entry.
+    void AgendarAsiento();
+    // Makes the current entry (the grid's current row's, when none is taken) a frequent
+    // entry, scheduled with agendar; named by its legend or, without one, its date.
+    bool CrearMovimientoFrecuente(bool agendar);
+
+    // Writes the current entry's header values over the stored entry. False when refused
+    // (1813 a date across a closed account, whose stored values then come back; 1820) or
+    // failed (1923).
+    bool GrabarCabezal();
+    // Writes the current entry with its grid lines, as registered (or draft) when it
+    // balances, incomplete when not; an incomplete opening-balance entry that balances
+    // becomes the opening-balance entry. False when refused or failed (1811, 1820, 1924).
+    bool GrabarAsientoCompleto(bool asientoCierra);
+    // False, after saying why, when the opening-balance entry may not change.
+    bool PuedeModificarApertura();
+
+    // Deletes the current entry (to the trash), or with porFila the current line of it; a
+    // row deletion of the header row or of the only line deletes the entry.
+    void EliminarAsiento(bool porFila);
+    // Deletes an entry for good and takes its rows from the grid.
+    bool EliminarDefinitivo(qint32 asiID);
+    // Stores a copy of the current entry (after question 1806) and shows it last.
+    void CopiarAsiento();
+    // Takes the current entry's rows from the grid; the store keeps it.
+    void OcultarAsiento();
+
+    // Asks for one rate for the current entry's first foreign currency and applies it to
+    // every line in it, keeping the account currency's amounts (bMonedaCuenta) or the
+    // accounting currency's.
+    void UnificarTC(bool bMonedaCuenta);
+    // Applies a factor (accounting units per unit) to the current entry's lines in moneda
+    // and stores a stored entry again. Throws ErrorBaseDatos when the write fails.
+    bool AplicarTC(bool bMonedaCuenta, double tasa, qint16 moneda);
+
+    // The books by name, the system books left out when asked; throws ErrorBaseDatos.
+    QList<std::pair<QString, qint16>> LeerLibros(bool excluirSistema) const;
+    // Whether an account of the current entry's lines is closed at fecha, from the closing
+    // dates the grid carries.
+    bool HayCuentasCerradasEnGrilla(const QDate &fecha) const;
+    // Replaces the rows of the entry whose header row is cabezal by the entry asiID as
+    // stored.
+    void RecargarAsiento(qint32 asiID, int cabezal);
+    // Loads a stored entry into the grid with its header at fila.
+    void CargarAsiento(qint32 asiID, int fila);
+
+private:
+    AsientoDatos nuevoAsientoDatos() const;
+    AsientoDatos asientoGuardado(qint32 asiID) const;
+    int tomarAsientoDeFilaActual();
+    bool libroParaApertura(CabezalDatos &d, bool &esApertura);
+    SaldosIniciales saldosIniciales() const;
+
+    DatosDocumento &m_datos;
+    AsientosGrilla &m_asientos;
+    Grilla &m_grilla;
+    PantallaAsientos &m_pantalla;
+};

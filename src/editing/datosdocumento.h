@@ -1,0 +1,45 @@
+#pragma once
+
+#include "editing/proceso.h"
+#include "editing/sesion.h"
+#include "entries/asientodatos.h"
+#include "store/fallo.h"
+
+#include <QDate>
+#include <QString>
+
+#include <functional>
+#include <memory>
+
+class ServicioMensajes;
+
+// What a started document knows of its session: the process it lives in, the user, the
+// company and the user's choices. The document owns it and keeps it current; its edit
+// session and entry commands read it.
+struct DatosDocumento
+{
+    std::shared_ptr<Proceso> proceso;
+    ServicioMensajes *mensajes = nullptr;
+    std::function<QString(int)> texto; // catalogue text by its number (1000 and up)
+    qint16 usuario = 0;
+    ConfigEmpresa empresa;
+    QString letras;                    // the user's permission letters
+    QString formatoFecha;              // the user's date format, in the suite's notation
+    QDate fechaAsientoApertura;
+    bool asiSaveB = false;             // entries that balance are stored as drafts
+
+    // Null until the start-up has opened the connection.
+    Conexion *conexion() const { return proceso ? proceso->conexion.get() : nullptr; }
+    const ParametrosSistema &parametros() const { return proceso->parametros; }
+    CatalogoMonedas &monedas() const { return proceso->monedas; }
+    qint32 idEmpresa() const { return proceso->IDEmpresa; }
+    LibrosSistema librosSistema() const;
+    bool TienePermiso(QChar letra) const;
+
+    // Catalogue messages, by their numbers.
+    void Error(int numero, const QString &detalle = {}) const;
+    void Advertir(int numero) const;
+    void Informar(int numero) const;
+    bool Preguntar(int numero) const;
+    void MostrarFallo(const Fallo &fallo) const;
+};

@@ -1,0 +1,494 @@
+#include "sesionedicion.h"
+
+#include "currency/catalogomonedas.h"
+#include "currency/importe.h"
+#include "currency/mascara.h"
+#include "entries/vistas.h"
+#include "services/serviciomensajes.h"
+
+#include <algorithm>
+
+SesionEdicion::SesionEdicion(DatosDocumento &datos, AsientosGrilla &asientos, ComandosAsiento &comandos,
+                             VistaEdicion &vista)
+    : m_datos(datos)
+    , m_asientos(asientos)
+    , m_grilla(asientos.grilla())
+    , m_comandos(comandos)
+    , m_vista(vista)
+{
+}
+
+void SesionEdicion::NuevoAsiento()
+{
+    if (m_filaEdicion > 0)
+        SalirEdicion();
+    m_vista.SeleccionarFila(m_grilla.Filas() - 1);
+    EntrarEdicion(m_grilla.Filas() - 1);
+}
+
+// The books the header offers; false when there is none (a failure to read them is said).
+bool SesionEdicion::leerLibros()
+{
+    if (m_libros.isEmpty()) {
+        try {
+            m_libros = m_comandos.LeerLibros(true);
+        } catch (const ErrorBaseDatos &e) {
+            m_datos.Error(1910, DetalleError(e.numero(), e.descripcion()));
+        }
+        m_vista.FijarLibros(m_libros);
+    }
+    return !m_libros.isEmpty();
+}
+
+// The header values of the current entry, whose header row is cabezal.
+ValoresCabezal SesionEdicion::valoresDelCabezal(int cabezal)
+{
+    const CabezalAsiento &c = m_asientos.Cabezal;
+    ValoresCabezal v;
+    v.fecha = c.AsiFechaAsiento.isValid() ? c.AsiFechaAsiento : QDate::currentDate();
+    v.fechaHabilitada = !(c.AsiID > 0 && m_comandos.HayCuentasCerradasEnGrilla(c.AsiFechaAsiento));
+    auto ofrecido = [this](qint16 libro) {
+        return std::any_of(m_libros.begin(), m_libros.end(), [libro](const auto &l) { return l.second == libro; });
+    };
+    // A book the list does not offer (the opening-balance book, or another system book) is
+    // shown by name and kept: the entry cannot be moved to or from it here.
+    m_libroFijo = c.AsiTipo != 0 && (c.AsiTipo == m_datos.librosSistema().primeraApertura || !ofrecido(c.AsiTipo));
+    m_nombreLibroFijo = m_libroFijo ? m_grilla.Texto(cabezal, 4) : QString();
+    v.libroFijo = m_nombreLibroFijo;
+    // An entry without a book is offered the default book, the first one when there is none.
+    if (c.AsiTipo > 0 && !m_libroFijo)
+        v.libro = c.AsiTipo;
+    else
+        v.libro = ofrecido(m_datos.empresa.libroPorDefecto) ? m_datos.empresa.libroPorDefecto : m_libros.first().second;
+    v.leyenda = c.AsiLeyenda;
+    v.autoriza = c.AsiUsuarioVerificador;
+    v.autorizaHabilitado = !(m_vista.ConAutoriza() && c.AsiID > 0 && AsientoVerificado(*m_datos.conexion(), c.AsiID));
+    return v;
+}
+
+bool SesionEdicion::EntrarEdicion(int fila)
+{
+    if (!m_datos.conexion() || fila < m_grilla.FilasFijas() || fila >= m_grilla.Filas())
+        return false;
+    const bool ultima = fila == m_grilla.Filas() - 1;
+    if (!m_datos.TienePermiso(ultima ? u'A' : u'M'))
+        return false;
+    try {
+        // A new entry: the placeholder becomes its header row and its first line, and a new
+        // placeholder closes the grid again.
+        if (ultima && m_asientos.EsFilaNuevoAsiento(fila)) {
+            m_grilla.FijarRedibujar(false);
+            m_asientos.ResetCabezal();
+            m_asientos.Cabezal.AsiEstado = EstadoAsiento::kNuevo;
+            m_asientos.Cabezal.FilaCabezal = fila;
+            m_asientos.FilaCabezalAsiento(QString());
+            m_grilla.InsertarFila(fila + 1);
+            m_grilla.FijarDato(fila + 1, 0, 0);
+            m_grilla.FijarDato(fila + 1, 1, QString()); // a line row with no account yet
+            m_asientos.FilaNuevoAsiento();
+            m_grilla.FijarRedibujar(true);
+            fila = fila + 1;
+        }
+        const int cabezal = m_asientos.FilaCabezalDe(fila);
+        if (cabezal < 0)
+            return false;
+        m_asientos.TomarAsientoDeFila(cabezal);
+        const CabezalAsiento &c = m_asientos.Cabezal;
+        if (m_asientos.EsFilaCabezal(fila))
+            fila = cabezal + 1 <= m_asientos.UltimaFilaAsiento(cabezal) ? cabezal + 1 : cabezal;
+        m_filaEdicion = fila;
+        m_escrituraRechazada = false;
+
+        if (c.AsiID > 0 && c.AsiTipo != 0 && c.AsiTipo == m_datos.librosSistema().primeraApertura
+            && !m_comandos.PuedeModificarApertura()) {
+            m_filaEdicion = 0;
+            m_asientos.ResetCabezal();
+            return false;
+        }
+        m_grilla.FijarImagen(cabezal, QStringLiteral("edicion"));
+        if (!leerLibros()) {
+            terminarEdicion(false);
+            m_datos.Informar(1828);
+            return false;
+        }
+        m_vista.AbrirCabezal(valoresDelCabezal(cabezal));
+        cargarLineaEnEditor(fila);
+        m_vista.MostrarEditor(fila, false);
+        return true;
+    } catch (const ErrorBaseDatos &e) {
+        m_datos.Error(1928, DetalleError(e.numero(), e.descripcion()));
+        if (m_filaEdicion > 0)
+            terminarEdicion(false);
+        m_asientos.ResetCabezal();
+        return false;
+    }
+}
+
+void SesionEdicion::cargarLineaEnEditor(int fila)
+{
+    const CabezalAsiento &c = m_asientos.Cabezal;
+    bool debeMenor = false, cierra = false;
+    double mc = 0, me = 0;
+    m_asientos.CierreAsiento(debeMenor, mc, me, cierra);
+    // The missing amount is proposed as an amount: to the cent of the fixed-point type, not
+    // with the noise of the sums (99.99999999999999).
+    std::optional<std::pair<bool, double>> diferencia;
+    if (!cierra)
+        diferencia = std::make_pair(debeMenor, Importe::DesdeDouble(me != 0 ? me : mc).aDouble());
+    std::optional<RegistroLinea> linea;
+    RegistroLinea l = m_asientos.LineaDeFila(fila);
+    if (l.lCta > 0) {
+        // A foreign line shows the rate the entry uses for its currency.
+        const bool extranjera = l.iMon != m_datos.empresa.monedaContabilidad && l.iMon >= 1;
+        const double tasa = extranjera ? m_asientos.BuscarTCMonedaCuenta(l.iMon) : 0;
+        if (tasa != 0)
+            l.dTCambio = tasa;
+        linea = l;
+    }
+    m_vista.CargarEditor(c.AsiFechaAsiento.isValid() ? c.AsiFechaAsiento : QDate::currentDate(), diferencia, linea);
+}
+
+void SesionEdicion::AgregarCuenta()
+{
+    // Leaving an edit re-reads that entry and leaves its header row current.
+    if (m_filaEdicion > 0)
+        SalirEdicion();
+    const int cabezal = m_asientos.FilaCabezalDe(m_vista.FilaActual());
+    if (cabezal < 0)
+        return;
+    try {
+        m_asientos.TomarAsientoDeFila(cabezal);
+        int ultima = m_asientos.UltimaFilaAsiento(cabezal);
+        if (m_asientos.EsFilaDiferencia(ultima))
+            --ultima;
+        m_grilla.InsertarFila(ultima + 1);
+        m_grilla.FijarDato(ultima + 1, 0, m_asientos.Cabezal.AsiID);
+        m_grilla.FijarDato(ultima + 1, 1, QString()); // a line row with no account yet
+        m_asientos.ResetCabezal();
+        m_vista.SeleccionarFila(ultima + 1);
+        EntrarEdicion(ultima + 1);
+    } catch (const ErrorBaseDatos &e) {
+        m_datos.Error(1935, DetalleError(e.numero(), e.descripcion()));
+    }
+}
+
+// Writes the accepted line into the edited row (a second row for the credit account of a
+// line that carries both).
+void SesionEdicion::escribirLinea(int fila, const RegistroLinea &linea)
+{
+    RegistroLinea l = linea;
+    if (m_asientos.EsFilaDiferencia(fila) || m_grilla.Dato(fila, 1).toString().isEmpty()) {
+        // A new line comes after every line of the entry.
+        int orden = 0;
+        const int cabezal = m_asientos.Cabezal.FilaCabezal;
+        for (int r = cabezal + 1; r <= m_asientos.UltimaFilaAsiento(cabezal); ++r)
+            if (!m_asientos.EsFilaDiferencia(r))
+                orden = std::max(orden, CampoDeClave(m_grilla.Dato(r, 1).toString(), 4));
+        l.ACuOrden = qint16(orden + 1);
+    } else {
+        l.ACuOrden = qint16(CampoDeClave(m_grilla.Dato(fila, 1).toString(), 4));
+    }
+    m_asientos.FilaLineaAsiento(fila, l);
+}
+
+bool SesionEdicion::reglaTasas(RegistroLinea &linea)
+{
+    const qint16 mc = m_datos.empresa.monedaContabilidad;
+    if (linea.iMon == mc || linea.iMon < 1 || linea.dImporte == 0)
+        return true;
+    const double usada = m_asientos.BuscarTCMonedaCuenta(linea.iMon);
+    const QString mascara = m_datos.monedas().DatoMoneda(linea.iMon, 5).toString();
+    // Rates are compared, shown and rounded as the line editor shows them: a factor below 1
+    // as its reciprocal (a yen at 0.25 is "/ 4").
+    auto mostrada = [](double f) { return f > 0 && f < 1 ? 1 / f : f; };
+    auto redondo = [&](double t) { return RedondearConMascara(mostrada(t), QStringLiteral("#,##0.000")); };
+    if (usada == 0 || redondo(usada) == redondo(linea.dTCambio))
+        return true;
+
+    // The average over the lines kept and this one.
+    double sumaME = linea.dImporte;
+    double sumaMC = linea.dImporteMC;
+    const int cabezal = m_asientos.Cabezal.FilaCabezal;
+    for (int r = cabezal + 1; r <= m_asientos.UltimaFilaAsiento(cabezal); ++r) {
+        if (r == m_filaEdicion || m_asientos.EsFilaDiferencia(r))
+            continue;
+        const RegistroLinea x = m_asientos.LineaDeFila(r);
+        if (x.iMon == linea.iMon && x.dImporte != 0) {
+            sumaME += x.dImporte;
+            sumaMC += x.dImporteMC;
+        }
+    }
+    const double promedio = sumaME != 0 ? sumaMC / sumaME : linea.dTCambio;
+    const Mascara tres(QStringLiteral("#,##0.000"));
+    QString pregunta = m_datos.texto(1832);
+    pregunta.replace(QLatin1String("[p]"), tres.Formatear(mostrada(linea.dTCambio)));
+    pregunta.replace(QLatin1String("[p1]"), tres.Formatear(mostrada(promedio)));
+    pregunta.replace(QLatin1String("[p2]"), tres.Formatear(mostrada(usada)));
+    const auto respuesta = m_datos.mensajes->Preguntar(pregunta, ServicioMensajes::Botones::SiNoCancelar);
+    double nueva = linea.dTCambio;
+    if (respuesta == ServicioMensajes::Respuesta::No)
+        nueva = promedio;
+    else if (respuesta == ServicioMensajes::Respuesta::Cancelar)
+        nueva = usada;
+    nueva = nueva > 0 && nueva < 1 ? 1 / RedondearConMascara(1 / nueva, mascara) : RedondearConMascara(nueva, mascara);
+    const bool mantenerMC = respuesta != ServicioMensajes::Respuesta::Cancelar && m_datos.Preguntar(1833);
+    const QString mascaraMC = m_datos.monedas().DatoMoneda(0, 4).toString();
+    const QString mascaraME = m_datos.monedas().DatoMoneda(linea.iMon, 4).toString();
+    auto recalcular = [&](RegistroLinea &l) {
+        l.dTCambio = nueva;
+        if (mantenerMC)
+            l.dImporte = RedondearConMascara(l.dImporteMC / nueva, mascaraME);
+        else
+            l.dImporteMC = RedondearConMascara(l.dImporte * nueva, mascaraMC);
+    };
+    recalcular(linea);
+    if (respuesta != ServicioMensajes::Respuesta::Cancelar) {
+        for (int r = cabezal + 1; r <= m_asientos.UltimaFilaAsiento(cabezal); ++r) {
+            if (r == m_filaEdicion || m_asientos.EsFilaDiferencia(r))
+                continue;
+            RegistroLinea x = m_asientos.LineaDeFila(r);
+            if (x.iMon != linea.iMon)
+                continue;
+            recalcular(x);
+            x.ACuOrden = qint16(CampoDeClave(m_grilla.Dato(r, 1).toString(), 4));
+            m_asientos.FilaLineaAsiento(r, x);
+        }
+        m_pendiente = true;
+    }
+    return true;
+}
+
+void SesionEdicion::AceptarLinea()
+{
+    CabezalAsiento &c = m_asientos.Cabezal;
+    if (m_filaEdicion <= 0 || c.FilaCabezal < 0)
+        return;
+    const ValoresCabezal cabezal = m_vista.LeerCabezal();
+    if (!cabezal.fecha.isValid()) {
+        m_vista.EnfocarFecha();
+        return;
+    }
+    const QDate fecha = cabezal.fecha;
+    QVector<RegistroLinea> lineas;
+    for (bool debe : {true, false}) {
+        const std::optional<ValorLinea> valor = m_vista.LineaDelEditor(debe);
+        if (!valor)
+            continue;
+        const ValorLinea &v = *valor;
+        RegistroLinea l;
+        l.bEsAlDebe = debe;
+        l.lCta = v.lCta;
+        l.iPry = v.iPry;
+        l.iDep = v.iDep;
+        l.iMon = v.iMon;
+        l.sTextDisplay = v.sTextDisplay;
+        l.dFechaCierre = v.dFechaCierre.isValid() && v.dFechaCierre > QDate(1901, 1, 1) ? v.dFechaCierre.toString(Qt::ISODate) : QString();
+        const bool extranjera = v.iMon != m_datos.empresa.monedaContabilidad && v.iMon >= 1;
+        l.dImporte = v.dImporte;
+        l.dImporteMC = extranjera ? v.dImporteMC : v.dImporte;
+        l.dTCambio = extranjera ? v.dTCambio : (v.dImporte != 0 ? 1 : 0);
+        lineas.append(l);
+    }
+    if (lineas.isEmpty())
+        return;
+
+    for (const RegistroLinea &l : std::as_const(lineas)) {
+        if (l.dImporte == 0 && l.dImporteMC != 0 && !m_datos.Preguntar(1819))
+            return;
+    }
+    // Closed accounts: an account of the stored entry closed at its date cannot change
+    // (1815); a date on or before an account's closing is not admitted (1821).
+    for (const RegistroLinea &l : std::as_const(lineas)) {
+        const QDate cierre = QDate::fromString(l.dFechaCierre, Qt::ISODate);
+        if (!cierre.isValid() || fecha > cierre)
+            continue;
+        // The edited row still carries the key it was loaded with: its account counts as one
+        // of the stored entry's.
+        bool delAsiento = false;
+        for (int r = c.FilaCabezal + 1; r <= m_asientos.UltimaFilaAsiento(c.FilaCabezal); ++r)
+            delAsiento = delAsiento || m_asientos.LineaDeFila(r).lCta == l.lCta;
+        if (c.AsiID > 0 && delAsiento) {
+            m_datos.Error(1815);
+        } else {
+            m_datos.Error(1821);
+            if (c.AsiID > 0)
+                m_vista.FijarFecha(c.AsiFechaAsiento);
+            m_vista.EnfocarFecha();
+        }
+        return;
+    }
+    if (c.AsiID > 0 && fecha != c.AsiFechaAsiento && m_comandos.HayCuentasCerradasEnGrilla(fecha)) {
+        m_datos.Error(1821);
+        m_vista.FijarFecha(c.AsiFechaAsiento);
+        m_vista.EnfocarFecha();
+        return;
+    }
+    for (RegistroLinea &l : lineas)
+        if (!reglaTasas(l))
+            return;
+
+    // The line goes into the grid; the header row takes the header fields.
+    m_grilla.FijarRedibujar(false);
+    escribirLinea(m_filaEdicion, lineas[0]);
+    if (lineas.size() > 1) {
+        m_grilla.InsertarFila(m_filaEdicion + 1);
+        m_grilla.FijarDato(m_filaEdicion + 1, 0, c.AsiID);
+        escribirLinea(m_filaEdicion + 1, lineas[1]);
+    }
+    // A book shown by name and an authoriser list the company does not show keep the
+    // entry's values.
+    const qint16 libro = m_libroFijo ? c.AsiTipo : cabezal.libro;
+    const qint16 autoriza = m_vista.ConAutoriza() ? cabezal.autoriza : c.AsiUsuarioVerificador;
+    const QString leyenda = cabezal.leyenda.trimmed();
+    const bool cabezalCambiado = c.AsiFechaAsiento != fecha || c.AsiLeyenda != leyenda || c.AsiTipo != libro
+                              || c.AsiUsuarioVerificador != autoriza;
+    c.AsiFechaAsiento = fecha;
+    c.AsiLeyenda = leyenda;
+    c.AsiTipo = libro;
+    c.AsiUsuarioVerificador = autoriza;
+    m_asientos.FilaCabezalAsiento(nombreLibro(c.AsiTipo));
+    m_grilla.FijarImagen(c.FilaCabezal, QStringLiteral("edicion"));
+    // The old proposal of the missing line goes; a new one is made below when still needed.
+    for (int r = m_asientos.UltimaFilaAsiento(c.FilaCabezal); r > c.FilaCabezal; --r)
+        if (m_asientos.EsFilaDiferencia(r))
+            m_grilla.QuitarFila(r);
+    m_grilla.FijarRedibujar(true);
+    m_pendiente = true;
+
+    bool escrito = false;
+    bool cierra = lineas.size() > 1;
+    if (!cierra) {
+        bool debeMenor = false;
+        double mc = 0, me = 0;
+        m_asientos.CierreAsiento(debeMenor, mc, me, cierra);
+    }
+    if (cierra) {
+        escrito = m_comandos.GrabarAsientoCompleto(true);
+        m_pendiente = false;
+        if (!escrito) {
+            // The message is shown once; the edit stays open with what was typed, and
+            // leaving it shows the entry as stored.
+            m_escrituraRechazada = true;
+            return;
+        }
+    } else if (c.AsiID > 0 && cabezalCambiado) {
+        m_comandos.GrabarCabezal();
+    }
+
+    if (escrito && c.AsiFechaAsiento > QDate::currentDate() && m_datos.Preguntar(1807)) {
+        const qint32 id = c.AsiID;
+        if (m_comandos.CrearMovimientoFrecuente(true) && m_comandos.EliminarDefinitivo(id)) {
+            // The entry's rows are gone from the grid: no row of it is left to tidy up.
+            c.FilaCabezal = -1;
+            m_filaEdicion = 0;
+            terminarEdicion(false);
+        } else {
+            terminarEdicion(true);
+        }
+        return;
+    }
+    if (escrito) {
+        terminarEdicion(true);
+        return;
+    }
+    // Still unbalanced: the next line is typed below, with the missing amount proposed.
+    const int ultima = m_asientos.UltimaFilaAsiento(c.FilaCabezal);
+    m_grilla.InsertarFila(ultima + 1);
+    m_grilla.FijarDato(ultima + 1, 0, c.AsiID);
+    m_grilla.FijarDato(ultima + 1, 1, QString()); // a line row with no account yet
+    m_filaEdicion = ultima + 1;
+    // The proposal of the missing line shows below the line being typed.
+    m_asientos.FilaDiferencia(m_filaEdicion + 1, true);
+    m_vista.SeleccionarFila(m_filaEdicion);
+    cargarLineaEnEditor(m_filaEdicion);
+    m_vista.MostrarEditor(m_filaEdicion, true);
+}
+
+void SesionEdicion::SalirEdicion()
+{
+    if (m_filaEdicion <= 0)
+        return;
+    CabezalAsiento &c = m_asientos.Cabezal;
+    bool escrito = false;
+    if (m_pendiente && c.FilaCabezal >= 0) {
+        // The row being typed is no line yet; without it the entry is what was accepted.
+        if (m_grilla.Dato(m_filaEdicion, 1).toString().isEmpty() && !m_asientos.EsFilaCabezal(m_filaEdicion)) {
+            m_grilla.QuitarFila(m_filaEdicion);
+            m_filaEdicion = c.FilaCabezal;
+        }
+        bool debeMenor = false, cierra = false;
+        double mc = 0, me = 0;
+        m_asientos.CierreAsiento(debeMenor, mc, me, cierra);
+        escrito = m_comandos.GrabarAsientoCompleto(cierra);
+        m_escrituraRechazada = m_escrituraRechazada || !escrito;
+        m_pendiente = false;
+    }
+    // A stored entry is shown as stored: what was written, or, after a refusal, as it was.
+    terminarEdicion(escrito || c.AsiID > 0);
+}
+
+bool SesionEdicion::SalirEdicionEnLaFila()
+{
+    const qint32 id = m_asientos.IdDeFila(m_filaEdicion);
+    const QString clave = m_grilla.Dato(m_filaEdicion, 1).toString();
+    SalirEdicion();
+    if (id <= 0 || clave.isEmpty() || clave == AsientosGrilla::kClaveDiferencia)
+        return false;
+    const int cabezal = m_asientos.FilaCabezalDe(m_vista.FilaActual());
+    if (cabezal < 0 || m_asientos.IdDeFila(cabezal) != id)
+        return false;
+    for (int r = cabezal + 1; r <= m_asientos.UltimaFilaAsiento(cabezal); ++r) {
+        if (m_grilla.Dato(r, 1).toString() == clave) {
+            m_vista.SeleccionarFila(r);
+            return true;
+        }
+    }
+    return false;
+}
+
+// Leaves edit mode. A stored entry's rows are read again from the store; an entry that was
+// never stored goes when nothing of it could be written.
+void SesionEdicion::terminarEdicion(bool recargar)
+{
+    CabezalAsiento &c = m_asientos.Cabezal;
+    int seleccion = -1;
+    m_grilla.FijarRedibujar(false);
+    if (c.FilaCabezal >= 0 && c.FilaCabezal < m_grilla.Filas()) {
+        const int cabezal = c.FilaCabezal;
+        seleccion = cabezal;
+        if (m_filaEdicion > 0 && m_filaEdicion < m_grilla.Filas() && m_grilla.Dato(m_filaEdicion, 1).toString().isEmpty()
+            && !m_asientos.EsFilaCabezal(m_filaEdicion) && !m_asientos.EsFilaNuevoAsiento(m_filaEdicion))
+            m_grilla.QuitarFila(m_filaEdicion);
+        const int ultima = m_asientos.UltimaFilaAsiento(cabezal);
+        if (recargar && c.AsiID > 0) {
+            m_comandos.RecargarAsiento(c.AsiID, cabezal);
+        } else if (c.AsiID <= 0 && (ultima == cabezal || m_escrituraRechazada)) {
+            // Never stored, and nothing of it could be: its rows go.
+            m_grilla.QuitarFilas(cabezal, ultima - cabezal + 1);
+        } else if (m_asientos.EsFilaCabezal(cabezal)) {
+            m_asientos.ClaveEstado(cabezal, c.AsiEstado);
+            m_asientos.FormatoEntrada();
+        }
+    }
+    m_grilla.FijarRedibujar(true);
+    m_filaEdicion = 0;
+    m_pendiente = false;
+    m_libroFijo = false;
+    m_nombreLibroFijo.clear();
+    m_escrituraRechazada = false;
+    m_asientos.ResetCabezal();
+    // The entry just left stays the current row, in view.
+    if (seleccion < m_grilla.FilasFijas() || seleccion >= m_grilla.Filas())
+        seleccion = m_grilla.Filas() - 1;
+    m_vista.CerrarEdicion(seleccion);
+}
+
+// The name of a book: from the list the header offers, or the name of the book shown fixed.
+QString SesionEdicion::nombreLibro(qint16 libro) const
+{
+    for (const auto &[nombre, codigo] : m_libros)
+        if (codigo == libro)
+            return nombre;
+    return m_libroFijo ? m_nombreLibroFijo : QString();
+}
+

@@ -1,0 +1,151 @@
+// The document's menus, links and keys, wired to the edit session and the entry commands.
+#include "lumingasiento.h"
+
+#include "idioma.h"
+#include "lumhiperlink.h"
+#include "lumtoomenu.h"
+#include "menusdocumento.h"
+#include "paneledicion.h"
+#include "editing/comandosasiento.h"
+#include "editing/sesionedicion.h"
+#include "entries/vistas.h"
+#include "entries/vsgrid.h"
+#include "services/gestorlibros.h"
+
+#include <QAction>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QMenu>
+
+void lumIngAsiento::conectarComandos()
+{
+    connect(tmMenu, &lumTooMenu::HelpClick, this, [this] {
+        if (m_entorno.host)
+            m_entorno.host->Navegar(ComandoHost::kAyudaIngreso, QString());
+    });
+    connect(hlRegistro, &QToolButton::clicked, this, [this] { ClickEnlace(hlRegistro, m_menus->MnuEdicion); });
+    connect(hlOpSave, &QToolButton::clicked, this, [this] { ClickEnlace(hlOpSave, m_menus->MnuSave); });
+    connect(hlCargar, &QToolButton::clicked, this, [this] { ClickEnlace(hlCargar, m_menus->MnuView); });
+
+    connect(m_vsGrid, &vsGrid::Click, this, &lumIngAsiento::vsGrid_Click);
+    connect(m_vsGrid, &vsGrid::KeyDown, this, &lumIngAsiento::vsGrid_KeyDown);
+    connect(m_vsGrid, &vsGrid::KeyPress, this, &lumIngAsiento::vsGrid_KeyPress);
+    connect(m_vsGrid, &vsGrid::MouseDown, this, &lumIngAsiento::vsGrid_MouseDown);
+    connect(m_vsGrid, &vsGrid::FilaActualCambiada, this, &lumIngAsiento::vsGrid_FilaActual);
+    connect(m_vsGrid->horizontalHeader(), &QHeaderView::sectionClicked, this, [this] {
+        if (FilaEdicion() > 0) {
+            m_edicion->SalirEdicion();
+            return;
+        }
+        SeleccionarFila(m_grilla.FilasFijas());
+        m_filaRecordada = m_grilla.FilasFijas();
+    });
+    for (int i = 0; i < m_menus->MnuVieitem.size(); ++i)
+        connect(m_menus->MnuVieitem[i], &QAction::triggered, this, [this, i] { ElegirVista(i); });
+    for (int i = 0; i < m_menus->MnuViewMItem.size(); ++i)
+        connect(m_menus->MnuViewMItem[i], &QAction::triggered, this, [this, i] { ElegirVista(Vista::kPrimerMes + i); });
+
+    connect(m_menus->accion(QStringLiteral("MnuSaveNewBorrador")), &QAction::triggered, this, [this](bool marcado) {
+        m_datos.asiSaveB = marcado;
+        ConfigUsuario(true);
+    });
+    for (const auto &[accion, orden] : {std::pair{"MnuEdiVCod", 0}, std::pair{"MnuEdiVIngreso", 1}}) {
+        connect(m_menus->accion(QString::fromLatin1(accion)), &QAction::triggered, this, [this, orden = orden] {
+            m_asiOrder = quint8(orden);
+            ConfigUsuario(true);
+            OrdenarCuentasGrilla();
+        });
+    }
+
+    // Every entry command first finishes a line being edited, as leaving it with Escape does:
+    // the command then works on the entry as stored, and no row of the edit is left behind.
+    // A command on one line (deleting a row) has no line to act on when the row being typed
+    // was none yet.
+    auto alElegir = [this](const char *accion, auto funcion, bool sobreUnaLinea = false) {
+        connect(m_menus->accion(QString::fromLatin1(accion)), &QAction::triggered, this, [this, funcion, sobreUnaLinea] {
+            if (FilaEdicion() > 0 && !m_edicion->SalirEdicionEnLaFila() && sobreUnaLinea)
+                return;
+            funcion();
+        });
+    };
+    ComandosAsiento &c = *m_comandos;
+    alElegir("MnuEdiNew", [this] { m_edicion->NuevoAsiento(); });
+    alElegir("MnuEdiAddCta", [this] { m_edicion->AgregarCuenta(); });
+    alElegir("MnuEdiSaveNormal", [&c] { c.RegistrarAsiento(); });
+    alElegir("MnuSaveEnBorrador", [&c] { c.RegistrarListados(EstadoAsiento::kBorrador); });
+    alElegir("MnuEdiAgendarAsiento", [&c] { c.AgendarAsiento(); });
+    alElegir("MnuEdiHacerFrecuente", [this, &c] {
+        m_asientos.ResetCabezal();
+        c.CrearMovimientoFrecuente(false);
+        m_asientos.ResetCabezal();
+    });
+    alElegir("MnuEdiDel", [&c] { c.EliminarAsiento(false); });
+    alElegir("MnuEdiDelRow", [&c] { c.EliminarAsiento(true); }, true);
+    alElegir("MnuEdiCopy", [&c] { c.CopiarAsiento(); });
+    alElegir("MnuEdiHide", [&c] { c.OcultarAsiento(); });
+    alElegir("MnuUnificarTCCta", [&c] { c.UnificarTC(true); });
+    alElegir("MnuUnificarTCMC", [&c] { c.UnificarTC(false); });
+    alElegir("MnuEdiLibro", [this] {
+        if (!m_datos.conexion())
+            return;
+        try {
+            GestorLibros gestor(*m_datos.conexion(), this);
+            gestor.exec();
+            m_edicion->OlvidarLibros(); // the list is read again on the next edit
+        } catch (const ErrorBaseDatos &e) {
+            m_datos.Error(1932, DetalleError(e.numero(), e.descripcion()));
+        }
+    });
+    // The opening-balance entry, print, export and frequent entries are not in this build:
+    // their items are not offered.
+    for (const char *ausente : {"MnuEdiASI", "MnuEdiAPA", "MnuEdiLinePrint", "MnuPriCnfgPage", "MnuPriPrint",
+                                "MnuPriPrevia", "MnuAFrRegistrar", "MnuAFrNew"})
+        m_menus->accion(QString::fromLatin1(ausente))->setVisible(false);
+    m_menus->MnuExportar->menuAction()->setVisible(false);
+}
+
+void lumIngAsiento::ClickEnlace(lumHiperLink *enlace, QMenu *menu)
+{
+    if (FilaEdicion() > 0) {
+        m_edicion->SalirEdicion();
+        setFocus();
+    }
+    if (enlace == hlCargar)
+        PrepararMenuVistas();
+    if (enlace == hlRegistro)
+        PrepararMenuEdicion();
+    menu->popup(enlace->mapToGlobal(QPoint(0, enlace->height())));
+}
+
+void lumIngAsiento::MenuEdicionEnCelda()
+{
+    PrepararMenuEdicion();
+    const QRect celda = m_vsGrid->visualRect(m_vsGrid->currentIndex());
+    m_menus->MnuEdicion->popup(m_vsGrid->viewport()->mapToGlobal(celda.bottomLeft()));
+}
+
+// The state caption and the save command follow the entry of the current row.
+void lumIngAsiento::PrepararMenuEdicion()
+{
+    const int fila = m_vsGrid->FilaActual();
+    const bool hayAsiento = m_asientos.FilaCabezalDe(fila) >= 0;
+    const qint16 estado = hayAsiento ? m_asientos.EstadoDeFila(fila) : 0;
+    QAction *info = m_menus->accion(QStringLiteral("MnuEdiShowEstado"));
+    const int texto = hayAsiento ? TextoMenuEstado(estado) : 0;
+    info->setVisible(hayAsiento && estado <= 0);
+    info->setText(texto ? m_datos.texto(texto) : QString());
+    m_menus->accion(QStringLiteral("MnuEdiLineEstado"))->setVisible(info->isVisible());
+    QAction *grabar = m_menus->accion(QStringLiteral("MnuEdiSaveNormal"));
+    grabar->setText(m_datos.texto(hayAsiento && estado == EstadoAsiento::kRegistrado ? 1036 : 1023));
+}
+
+void lumIngAsiento::keyPressEvent(QKeyEvent *evento)
+{
+    const Qt::KeyboardModifiers mods = evento->modifiers() & ~Qt::KeypadModifier;
+    if (mods == Qt::ControlModifier && evento->key() == Qt::Key_N) {
+        m_edicion->NuevoAsiento();
+        evento->accept();
+        return;
+    }
+    QWidget::keyPressEvent(evento);
+}
