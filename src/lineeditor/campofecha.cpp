@@ -137,10 +137,23 @@ void CampoFecha::setDisplayFormat(const QString &formatoQt)
         setText(Mostrar(m_fecha, m_formato));
 }
 
+void CampoFecha::Vaciar()
+{
+    const bool cambia = m_fecha.isValid();
+    m_fecha = QDate();
+    clear();
+    if (cambia)
+        emit dateChanged(m_fecha);
+}
+
 bool CampoFecha::Aceptar()
 {
     if (text() == Mostrar(m_fecha, m_formato))
         return true;
+    if (m_permitirVacia && text().trimmed().isEmpty()) {
+        Vaciar();
+        return true;
+    }
     const QDate leida = LeerFecha(text(), m_formato, m_fecha);
     if (!leida.isValid()) {
         emit fechaInvalida();

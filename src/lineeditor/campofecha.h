@@ -35,6 +35,11 @@ public:
     // ignored. Emits dateChanged() when the date differs from the last one.
     void setDate(const QDate &fecha);
 
+    // A field that may hold no date accepts a blank text as none: date() is then null.
+    void setPermitirVacia(bool permitir) { m_permitirVacia = permitir; }
+    // Drops the date and the text; emits dateChanged() when there was a date.
+    void Vaciar();
+
     // A Qt date format ("dd/MM/yyyy"); it fixes the order of the parts when reading.
     void setDisplayFormat(const QString &formatoQt);
     QString displayFormat() const { return m_formato; }
@@ -61,4 +66,5 @@ private:
 
     QDate m_fecha;
     QString m_formato = QStringLiteral("dd/MM/yyyy");
+    bool m_permitirVacia = false;
 };

@@ -8,6 +8,7 @@
 #include "paneledicion.h"
 #include "editing/comandosasiento.h"
 #include "editing/sesionedicion.h"
+#include "search/busquedaasientos.h"
 #include "entries/vistas.h"
 #include "entries/vsgrid.h"
 #include "services/gestorlibros.h"
@@ -26,6 +27,7 @@ void lumIngAsiento::conectarComandos()
     connect(hlRegistro, &QToolButton::clicked, this, [this] { ClickEnlace(hlRegistro, m_menus->MnuEdicion); });
     connect(hlOpSave, &QToolButton::clicked, this, [this] { ClickEnlace(hlOpSave, m_menus->MnuSave); });
     connect(hlCargar, &QToolButton::clicked, this, [this] { ClickEnlace(hlCargar, m_menus->MnuView); });
+    connect(hlFind, &QToolButton::clicked, this, [this] { Buscar(true); });
 
     connect(m_vsGrid, &vsGrid::Click, this, &lumIngAsiento::vsGrid_Click);
     connect(m_vsGrid, &vsGrid::KeyDown, this, &lumIngAsiento::vsGrid_KeyDown);
@@ -139,9 +141,40 @@ void lumIngAsiento::PrepararMenuEdicion()
     grabar->setText(m_datos.texto(hayAsiento && estado == EstadoAsiento::kRegistrado ? 1036 : 1023));
 }
 
+void lumIngAsiento::Buscar(bool mostrarDialogo)
+{
+    if (FilaEdicion() > 0) {
+        m_edicion->SalirEdicion();
+        setFocus();
+    }
+    const auto resultado = m_busqueda->Buscar(mostrarDialogo);
+    if (resultado != BusquedaAsientos::Resultado::SinCambios) {
+        hlCargar->Tag = QString::number(Vista::kPersonalizada);
+        MostrarVista();
+    }
+    if (resultado == BusquedaAsientos::Resultado::Cargada)
+        hlFind->Tag = QStringLiteral("1");
+    m_vsGrid->setFocus();
+}
+
 void lumIngAsiento::keyPressEvent(QKeyEvent *evento)
 {
     const Qt::KeyboardModifiers mods = evento->modifiers() & ~Qt::KeypadModifier;
+    // F3 repeats the last search inside a search view and opens the dialog outside one.
+    if (evento->key() == Qt::Key_F3 && !(mods & Qt::ControlModifier) && hlFind->isEnabled()) {
+        if (hlCargar->Tag != QString::number(Vista::kPersonalizada))
+            Buscar(true);
+        else if (hlFind->Tag == QLatin1String("1"))
+            Buscar(false);
+        evento->accept();
+        return;
+    }
+    const QString letra = m_datos.texto(1002).left(1).toUpper();
+    if (mods == Qt::ControlModifier && !letra.isEmpty() && evento->key() == letra.at(0).unicode() && hlFind->isEnabled()) {
+        Buscar(true);
+        evento->accept();
+        return;
+    }
     if (mods == Qt::ControlModifier && evento->key() == Qt::Key_N) {
         m_edicion->NuevoAsiento();
         evento->accept();

@@ -5,6 +5,7 @@ namespace ComandoHost {
 const QString kMarco = QStringLiteral("centro");
 const QString kAyudaIngreso = QStringLiteral("lumNav:navhelp?Main|asientos\\ingreso_de_asientos.htm");
 const QString kAyudaSaldosIniciales = QStringLiteral("lumNav:navhelp?Main|asientos\\asiento_de_saldos_iniciales.htm");
+const QString kAyudaBusqueda = QStringLiteral("lumNav:navhelp?Main|asientos\\busqueda_de_asientos.htm");
 
 QString Error(const QString &texto)
 {

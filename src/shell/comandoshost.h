@@ -18,6 +18,7 @@ namespace ComandoHost {
 extern const QString kMarco;                 // "centro"
 extern const QString kAyudaIngreso;          // help page of the entry screen
 extern const QString kAyudaSaldosIniciales;  // help page of the opening-balance entry
+extern const QString kAyudaBusqueda;         // help page of the search dialog
 
 QString Error(const QString &texto);
 QString AccesoDenegado(const QString &nombreAplicacion);

@@ -8,6 +8,7 @@
 #include "currency/catalogomonedas.h"
 #include "editing/comandosasiento.h"
 #include "editing/sesionedicion.h"
+#include "search/busquedaasientos.h"
 #include "entries/vistas.h"
 #include "entries/vsgrid.h"
 #include "lineeditor/lumerasiento.h"
@@ -95,8 +96,7 @@ void lumIngAsiento::crearControles()
         l->setEnabled(false);
         tmMenu->AgregarEnlace(l);
     }
-    // Search and frequent entries are not in this build: their links are not offered.
-    hlFind->setVisible(false);
+    // Frequent entries are not in this build: their link is not offered.
     hlAsientoFrecuente->setVisible(false);
     tmMenu->setHelpVisible(true);
 
@@ -127,9 +127,20 @@ void lumIngAsiento::crearControles()
     m_menus = std::make_unique<MenusDocumento>(this);
     m_comandos = std::make_unique<ComandosAsiento>(m_datos, m_asientos, *m_panel);
     m_edicion = std::make_unique<SesionEdicion>(m_datos, m_asientos, *m_comandos, *m_panel);
+    m_busquedaPropia = std::make_unique<BusquedaCuentasQt>();
+    m_busqueda = std::make_unique<BusquedaAsientos>(m_datos, m_asientos, *m_panel, busquedaCuentas(), this);
+    m_busqueda->ayuda = [this] {
+        if (m_entorno.host)
+            m_entorno.host->Navegar(ComandoHost::kAyudaBusqueda, QString());
+    };
 
     PrepararGrillaAsientos(m_grilla, QStringLiteral("<Cuenta|<|>Debe|>Haber|>T. Cambio|>Importe M/E"));
     m_vsGrid->AplicarAnchos();
+}
+
+ServicioBusquedaCuentas &lumIngAsiento::busquedaCuentas() const
+{
+    return m_entorno.busquedaCuentas ? *m_entorno.busquedaCuentas : *m_busquedaPropia;
 }
 
 int lumIngAsiento::FilaEdicion() const
@@ -161,13 +172,11 @@ QComboBox *lumIngAsiento::listaLibros() const
 // up itself.
 void lumIngAsiento::prepararEditor()
 {
-    if (!m_busquedaPropia)
-        m_busquedaPropia = std::make_unique<BusquedaCuentasQt>();
     ContextoLinea c;
     c.conexion = m_datos.conexion();
     c.monedas = &m_datos.monedas();
     c.mensajes = m_entorno.mensajes;
-    c.busqueda = m_entorno.busquedaCuentas ? m_entorno.busquedaCuentas : m_busquedaPropia.get();
+    c.busqueda = &busquedaCuentas();
     c.empresa = m_datos.idEmpresa();
     c.monedaContabilidad = m_datos.empresa.monedaContabilidad;
     c.mostrarCodigoCta = m_datos.empresa.mostrarCodigoCta;
@@ -240,6 +249,7 @@ void lumIngAsiento::iniciarSinTrampa()
     }
 
     AsignarTextos();
+    m_busqueda->claveSesion = m_host.ClaveSesion;
     tmMenu->SetPictureHelp(m_host.ClaveSesion);
 
     {

@@ -12,6 +12,7 @@
 #include <memory>
 
 class CampoFecha;
+class BusquedaAsientos;
 class ComandosAsiento;
 class MenusDocumento;
 class PanelEdicion;
@@ -78,6 +79,7 @@ public:
 
     SesionEdicion &edicion() const { return *m_edicion; }
     ComandosAsiento &comandos() const { return *m_comandos; }
+    BusquedaAsientos &busqueda() const { return *m_busqueda; }
     MenusDocumento &menus() const { return *m_menus; }
     AsientosGrilla &asientos() { return m_asientos; }
     Grilla &grilla() { return m_grilla; }
@@ -93,6 +95,9 @@ public:
     void ElegirVista(int vista);
     QString VistaActual() const;
     QString RutaDisenoGrilla() const;
+    // Ends an edit, then searches: with the dialog, or again with the last criteria. The
+    // grid then shows a search view.
+    void Buscar(bool mostrarDialogo);
     // Makes a data row current, with the selection colours of its kind of row.
     void SeleccionarFila(int fila);
     // Brings the grid's context (font, width, order, company) up to date.
@@ -112,6 +117,7 @@ private:
     bool InicializarDocumento();
     void AsignarTextos();
     void prepararEditor();
+    ServicioBusquedaCuentas &busquedaCuentas() const;
     void EnviarComando(const QString &direccion);
     void HabilitarEnlaces();
     void LlenarAutorizadores(Conexion &conexion);
@@ -173,4 +179,5 @@ private:
     std::unique_ptr<MenusDocumento> m_menus;
     std::unique_ptr<ComandosAsiento> m_comandos;
     std::unique_ptr<SesionEdicion> m_edicion;
+    std::unique_ptr<BusquedaAsientos> m_busqueda;
 };

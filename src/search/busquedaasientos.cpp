@@ -1,0 +1,71 @@
+#include "busquedaasientos.h"
+
+#include "consultabusqueda.h"
+#include "frmfind.h"
+#include "editing/comandosasiento.h"
+#include "editing/datosdocumento.h"
+#include "entries/vistas.h"
+
+#include <stdexcept>
+
+BusquedaAsientos::BusquedaAsientos(DatosDocumento &datos, AsientosGrilla &asientos, PantallaAsientos &pantalla,
+                                   ServicioBusquedaCuentas &cuentas, QWidget *dueno)
+    : m_datos(datos)
+    , m_asientos(asientos)
+    , m_pantalla(pantalla)
+    , m_cuentas(cuentas)
+    , m_dueno(dueno)
+{
+}
+
+BusquedaAsientos::~BusquedaAsientos() = default;
+
+frmFind &BusquedaAsientos::Dialogo()
+{
+    if (!m_dialogo) {
+        QList<std::pair<QString, qint16>> libros;
+        try {
+            libros = ComandosAsiento(m_datos, m_asientos, m_pantalla).LeerLibros(false);
+        } catch (const ErrorBaseDatos &e) {
+            m_datos.Error(1910, DetalleError(e.numero(), e.descripcion()));
+        }
+        m_dialogo = std::make_unique<frmFind>(m_datos, m_cuentas, libros, m_dueno);
+        m_dialogo->ayuda = [this] {
+            if (ayuda)
+                ayuda();
+        };
+    }
+    return *m_dialogo;
+}
+
+BusquedaAsientos::Resultado BusquedaAsientos::Buscar(bool mostrarDialogo)
+{
+    if (!m_datos.conexion())
+        return Resultado::SinCambios;
+    frmFind &dialogo = Dialogo();
+    dialogo.criterios.prmKey = claveSesion;
+    if (mostrarDialogo) {
+        dialogo.criterios.FindOK = false;
+        dialogo.exec();
+        if (!dialogo.criterios.FindOK)
+            return Resultado::SinCambios;
+    }
+    QString sql;
+    try {
+        sql = SqlBusqueda(dialogo.criterios, m_datos.idEmpresa(), m_datos.parametros().delimitadorFecha,
+                          m_datos.parametros().formatoFecha);
+    } catch (const std::invalid_argument &e) {
+        m_datos.Error(1927, QString::fromStdString(e.what()));
+        return Resultado::SinCambios;
+    }
+    m_ultimaConsulta = sql;
+    m_pantalla.ActualizarContexto();
+    int fila = -1;
+    if (const auto fallo = CargarAsientos(m_asientos, *m_datos.conexion(), Vista::kPersonalizada, sql,
+                                          QDate::currentDate(), QDate(), &fila)) {
+        m_datos.Error(1927, fallo->detalle);
+        return Resultado::Fallida;
+    }
+    m_pantalla.SeleccionarFila(fila >= 0 ? fila : m_asientos.grilla().FilasFijas());
+    return Resultado::Cargada;
+}

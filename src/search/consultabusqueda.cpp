@@ -1,0 +1,91 @@
+#include "consultabusqueda.h"
+
+#include "entries/vistas.h"
+#include "store/valoressql.h"
+
+#include <stdexcept>
+
+namespace {
+
+QDate fechaDeTexto(const QString &texto)
+{
+    const QDate fecha = QDate::fromString(texto.trimmed(), Qt::ISODate);
+    if (!fecha.isValid())
+        throw std::invalid_argument("La fecha \"" + texto.toStdString() + "\" no es una fecha.");
+    return fecha;
+}
+
+// The amount condition over the sub-select's lines: a range, or one bound.
+QString condicionImporte(const CriteriosBusqueda &c)
+{
+    if (c.prmImporte != 0 && c.prmImporte2 != 0)
+        return QStringLiteral("CSQ.ACuImporteMC between ") + NumeroSQL(c.prmImporte) + QStringLiteral(" And ")
+             + NumeroSQL(c.prmImporte2);
+    return QStringLiteral("CSQ.ACuImporteMC ") + (c.prmImporte != 0 ? QStringLiteral(">= ") : QStringLiteral("<= "))
+         + NumeroSQL(c.prmImporte != 0 ? c.prmImporte : c.prmImporte2);
+}
+
+} // namespace
+
+QString SqlBusqueda(const CriteriosBusqueda &c, qint32 empresa, const QString &delimitadorFecha,
+                    const QString &patronFecha)
+{
+    QString sql = QStringLiteral("Select * ") + DesdeAsientos() + QStringLiteral(" Where AsiEmpresa = ") + QString::number(empresa);
+    switch (c.prmEstado) {
+    case 0: sql += QStringLiteral(" And AsiEstado <> 9 "); break;
+    case 1: sql += QStringLiteral(" And AsiEstado = 0"); break;
+    case 2: sql += QStringLiteral(" And AsiEstado = 2"); break;
+    case 3: sql += QStringLiteral(" And AsiEstado = 1"); break;
+    default: break;
+    }
+
+    bool abierto = false;
+    // The first criterion opens the group; the next ones are joined as the user chose.
+    auto conector = [&] {
+        if (!abierto) {
+            abierto = true;
+            return QStringLiteral(" And (");
+        }
+        return c.prmCriterioAnd ? QStringLiteral(" And ") : QStringLiteral(" Or ");
+    };
+    auto fecha = [&](const QString &texto) { return FechaSQL(fechaDeTexto(texto), delimitadorFecha, patronFecha); };
+
+    const bool desde = !c.prmFInit.isEmpty();
+    const bool hasta = !c.prmFEnd.isEmpty();
+    if (desde && hasta) {
+        sql += QStringLiteral(" And (AsiFechaAsiento BetWeen ") + fecha(c.prmFInit) + QStringLiteral(" And ") + fecha(c.prmFEnd);
+        abierto = true;
+    } else if (desde || hasta) {
+        sql += QStringLiteral(" And (AsiFechaAsiento ") + (desde ? QStringLiteral(" >= ") : QStringLiteral("<= "))
+             + fecha(desde ? c.prmFInit : c.prmFEnd);
+        abierto = true;
+    }
+
+    const bool hayImporte = c.prmImporte != 0 || c.prmImporte2 != 0;
+    const QString subconsulta = QStringLiteral("cceAsientoCuenta.ACuIDAsiento IN (Select ACuIDAsiento From cceAsientoCuenta As CSQ ");
+    if (c.prmCta >= 1) {
+        sql += conector() + subconsulta + QStringLiteral(" Where (CSQ.AcuCuenta = ") + QString::number(c.prmCta)
+             + QStringLiteral(" And CSQ.AcuProyecto = ") + QString::number(c.prmPry)
+             + QStringLiteral(" And CSQ.AcuDepartamento = ") + QString::number(c.prmDep) + QStringLiteral(")");
+        if (c.prmImporte != 0 && c.prmImporte2 != 0)
+            sql += (c.prmCriterioAnd ? QStringLiteral(" And (") : QStringLiteral(" Or (")) + condicionImporte(c) + QStringLiteral(")");
+        else if (hayImporte)
+            sql += (c.prmCriterioAnd ? QStringLiteral(" And ") : QStringLiteral(" Or ")) + condicionImporte(c);
+        sql += QStringLiteral(")");
+    } else if (hayImporte) {
+        sql += conector() + subconsulta + QStringLiteral(" Where ") + condicionImporte(c) + QStringLiteral(")");
+    }
+
+    if (!c.prmLeyenda.isEmpty()) {
+        QString patron = c.prmLeyenda;
+        patron.replace(QLatin1Char('*'), QLatin1Char('%'));
+        patron.replace(QLatin1Char('\''), QStringLiteral("''"));
+        sql += conector() + QStringLiteral("AsiLeyenda Like '") + patron + QStringLiteral("%'");
+    }
+    if (c.prmLibro > 0)
+        sql += conector() + QStringLiteral("AsiTipo = ") + QString::number(c.prmLibro);
+    if (abierto)
+        sql += QStringLiteral(")");
+    sql += QStringLiteral(" Order By AsiFechaAsiento, AsiID, AcuDebe desc, CueCodigo");
+    return sql;
+}

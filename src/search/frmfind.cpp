@@ -1,0 +1,399 @@
+#include "frmfind.h"
+
+#include "currency/catalogomonedas.h"
+#include "editing/datosdocumento.h"
+#include "entries/modeloasiento.h"
+#include "lineeditor/campocalculadora.h"
+#include "lineeditor/campofecha.h"
+#include "services/serviciobusquedacuentas.h"
+#include "services/serviciomensajes.h"
+#include "store/conexion.h"
+
+#include <QComboBox>
+#include <QCursor>
+#include <QGridLayout>
+#include <QGuiApplication>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+
+namespace {
+
+// Shows the busy pointer for the length of a lookup.
+class Ocupado
+{
+public:
+    Ocupado() { QGuiApplication::setOverrideCursor(QCursor(Qt::BusyCursor)); }
+    ~Ocupado() { QGuiApplication::restoreOverrideCursor(); }
+};
+
+} // namespace
+
+frmFind::frmFind(const DatosDocumento &datos, ServicioBusquedaCuentas &cuentas,
+                 const QList<std::pair<QString, qint16>> &libros, QWidget *padre)
+    : QDialog(padre)
+    , m_datos(datos)
+    , m_cuentas(cuentas)
+{
+    setObjectName(QStringLiteral("frmFind"));
+    setWindowTitle(QStringLiteral("Búsqueda de Asientos"));
+    setModal(true);
+    crearControles(libros);
+    AsignarTextos();
+    if (criterios.prmEstado >= 1 && criterios.prmEstado <= 3)
+        cfEstado->setCurrentIndex(criterios.prmEstado - 1);
+}
+
+void frmFind::crearControles(const QList<std::pair<QString, qint16>> &libros)
+{
+    auto etiqueta = [this](const char *nombre, QWidget *campo) {
+        auto *l = new QLabel(this);
+        l->setObjectName(QString::fromLatin1(nombre));
+        l->setBuddy(campo);
+        l->installEventFilter(this);
+        return l;
+    };
+    auto nombrar = [](QWidget *w, const char *nombre) {
+        w->setObjectName(QString::fromLatin1(nombre));
+        return w;
+    };
+    cfCriterio = new QComboBox(this);
+    odInicio = new CampoFecha(this);
+    odFin = new CampoFecha(this);
+    cfLibro = new QComboBox(this);
+    cfEstado = new QComboBox(this);
+    tLeyenda = new QLineEdit(this);
+    tCuenta = new QLineEdit(this);
+    ocImporte = new CampoCalculadora(QStringLiteral("ocImporte"), this);
+    ocImporte2 = new CampoCalculadora(QStringLiteral("ocImporte2"), this);
+    nombrar(cfCriterio, "cfCriterio");
+    nombrar(odInicio, "odInicio");
+    nombrar(odFin, "odFin");
+    nombrar(cfLibro, "cfLibro");
+    nombrar(cfEstado, "cfEstado");
+    nombrar(tLeyenda, "tLeyenda");
+    nombrar(tCuenta, "tCuenta");
+    lbCriterio = etiqueta("lbCriterio", cfCriterio);
+    lbFecha = etiqueta("lbFecha", odInicio);
+    lbHasta = etiqueta("lbHasta", odFin);
+    lbLibro = etiqueta("lbLibro", cfLibro);
+    Label1 = etiqueta("Label1", cfEstado);
+    lbLeyenda = etiqueta("lbLeyenda", tLeyenda);
+    lbCuenta = etiqueta("lbCuenta", tCuenta);
+    lbImporte = etiqueta("lbImporte", ocImporte);
+    lbImporte2 = etiqueta("lbImporte2", ocImporte2);
+
+    // The dates may be left empty: no date is no criterion.
+    const QString formato = FormatoQtDeFecha(m_datos.formatoFecha.isEmpty() ? QStringLiteral("dd/mm/yyyy") : m_datos.formatoFecha);
+    for (CampoFecha *f : {odInicio, odFin}) {
+        f->setDisplayFormat(formato);
+        f->setPermitirVacia(true);
+        f->setDate(QDate::currentDate());
+        f->Vaciar();
+        connect(f, &CampoFecha::fechaInvalida, this, [this, f] {
+            m_datos.Error(1951);
+            f->setFocus();
+        }, Qt::QueuedConnection);
+    }
+    cfLibro->setEditable(true);
+    cfLibro->setInsertPolicy(QComboBox::NoInsert);
+    for (const auto &[nombre, codigo] : libros)
+        cfLibro->addItem(nombre, int(codigo));
+    cfLibro->setCurrentIndex(-1);
+    cfEstado->addItem(QStringLiteral("Borrador"), 1);
+    cfEstado->addItem(QStringLiteral("Inconcluso"), 2);
+    cfEstado->addItem(QStringLiteral("Normal"), 3);
+    cfEstado->setCurrentIndex(-1);
+    cfEstado->setToolTip(QStringLiteral("Supr deja la lista sin estado: todos los estados."));
+    // Typing in the account makes it a text again, not yet an account.
+    connect(tCuenta, &QLineEdit::textEdited, this, [this] { m_idCuenta = 0; });
+    const QString mascara = m_datos.monedas().DatoMoneda(0, 4).toString();
+    for (CampoCalculadora *c : {ocImporte, ocImporte2}) {
+        c->Limpiar();
+        c->FijarMascara(mascara);
+        connect(c, &CampoCalculadora::TextoInvalido, this, [this, c] {
+            m_datos.Error(1950);
+            c->setFocus();
+        }, Qt::QueuedConnection);
+    }
+    for (QWidget *w : std::initializer_list<QWidget *>{cfCriterio, odInicio, odFin, cfLibro, cfEstado, tLeyenda, tCuenta,
+                                                       ocImporte, ocImporte2})
+        w->installEventFilter(this);
+    if (cfLibro->lineEdit())
+        cfLibro->lineEdit()->installEventFilter(this);
+
+    picToolbar = new QFrame(this);
+    picToolbar->setObjectName(QStringLiteral("picToolbar"));
+    picToolbar->setFrameShape(QFrame::NoFrame);
+    bfOK = new QPushButton(picToolbar);
+    bfCancel = new QPushButton(picToolbar);
+    bfHelp = new QPushButton(picToolbar);
+    nombrar(bfOK, "bfOK");
+    nombrar(bfCancel, "bfCancel");
+    nombrar(bfHelp, "bfHelp");
+    auto *barra = new QHBoxLayout(picToolbar);
+    barra->addStretch(1);
+    barra->addWidget(bfOK);
+    barra->addWidget(bfCancel);
+    barra->addSpacing(24);
+    barra->addWidget(bfHelp);
+    connect(bfOK, &QPushButton::clicked, this, &frmFind::bfOK_Click);
+    connect(bfCancel, &QPushButton::clicked, this, &frmFind::bfCancel_Click);
+    connect(bfHelp, &QPushButton::clicked, this, [this] {
+        if (ayuda)
+            ayuda();
+    });
+
+    auto *rejilla = new QGridLayout;
+    rejilla->addWidget(lbCriterio, 0, 0);
+    rejilla->addWidget(cfCriterio, 0, 1, 1, 3);
+    rejilla->addWidget(lbFecha, 1, 0);
+    rejilla->addWidget(odInicio, 1, 1);
+    rejilla->addWidget(lbHasta, 1, 2);
+    rejilla->addWidget(odFin, 1, 3);
+    rejilla->addWidget(lbLibro, 2, 0);
+    rejilla->addWidget(cfLibro, 2, 1);
+    rejilla->addWidget(Label1, 2, 2);
+    rejilla->addWidget(cfEstado, 2, 3);
+    rejilla->addWidget(lbLeyenda, 3, 0);
+    rejilla->addWidget(tLeyenda, 3, 1, 1, 3);
+    rejilla->addWidget(lbCuenta, 4, 0);
+    rejilla->addWidget(tCuenta, 4, 1, 1, 3);
+    rejilla->addWidget(lbImporte, 5, 0);
+    rejilla->addWidget(ocImporte, 5, 1);
+    rejilla->addWidget(lbImporte2, 5, 2);
+    rejilla->addWidget(ocImporte2, 5, 3);
+    rejilla->setColumnStretch(1, 1);
+    rejilla->setColumnStretch(3, 1);
+    auto *todo = new QVBoxLayout(this);
+    todo->addLayout(rejilla);
+    todo->addWidget(picToolbar);
+    const QList<QWidget *> orden{cfCriterio, odInicio, odFin, cfLibro, cfEstado, tLeyenda, tCuenta, ocImporte, ocImporte2,
+                                 bfOK, bfCancel, bfHelp};
+    for (int i = 1; i < orden.size(); ++i)
+        setTabOrder(orden[i - 1], orden[i]);
+}
+
+void frmFind::AsignarTextos()
+{
+    lbCriterio->setText(m_datos.texto(1080));
+    cfCriterio->addItem(m_datos.texto(1091));
+    cfCriterio->addItem(m_datos.texto(1092));
+    cfCriterio->setCurrentIndex(0);
+    lbFecha->setText(m_datos.texto(1081));
+    lbHasta->setText(m_datos.texto(1082));
+    lbLibro->setText(m_datos.texto(1083));
+    Label1->setText(QStringLiteral("Estado :"));
+    lbLeyenda->setText(m_datos.texto(1084));
+    lbCuenta->setText(m_datos.texto(1085));
+    lbImporte->setText(m_datos.texto(1086));
+    lbImporte2->setText(m_datos.texto(1087));
+    bfOK->setText(m_datos.texto(1088));
+    bfCancel->setText(m_datos.texto(1089));
+    bfHelp->setText(m_datos.texto(1090));
+    for (QLabel *l : {lbCriterio, lbFecha, lbHasta, lbLibro, Label1, lbLeyenda, lbCuenta, lbImporte, lbImporte2})
+        l->buddy()->setAccessibleName(QString(l->text()).remove(QLatin1Char('&')).remove(QLatin1Char(':')).trimmed());
+}
+
+// Both dates read, and the end not before the start (1849, the focus back on the start).
+bool frmFind::fechasValidas()
+{
+    if (!odInicio->Aceptar() || !odFin->Aceptar())
+        return false;
+    if (odInicio->date().isValid() && odFin->date().isValid() && odFin->date() < odInicio->date()) {
+        m_datos.Advertir(1849);
+        odInicio->setFocus();
+        return false;
+    }
+    return true;
+}
+
+// A typed book must be one of the list; a blank one is no book.
+bool frmFind::libroValido()
+{
+    const QString escrito = cfLibro->currentText().trimmed();
+    if (escrito.isEmpty()) {
+        cfLibro->setCurrentIndex(-1);
+        return true;
+    }
+    const int i = cfLibro->findText(escrito, Qt::MatchFixedString);
+    if (i < 0) {
+        cfLibro->lineEdit()->selectAll();
+        return false;
+    }
+    cfLibro->setCurrentIndex(i);
+    return true;
+}
+
+bool frmFind::BuscarCuentaFind()
+{
+    if (m_buscandoCuenta)
+        return false;
+    if (tCuenta->text().trimmed().isEmpty()) {
+        // A blank account is no account.
+        m_idCuenta = 0;
+        return true;
+    }
+    Conexion *conexion = m_datos.conexion();
+    if (!conexion)
+        return false;
+    m_buscandoCuenta = true;
+    const Ocupado ocupado;
+    CuentaElegida elegida;
+    bool hallada = false;
+    try {
+        if (m_cuentas.Buscar(*conexion, m_datos.idEmpresa(), tCuenta->text().trimmed(), elegida, this) && elegida.id > 0) {
+            auto rs = conexion->Abrir(QStringLiteral("Select CueID, CueCodigo, CueNombre From cceCuentas Where CueID = ")
+                                      + QString::number(elegida.id));
+            if (!rs->Fin()) {
+                tCuenta->setText(TextoCuenta(rs->Texto(QStringLiteral("CueCodigo")).trimmed(),
+                                             rs->Texto(QStringLiteral("CueNombre")).trimmed(),
+                                             m_datos.empresa.mostrarCodigoCta));
+                m_idCuenta = qint32(rs->Entero(QStringLiteral("CueID")));
+                m_proyecto = elegida.proyecto;
+                m_departamento = elegida.departamento;
+                hallada = true;
+            }
+        }
+    } catch (const ErrorBaseDatos &e) {
+        // A failing lookup leaves the account as it was.
+        m_datos.Error(1927, DetalleError(e.numero(), e.descripcion()));
+    }
+    m_buscandoCuenta = false;
+    return hallada;
+}
+
+// Enter moves on in the dialog's own order; false when the key is not taken here.
+bool frmFind::enterEn(QObject *objeto)
+{
+    if (objeto == cfCriterio) {
+        odInicio->setFocus();
+    } else if (objeto == odInicio) {
+        if (odInicio->Aceptar())
+            (odInicio->date().isValid() ? static_cast<QWidget *>(odFin) : cfLibro)->setFocus();
+    } else if (objeto == odFin) {
+        if (fechasValidas())
+            cfLibro->setFocus();
+    } else if (objeto == cfLibro || objeto == cfLibro->lineEdit()) {
+        if (libroValido())
+            cfEstado->setFocus();
+    } else if (objeto == cfEstado) {
+        tLeyenda->setFocus();
+    } else if (objeto == tLeyenda) {
+        tCuenta->setFocus();
+    } else if (objeto == tCuenta) {
+        if (m_idCuenta == 0)
+            BuscarCuentaFind();
+        ocImporte->setFocus();
+    } else if (objeto == ocImporte) {
+        if (ocImporte->EsTextoInvalido())
+            return false; // the field itself refuses it
+        (ocImporte->EsNumeroValido() ? static_cast<QWidget *>(ocImporte2) : bfOK)->setFocus();
+    } else if (objeto == ocImporte2) {
+        if (ocImporte2->EsTextoInvalido())
+            return false;
+        bfOK->setFocus();
+    } else {
+        return false;
+    }
+    return true;
+}
+
+bool frmFind::eventFilter(QObject *objeto, QEvent *evento)
+{
+    switch (evento->type()) {
+    case QEvent::KeyPress: {
+        auto *tecla = static_cast<QKeyEvent *>(evento);
+        if ((tecla->key() == Qt::Key_Return || tecla->key() == Qt::Key_Enter) && enterEn(objeto))
+            return true;
+        // The state list may be left with no state: all of them.
+        if (objeto == cfEstado && (tecla->key() == Qt::Key_Delete || tecla->key() == Qt::Key_Backspace)) {
+            cfEstado->setCurrentIndex(-1);
+            return true;
+        }
+        break;
+    }
+    case QEvent::FocusIn:
+        if (objeto == tCuenta)
+            QMetaObject::invokeMethod(tCuenta, &QLineEdit::selectAll, Qt::QueuedConnection);
+        break;
+    case QEvent::FocusOut: {
+        const Qt::FocusReason razon = static_cast<QFocusEvent *>(evento)->reason();
+        const bool aOtroCampo = razon == Qt::TabFocusReason || razon == Qt::BacktabFocusReason || razon == Qt::MouseFocusReason;
+        // Leaving the account with a typed text looks it up, as Enter does.
+        if (objeto == tCuenta && aOtroCampo && m_idCuenta == 0 && isVisible())
+            QMetaObject::invokeMethod(this, [this] { BuscarCuentaFind(); }, Qt::QueuedConnection);
+        if ((objeto == cfLibro || objeto == cfLibro->lineEdit()) && aOtroCampo && !libroValido())
+            QMetaObject::invokeMethod(cfLibro, [this] { cfLibro->setFocus(); }, Qt::QueuedConnection);
+        break;
+    }
+    case QEvent::MouseButtonPress:
+        // A caption takes the focus to its field; the legend's and the account's select it.
+        if (auto *etiqueta = qobject_cast<QLabel *>(objeto); etiqueta && etiqueta->buddy()) {
+            etiqueta->buddy()->setFocus(Qt::MouseFocusReason);
+            if (etiqueta == lbCuenta || etiqueta == lbLeyenda)
+                static_cast<QLineEdit *>(etiqueta->buddy())->selectAll();
+            return true;
+        }
+        break;
+    default:
+        break;
+    }
+    return QDialog::eventFilter(objeto, evento);
+}
+
+void frmFind::keyPressEvent(QKeyEvent *evento)
+{
+    if (evento->key() == Qt::Key_Escape && !(evento->modifiers() & (Qt::ShiftModifier | Qt::ControlModifier | Qt::AltModifier))) {
+        bfCancel_Click();
+        return;
+    }
+    QDialog::keyPressEvent(evento);
+}
+
+void frmFind::bfOK_Click()
+{
+    if (!fechasValidas())
+        return;
+    if (!libroValido()) {
+        cfLibro->setFocus();
+        return;
+    }
+    for (CampoCalculadora *c : {ocImporte, ocImporte2}) {
+        if (c->EsTextoInvalido()) {
+            m_datos.Error(1950);
+            c->setFocus();
+            return;
+        }
+    }
+    // A typed account that is no account yet is looked up; without one the dialog stays.
+    if (m_idCuenta == 0 && !BuscarCuentaFind()) {
+        if (!tCuenta->text().trimmed().isEmpty()) {
+            tCuenta->setFocus();
+            return;
+        }
+    }
+    CriteriosBusqueda &c = criterios;
+    c.prmFInit = odInicio->date().isValid() ? odInicio->date().toString(Qt::ISODate) : QString();
+    c.prmFEnd = odFin->date().isValid() ? odFin->date().toString(Qt::ISODate) : QString();
+    c.prmLibro = cfLibro->currentIndex() >= 0 ? qint16(cfLibro->currentData().toInt()) : 0;
+    c.prmLeyenda = tLeyenda->text().trimmed().isEmpty() ? QString() : tLeyenda->text();
+    c.prmCta = m_idCuenta;
+    c.prmPry = m_idCuenta > 0 ? m_proyecto : qint16(0);
+    c.prmDep = m_idCuenta > 0 ? m_departamento : qint16(0);
+    c.prmImporte = ocImporte->EsNumeroValido() ? ocImporte->Valor() : 0;
+    c.prmImporte2 = ocImporte2->EsNumeroValido() ? ocImporte2->Valor() : 0;
+    c.prmCriterioAnd = cfCriterio->currentIndex() == 0;
+    c.prmEstado = cfEstado->currentIndex() >= 0 ? quint8(cfEstado->currentData().toInt()) : 0;
+    c.FindOK = !c.prmLeyenda.isEmpty() || !c.prmFInit.isEmpty() || !c.prmFEnd.isEmpty() || c.prmCta >= 1 || c.prmLibro >= 1
+            || c.prmEstado != 0 || c.prmImporte != 0 || c.prmImporte2 != 0;
+    done(QDialog::Accepted);
+}
+
+void frmFind::bfCancel_Click()
+{
+    criterios.FindOK = false;
+    done(QDialog::Rejected);
+}

@@ -1,0 +1,90 @@
+#pragma once
+
+#include "criteriosbusqueda.h"
+
+#include <QDialog>
+#include <QList>
+
+#include <functional>
+#include <utility>
+
+class CampoCalculadora;
+class CampoFecha;
+class QComboBox;
+class QFrame;
+class QLabel;
+class QLineEdit;
+class QPushButton;
+class ServicioBusquedaCuentas;
+struct DatosDocumento;
+
+// The search dialog: the user states how the criteria combine, a date range, a book, a
+// state, a legend prefix, an account and an amount range. It does not search: "Aceptar"
+// checks what was typed, leaves the criteria in `criterios` and hides the dialog;
+// "Cancelar" (or Escape) hides it and leaves `criterios` as the last "Aceptar" left them,
+// with FindOK false. The dialog is kept between searches, so the controls remember what
+// was typed. Enter moves on through the fields; refusals (an end date before the start,
+// 1849; a date or amount that cannot be read, 1951 and 1950; a book the list does not
+// hold) keep the focus on the field at fault.
+class frmFind : public QDialog
+{
+    Q_OBJECT
+public:
+    frmFind(const DatosDocumento &datos, ServicioBusquedaCuentas &cuentas,
+            const QList<std::pair<QString, qint16>> &libros, QWidget *padre = nullptr);
+
+    CriteriosBusqueda criterios;
+    // Called by "Ayuda".
+    std::function<void()> ayuda;
+
+    // Runs the account lookup on the typed account text: a blank text means no account;
+    // otherwise the account-search service is asked and, when it gives an account that
+    // exists, the field shows it ("Aceptar" takes it into the criteria). False when no
+    // account came.
+    bool BuscarCuentaFind();
+
+protected:
+    bool eventFilter(QObject *objeto, QEvent *evento) override;
+    void keyPressEvent(QKeyEvent *evento) override;
+
+private:
+    void crearControles(const QList<std::pair<QString, qint16>> &libros);
+    void AsignarTextos();
+    bool fechasValidas();
+    bool libroValido();
+    bool enterEn(QObject *objeto);
+    void bfOK_Click();
+    void bfCancel_Click();
+
+    const DatosDocumento &m_datos;
+    ServicioBusquedaCuentas &m_cuentas;
+    // The account the field shows, taken into the criteria by "Aceptar"; 0 while what the
+    // field shows is typed text.
+    qint32 m_idCuenta = 0;
+    qint16 m_proyecto = 0;
+    qint16 m_departamento = 0;
+    bool m_buscandoCuenta = false;
+
+    QLabel *lbCriterio = nullptr;
+    QComboBox *cfCriterio = nullptr;
+    QLabel *lbFecha = nullptr;
+    CampoFecha *odInicio = nullptr;
+    QLabel *lbHasta = nullptr;
+    CampoFecha *odFin = nullptr;
+    QLabel *lbLibro = nullptr;
+    QComboBox *cfLibro = nullptr;
+    QLabel *Label1 = nullptr;
+    QComboBox *cfEstado = nullptr;
+    QLabel *lbLeyenda = nullptr;
+    QLineEdit *tLeyenda = nullptr;
+    QLabel *lbCuenta = nullptr;
+    QLineEdit *tCuenta = nullptr;
+    QLabel *lbImporte = nullptr;
+    CampoCalculadora *ocImporte = nullptr;
+    QLabel *lbImporte2 = nullptr;
+    CampoCalculadora *ocImporte2 = nullptr;
+    QFrame *picToolbar = nullptr;
+    QPushButton *bfOK = nullptr;
+    QPushButton *bfCancel = nullptr;
+    QPushButton *bfHelp = nullptr;
+};
