@@ -5,24 +5,11 @@
 #include "currency/tipocambio.h"
 #include "entries/movimientosfrecuentes.h"
 #include "entries/vistas.h"
+#include "services/ocupado.h"
 #include "services/serviciomensajes.h"
 #include "store/valoressql.h"
 
-#include <QCursor>
-#include <QGuiApplication>
 #include <QStringList>
-
-namespace {
-
-// Shows the busy pointer for the length of a command.
-class Ocupado
-{
-public:
-    Ocupado() { QGuiApplication::setOverrideCursor(QCursor(Qt::BusyCursor)); }
-    ~Ocupado() { QGuiApplication::restoreOverrideCursor(); }
-};
-
-} // namespace
 
 ComandosAsiento::ComandosAsiento(DatosDocumento &datos, AsientosGrilla &asientos, PantallaAsientos &pantalla)
     : m_datos(datos)

@@ -5,31 +5,18 @@
 #include "entries/modeloasiento.h"
 #include "lineeditor/campocalculadora.h"
 #include "lineeditor/campofecha.h"
+#include "services/ocupado.h"
 #include "services/serviciobusquedacuentas.h"
 #include "services/serviciomensajes.h"
 #include "store/conexion.h"
 
 #include <QComboBox>
-#include <QCursor>
 #include <QGridLayout>
-#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-
-namespace {
-
-// Shows the busy pointer for the length of a lookup.
-class Ocupado
-{
-public:
-    Ocupado() { QGuiApplication::setOverrideCursor(QCursor(Qt::BusyCursor)); }
-    ~Ocupado() { QGuiApplication::restoreOverrideCursor(); }
-};
-
-} // namespace
 
 frmFind::frmFind(const DatosDocumento &datos, ServicioBusquedaCuentas &cuentas,
                  const QList<std::pair<QString, qint16>> &libros, QWidget *padre)
