@@ -275,12 +275,18 @@ bool frmFind::enterEn(QObject *objeto)
             BuscarCuentaFind();
         ocImporte->setFocus();
     } else if (objeto == ocImporte) {
-        if (ocImporte->EsTextoInvalido())
-            return false; // the field itself refuses it
+        if (ocImporte->EsTextoInvalido()) {
+            // Said here: the key is taken before the field sees it, and must not reach the
+            // OK button either.
+            m_datos.Error(1950);
+            return true;
+        }
         (ocImporte->EsNumeroValido() ? static_cast<QWidget *>(ocImporte2) : bfOK)->setFocus();
     } else if (objeto == ocImporte2) {
-        if (ocImporte2->EsTextoInvalido())
-            return false;
+        if (ocImporte2->EsTextoInvalido()) {
+            m_datos.Error(1950);
+            return true;
+        }
         bfOK->setFocus();
     } else {
         return false;

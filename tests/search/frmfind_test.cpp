@@ -1,0 +1,298 @@
+// The search dialog alone, driven with the keyboard: the order Enter follows, what is
+// refused, and the criteria "Aceptar" and "Cancelar" leave.
+#include "comun/basesprueba.h"
+#include "comun/mensajesguionados.h"
+
+#include "editing/datosdocumento.h"
+#include "lineeditor/campocalculadora.h"
+#include "lineeditor/campofecha.h"
+#include "search/frmfind.h"
+#include "services/serviciobusquedacuentas.h"
+#include "store/basedemo.h"
+
+#include <QApplication>
+#include <QComboBox>
+#include <QPushButton>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+// Records each text looked up and answers the prepared account (none while its id is 0).
+class CuentaGuionada final : public ServicioBusquedaCuentas
+{
+public:
+    bool Buscar(Conexion &, qint32, const QString &texto, CuentaElegida &elegida, QWidget *) override
+    {
+        pedidos << texto;
+        elegida = respuesta;
+        return respuesta.id > 0;
+    }
+    CuentaElegida respuesta;
+    QStringList pedidos;
+};
+
+class DialogoBusqueda : public ::testing::TestWithParam<Motor>
+{
+protected:
+    DialogoBusqueda()
+        : m_base(GetParam(), BaseDePrueba::Contenido::Demo)
+    {
+        Conexion &c = m_base.conexion();
+        auto proceso = std::make_shared<Proceso>();
+        proceso->IDEmpresa = Demo::kEmpresa;
+        proceso->conexion = std::shared_ptr<Conexion>(&c, [](Conexion *) {});
+        bool leida = false;
+        EXPECT_FALSE(CargarParametrosSistema(c, proceso->parametros));
+        EXPECT_FALSE(LeerConfigEmpresa(c, Demo::kEmpresa, m_datos.empresa, leida));
+        proceso->monedas.CargarMonedas(c);
+        proceso->monedas.FijarMonedaContabilidad(m_datos.empresa.monedaContabilidad);
+        m_datos.proceso = proceso;
+        m_datos.mensajes = &m_mensajes;
+        m_datos.texto = [](int n) { return QString::number(n); };
+        m_datos.formatoFecha = QStringLiteral("dd/mm/yyyy");
+        m_dialogo = std::make_unique<frmFind>(m_datos, m_cuentas, QList<std::pair<QString, qint16>>{
+                                                  {QStringLiteral("Diario"), 1}, {QStringLiteral("Ventas"), 7}});
+        mostrar();
+    }
+
+    void mostrar()
+    {
+        m_dialogo->show();
+        QApplication::setActiveWindow(m_dialogo.get());
+        QApplication::processEvents();
+    }
+    template<class T = QWidget>
+    T *campo(const char *nombre) const { return m_dialogo->findChild<T *>(QString::fromLatin1(nombre)); }
+    // The control with the focus, by name; an editable list's edit box counts as the list.
+    QString foco() const
+    {
+        QWidget *w = QApplication::focusWidget();
+        if (w && qobject_cast<QComboBox *>(w->parentWidget()))
+            w = w->parentWidget();
+        return w ? w->objectName() : QStringLiteral("(nadie)");
+    }
+    // A key where the focus is; what it queues (a message, the focus sent back) runs too.
+    void tecla(Qt::Key k = Qt::Key_Return)
+    {
+        QTest::keyClick(QApplication::focusWidget(), k);
+        QApplication::processEvents();
+    }
+    void escribir(const char *nombre, const QString &texto)
+    {
+        QWidget *w = campo(nombre);
+        w->setFocus();
+        auto *lista = qobject_cast<QComboBox *>(w);
+        (lista ? lista->lineEdit() : static_cast<QLineEdit *>(w))->selectAll();
+        QTest::keyClick(w, Qt::Key_Delete);
+        QTest::keyClicks(w, texto);
+    }
+    void aceptar()
+    {
+        campo("bfOK")->setFocus();
+        tecla();
+    }
+    const CriteriosBusqueda &criterios() const { return m_dialogo->criterios; }
+
+    BaseDePrueba m_base;
+    MensajesGuionados m_mensajes;
+    CuentaGuionada m_cuentas;
+    DatosDocumento m_datos;
+    std::unique_ptr<frmFind> m_dialogo;
+};
+
+TEST_P(DialogoBusqueda, SinCriterioNoHayBusquedaNiConUnaLeyendaDeBlancosOSinEstado)
+{
+    aceptar();
+    EXPECT_FALSE(m_dialogo->isVisible());
+    EXPECT_FALSE(criterios().FindOK);
+
+    mostrar();
+    escribir("tLeyenda", QStringLiteral("   "));
+    aceptar();
+    EXPECT_FALSE(criterios().FindOK);
+    EXPECT_TRUE(criterios().prmLeyenda.isEmpty());
+
+    // The third state is the registered one (3); Delete leaves the list with none.
+    mostrar();
+    campo("cfEstado")->setFocus();
+    for (int i = 0; i < 3; ++i)
+        tecla(Qt::Key_Down);
+    aceptar();
+    EXPECT_TRUE(criterios().FindOK);
+    EXPECT_EQ(criterios().prmEstado, 3);
+    EXPECT_TRUE(criterios().prmLeyenda.isEmpty());
+    mostrar();
+    campo("cfEstado")->setFocus();
+    tecla(Qt::Key_Delete);
+    EXPECT_EQ(campo<QComboBox>("cfEstado")->currentIndex(), -1);
+    aceptar();
+    EXPECT_FALSE(criterios().FindOK);
+    EXPECT_EQ(criterios().prmEstado, 0);
+}
+
+TEST_P(DialogoBusqueda, EnterRecorreLosCamposEnSuOrden)
+{
+    // Without a start date the end is skipped; without an amount, the upper one.
+    campo("cfCriterio")->setFocus();
+    QStringList recorrido{foco()};
+    for (int i = 0; i < 7; ++i) {
+        tecla();
+        recorrido << foco();
+    }
+    EXPECT_EQ(recorrido, (QStringList{"cfCriterio", "odInicio", "cfLibro", "cfEstado", "tLeyenda", "tCuenta", "ocImporte", "bfOK"}));
+    EXPECT_TRUE(m_cuentas.pedidos.isEmpty()); // a blank account is not looked up
+    EXPECT_TRUE(m_dialogo->isVisible());
+
+    escribir("odInicio", QStringLiteral("01/03/2026"));
+    tecla();
+    EXPECT_EQ(foco(), QStringLiteral("odFin"));
+    escribir("odFin", QStringLiteral("31/03/2026"));
+    tecla();
+    EXPECT_EQ(foco(), QStringLiteral("cfLibro"));
+    escribir("ocImporte", QStringLiteral("100"));
+    tecla();
+    EXPECT_EQ(foco(), QStringLiteral("ocImporte2"));
+    tecla();
+    EXPECT_EQ(foco(), QStringLiteral("bfOK"));
+    tecla();
+    EXPECT_FALSE(m_dialogo->isVisible());
+    EXPECT_EQ(criterios().prmFInit, QStringLiteral("2026-03-01"));
+    EXPECT_EQ(criterios().prmFEnd, QStringLiteral("2026-03-31"));
+    EXPECT_EQ(criterios().prmImporte, 100);
+}
+
+TEST_P(DialogoBusqueda, UnFinAnteriorAlInicioSeRechaza)
+{
+    escribir("odInicio", QStringLiteral("01/03/2026"));
+    escribir("odFin", QStringLiteral("31/03/2026"));
+    aceptar();
+    ASSERT_TRUE(criterios().FindOK);
+
+    mostrar();
+    escribir("odInicio", QStringLiteral("10/03/2026"));
+    escribir("odFin", QStringLiteral("05/03/2026"));
+    tecla();
+    EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("advertencia: 1849")});
+    EXPECT_EQ(foco(), QStringLiteral("odInicio"));
+    aceptar();
+    EXPECT_EQ(m_mensajes.mostrados.size(), 2);
+    EXPECT_TRUE(m_dialogo->isVisible());
+    EXPECT_EQ(criterios().prmFInit, QStringLiteral("2026-03-01"));
+    EXPECT_EQ(criterios().prmFEnd, QStringLiteral("2026-03-31"));
+}
+
+TEST_P(DialogoBusqueda, ElLibroEscritoDebeSerUnoDeLaLista)
+{
+    escribir("cfLibro", QStringLiteral("Compras"));
+    tecla();
+    EXPECT_EQ(foco(), QStringLiteral("cfLibro"));
+    EXPECT_EQ(campo<QComboBox>("cfLibro")->lineEdit()->selectedText(), QStringLiteral("Compras"));
+    aceptar();
+    EXPECT_TRUE(m_dialogo->isVisible());
+
+    escribir("cfLibro", QStringLiteral("VENTAS"));
+    tecla();
+    EXPECT_EQ(foco(), QStringLiteral("cfEstado"));
+    aceptar();
+    EXPECT_TRUE(criterios().FindOK);
+    EXPECT_EQ(criterios().prmLibro, 7);
+}
+
+TEST_P(DialogoBusqueda, CancelarDejaLosCriteriosDelUltimoAceptarYLosCamposComoQuedaron)
+{
+    escribir("tLeyenda", QStringLiteral("Cobranza"));
+    escribir("odInicio", QStringLiteral("01/03/2026"));
+    aceptar();
+    ASSERT_TRUE(criterios().FindOK);
+
+    mostrar();
+    escribir("tLeyenda", QStringLiteral("Otra"));
+    escribir("odInicio", QStringLiteral("02/04/2026"));
+    campo<QComboBox>("cfEstado")->setCurrentIndex(2);
+    escribir("ocImporte", QStringLiteral("50"));
+    tecla(Qt::Key_Escape);
+    EXPECT_FALSE(m_dialogo->isVisible());
+    EXPECT_FALSE(criterios().FindOK);
+    EXPECT_EQ(criterios().prmLeyenda, QStringLiteral("Cobranza"));
+    EXPECT_EQ(criterios().prmFInit, QStringLiteral("2026-03-01"));
+    EXPECT_EQ(criterios().prmEstado, 0);
+    EXPECT_EQ(criterios().prmImporte, 0);
+    mostrar();
+    EXPECT_EQ(campo<QLineEdit>("tLeyenda")->text(), QStringLiteral("Otra"));
+    EXPECT_EQ(campo<CampoFecha>("odInicio")->date(), QDate(2026, 4, 2));
+    EXPECT_EQ(campo<QComboBox>("cfEstado")->currentText(), QStringLiteral("Normal"));
+    EXPECT_EQ(campo<CampoCalculadora>("ocImporte")->Valor(), 50);
+}
+
+TEST_P(DialogoBusqueda, LaCuentaBuscadaEntraConSuProyectoYDepartamento)
+{
+    auto rs = m_base.conexion().Abrir(QStringLiteral("Select CueID, CueNombre From cceCuentas Where CueCodigo = '1.1.01'"));
+    const qint32 id = qint32(rs->Entero(QStringLiteral("CueID")));
+    const QString nombre = rs->Texto(QStringLiteral("CueNombre")).trimmed();
+    rs->Cerrar();
+
+    // No account came: the dialog stays on the account.
+    escribir("tCuenta", QStringLiteral("caja"));
+    aceptar();
+    EXPECT_TRUE(m_dialogo->isVisible());
+    EXPECT_EQ(foco(), QStringLiteral("tCuenta"));
+
+    m_cuentas.respuesta = {id, 3, 4};
+    m_cuentas.pedidos.clear();
+    escribir("tCuenta", QStringLiteral("caja"));
+    tecla();
+    EXPECT_EQ(m_cuentas.pedidos, QStringList{QStringLiteral("caja")});
+    EXPECT_EQ(foco(), QStringLiteral("ocImporte"));
+    EXPECT_TRUE(campo<QLineEdit>("tCuenta")->text().contains(nombre)) << campo<QLineEdit>("tCuenta")->text().toStdString();
+    aceptar();
+    EXPECT_EQ(m_cuentas.pedidos.size(), 1); // the account found is not looked up again
+    EXPECT_TRUE(criterios().FindOK);
+    EXPECT_EQ(criterios().prmCta, id);
+    EXPECT_EQ(criterios().prmPry, 3);
+    EXPECT_EQ(criterios().prmDep, 4);
+
+    // A blank account is no account, with no project or department.
+    mostrar();
+    escribir("tCuenta", QString());
+    aceptar();
+    EXPECT_FALSE(m_dialogo->isVisible());
+    EXPECT_EQ(m_cuentas.pedidos.size(), 1);
+    EXPECT_FALSE(criterios().FindOK);
+    EXPECT_EQ(criterios().prmCta, 0);
+    EXPECT_EQ(criterios().prmPry, 0);
+    EXPECT_EQ(criterios().prmDep, 0);
+}
+
+TEST_P(DialogoBusqueda, ImportesLeidosYUnTextoQueNoEsNumeroRechazadoUnaVez)
+{
+    escribir("ocImporte", QStringLiteral("1250,5"));
+    tecla();
+    escribir("ocImporte2", QStringLiteral("2000+500"));
+    aceptar();
+    EXPECT_DOUBLE_EQ(criterios().prmImporte, 1250.5);
+    EXPECT_DOUBLE_EQ(criterios().prmImporte2, 2500);
+
+    mostrar();
+    escribir("ocImporte", QStringLiteral("12,5x"));
+    tecla();
+    EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("error: 1950")});
+    EXPECT_EQ(foco(), QStringLiteral("ocImporte"));
+    EXPECT_TRUE(m_dialogo->isVisible());
+    // "Aceptar" by its access key, with the focus left in the fields, refuses it as well.
+    escribir("ocImporte", QStringLiteral("10"));
+    escribir("ocImporte2", QStringLiteral("dos mil"));
+    m_mensajes.mostrados.clear();
+    campo<QPushButton>("bfOK")->click();
+    QApplication::processEvents();
+    EXPECT_TRUE(m_dialogo->isVisible());
+    EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("error: 1950")});
+    EXPECT_EQ(foco(), QStringLiteral("ocImporte2"));
+    EXPECT_DOUBLE_EQ(criterios().prmImporte, 1250.5);
+}
+
+INSTANTIATE_TEST_SUITE_P(Motores, DialogoBusqueda, ::testing::ValuesIn(MotoresDePrueba()),
+                         [](const ::testing::TestParamInfo<Motor> &i) { return NombreMotor(i.param).toStdString(); });
+
+} // namespace

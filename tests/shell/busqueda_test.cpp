@@ -1,0 +1,206 @@
+// Searching entries from the real document: the dialog through Ctrl+B, F3 and the link,
+// with the grid compared against the database afterwards.
+#include "escenario.h"
+
+#include "entries/asientodatos.h"
+#include "search/frmfind.h"
+#include "store/basedemo.h"
+
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTimer>
+#include <QToolButton>
+
+#include <algorithm>
+#include <functional>
+
+namespace {
+
+using Usuario = std::function<void(frmFind &)>;
+
+class Busquedas : public Escenario
+{
+protected:
+    // Runs accion and answers how many times the search dialog came up. Each time usuario
+    // fills it in and confirms or cancels it; a dialog it leaves open is cancelled.
+    int conDialogo(const std::function<void()> &accion, const Usuario &usuario = {})
+    {
+        int veces = 0;
+        QTimer sondeo;
+        sondeo.setInterval(10);
+        QObject::connect(&sondeo, &QTimer::timeout, [&] {
+            auto *d = qobject_cast<frmFind *>(QApplication::activeModalWidget());
+            if (!d || !d->isVisible())
+                return;
+            ++veces;
+            if (usuario)
+                usuario(*d);
+            if (d->isVisible())
+                d->reject();
+        });
+        sondeo.start();
+        accion();
+        return veces;
+    }
+    int tecla(Qt::Key k, Qt::KeyboardModifiers mods, const Usuario &usuario = {})
+    {
+        return conDialogo([&] { QTest::keyClick(m_doc->grid(), k, mods); }, usuario);
+    }
+
+    static void escribirEn(frmFind &d, const char *campo, const QString &texto)
+    {
+        auto *e = d.findChild<QLineEdit *>(QString::fromLatin1(campo));
+        e->setFocus();
+        e->selectAll();
+        QTest::keyClicks(e, texto);
+    }
+    // Types the texts in their fields and confirms.
+    static Usuario buscar(const QList<std::pair<const char *, QString>> &campos)
+    {
+        return [=](frmFind &d) {
+            for (const auto &[campo, texto] : campos)
+                escribirEn(d, campo, texto);
+            d.findChild<QPushButton *>(QStringLiteral("bfOK"))->click();
+        };
+    }
+    static Usuario entreFechas(const QDate &desde, const QDate &hasta)
+    {
+        return buscar({{"odInicio", desde.toString(QStringLiteral("dd/MM/yyyy"))}, {"odFin", hasta.toString(QStringLiteral("dd/MM/yyyy"))}});
+    }
+
+    // The entries whose header rows the grid shows, by id.
+    QList<qint32> idsEnGrilla()
+    {
+        QList<qint32> l;
+        for (int r = m_doc->grilla().FilasFijas(); r < m_doc->grilla().Filas(); ++r)
+            if (m_doc->asientos().EsFilaCabezal(r) && m_doc->grilla().Dato(r, 0).toInt() > 0)
+                l << m_doc->grilla().Dato(r, 0).toInt();
+        std::sort(l.begin(), l.end());
+        return l;
+    }
+    // The company's entries with lines, out of the trash, dated in the range (any date
+    // without one).
+    QList<qint32> idsEnBase(const QDate &desde = QDate(1900, 1, 1), const QDate &hasta = QDate(2999, 1, 1))
+    {
+        QList<qint32> l;
+        auto rs = m_base.conexion().Abrir(QStringLiteral("Select AsiID From cceAsientos Where AsiEmpresa = ? And AsiEstado <> 9"
+                                                         " And AsiID In (Select ACuIDAsiento From cceAsientoCuenta)"
+                                                         " And AsiFechaAsiento Between ? And ? Order By AsiID"),
+                                          {Demo::kEmpresa, Conexion::ValorFecha(desde), Conexion::ValorFecha(hasta)});
+        for (; !rs->Fin(); rs->MoverSiguiente())
+            l << qint32(rs->Entero(QStringLiteral("AsiID")));
+        return l;
+    }
+    QStringList filasGrilla() const { return filasVistas(m_doc->grilla().FilasFijas(), m_doc->grilla().Filas() - 1); }
+    QString tituloVista() const { return m_doc->findChild<QToolButton *>(QStringLiteral("hlCargar"))->text(); }
+
+    // From one stored entry's day to that of the sixth after it: entries lie on both sides.
+    std::pair<QDate, QDate> rangoConAsientos()
+    {
+        QList<QDate> fechas;
+        auto rs = m_base.conexion().Abrir(QStringLiteral("Select AsiFechaAsiento From cceAsientos Order By AsiFechaAsiento"));
+        for (; !rs->Fin(); rs->MoverSiguiente())
+            fechas << rs->Fecha(QStringLiteral("AsiFechaAsiento"));
+        return {fechas.value(fechas.size() / 2), fechas.value(fechas.size() / 2 + 6)};
+    }
+
+    // Stores a registered entry straight into the database: 1.1.01 against 4.1.01 for 100.
+    qint32 grabarAsiento(const QDate &fecha, const QString &leyenda)
+    {
+        AsientoDatos datos(m_base.conexion());
+        datos.Cabezal() = CabezalDatos{0, Demo::kEmpresa, 1, fecha, leyenda, Demo::kLibroDiario};
+        auto cuenta = [this](const char *codigo) {
+            auto rs = m_base.conexion().Abrir(QStringLiteral("Select CueID From cceCuentas Where CueCodigo = ?"), {QString::fromLatin1(codigo)});
+            return qint32(rs->Entero(QStringLiteral("CueID")));
+        };
+        datos.Lineas() = {LineaDatos{cuenta("1.1.01"), 0, 0, true, 100, 1, 100}, LineaDatos{cuenta("4.1.01"), 0, 0, false, 100, 1, 100}};
+        return datos.GrabarTodo();
+    }
+};
+
+TEST_P(Busquedas, CtrlBBuscaUnRangoDeFechasYF3LoRepiteConLoGrabadoDespues)
+{
+    const auto [desde, hasta] = rangoConAsientos();
+    const QList<qint32> esperados = idsEnBase(desde, hasta);
+    ASSERT_GE(esperados.size(), 2);
+    ASSERT_LT(esperados.size(), idsEnBase().size());
+    ASSERT_NE(idsEnGrilla(), esperados);
+    const QString titulo = tituloVista();
+    ASSERT_NE(m_doc->VistaActual(), QStringLiteral("-1"));
+
+    EXPECT_EQ(tecla(Qt::Key_B, Qt::ControlModifier, entreFechas(desde, hasta)), 1);
+    EXPECT_EQ(idsEnGrilla(), esperados);
+    EXPECT_EQ(m_doc->VistaActual(), QStringLiteral("-1"));
+    EXPECT_NE(tituloVista(), titulo);
+    EXPECT_TRUE(m_mensajes.mostrados.isEmpty()) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
+
+    // Entries stored since: the one on the last day shows, the one the day after does not.
+    const qint32 dentro = grabarAsiento(hasta, QStringLiteral("Grabado tras buscar"));
+    const qint32 fuera = grabarAsiento(hasta.addDays(1), QStringLiteral("Grabado fuera del rango"));
+    ASSERT_GT(dentro, 0);
+    ASSERT_GT(fuera, 0);
+    EXPECT_EQ(tecla(Qt::Key_F3, Qt::NoModifier), 0);
+    const QList<qint32> ahora = idsEnGrilla();
+    EXPECT_TRUE(ahora.contains(dentro));
+    EXPECT_FALSE(ahora.contains(fuera));
+    EXPECT_EQ(ahora, idsEnBase(desde, hasta));
+    EXPECT_EQ(m_doc->VistaActual(), QStringLiteral("-1"));
+}
+
+TEST_P(Busquedas, F3FueraDeUnaBusquedaAbreElDialogoYCancelarNoCambiaNada)
+{
+    const QStringList filas = filasGrilla();
+    const QString vistaInicial = m_doc->VistaActual();
+    const QString titulo = tituloVista();
+    const Usuario cancelar = [](frmFind &d) {
+        escribirEn(d, "tLeyenda", QStringLiteral("Nada de esto"));
+        QTest::keyClick(d.findChild<QLineEdit *>(QStringLiteral("tLeyenda")), Qt::Key_Escape);
+    };
+    EXPECT_EQ(tecla(Qt::Key_F3, Qt::NoModifier, cancelar), 1);
+    EXPECT_EQ(filasGrilla(), filas);
+    EXPECT_EQ(m_doc->VistaActual(), vistaInicial);
+    EXPECT_EQ(tituloVista(), titulo);
+    auto *enlace = m_doc->findChild<QToolButton *>(QStringLiteral("hlFind"));
+    ASSERT_TRUE(enlace);
+    EXPECT_EQ(conDialogo([enlace] { enlace->click(); }, cancelar), 1);
+    EXPECT_EQ(filasGrilla(), filas);
+    EXPECT_EQ(m_doc->VistaActual(), vistaInicial);
+
+    // Inside a search view a cancelled dialog leaves the result, and F3 still repeats the
+    // search confirmed, not what was typed and cancelled.
+    const auto [desde, hasta] = rangoConAsientos();
+    ASSERT_EQ(tecla(Qt::Key_B, Qt::ControlModifier, entreFechas(desde, hasta)), 1);
+    const QStringList encontradas = filasGrilla();
+    EXPECT_EQ(tecla(Qt::Key_B, Qt::ControlModifier, cancelar), 1);
+    EXPECT_EQ(filasGrilla(), encontradas);
+    EXPECT_EQ(m_doc->VistaActual(), QStringLiteral("-1"));
+    EXPECT_EQ(tecla(Qt::Key_F3, Qt::NoModifier), 0);
+    EXPECT_EQ(filasGrilla(), encontradas);
+    EXPECT_TRUE(m_mensajes.mostrados.isEmpty()) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
+}
+
+TEST_P(Busquedas, UnaLeyendaConComillasSeBuscaComoTexto)
+{
+    const QString leyenda = QStringLiteral("O'Brien'; Drop Table cceAsientos; --");
+    const qint32 id = grabarAsiento(rangoConAsientos().first, leyenda);
+    ASSERT_GT(id, 0);
+    const QList<qint32> todos = idsEnBase();
+    ASSERT_NE(idsEnGrilla(), QList<qint32>{id});
+
+    EXPECT_EQ(tecla(Qt::Key_B, Qt::ControlModifier, buscar({{"tLeyenda", leyenda}})), 1);
+    EXPECT_TRUE(m_mensajes.mostrados.isEmpty()) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
+    EXPECT_EQ(idsEnGrilla(), QList<qint32>{id});
+    EXPECT_TRUE(filasVistas(id).value(0).contains(QStringLiteral("O'Brien'"))) << filasVistas(id).join(QLatin1Char('\n')).toStdString();
+    // The table is still there, with every entry, the searched one as stored.
+    EXPECT_EQ(idsEnBase(), todos);
+    EXPECT_EQ(enBase(id).cabezal.value(2), leyenda);
+
+    // A prefix with a quote in it finds the same entry.
+    EXPECT_EQ(tecla(Qt::Key_B, Qt::ControlModifier, buscar({{"tLeyenda", QStringLiteral("O'Bri")}})), 1);
+    EXPECT_EQ(idsEnGrilla(), QList<qint32>{id});
+}
+
+INSTANTIATE_TEST_SUITE_P(Motores, Busquedas, ::testing::ValuesIn(MotoresDePrueba()),
+                         [](const ::testing::TestParamInfo<Motor> &i) { return NombreMotor(i.param).toStdString(); });
+
+} // namespace
