@@ -339,14 +339,12 @@ bool ComandosAsiento::libroParaApertura(CabezalDatos &d, bool &esApertura)
         esApertura = true;
         return true;
     }
-    const auto libros = LeerLibros(true);
-    if (libros.isEmpty()) {
+    const auto libro = LibroComun();
+    if (!libro) {
         m_datos.Error(1837);
         return false;
     }
-    const auto defecto = std::find_if(libros.begin(), libros.end(),
-                                      [this](const auto &libro) { return libro.second == m_datos.empresa.libroPorDefecto; });
-    const auto &[nombre, codigo] = defecto != libros.end() ? *defecto : libros.first();
+    const auto &[nombre, codigo] = *libro;
     QString pregunta = m_datos.texto(1836);
     pregunta.replace(QLatin1String("[p]"), QLatin1Char('\'') + nombre + QLatin1Char('\''));
     if (m_datos.mensajes->Preguntar(pregunta, ServicioMensajes::Botones::SiNo) != ServicioMensajes::Respuesta::Si)
@@ -354,6 +352,16 @@ bool ComandosAsiento::libroParaApertura(CabezalDatos &d, bool &esApertura)
     d.Libro = codigo;
     esApertura = false;
     return true;
+}
+
+std::optional<std::pair<QString, qint16>> ComandosAsiento::LibroComun() const
+{
+    const auto libros = LeerLibros(true);
+    if (libros.isEmpty())
+        return std::nullopt;
+    const auto defecto = std::find_if(libros.begin(), libros.end(),
+                                      [this](const auto &libro) { return libro.second == m_datos.empresa.libroPorDefecto; });
+    return defecto != libros.end() ? *defecto : libros.first();
 }
 
 SaldosIniciales ComandosAsiento::saldosIniciales() const

@@ -9,6 +9,7 @@
 #include <QList>
 #include <QString>
 
+#include <optional>
 #include <utility>
 
 // The commands of the entry menu: registering, drafts in bulk, scheduling, frequent entries,
@@ -67,6 +68,11 @@ public:
 
     // The books by name, the system books left out when asked; throws ErrorBaseDatos.
     QList<std::pair<QString, qint16>> LeerLibros(bool excluirSistema) const;
+    // The book an entry moved off a system book gets: the company's default book, else the
+    // first by name; none when the company has no other book. Throws ErrorBaseDatos.
+    std::optional<std::pair<QString, qint16>> LibroComun() const;
+    // The opening-balance entry's queries, for this company and database.
+    SaldosIniciales saldosIniciales() const;
     // Whether an account of the current entry's lines is closed at fecha, from the closing
     // dates the grid carries.
     bool HayCuentasCerradasEnGrilla(const QDate &fecha) const;
@@ -81,7 +87,6 @@ private:
     AsientoDatos asientoGuardado(qint32 asiID) const;
     int tomarAsientoDeFilaActual();
     bool libroParaApertura(CabezalDatos &d, bool &esApertura);
-    SaldosIniciales saldosIniciales() const;
 
     DatosDocumento &m_datos;
     AsientosGrilla &m_asientos;

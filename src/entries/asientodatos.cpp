@@ -64,12 +64,17 @@ bool AsientoDatos::fallar(Resultado r, const QString &error)
     return false;
 }
 
-QDateTime AsientoDatos::SelloNuevo(const QDateTime &anterior)
+QDateTime AsientoDatos::SelloNuevo(const QDateTime &anterior, Sello sello)
 {
+    const bool enteros = sello == Sello::SegundosEnteros;
     QDateTime t = ahora();
-    t.setTime(QTime(t.time().hour(), t.time().minute(), t.time().second(), t.time().msec()));
-    if (anterior.isValid() && t <= anterior)
-        t = anterior.addMSecs(1);
+    t.setTime(QTime(t.time().hour(), t.time().minute(), t.time().second(), enteros ? 0 : t.time().msec()));
+    if (anterior.isValid() && t <= anterior) {
+        if (!enteros)
+            return anterior.addMSecs(1);
+        t = anterior.addSecs(1);
+        t.setTime(QTime(t.time().hour(), t.time().minute(), t.time().second()));
+    }
     return t;
 }
 
@@ -151,10 +156,10 @@ bool AsientoDatos::actualizarCabezal(qint32 asiID, const QDateTime &nuevo)
     return false;
 }
 
-bool AsientoDatos::Grabar()
+bool AsientoDatos::Grabar(Sello sello)
 {
     m_resultado = Resultado::Bien;
-    const QDateTime nuevo = SelloNuevo(m_cabezal.FechaModificado);
+    const QDateTime nuevo = SelloNuevo(m_cabezal.FechaModificado, sello);
     try {
         Transaccion tx(*m_conexion);
         if (!actualizarCabezal(m_cabezal.AsiID, nuevo))

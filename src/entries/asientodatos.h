@@ -72,9 +72,13 @@ public:
     // after it).
     bool HayCuentasCerradas(const QDate &fecha);
 
+    // How precise a new stamp is: to the millisecond, or in whole seconds (as a change of an
+    // entry's book writes it).
+    enum class Sello { Milisegundos, SegundosEnteros };
+
     // Writes the header as it now stands. The stamp written is now (strictly later than the
     // one read) and is kept in Cabezal().FechaModificado afterwards.
-    bool Grabar();
+    bool Grabar(Sello sello = Sello::Milisegundos);
     // Writes header and lines, inserting a new entry; answers the entry's id, 0 on failure.
     // Each line keeps its ACuOrden; a line without one (0, or a number already taken) gets
     // the next after the highest. Project and department go with each line.
@@ -95,9 +99,10 @@ public:
     Resultado ultimoResultado() const { return m_resultado; }
     QString ultimoError() const { return m_error; }
 
-    // The stamp for a write that follows one read as anterior: now, to the millisecond, and
-    // always later than anterior.
-    static QDateTime SelloNuevo(const QDateTime &anterior);
+    // The stamp for a write that follows one read as anterior: now, to the millisecond or in
+    // whole seconds, and always later than anterior (a whole second later at least, when
+    // now is not).
+    static QDateTime SelloNuevo(const QDateTime &anterior, Sello sello = Sello::Milisegundos);
 
 private:
     bool actualizarCabezal(qint32 asiID, const QDateTime &nuevo);

@@ -4,6 +4,8 @@
 
 #include <QStringList>
 
+#include <cmath>
+
 SaldosIniciales::SaldosIniciales(Conexion &conexion, qint16 libro, qint32 empresa, const QString &delimitador,
                                  const QString &patron)
     : m_conexion(conexion)
@@ -38,4 +40,46 @@ QString SaldosIniciales::CuentasCerradasApertura(const QDate &fechaApertura, qui
         ids << rs->Texto(QStringLiteral("cueID"));
     rs->Cerrar();
     return ids.join(QLatin1Char(','));
+}
+
+void SaldosIniciales::AbrirCuentas(const QString &cuentas)
+{
+    if (cuentas.isEmpty())
+        return;
+    m_conexion.Ejecutar(QStringLiteral("Update cceCuentas Set CueSaldo = 0, CueSaldoMConta = 0, CueFechaCerrada = Null Where CueID IN (")
+                        + cuentas + QStringLiteral(")"));
+}
+
+QVector<LineaDatos> SaldosIniciales::LineasDeSaldos(quint8 clase, qint16 monedaContabilidad)
+{
+    const QString sql = QStringLiteral("Select cueID, CueSaldo, CueSaldoMConta, CueMoneda, CueFechaCerrada, TCuSigno ")
+                      + QStringLiteral(" From cceCuentas, sisTipoCuenta ")
+                      + QStringLiteral(" Where CueIDEmpresa = ") + QString::number(m_empresa)
+                      + QStringLiteral(" And ((CueSaldo Is Not Null and CueSaldo <> 0)  or (CueSaldoMConta Is Not Null and CueSaldoMConta <> 0))")
+                      + QStringLiteral(" And TCuClaseEmpresa = ") + QString::number(clase)
+                      + QStringLiteral(" And CueTipo = TCuID And CueEsCarpeta = 0");
+    QVector<LineaDatos> lineas;
+    auto rs = m_conexion.Abrir(sql);
+    for (; !rs->Fin(); rs->MoverSiguiente()) {
+        auto numero = [&rs](const char *columna) {
+            const QString nombre = QString::fromLatin1(columna);
+            return rs->EsNulo(nombre) ? 0.0 : rs->Numero(nombre);
+        };
+        const double saldo = numero("CueSaldo");
+        const double saldoMC = numero("CueSaldoMConta");
+        const auto moneda = qint64(numero("CueMoneda"));
+        const bool propia = moneda <= 0 || moneda == monedaContabilidad;
+        const int signoTipo = numero("TCuSigno") < 0 ? -1 : 1;
+        const double conSigno = saldoMC != 0 ? saldoMC : saldo;
+        LineaDatos l;
+        l.Cuenta = qint32(rs->Entero(QStringLiteral("cueID")));
+        l.AlDebe = (conSigno > 0 ? 1 : -1) * signoTipo > 0;
+        l.ImporteMC = std::abs(saldoMC != 0 ? saldoMC : saldo);
+        l.Importe = propia ? l.ImporteMC : std::abs(saldo);
+        l.Tasa = l.Importe != 0 ? l.ImporteMC / l.Importe : 0;
+        l.Orden = qint16(lineas.size() + 1);
+        lineas.append(l);
+    }
+    rs->Cerrar();
+    return lineas;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "entries/asientodatos.h"
 #include "store/conexion.h"
 
 #include <QDate>
@@ -18,6 +19,18 @@ public:
     // The accounts of the company's class that are closed on or after the opening-balance
     // date, as ids joined by ","; only among cuentas (ids joined by ",") when it is given.
     QString CuentasCerradasApertura(const QDate &fechaApertura, quint8 clase, const QString &cuentas = {});
+    // Opens the accounts (ids joined by ","): no balance, no closing date.
+    void AbrirCuentas(const QString &cuentas);
+
+    // One line per account of the company's class (not a folder) with a stored balance: the
+    // balance in the account's currency and in the accounting currency, as absolute values.
+    // The side: a balance is stored with the sign of the account type's usual side (TCuSigno
+    // 1: assets and expenses, usually debit; -1: liabilities, equity and income, usually
+    // credit), so the line goes to the debit when the balance's sign times TCuSigno is
+    // positive and to the credit when it is negative: an asset of 100 is a debit, an asset
+    // of -100 (an overdrawn account) a credit, a liability of 100 a credit. An account
+    // without a currency, or in the accounting currency, has one amount.
+    QVector<LineaDatos> LineasDeSaldos(quint8 clase, qint16 monedaContabilidad);
 
 private:
     Conexion &m_conexion;

@@ -9,7 +9,8 @@
 class ServicioMensajes
 {
 public:
-    enum class Botones { SiNo, SiNoCancelar };
+    // AceptarCancelar answers Si for "Aceptar".
+    enum class Botones { SiNo, SiNoCancelar, AceptarCancelar };
     enum class Respuesta { Si, No, Cancelar };
 
     virtual ~ServicioMensajes() = default;

@@ -46,6 +46,15 @@ ServicioMensajes::Respuesta ServicioMensajesQt::Preguntar(const QString &texto, 
     }
     QMessageBox caja(QMessageBox::Question, titulo.isEmpty() ? m_titulo : titulo, paraMostrar(texto), QMessageBox::NoButton,
                      m_padre);
+    if (botones == Botones::AceptarCancelar) {
+        caja.setIcon(QMessageBox::Warning);
+        QPushButton *aceptar = caja.addButton(boton(kAceptar), QMessageBox::AcceptRole);
+        QPushButton *cancelar = caja.addButton(boton(kCancelar), QMessageBox::RejectRole);
+        caja.setEscapeButton(cancelar);
+        caja.setDefaultButton(aceptar);
+        caja.exec();
+        return caja.clickedButton() == aceptar ? Respuesta::Si : Respuesta::Cancelar;
+    }
     QPushButton *si = caja.addButton(boton(kSi), QMessageBox::YesRole);
     QPushButton *no = caja.addButton(boton(kNo), QMessageBox::NoRole);
     QPushButton *cancelar = nullptr;

@@ -6,6 +6,7 @@
 #include "lumtoomenu.h"
 #include "menusdocumento.h"
 #include "paneledicion.h"
+#include "editing/asientoapertura.h"
 #include "editing/comandosasiento.h"
 #include "editing/sesionedicion.h"
 #include "search/busquedaasientos.h"
@@ -16,7 +17,11 @@
 #include <QAction>
 #include <QHeaderView>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QMenu>
+#include <QTimer>
+
+#include <utility>
 
 void lumIngAsiento::conectarComandos()
 {
@@ -28,6 +33,17 @@ void lumIngAsiento::conectarComandos()
     connect(hlOpSave, &QToolButton::clicked, this, [this] { ClickEnlace(hlOpSave, m_menus->MnuSave); });
     connect(hlCargar, &QToolButton::clicked, this, [this] { ClickEnlace(hlCargar, m_menus->MnuView); });
     connect(hlFind, &QToolButton::clicked, this, [this] { Buscar(true); });
+    connect(tmShowASI, &QTimer::timeout, this, &lumIngAsiento::tmShowASI_Timer);
+    // The banner's links: "aquí" makes the opening-balance entry once the click is over,
+    // "Necesito ayuda" opens its help page.
+    connect(lMsgASI1, &QLabel::linkActivated, this, [this](const QString &enlace) {
+        if (FilaEdicion() > 0)
+            m_edicion->SalirEdicion();
+        if (enlace == QLatin1String("aqui"))
+            ArmarComandoDiferido(QStringLiteral("1"));
+        else
+            m_apertura->ayuda();
+    });
 
     connect(m_vsGrid, &vsGrid::Click, this, &lumIngAsiento::vsGrid_Click);
     connect(m_vsGrid, &vsGrid::KeyDown, this, &lumIngAsiento::vsGrid_KeyDown);
@@ -68,6 +84,8 @@ void lumIngAsiento::conectarComandos()
             if (FilaEdicion() > 0 && !m_edicion->SalirEdicionEnLaFila() && sobreUnaLinea)
                 return;
             funcion();
+            // Deleting, registering or converting may make or unmake the opening-balance entry.
+            m_apertura->ActualizarExisteApertura();
         });
     };
     ComandosAsiento &c = *m_comandos;
@@ -87,6 +105,8 @@ void lumIngAsiento::conectarComandos()
     alElegir("MnuEdiHide", [&c] { c.OcultarAsiento(); });
     alElegir("MnuUnificarTCCta", [&c] { c.UnificarTC(true); });
     alElegir("MnuUnificarTCMC", [&c] { c.UnificarTC(false); });
+    alElegir("MnuEdiAPA", [this] { m_apertura->MnuEdiAPA(); });
+    alElegir("MnuEdiASI", [this] { m_apertura->ConvertirApertura(); });
     alElegir("MnuEdiLibro", [this] {
         if (!m_datos.conexion())
             return;
@@ -98,9 +118,8 @@ void lumIngAsiento::conectarComandos()
             m_datos.Error(1932, DetalleError(e.numero(), e.descripcion()));
         }
     });
-    // The opening-balance entry, print, export and frequent entries are not in this build:
-    // their items are not offered.
-    for (const char *ausente : {"MnuEdiASI", "MnuEdiAPA", "MnuEdiLinePrint", "MnuPriCnfgPage", "MnuPriPrint",
+    // Print, export and frequent entries are not in this build: their items are not offered.
+    for (const char *ausente : {"MnuEdiLinePrint", "MnuPriCnfgPage", "MnuPriPrint",
                                 "MnuPriPrevia", "MnuAFrRegistrar", "MnuAFrNew"})
         m_menus->accion(QString::fromLatin1(ausente))->setVisible(false);
     m_menus->MnuExportar->menuAction()->setVisible(false);
@@ -139,6 +158,47 @@ void lumIngAsiento::PrepararMenuEdicion()
     m_menus->accion(QStringLiteral("MnuEdiLineEstado"))->setVisible(info->isVisible());
     QAction *grabar = m_menus->accion(QStringLiteral("MnuEdiSaveNormal"));
     grabar->setText(m_datos.texto(hayAsiento && estado == EstadoAsiento::kRegistrado ? 1036 : 1023));
+
+    // The opening-balance commands offer what can be done: making it while there is none,
+    // converting a stored entry into it while there is none, or it back into an ordinary one.
+    const bool existe = m_apertura->ActualizarExisteApertura();
+    const int cabezal = m_asientos.FilaCabezalDe(fila);
+    const bool guardado = cabezal >= 0 && m_asientos.IdDeFila(cabezal) > 0;
+    const qint16 libro = guardado ? m_asientos.LibroDeFila(cabezal) : 0;
+    const bool esApertura = libro != 0 && libro == m_datos.librosSistema().primeraApertura;
+    m_menus->accion(QStringLiteral("MnuEdiAPA"))->setEnabled(!existe && m_datos.TienePermiso(u'A'));
+    QAction *convertir = m_menus->accion(QStringLiteral("MnuEdiASI"));
+    convertir->setText(m_datos.texto(esApertura ? 1034 : 1033));
+    convertir->setEnabled(guardado && m_datos.TienePermiso(u'M') && (esApertura || !existe));
+}
+
+void lumIngAsiento::ArmarComandoDiferido(const QString &comando)
+{
+    m_comandoDiferido = comando;
+    tmShowASI->start();
+}
+
+// Carries out the deferred action once the menu or the click that asked for it is over.
+void lumIngAsiento::tmShowASI_Timer()
+{
+    tmShowASI->stop();
+    const QString comando = std::exchange(m_comandoDiferido, QString());
+    if (comando.section(QLatin1Char('|'), 0, 0) == QLatin1String("1"))
+        m_apertura->MnuEdiAPA();
+    m_vsGrid->setFocus();
+}
+
+void lumIngAsiento::MostrarAvisoApertura(bool existe)
+{
+    picASI->setVisible(!existe);
+}
+
+bool lumIngAsiento::eventFilter(QObject *objeto, QEvent *evento)
+{
+    // A click on the banner ends an edit, as a click elsewhere above the grid does.
+    if ((objeto == picASI || objeto == lMsgASI1) && evento->type() == QEvent::MouseButtonPress && FilaEdicion() > 0)
+        m_edicion->SalirEdicion();
+    return QWidget::eventFilter(objeto, evento);
 }
 
 void lumIngAsiento::Buscar(bool mostrarDialogo)

@@ -7,6 +7,7 @@
 #include "currency/catalogomonedas.h"
 #include "entries/vistas.h"
 #include "entries/vsgrid.h"
+#include "editing/asientoapertura.h"
 #include "editing/comandosasiento.h"
 #include "editing/sesionedicion.h"
 #include "lineeditor/lumerasiento.h"
@@ -215,6 +216,7 @@ void lumIngAsiento::vsGrid_KeyDown(int tecla, Qt::KeyboardModifiers modificadore
         // The whole entry on its header row, the line on any other.
         if (FilaEdicion() <= 0 && m_asientos.FilaCabezalDe(fila) >= 0) {
             m_comandos->EliminarAsiento(!m_asientos.EsFilaCabezal(fila));
+            m_apertura->ActualizarExisteApertura();
             *atendida = true;
         }
         break;
@@ -295,9 +297,13 @@ void lumIngAsiento::MarcarVistaEdicion(bool enEdicion)
             m_vistaAntesDeEditar = hlCargar->Tag;
         hlCargar->Tag = QString::number(Vista::kEnEdicion);
         MostrarVista();
-    } else if (!m_vistaAntesDeEditar.isEmpty()) {
-        hlCargar->Tag = m_vistaAntesDeEditar;
-        m_vistaAntesDeEditar.clear();
-        MostrarVista();
+    } else {
+        // A write of the edited entry may have made it the opening-balance entry.
+        m_apertura->ActualizarExisteApertura();
+        if (!m_vistaAntesDeEditar.isEmpty()) {
+            hlCargar->Tag = m_vistaAntesDeEditar;
+            m_vistaAntesDeEditar.clear();
+            MostrarVista();
+        }
     }
 }

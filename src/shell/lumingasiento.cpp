@@ -6,6 +6,7 @@
 #include "menusdocumento.h"
 #include "paneledicion.h"
 #include "currency/catalogomonedas.h"
+#include "editing/asientoapertura.h"
 #include "editing/comandosasiento.h"
 #include "editing/sesionedicion.h"
 #include "search/busquedaasientos.h"
@@ -19,6 +20,8 @@
 
 #include <QAction>
 #include <QLabel>
+#include <QHBoxLayout>
+#include <QTimer>
 #include <QVBoxLayout>
 
 #include <limits>
@@ -108,6 +111,28 @@ void lumIngAsiento::crearControles()
     lbTitle->setFont(titulo);
     lbTitle->setContentsMargins(8, 6, 8, 4);
 
+    picASI = new QFrame(this);
+    picASI->setObjectName(QStringLiteral("picASI"));
+    picASI->setAutoFillBackground(true);
+    QPalette aviso = picASI->palette();
+    aviso.setColor(QPalette::Window, QColor(0xff, 0xf4, 0xce));
+    picASI->setPalette(aviso);
+    lMsgASI1 = new QLabel(picASI);
+    lMsgASI1->setObjectName(QStringLiteral("lMsgASI1"));
+    lMsgASI1->setTextFormat(Qt::RichText);
+    lMsgASI1->setTextInteractionFlags(Qt::TextBrowserInteraction);
+    auto *capaAviso = new QHBoxLayout(picASI);
+    capaAviso->setContentsMargins(8, 4, 8, 4);
+    capaAviso->addWidget(lMsgASI1, 1);
+    picASI->setVisible(false);
+    picASI->installEventFilter(this);
+    lMsgASI1->installEventFilter(this);
+
+    tmShowASI = new QTimer(this);
+    tmShowASI->setObjectName(QStringLiteral("tmShowASI"));
+    tmShowASI->setSingleShot(true);
+    tmShowASI->setInterval(0);
+
     picVBD = new QFrame(this);
     picVBD->setObjectName(QStringLiteral("picVBD"));
     m_vsGrid = new vsGrid(m_grilla, picVBD);
@@ -122,6 +147,7 @@ void lumIngAsiento::crearControles()
     todo->setSpacing(0);
     todo->addWidget(tmMenu);
     todo->addWidget(lbTitle);
+    todo->addWidget(picASI);
     todo->addWidget(picVBD, 1);
 
     m_menus = std::make_unique<MenusDocumento>(this);
@@ -129,6 +155,12 @@ void lumIngAsiento::crearControles()
     m_edicion = std::make_unique<SesionEdicion>(m_datos, m_asientos, *m_comandos, *m_panel);
     m_busquedaPropia = std::make_unique<BusquedaCuentasQt>();
     m_busqueda = std::make_unique<BusquedaAsientos>(m_datos, m_asientos, *m_panel, busquedaCuentas(), this);
+    m_apertura = std::make_unique<AsientoApertura>(m_datos, m_asientos, *m_comandos, *m_panel);
+    m_apertura->alCambiar = [this](bool existe) { MostrarAvisoApertura(existe); };
+    m_apertura->ayuda = [this] {
+        if (m_entorno.host)
+            m_entorno.host->Navegar(ComandoHost::kAyudaSaldosIniciales, QString());
+    };
     m_busqueda->ayuda = [this] {
         if (m_entorno.host)
             m_entorno.host->Navegar(ComandoHost::kAyudaBusqueda, QString());
@@ -265,6 +297,8 @@ void lumIngAsiento::iniciarSinTrampa()
     CargarParametrosSistema();
     proceso().monedas.CargarMonedas(*proceso().conexion);
 
+    m_apertura->ActualizarExisteApertura();
+
     if (!InicializarDocumento()) {
         EnviarComando(ComandoHost::AccesoDenegado(Idioma::resLoad(0)));
         return;
@@ -280,6 +314,8 @@ void lumIngAsiento::iniciarSinTrampa()
     AcomodarPantalla();
     ConfigUsuario(false);
     m_estado = Estado::Listo;
+    if (m_host.PedidoAsientoApertura && !m_apertura->ExisteAsientoApertura())
+        ArmarComandoDiferido(QStringLiteral("1"));
 }
 
 bool lumIngAsiento::InicializarDocumento()
@@ -424,6 +460,9 @@ void lumIngAsiento::AsignarTextos()
     for (lumHiperLink *l : {hlRegistro, hlAsientoFrecuente, hlOpSave, hlFind, hlCargar})
         l->setAccessibleName(l->text());
     lbTitle->setText(Idioma::resLoad(1));
+    lMsgASI1->setText(QStringLiteral("%1 <a href=\"aqui\">%2</a> %3 &nbsp;&nbsp; <a href=\"ayuda\">%4</a>")
+                          .arg(m_datos.texto(1150).toHtmlEscaped(), m_datos.texto(1151).toHtmlEscaped(),
+                               m_datos.texto(1152).toHtmlEscaped(), m_datos.texto(1153).toHtmlEscaped()));
     m_grilla.FijarEncabezados(Idioma::resLoad(60));
     m_panel->AsignarTextos();
 }

@@ -12,6 +12,7 @@
 #include <memory>
 
 class CampoFecha;
+class AsientoApertura;
 class BusquedaAsientos;
 class ComandosAsiento;
 class MenusDocumento;
@@ -21,6 +22,7 @@ class QFrame;
 class QLabel;
 class QLineEdit;
 class QMenu;
+class QTimer;
 class ServicioBusquedaCuentas;
 class ServicioMensajes;
 class SesionEdicion;
@@ -80,6 +82,9 @@ public:
     SesionEdicion &edicion() const { return *m_edicion; }
     ComandosAsiento &comandos() const { return *m_comandos; }
     BusquedaAsientos &busqueda() const { return *m_busqueda; }
+    AsientoApertura &apertura() const { return *m_apertura; }
+    // The action the deferred-action timer carries out next ("1": the opening-balance entry).
+    QString ComandoDiferido() const { return m_comandoDiferido; }
     MenusDocumento &menus() const { return *m_menus; }
     AsientosGrilla &asientos() { return m_asientos; }
     Grilla &grilla() { return m_grilla; }
@@ -107,6 +112,7 @@ public:
 
 protected:
     void showEvent(QShowEvent *evento) override;
+    bool eventFilter(QObject *objeto, QEvent *evento) override;
     void keyPressEvent(QKeyEvent *evento) override;
     void resizeEvent(QResizeEvent *evento) override;
 
@@ -132,6 +138,9 @@ private:
     void ClickEnlace(lumHiperLink *enlace, QMenu *menu);
     void PrepararMenuEdicion();
     void MenuEdicionEnCelda();
+    void ArmarComandoDiferido(const QString &comando);
+    void tmShowASI_Timer();
+    void MostrarAvisoApertura(bool existe);
 
     // The grid (grilladocumento.cpp).
     void FormatoColumnasImporte();
@@ -159,6 +168,7 @@ private:
     quint8 m_asiOrder = 0;
     int m_filaRecordada = -1; // the row a second click opens
     QString m_vistaAntesDeEditar;
+    QString m_comandoDiferido;
     QDate m_mesVista;
     std::unique_ptr<ServicioBusquedaCuentas> m_busquedaPropia;
 
@@ -173,6 +183,9 @@ private:
     lumHiperLink *hlFind = nullptr;
     lumHiperLink *hlCargar = nullptr;
     QLabel *lbTitle = nullptr;
+    QFrame *picASI = nullptr;  // the banner shown while there is no opening-balance entry
+    QLabel *lMsgASI1 = nullptr;
+    QTimer *tmShowASI = nullptr;
     QFrame *picVBD = nullptr;
     vsGrid *m_vsGrid = nullptr;
     PanelEdicion *m_panel = nullptr;
@@ -180,4 +193,5 @@ private:
     std::unique_ptr<ComandosAsiento> m_comandos;
     std::unique_ptr<SesionEdicion> m_edicion;
     std::unique_ptr<BusquedaAsientos> m_busqueda;
+    std::unique_ptr<AsientoApertura> m_apertura;
 };

@@ -1,0 +1,196 @@
+#include "asientoapertura.h"
+
+#include "services/ocupado.h"
+#include "services/serviciomensajes.h"
+
+#include <QStringList>
+
+AsientoApertura::AsientoApertura(DatosDocumento &datos, AsientosGrilla &asientos, ComandosAsiento &comandos,
+                                 PantallaAsientos &pantalla)
+    : m_datos(datos)
+    , m_asientos(asientos)
+    , m_comandos(comandos)
+    , m_pantalla(pantalla)
+{
+}
+
+bool AsientoApertura::ActualizarExisteApertura()
+{
+    if (!m_datos.conexion())
+        return m_existe;
+    bool existe = m_existe;
+    try {
+        existe = m_comandos.saldosIniciales().ExisteAsientoApertura();
+    } catch (const ErrorBaseDatos &) {
+        // Unknown: the banner stays as it is, and the command that needs to know fails on
+        // its own reads and says so.
+        return m_existe;
+    }
+    if (existe != m_existe || !m_dicho) {
+        m_existe = existe;
+        m_dicho = true;
+        if (alCambiar)
+            alCambiar(m_existe);
+    }
+    return m_existe;
+}
+
+void AsientoApertura::MnuEdiAPA()
+{
+    if (!m_datos.conexion() || !m_datos.TienePermiso(u'A'))
+        return;
+    try {
+        if (ActualizarExisteApertura())
+            return;
+        if (m_datos.mensajes->Preguntar(m_datos.texto(1827), ServicioMensajes::Botones::SiNo, QStringLiteral("ATENCIÓN"))
+            != ServicioMensajes::Respuesta::Si)
+            return;
+        const qint32 id = HacerAsientoApertura();
+        if (id > 0) {
+            const int fila = m_asientos.grilla().Filas() - 1;
+            m_comandos.CargarAsiento(id, fila);
+            m_pantalla.SeleccionarFila(fila);
+            ActualizarExisteApertura();
+        }
+    } catch (const ErrorBaseDatos &e) {
+        m_datos.Error(1930, DetalleError(e.numero(), e.descripcion()));
+    }
+}
+
+bool AsientoApertura::AbrirCuentas(const QString &lista)
+{
+    if (lista.isEmpty())
+        return true;
+    const QString texto = QStringLiteral("Existen cuentas que están cerradas con fecha posterior o igual a la fecha del asiento"
+                                         " de saldos iniciales.\r\rLas mismas serán abiertas.");
+    if (m_datos.mensajes->Preguntar(texto, ServicioMensajes::Botones::AceptarCancelar, QStringLiteral("Atención"))
+        != ServicioMensajes::Respuesta::Si)
+        return false;
+    m_comandos.saldosIniciales().AbrirCuentas(lista);
+    return true;
+}
+
+qint32 AsientoApertura::HacerAsientoApertura()
+{
+    if (ActualizarExisteApertura()) {
+        m_datos.Advertir(1835);
+        return 0;
+    }
+    SaldosIniciales saldos = m_comandos.saldosIniciales();
+    const QString cerradas = saldos.CuentasCerradasApertura(m_datos.fechaAsientoApertura, m_datos.empresa.clase);
+    if (!AbrirCuentas(cerradas))
+        return 0;
+    const Ocupado ocupado;
+    const QVector<LineaDatos> lineas = saldos.LineasDeSaldos(m_datos.empresa.clase, m_datos.empresa.monedaContabilidad);
+    if (lineas.isEmpty()) {
+        if (m_datos.Preguntar(1855) && ayuda)
+            ayuda();
+        return 0;
+    }
+    // Registered when the balances balance, to the cent; otherwise incomplete, so that it is
+    // finished by hand and only then counts as the opening-balance entry.
+    qint64 debe = 0;
+    qint64 haber = 0;
+    for (const LineaDatos &l : lineas)
+        (l.AlDebe ? debe : haber) += qRound64(l.ImporteMC * 100);
+    const bool cierra = debe == haber;
+
+    AsientoDatos datos(*m_datos.conexion(), m_datos.librosSistema());
+    CabezalDatos &d = datos.Cabezal();
+    d.Empresa = m_datos.idEmpresa();
+    d.Usuario = m_datos.usuario;
+    d.Estado = cierra ? EstadoAsiento::kRegistrado : EstadoAsiento::kInconcluso;
+    d.FechaCambioEstado = AsientoDatos::SelloNuevo(QDateTime());
+    d.Fecha = m_datos.fechaAsientoApertura;
+    d.Leyenda = m_datos.texto(1095);
+    d.Libro = m_datos.librosSistema().primeraApertura;
+    datos.Lineas() = lineas;
+    const qint32 id = cierra ? datos.GrabarApertura() : datos.GrabarTodo();
+    if (id <= 0)
+        throw ErrorBaseDatos(datos.ultimoError());
+    return id;
+}
+
+void AsientoApertura::ConvertirApertura()
+{
+    if (!m_datos.conexion() || !m_datos.TienePermiso(u'M'))
+        return;
+    const int cabezal = m_asientos.FilaCabezalDe(m_pantalla.FilaActual());
+    if (cabezal < 0 || m_asientos.IdDeFila(cabezal) <= 0)
+        return;
+    try {
+        m_asientos.TomarAsientoDeFila(cabezal);
+        const CabezalAsiento c = m_asientos.Cabezal;
+        m_asientos.ResetCabezal();
+        const qint16 libroApertura = m_datos.librosSistema().primeraApertura;
+        const bool esApertura = c.AsiTipo != 0 && c.AsiTipo == libroApertura;
+        if (!esApertura) {
+            if (ActualizarExisteApertura() || !m_datos.Preguntar(1856))
+                return;
+        } else {
+            if (!m_datos.Preguntar(1857))
+                return;
+            m_asientos.TomarAsientoDeFila(cabezal);
+            const bool puede = m_comandos.PuedeModificarApertura();
+            m_asientos.ResetCabezal();
+            if (!puede)
+                return;
+        }
+        AsientoDatos datos(*m_datos.conexion(), m_datos.librosSistema());
+        if (!datos.CargarAsiento(c.AsiID))
+            throw ErrorBaseDatos(datos.ultimoError());
+        CabezalDatos &d = datos.Cabezal();
+        if (d.FechaModificado != c.AsiFechaModificado) {
+            m_datos.Error(1820);
+            return;
+        }
+        if (datos.HayCuentasCerradas(d.Fecha)) {
+            m_datos.Error(1812);
+            return;
+        }
+        if (!esApertura) {
+            // The opening-balance entry may not use an account closed on or after its date.
+            QStringList cuentas;
+            for (const LineaDatos &l : std::as_const(datos.Lineas()))
+                cuentas << QString::number(l.Cuenta);
+            if (!cuentas.isEmpty()
+                && !m_comandos.saldosIniciales()
+                        .CuentasCerradasApertura(m_datos.fechaAsientoApertura, m_datos.empresa.clase, cuentas.join(QLatin1Char(',')))
+                        .isEmpty()) {
+                m_datos.Error(1811);
+                return;
+            }
+            // It becomes the opening-balance entry: its book, its date, registered.
+            d.Libro = libroApertura;
+            d.Fecha = m_datos.fechaAsientoApertura;
+            if (d.Estado != EstadoAsiento::kRegistrado) {
+                d.Estado = EstadoAsiento::kRegistrado;
+                d.FechaCambioEstado = AsientoDatos::SelloNuevo(QDateTime());
+            }
+        } else {
+            // Back to an ordinary entry of the default book (the first by name without one),
+            // on the same date and in the same state.
+            const auto libro = m_comandos.LibroComun();
+            if (!libro) {
+                m_datos.Error(1837);
+                return;
+            }
+            d.Libro = libro->second;
+        }
+        if (!datos.Grabar(AsientoDatos::Sello::SegundosEnteros)) {
+            if (datos.ultimoResultado() == AsientoDatos::Resultado::Modificado) {
+                m_datos.Error(1820);
+                return;
+            }
+            throw ErrorBaseDatos(datos.ultimoError());
+        }
+        m_asientos.grilla().FijarRedibujar(false);
+        m_comandos.RecargarAsiento(c.AsiID, cabezal);
+        m_asientos.grilla().FijarRedibujar(true);
+        m_pantalla.SeleccionarFila(cabezal);
+        ActualizarExisteApertura();
+    } catch (const ErrorBaseDatos &e) {
+        m_asientos.ResetCabezal();
+        m_datos.Error(1933, DetalleError(e.numero(), e.descripcion()));
+    }
+}

@@ -1,0 +1,57 @@
+#pragma once
+
+#include "editing/comandosasiento.h"
+#include "editing/datosdocumento.h"
+#include "editing/pantalla.h"
+#include "entries/asientosgrilla.h"
+#include "entries/saldosiniciales.h"
+
+#include <functional>
+
+// The company's opening-balance entry: whether it exists, making it from the balances
+// stored with the accounts, and turning an entry into it and back. The opening-balance
+// entry is the registered entry of the opening-balance book; it is dated on the session's
+// opening-balance date (DatosDocumento::fechaAsientoApertura). Messages go through the
+// document's message service; a database failure is told with 1930 (making it) or 1933
+// (converting) and leaves nothing half-written.
+class AsientoApertura
+{
+public:
+    AsientoApertura(DatosDocumento &datos, AsientosGrilla &asientos, ComandosAsiento &comandos, PantallaAsientos &pantalla);
+
+    // Reads again whether the entry exists, and tells alCambiar when the answer changed
+    // (or was never told). When it cannot be read, the last answer stands.
+    bool ActualizarExisteApertura();
+    bool ExisteAsientoApertura() const { return m_existe; }
+    std::function<void(bool existe)> alCambiar;
+    // Opens the help page of the opening-balance entry.
+    std::function<void()> ayuda;
+
+    // The menu command: with the add right and no such entry yet, question 1827, then the
+    // entry is made and shown after the last row.
+    void MnuEdiAPA();
+    // Makes the entry from the accounts' balances, registered when they balance (incomplete
+    // otherwise, to be finished by hand). Accounts closed on or after the opening-balance
+    // date are opened first, after the user agrees. Answers the new entry's id; 0 when none
+    // was made (1835 it exists already; 1855 no account has a balance; the user declined).
+    qint32 HacerAsientoApertura();
+    // With accounts to open, asks (OK/Cancel) and opens them; false when the user cancels.
+    bool AbrirCuentas(const QString &lista);
+    // Turns the entry of the current row into the opening-balance entry (question 1856,
+    // while there is none), or the opening-balance entry back into an ordinary entry of the
+    // default book (question 1857 and the checks of a change to it). Refused: accounts of
+    // the entry closed at its date (1812), or closed on or after the opening-balance date
+    // (1811), no book to move it to (1837).
+    void ConvertirApertura();
+
+private:
+    SaldosIniciales saldosIniciales() const;
+    qint16 libroNormal() const;
+
+    DatosDocumento &m_datos;
+    AsientosGrilla &m_asientos;
+    ComandosAsiento &m_comandos;
+    PantallaAsientos &m_pantalla;
+    bool m_existe = false;
+    bool m_dicho = false; // alCambiar has been told at least once
+};
