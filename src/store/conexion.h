@@ -73,6 +73,8 @@ public:
     // Runs an INSERT and answers the id the engine gave the new row (column columnaId).
     virtual qint64 Insertar(const QString &sql, const QVariantList &valores, const QString &columnaId) = 0;
 
+    // Transactions nest: a transaction begun inside another is a savepoint of it, confirmed
+    // or undone on its own, and written only when the outermost one is confirmed.
     virtual void Comenzar() = 0;
     virtual void Confirmar() = 0;
     virtual void Deshacer() = 0;

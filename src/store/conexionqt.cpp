@@ -228,26 +228,50 @@ qint64 ConexionQt::Insertar(const QString &sql, const QVariantList &valores, con
 void ConexionQt::Comenzar()
 {
     QSqlDatabase db = QSqlDatabase::database(m_nombre, false);
-    if (!db.transaction())
+    if (m_nivel > 0) {
+        QSqlQuery q(db);
+        if (!q.exec(QStringLiteral("SAVEPOINT t%1").arg(m_nivel)))
+            throw ErrorBaseDatos(textoError(q.lastError()), numeroError(q.lastError()));
+    } else if (!db.transaction()) {
         throw ErrorBaseDatos(textoError(db.lastError()), numeroError(db.lastError()));
+    }
+    ++m_nivel;
 }
 
 void ConexionQt::Confirmar()
 {
     QSqlDatabase db = QSqlDatabase::database(m_nombre, false);
+    if (m_nivel > 1) {
+        --m_nivel;
+        QSqlQuery q(db);
+        if (!q.exec(QStringLiteral("RELEASE SAVEPOINT t%1").arg(m_nivel)))
+            throw ErrorBaseDatos(textoError(q.lastError()), numeroError(q.lastError()));
+        return;
+    }
     if (!db.commit())
         throw ErrorBaseDatos(textoError(db.lastError()), numeroError(db.lastError()));
+    m_nivel = 0;
 }
 
 void ConexionQt::Deshacer()
 {
     QSqlDatabase db = QSqlDatabase::database(m_nombre, false);
+    if (m_nivel > 1) {
+        --m_nivel;
+        QSqlQuery q(db);
+        if (!q.exec(QStringLiteral("ROLLBACK TO SAVEPOINT t%1").arg(m_nivel))
+            || !q.exec(QStringLiteral("RELEASE SAVEPOINT t%1").arg(m_nivel)))
+            throw ErrorBaseDatos(textoError(q.lastError()), numeroError(q.lastError()));
+        return;
+    }
+    m_nivel = 0;
     if (!db.rollback())
         throw ErrorBaseDatos(textoError(db.lastError()), numeroError(db.lastError()));
 }
 
 void ConexionQt::Cerrar()
 {
+    m_nivel = 0;
     if (!QSqlDatabase::contains(m_nombre))
         return;
     {

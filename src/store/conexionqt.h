@@ -33,4 +33,5 @@ private:
 
     Motor m_motor;
     QString m_nombre;
+    int m_nivel = 0; // transactions open, the outermost one and its savepoints
 };

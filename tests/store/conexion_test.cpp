@@ -71,6 +71,46 @@ TEST_P(ConexionEnMotor, TransaccionSinConfirmarNoDejaNada)
     EXPECT_EQ(QVariant(rs->Campo(0)).toInt(), 1);
 }
 
+// A transaction inside another is a savepoint: undoing it keeps the outer work, even after
+// an error of the engine inside it; nothing is written until the outermost one is confirmed.
+TEST_P(ConexionEnMotor, TransaccionesAnidadas)
+{
+    BaseDePrueba base(GetParam(), BaseDePrueba::Contenido::Esquema);
+    Conexion &c = base.conexion();
+    auto libros = [&c] {
+        QStringList nombres;
+        for (auto rs = c.Abrir(QStringLiteral("Select LibNombre From genLibros Order By LibCodigo")); !rs->Fin(); rs->MoverSiguiente())
+            nombres << rs->Texto(QStringLiteral("LibNombre"));
+        return nombres;
+    };
+    {
+        Transaccion afuera(c);
+        c.Ejecutar(QStringLiteral("Insert Into genLibros (LibCodigo, LibNombre) Values (1, 'Diario')"));
+        {
+            Transaccion adentro(c);
+            c.Ejecutar(QStringLiteral("Insert Into genLibros (LibCodigo, LibNombre) Values (2, 'Compras')"));
+            EXPECT_THROW(c.Ejecutar(QStringLiteral("Insert Into genLibros (LibCodigo, LibNombre) Values (2, 'Otra vez')")),
+                         ErrorBaseDatos);
+        }
+        {
+            Transaccion adentro(c);
+            c.Ejecutar(QStringLiteral("Insert Into genLibros (LibCodigo, LibNombre) Values (3, 'Ventas')"));
+            adentro.Confirmar();
+        }
+        afuera.Confirmar();
+    }
+    EXPECT_EQ(libros(), (QStringList{QStringLiteral("Diario"), QStringLiteral("Ventas")}));
+    {
+        Transaccion afuera(c);
+        {
+            Transaccion adentro(c);
+            c.Ejecutar(QStringLiteral("Insert Into genLibros (LibCodigo, LibNombre) Values (4, 'Caja')"));
+            adentro.Confirmar();
+        }
+    }
+    EXPECT_EQ(libros(), (QStringList{QStringLiteral("Diario"), QStringLiteral("Ventas")}));
+}
+
 TEST_P(ConexionEnMotor, ElMotorNumeraLasFilasNuevas)
 {
     BaseDePrueba base(GetParam(), BaseDePrueba::Contenido::Esquema);
