@@ -3,7 +3,7 @@
 #include "currency/catalogomonedas.h"
 #include "currency/mascara.h"
 #include "currency/tipocambio.h"
-#include "entries/movimientosfrecuentes.h"
+#include "entries/frecuentesdatos.h"
 #include "entries/vistas.h"
 #include "services/ocupado.h"
 #include "services/serviciomensajes.h"
@@ -185,7 +185,7 @@ bool ComandosAsiento::CrearMovimientoFrecuente(bool agendar)
     cabezal.Usuario = m_datos.usuario;
     QVector<qint16> monedas;
     const QVector<LineaDatos> lineas = m_asientos.LineasParaGrabar(&monedas);
-    MovimientosFrecuentes frecuentes(*m_datos.conexion());
+    FrecuentesDatos frecuentes(*m_datos.conexion());
     const QString nombre = cabezal.Leyenda.isEmpty() ? FormatoFechaSuite(cabezal.Fecha, QTime(0, 0), m_datos.formatoFecha) : cabezal.Leyenda;
     if (frecuentes.Crear(cabezal, lineas, monedas, agendar, nombre) > 0)
         return true;
@@ -293,6 +293,12 @@ bool ComandosAsiento::GrabarAsientoCompleto(bool asientoCierra)
         d.Libro = c.AsiTipo;
         d.Fecha = c.AsiFechaAsiento;
         d.Autoriza = c.AsiUsuarioVerificador;
+        // A registered entry dated in the future is a draft until its day, as a header
+        // moved into the future makes it.
+        if (d.Fecha > QDate::currentDate() && d.Estado == EstadoAsiento::kRegistrado) {
+            d.Estado = EstadoAsiento::kBorrador;
+            d.FechaCambioEstado = AsientoDatos::SelloNuevo(QDateTime());
+        }
         datos.Lineas() = m_asientos.LineasParaGrabar();
         if (datos.HayCuentasCerradas(d.Fecha)) {
             m_datos.Error(1811);

@@ -356,12 +356,12 @@ void SesionEdicion::AceptarLinea()
     m_pendiente = true;
 
     bool escrito = false;
-    bool cierra = lineas.size() > 1;
-    if (!cierra) {
-        bool debeMenor = false;
-        double mc = 0, me = 0;
-        m_asientos.CierreAsiento(debeMenor, mc, me, cierra);
-    }
+    // Whether the whole entry balances now, whatever the line just taken carried: a line
+    // with both accounts balances itself but not the lines before it.
+    bool cierra = false;
+    bool debeMenor = false;
+    double mc = 0, me = 0;
+    m_asientos.CierreAsiento(debeMenor, mc, me, cierra);
     if (cierra) {
         escrito = m_comandos.GrabarAsientoCompleto(true);
         m_pendiente = false;

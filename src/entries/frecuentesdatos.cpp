@@ -1,0 +1,233 @@
+#include "frecuentesdatos.h"
+
+#include "modeloasiento.h"
+
+#include <cmath>
+
+namespace {
+
+const QString kColumnas = QStringLiteral("MFrID, MFrEmpresa, MFrNombre, MFrRecurrencia, MFrFechaProxima, MFrFecha, MFrLeyenda,"
+                                         " MFrLibro, MFrUsuarioVerificador, MFrUsuario");
+
+QVariant textoONulo(const QString &texto)
+{
+    return texto.isEmpty() ? QVariant(QMetaType(QMetaType::QString)) : QVariant(texto);
+}
+
+} // namespace
+
+bool MovimientoFrecuente::Cierra() const
+{
+    qint64 debe = 0;
+    qint64 haber = 0;
+    for (const LineaDatos &l : Lineas)
+        (l.AlDebe ? debe : haber) += std::llround(l.ImporteMC * 100);
+    return !Lineas.isEmpty() && debe == haber;
+}
+
+FrecuentesDatos::FrecuentesDatos(Conexion &conexion)
+    : m_conexion(conexion)
+{
+}
+
+qint32 FrecuentesDatos::Crear(const CabezalDatos &cabezal, const QVector<LineaDatos> &lineas, const QVector<qint16> &monedas,
+                              bool agendar, const QString &nombre)
+{
+    MovimientoFrecuente m;
+    m.Empresa = cabezal.Empresa;
+    m.Nombre = nombre;
+    m.Recurrencia = agendar ? QString::fromLatin1(kRecurrenciaAgendado) : QString();
+    m.FechaProxima = agendar ? cabezal.Fecha : QDate();
+    m.Fecha = cabezal.Fecha;
+    m.Leyenda = cabezal.Leyenda;
+    m.Libro = cabezal.Libro;
+    m.Autoriza = cabezal.Autoriza;
+    m.Usuario = cabezal.Usuario;
+    m.Lineas = lineas;
+    m.Monedas = monedas;
+    return Guardar(m);
+}
+
+void FrecuentesDatos::escribirLineas(const MovimientoFrecuente &m)
+{
+    m_conexion.Ejecutar(QStringLiteral("Delete From genMovimientosFrecuentesLineas Where MFLIDMovimiento = ?"), {m.MFrID});
+    for (int i = 0; i < m.Lineas.size(); ++i) {
+        const LineaDatos &l = m.Lineas[i];
+        m_conexion.Ejecutar(QStringLiteral("Insert Into genMovimientosFrecuentesLineas (MFLIDMovimiento, MFLOrden, MFLCuenta,"
+                                           " MFLProyecto, MFLDepartamento, MFLMoneda, MFLEsDebe, MFLImporte, MFLTasa, MFLImporteMC)"
+                                           " Values (?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"),
+                            {m.MFrID, i + 1, l.Cuenta, l.Proyecto, l.Departamento, m.Monedas.value(i), l.AlDebe ? 1 : 0,
+                             l.Importe, l.Tasa, l.ImporteMC});
+    }
+}
+
+qint32 FrecuentesDatos::Guardar(MovimientoFrecuente &m)
+{
+    for (const LineaDatos &l : std::as_const(m.Lineas)) {
+        if (!std::isfinite(l.Importe) || !std::isfinite(l.ImporteMC) || !std::isfinite(l.Tasa)) {
+            m_error = QStringLiteral("importe no válido en la cuenta %1").arg(l.Cuenta);
+            return 0;
+        }
+    }
+    try {
+        Transaccion tx(m_conexion);
+        const QVariantList cabezal{m.Empresa, m.Nombre, textoONulo(m.Recurrencia), Conexion::ValorFecha(m.FechaProxima),
+                                   Conexion::ValorFecha(m.Fecha), m.Leyenda, m.Libro, m.Autoriza, m.Usuario};
+        if (m.MFrID <= 0) {
+            QVariantList valores = cabezal;
+            valores << Conexion::ValorFechaHora(AsientoDatos::SelloNuevo(QDateTime()));
+            m.MFrID = qint32(m_conexion.Insertar(
+                QStringLiteral("Insert Into genMovimientosFrecuentes (MFrEmpresa, MFrNombre, MFrRecurrencia, MFrFechaProxima, MFrFecha,"
+                               " MFrLeyenda, MFrLibro, MFrUsuarioVerificador, MFrUsuario, MFrCreado) Values (?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"),
+                valores, QStringLiteral("MFrID")));
+        } else {
+            QVariantList valores = cabezal;
+            valores << m.MFrID;
+            if (m_conexion.Ejecutar(QStringLiteral("Update genMovimientosFrecuentes Set MFrEmpresa = ?, MFrNombre = ?, MFrRecurrencia = ?,"
+                                                   " MFrFechaProxima = ?, MFrFecha = ?, MFrLeyenda = ?, MFrLibro = ?,"
+                                                   " MFrUsuarioVerificador = ?, MFrUsuario = ? Where MFrID = ?"),
+                                    valores)
+                != 1)
+                throw ErrorBaseDatos(QStringLiteral("el asiento frecuente %1 ya no existe").arg(m.MFrID));
+        }
+        escribirLineas(m);
+        tx.Confirmar();
+        return m.MFrID;
+    } catch (const ErrorBaseDatos &e) {
+        m_error = e.descripcion();
+        return 0;
+    }
+}
+
+bool FrecuentesDatos::Eliminar(qint32 mfrID)
+{
+    try {
+        Transaccion tx(m_conexion);
+        m_conexion.Ejecutar(QStringLiteral("Delete From genMovimientosFrecuentesLineas Where MFLIDMovimiento = ?"), {mfrID});
+        m_conexion.Ejecutar(QStringLiteral("Delete From genMovimientosFrecuentes Where MFrID = ?"), {mfrID});
+        tx.Confirmar();
+        return true;
+    } catch (const ErrorBaseDatos &e) {
+        m_error = e.descripcion();
+        return false;
+    }
+}
+
+MovimientoFrecuente FrecuentesDatos::cabezalDe(Recordset &rs) const
+{
+    auto texto = [&rs](const char *c) { return rs.EsNulo(QString::fromLatin1(c)) ? QString() : rs.Texto(QString::fromLatin1(c)); };
+    auto entero = [&rs](const char *c) { return rs.EsNulo(QString::fromLatin1(c)) ? 0 : rs.Entero(QString::fromLatin1(c)); };
+    auto fecha = [&rs](const char *c) { return rs.EsNulo(QString::fromLatin1(c)) ? QDate() : rs.Fecha(QString::fromLatin1(c)); };
+    MovimientoFrecuente m;
+    m.MFrID = qint32(entero("MFrID"));
+    m.Empresa = qint32(entero("MFrEmpresa"));
+    m.Nombre = texto("MFrNombre").trimmed();
+    m.Recurrencia = texto("MFrRecurrencia").trimmed();
+    m.FechaProxima = fecha("MFrFechaProxima");
+    m.Fecha = fecha("MFrFecha");
+    m.Leyenda = texto("MFrLeyenda");
+    m.Libro = qint16(entero("MFrLibro"));
+    m.Autoriza = qint16(entero("MFrUsuarioVerificador"));
+    m.Usuario = qint16(entero("MFrUsuario"));
+    return m;
+}
+
+std::optional<MovimientoFrecuente> FrecuentesDatos::Leer(qint32 mfrID)
+{
+    auto rs = m_conexion.Abrir(QStringLiteral("Select ") + kColumnas + QStringLiteral(" From genMovimientosFrecuentes Where MFrID = ?"),
+                               {mfrID});
+    if (rs->Fin())
+        return std::nullopt;
+    MovimientoFrecuente m = cabezalDe(*rs);
+    rs->Cerrar();
+    auto lineas = m_conexion.Abrir(QStringLiteral("Select MFLCuenta, MFLProyecto, MFLDepartamento, MFLMoneda, MFLEsDebe, MFLImporte,"
+                                                  " MFLTasa, MFLImporteMC From genMovimientosFrecuentesLineas"
+                                                  " Where MFLIDMovimiento = ? Order By MFLOrden"),
+                                   {mfrID});
+    auto numero = [&lineas](const char *c) {
+        return lineas->EsNulo(QString::fromLatin1(c)) ? 0.0 : lineas->Numero(QString::fromLatin1(c));
+    };
+    for (; !lineas->Fin(); lineas->MoverSiguiente()) {
+        LineaDatos l;
+        l.Cuenta = qint32(numero("MFLCuenta"));
+        l.Proyecto = qint16(numero("MFLProyecto"));
+        l.Departamento = qint16(numero("MFLDepartamento"));
+        l.AlDebe = numero("MFLEsDebe") != 0;
+        l.Importe = numero("MFLImporte");
+        l.Tasa = numero("MFLTasa");
+        l.ImporteMC = numero("MFLImporteMC");
+        l.Orden = qint16(m.Lineas.size() + 1);
+        m.Lineas.append(l);
+        m.Monedas.append(qint16(numero("MFLMoneda")));
+    }
+    return m;
+}
+
+QVector<MovimientoFrecuente> FrecuentesDatos::Buscar(qint32 empresa, const QString &texto)
+{
+    QString sql = QStringLiteral("Select ") + kColumnas + QStringLiteral(" From genMovimientosFrecuentes Where MFrEmpresa = ?");
+    QVariantList valores{empresa};
+    if (!texto.trimmed().isEmpty()) {
+        sql += QStringLiteral(" And Lower(MFrNombre) Like ?");
+        valores << QStringLiteral("%") + texto.trimmed().toLower() + QStringLiteral("%");
+    }
+    sql += QStringLiteral(" Order By MFrNombre, MFrID");
+    QVector<MovimientoFrecuente> r;
+    for (auto rs = m_conexion.Abrir(sql, valores); !rs->Fin(); rs->MoverSiguiente())
+        r.append(cabezalDe(*rs));
+    return r;
+}
+
+QVector<MovimientoFrecuente> FrecuentesDatos::Vencidos(qint32 empresa, const QDate &hoy)
+{
+    QVector<MovimientoFrecuente> r;
+    for (auto rs = m_conexion.Abrir(QStringLiteral("Select ") + kColumnas
+                                        + QStringLiteral(" From genMovimientosFrecuentes Where MFrEmpresa = ? And MFrRecurrencia Is Not Null"
+                                                         " And MFrFechaProxima <= ? Order By MFrFechaProxima, MFrID"),
+                                    {empresa, Conexion::ValorFecha(hoy)});
+         !rs->Fin(); rs->MoverSiguiente())
+        r.append(cabezalDe(*rs));
+    return r;
+}
+
+qint32 FrecuentesDatos::Registrar(const MovimientoFrecuente &m, const QDate &fecha, qint16 usuario, const LibrosSistema &libros,
+                                  bool borrador)
+{
+    if (m.Lineas.isEmpty()) {
+        m_error = QStringLiteral("el asiento frecuente no tiene líneas");
+        return 0;
+    }
+    try {
+        Transaccion tx(m_conexion);
+        if (m.Agendado()) {
+            // The next date moves on only from the date read: a second registration of the
+            // same due date finds it moved and writes nothing.
+            if (m_conexion.Ejecutar(QStringLiteral("Update genMovimientosFrecuentes Set MFrFechaProxima = ?"
+                                                   " Where MFrID = ? And MFrFechaProxima = ?"),
+                                    {Conexion::ValorFecha(m.FechaProxima.addMonths(1)), m.MFrID, Conexion::ValorFecha(m.FechaProxima)})
+                != 1)
+                throw ErrorBaseDatos(QStringLiteral("El asiento agendado ya fue registrado en esa fecha."));
+        }
+        AsientoDatos datos(m_conexion, libros);
+        CabezalDatos &d = datos.Cabezal();
+        d.Empresa = m.Empresa;
+        d.Usuario = usuario;
+        d.Fecha = fecha;
+        d.Leyenda = m.Leyenda;
+        d.Libro = m.Libro;
+        d.Autoriza = m.Autoriza;
+        d.Estado = m.Cierra() ? (borrador ? EstadoAsiento::kBorrador : EstadoAsiento::kRegistrado) : EstadoAsiento::kInconcluso;
+        d.FechaCambioEstado = AsientoDatos::SelloNuevo(QDateTime());
+        datos.Lineas() = m.Lineas;
+        if (datos.HayCuentasCerradas(fecha))
+            throw ErrorBaseDatos(QStringLiteral("Hay cuentas cerradas a la fecha %1.").arg(fecha.toString(QStringLiteral("dd/MM/yyyy"))));
+        const qint32 id = datos.GrabarTodo();
+        if (id <= 0)
+            throw ErrorBaseDatos(datos.ultimoError());
+        tx.Confirmar();
+        return id;
+    } catch (const ErrorBaseDatos &e) {
+        m_error = e.descripcion();
+        return 0;
+    }
+}

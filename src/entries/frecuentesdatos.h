@@ -1,0 +1,79 @@
+#pragma once
+
+#include "asientodatos.h"
+
+#include "store/conexion.h"
+
+#include <QDate>
+#include <QString>
+#include <QVector>
+
+#include <optional>
+
+// A frequent entry: a template of an entry's header and lines that the user registers again
+// and again. A scheduled one carries a recurrence and the date it is next due.
+struct MovimientoFrecuente
+{
+    qint32 MFrID = 0; // 0 or below: not stored yet
+    qint32 Empresa = 0;
+    QString Nombre;
+    QString Recurrencia; // empty: not scheduled
+    QDate FechaProxima;  // a scheduled entry's next date
+    QDate Fecha;         // the date of the entry it was made from
+    QString Leyenda;
+    qint16 Libro = 0;
+    qint16 Autoriza = 0;
+    qint16 Usuario = 0;
+    QVector<LineaDatos> Lineas; // in their order
+    QVector<qint16> Monedas;    // each line's currency; 0: the accounting currency
+
+    bool Agendado() const { return !Recurrencia.isEmpty(); }
+    // Debits equal credits in the accounting currency, to the cent, with at least a line.
+    bool Cierra() const;
+};
+
+// Frequent entries in genMovimientosFrecuentes and their lines. A scheduled one is stored as
+// "mensual" with the entry's date as its next date: the entry comes back every month from
+// that date on. Every write is one transaction; failures answer 0 or false and leave the
+// reason in ultimoError(); reads throw ErrorBaseDatos.
+class FrecuentesDatos
+{
+public:
+    static constexpr const char *kRecurrenciaAgendado = "mensual";
+
+    explicit FrecuentesDatos(Conexion &conexion);
+
+    // Stores a template from an entry's header and lines (in their order); answers its
+    // MFrID, 0 on failure.
+    qint32 Crear(const CabezalDatos &cabezal, const QVector<LineaDatos> &lineas, const QVector<qint16> &monedas,
+                 bool agendar, const QString &nombre);
+    // Stores a new template (MFrID 0) or replaces a stored one's header and lines; answers
+    // its MFrID, 0 on failure.
+    qint32 Guardar(MovimientoFrecuente &m);
+    bool Eliminar(qint32 mfrID);
+
+    // The template with its lines; none when there is no such template.
+    std::optional<MovimientoFrecuente> Leer(qint32 mfrID);
+    // The company's templates (headers only) whose name holds texto (case ignored; all for
+    // an empty texto), by name.
+    QVector<MovimientoFrecuente> Buscar(qint32 empresa, const QString &texto);
+    // The company's scheduled templates due on or before hoy, oldest first.
+    QVector<MovimientoFrecuente> Vencidos(qint32 empresa, const QDate &hoy);
+
+    // Writes an entry from the template, dated fecha: registered (or a draft, with
+    // borrador) when it balances, incomplete otherwise. A scheduled template then moves its
+    // next date one month on, in the same transaction and only from the date read, so a due
+    // date is never registered twice. Refused when an account is closed at fecha. Answers
+    // the entry's AsiID, 0 on failure (nothing written).
+    qint32 Registrar(const MovimientoFrecuente &m, const QDate &fecha, qint16 usuario, const LibrosSistema &libros,
+                     bool borrador);
+
+    QString ultimoError() const { return m_error; }
+
+private:
+    void escribirLineas(const MovimientoFrecuente &m);
+    MovimientoFrecuente cabezalDe(Recordset &rs) const;
+
+    Conexion &m_conexion;
+    QString m_error;
+};

@@ -1,0 +1,258 @@
+#include "registrofrecuentes.h"
+
+#include "currency/catalogomonedas.h"
+#include "currency/mascara.h"
+#include "editing/datosdocumento.h"
+#include "entries/frecuentesdatos.h"
+#include "entries/modeloasiento.h"
+#include "lineeditor/campofecha.h"
+#include "services/ocupado.h"
+
+#include <QFormLayout>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTreeWidget>
+#include <QVBoxLayout>
+
+namespace {
+
+QString fechaCorta(const QDate &d)
+{
+    return d.toString(QStringLiteral("dd/MM/yyyy"));
+}
+
+} // namespace
+
+RegistroFrecuentes::RegistroFrecuentes(const DatosDocumento &datos, QWidget *padre)
+    : QDialog(padre)
+    , m_datos(datos)
+{
+    setObjectName(QStringLiteral("RegistroFrecuentes"));
+    setWindowTitle(QStringLiteral("Registrar asiento frecuente"));
+    resize(720, 480);
+
+    tBuscar = new QLineEdit(this);
+    tBuscar->setObjectName(QStringLiteral("tBuscar"));
+    tBuscar->setPlaceholderText(QStringLiteral("Parte del nombre"));
+    lvFrecuentes = new QTreeWidget(this);
+    lvFrecuentes->setObjectName(QStringLiteral("lvFrecuentes"));
+    lvFrecuentes->setHeaderLabels({QStringLiteral("Nombre"), QStringLiteral("Leyenda"), QStringLiteral("Agenda")});
+    lvFrecuentes->setRootIsDecorated(false);
+    lvFrecuentes->setAllColumnsShowFocus(true);
+    lvLineas = new QTreeWidget(this);
+    lvLineas->setObjectName(QStringLiteral("lvLineas"));
+    lvLineas->setHeaderLabels({QStringLiteral("Cuenta"), QStringLiteral("Debe"), QStringLiteral("Haber"), QStringLiteral("Moneda"),
+                               QStringLiteral("Importe M/E")});
+    lvLineas->setRootIsDecorated(false);
+    lvLineas->setFocusPolicy(Qt::NoFocus);
+    lvLineas->header()->setSectionResizeMode(0, QHeaderView::Stretch);
+    odFecha = new CampoFecha(this);
+    odFecha->setObjectName(QStringLiteral("odFecha"));
+    odFecha->setDisplayFormat(FormatoQtDeFecha(m_datos.formatoFecha.isEmpty() ? QStringLiteral("dd/mm/yyyy") : m_datos.formatoFecha));
+    odFecha->setDate(QDate::currentDate());
+    connect(odFecha, &CampoFecha::fechaInvalida, this, [this] {
+        m_datos.Error(1951);
+        odFecha->setFocus();
+    }, Qt::QueuedConnection);
+    lEstado = new QLabel(this);
+    lEstado->setObjectName(QStringLiteral("lEstado"));
+    bfOK = new QPushButton(QStringLiteral("&Registrar"), this);
+    bfOK->setObjectName(QStringLiteral("bfOK"));
+    bfCancel = new QPushButton(m_datos.texto(1089), this);
+    bfCancel->setObjectName(QStringLiteral("bfCancel"));
+    bfOK->setAutoDefault(false);
+    bfCancel->setAutoDefault(false);
+
+    auto *buscar = new QFormLayout;
+    buscar->addRow(QStringLiteral("&Nombre:"), tBuscar);
+    auto *fecha = new QFormLayout;
+    fecha->addRow(QStringLiteral("&Fecha del asiento:"), odFecha);
+    auto *botones = new QHBoxLayout;
+    botones->addLayout(fecha);
+    botones->addWidget(lEstado, 1);
+    botones->addWidget(bfOK);
+    botones->addWidget(bfCancel);
+    auto *todo = new QVBoxLayout(this);
+    todo->addLayout(buscar);
+    todo->addWidget(lvFrecuentes, 3);
+    todo->addWidget(lvLineas, 2);
+    todo->addLayout(botones);
+
+    connect(tBuscar, &QLineEdit::textChanged, this, &RegistroFrecuentes::llenarLista);
+    connect(lvFrecuentes, &QTreeWidget::currentItemChanged, this, &RegistroFrecuentes::mostrarLineas);
+    connect(lvFrecuentes, &QTreeWidget::itemDoubleClicked, this, &RegistroFrecuentes::bfOK_Click);
+    connect(bfOK, &QPushButton::clicked, this, &RegistroFrecuentes::bfOK_Click);
+    connect(bfCancel, &QPushButton::clicked, this, &QDialog::reject);
+    for (QWidget *w : std::initializer_list<QWidget *>{tBuscar, lvFrecuentes, odFecha})
+        w->installEventFilter(this);
+}
+
+// The due scheduled templates first, then every template whose name holds the typed text.
+void RegistroFrecuentes::llenarLista()
+{
+    lvFrecuentes->clear();
+    if (!m_datos.conexion())
+        return;
+    try {
+        FrecuentesDatos datos(*m_datos.conexion());
+        QList<qint32> vistos;
+        auto agregar = [&](const MovimientoFrecuente &m, bool vencido) {
+            vistos << m.MFrID;
+            auto *item = new QTreeWidgetItem(lvFrecuentes);
+            item->setText(0, m.Nombre);
+            item->setText(1, m.Leyenda);
+            if (m.Agendado())
+                item->setText(2, (vencido ? QStringLiteral("Vencido el ") : QStringLiteral("Próximo: ")) + fechaCorta(m.FechaProxima));
+            item->setData(0, Qt::UserRole, m.MFrID);
+            item->setData(2, Qt::UserRole, m.Agendado() ? m.FechaProxima : QDate());
+            if (vencido) {
+                QFont f = item->font(0);
+                f.setBold(true);
+                for (int c = 0; c < 3; ++c)
+                    item->setFont(c, f);
+            }
+        };
+        const QString texto = tBuscar->text().trimmed().toLower();
+        for (const MovimientoFrecuente &m : datos.Vencidos(m_datos.idEmpresa(), QDate::currentDate()))
+            if (texto.isEmpty() || m.Nombre.toLower().contains(texto))
+                agregar(m, true);
+        for (const MovimientoFrecuente &m : datos.Buscar(m_datos.idEmpresa(), texto))
+            if (!vistos.contains(m.MFrID))
+                agregar(m, false);
+    } catch (const ErrorBaseDatos &e) {
+        m_datos.Error(1912, DetalleError(e.numero(), e.descripcion()));
+    }
+    for (int c = 0; c < 3; ++c)
+        lvFrecuentes->resizeColumnToContents(c);
+    if (lvFrecuentes->topLevelItemCount() > 0)
+        lvFrecuentes->setCurrentItem(lvFrecuentes->topLevelItem(0));
+    else
+        mostrarLineas();
+}
+
+qint32 RegistroFrecuentes::elegido() const
+{
+    const QTreeWidgetItem *item = lvFrecuentes->currentItem();
+    return item ? item->data(0, Qt::UserRole).toInt() : 0;
+}
+
+// The chosen template's lines, as the grid shows an entry's, and the date proposed for it.
+void RegistroFrecuentes::mostrarLineas()
+{
+    lvLineas->clear();
+    lEstado->clear();
+    const qint32 id = elegido();
+    bfOK->setEnabled(id > 0);
+    if (id <= 0 || !m_datos.conexion())
+        return;
+    try {
+        const auto m = FrecuentesDatos(*m_datos.conexion()).Leer(id);
+        if (!m)
+            return;
+        const QDate vence = lvFrecuentes->currentItem()->data(2, Qt::UserRole).toDate();
+        odFecha->setDate(vence.isValid() && vence <= QDate::currentDate() ? vence : QDate::currentDate());
+        const qint16 mc = m_datos.empresa.monedaContabilidad;
+        const Mascara importes(m_datos.monedas().DatoMoneda(0, 4).toString());
+        for (int i = 0; i < m->Lineas.size(); ++i) {
+            const LineaDatos &l = m->Lineas[i];
+            auto rs = m_datos.conexion()->Abrir(QStringLiteral("Select CueCodigo, CueNombre From cceCuentas Where CueID = ?"), {l.Cuenta});
+            const QString cuenta = rs->Fin() ? QString::number(l.Cuenta)
+                                             : TextoCuenta(rs->Texto(QStringLiteral("CueCodigo")).trimmed(),
+                                                           rs->Texto(QStringLiteral("CueNombre")).trimmed(), true);
+            auto *item = new QTreeWidgetItem(lvLineas);
+            item->setText(0, cuenta);
+            item->setText(l.AlDebe ? 1 : 2, importes.Formatear(l.ImporteMC));
+            const qint16 moneda = m->Monedas.value(i);
+            if (moneda > 0 && moneda != mc) {
+                item->setText(3, m_datos.monedas().DatoMoneda(moneda, 2).toString());
+                item->setText(4, Mascara(m_datos.monedas().DatoMoneda(moneda, 4).toString()).Formatear(l.Importe));
+            }
+            for (int c = 1; c < 5; ++c)
+                item->setTextAlignment(c, Qt::AlignRight | Qt::AlignVCenter);
+        }
+        lEstado->setText(m->Cierra() ? QString() : QStringLiteral("No balancea: quedará incompleto."));
+    } catch (const ErrorBaseDatos &e) {
+        m_datos.Error(1912, DetalleError(e.numero(), e.descripcion()));
+    }
+}
+
+qint32 RegistroFrecuentes::registrar(const MovimientoFrecuente &m, const QDate &fecha)
+{
+    const Ocupado ocupado;
+    FrecuentesDatos datos(*m_datos.conexion());
+    const qint32 id = datos.Registrar(m, fecha, m_datos.usuario, m_datos.librosSistema(), m_datos.asiSaveB);
+    if (id <= 0)
+        m_datos.Error(1912, datos.ultimoError());
+    return id;
+}
+
+void RegistroFrecuentes::bfOK_Click()
+{
+    const qint32 id = elegido();
+    if (id <= 0 || !odFecha->Aceptar() || !odFecha->date().isValid())
+        return;
+    try {
+        const auto m = FrecuentesDatos(*m_datos.conexion()).Leer(id);
+        if (!m)
+            return;
+        const qint32 asiento = registrar(*m, odFecha->date());
+        if (asiento <= 0)
+            return;
+        m_registrados = QString::number(asiento);
+        accept();
+    } catch (const ErrorBaseDatos &e) {
+        m_datos.Error(1912, DetalleError(e.numero(), e.descripcion()));
+    }
+}
+
+QString RegistroFrecuentes::Registrar(qint32 mfrID)
+{
+    m_registrados.clear();
+    if (!m_datos.conexion())
+        return {};
+    if (mfrID > 0) {
+        try {
+            const auto m = FrecuentesDatos(*m_datos.conexion()).Leer(mfrID);
+            if (!m) {
+                m_datos.Error(1912, QStringLiteral("El asiento frecuente %1 ya no existe.").arg(mfrID));
+                return {};
+            }
+            const QDate fecha = m->Agendado() && m->FechaProxima.isValid() ? m->FechaProxima : QDate::currentDate();
+            const qint32 asiento = registrar(*m, fecha);
+            return asiento > 0 ? QString::number(asiento) : QString();
+        } catch (const ErrorBaseDatos &e) {
+            m_datos.Error(1912, DetalleError(e.numero(), e.descripcion()));
+            return {};
+        }
+    }
+    llenarLista();
+    tBuscar->setFocus();
+    exec();
+    return m_registrados;
+}
+
+// Enter moves from the name to the list, from the list to the date, and registers there.
+bool RegistroFrecuentes::eventFilter(QObject *objeto, QEvent *evento)
+{
+    if (evento->type() == QEvent::KeyPress) {
+        const int tecla = static_cast<QKeyEvent *>(evento)->key();
+        if (tecla == Qt::Key_Return || tecla == Qt::Key_Enter) {
+            if (objeto == tBuscar)
+                lvFrecuentes->setFocus();
+            else if (objeto == lvFrecuentes && elegido() > 0)
+                odFecha->setFocus();
+            else if (objeto == odFecha)
+                bfOK_Click();
+            return true;
+        }
+        if (objeto == tBuscar && (tecla == Qt::Key_Down || tecla == Qt::Key_Up)) {
+            lvFrecuentes->setFocus();
+            return false;
+        }
+    }
+    return QDialog::eventFilter(objeto, evento);
+}

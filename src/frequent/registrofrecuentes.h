@@ -1,0 +1,50 @@
+#pragma once
+
+#include <QDialog>
+#include <QString>
+
+class CampoFecha;
+class QLabel;
+class QLineEdit;
+class QPushButton;
+class QTreeWidget;
+struct DatosDocumento;
+struct MovimientoFrecuente;
+
+// The registering component of frequent entries: finds a frequent entry by name, shows its
+// lines, and registers it as an entry at the date chosen (registered when it balances, a
+// draft when the user stores new entries as drafts, incomplete otherwise). Scheduled
+// entries that are due are listed first, marked, with their due date proposed; registering
+// one moves its next date a month on. Failures are told with 1912 and write nothing.
+class RegistroFrecuentes : public QDialog
+{
+    Q_OBJECT
+public:
+    RegistroFrecuentes(const DatosDocumento &datos, QWidget *padre = nullptr);
+
+    // With an id above 0 that template is registered at once, dated today (a scheduled one
+    // at its due date); with 0 the dialog lets the user find one. Answers the ids of the
+    // entries written, joined by ","; empty when none was.
+    QString Registrar(qint32 mfrID);
+
+protected:
+    bool eventFilter(QObject *objeto, QEvent *evento) override;
+
+private:
+    void llenarLista();
+    void mostrarLineas();
+    qint32 elegido() const;
+    qint32 registrar(const MovimientoFrecuente &m, const QDate &fecha);
+    void bfOK_Click();
+
+    const DatosDocumento &m_datos;
+    QString m_registrados;
+
+    QLineEdit *tBuscar = nullptr;
+    QTreeWidget *lvFrecuentes = nullptr;
+    QTreeWidget *lvLineas = nullptr;
+    CampoFecha *odFecha = nullptr;
+    QLabel *lEstado = nullptr;
+    QPushButton *bfOK = nullptr;
+    QPushButton *bfCancel = nullptr;
+};
