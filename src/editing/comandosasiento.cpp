@@ -1,5 +1,7 @@
 #include "comandosasiento.h"
 
+#include "frecuentesrecientes.h"
+
 #include "currency/catalogomonedas.h"
 #include "currency/mascara.h"
 #include "currency/tipocambio.h"
@@ -168,13 +170,13 @@ void ComandosAsiento::AgendarAsiento()
     m_asientos.ResetCabezal();
 }
 
-bool ComandosAsiento::CrearMovimientoFrecuente(bool agendar)
+qint32 ComandosAsiento::CrearMovimientoFrecuente(bool agendar)
 {
     if (m_asientos.Cabezal.FilaCabezal < 0)
         tomarAsientoDeFilaActual();
     const CabezalAsiento &c = m_asientos.Cabezal;
     if (c.FilaCabezal < 0 || c.AsiEstado == EstadoAsiento::kInconcluso || !m_datos.conexion())
-        return false;
+        return 0;
     Ocupado ocupado;
     CabezalDatos cabezal;
     cabezal.Empresa = m_datos.idEmpresa();
@@ -187,10 +189,20 @@ bool ComandosAsiento::CrearMovimientoFrecuente(bool agendar)
     const QVector<LineaDatos> lineas = m_asientos.LineasParaGrabar(&monedas);
     FrecuentesDatos frecuentes(*m_datos.conexion());
     const QString nombre = cabezal.Leyenda.isEmpty() ? FormatoFechaSuite(cabezal.Fecha, QTime(0, 0), m_datos.formatoFecha) : cabezal.Leyenda;
-    if (frecuentes.Crear(cabezal, lineas, monedas, agendar, nombre) > 0)
-        return true;
-    m_datos.Error(1908, frecuentes.ultimoError());
-    return false;
+    const qint32 id = frecuentes.Crear(cabezal, lineas, monedas, agendar, nombre);
+    if (id <= 0) {
+        m_datos.Error(1908, frecuentes.ultimoError());
+        return 0;
+    }
+    // A frequent entry made to be registered again is one of the user's recent ones.
+    if (!agendar) {
+        try {
+            FrecuentesRecientes(m_datos).Agregar(id);
+        } catch (const ErrorBaseDatos &) {
+            // The entry is stored; only the shortcut to it is missing.
+        }
+    }
+    return id;
 }
 
 bool ComandosAsiento::GrabarCabezal()

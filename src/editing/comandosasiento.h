@@ -34,8 +34,10 @@ public:
     // Makes the current entry a scheduled frequent entry.
     void AgendarAsiento();
     // Makes the current entry (the grid's current row's, when none is taken) a frequent
-    // entry, scheduled with agendar; named by its legend or, without one, its date.
-    bool CrearMovimientoFrecuente(bool agendar);
+    // entry, scheduled with agendar; named by its legend or, without one, its date. An
+    // unscheduled one becomes the first of the user's recent ones. Answers its MFrID, 0
+    // when none was made (an incomplete entry, or a failure: 1908).
+    qint32 CrearMovimientoFrecuente(bool agendar);
 
     // Writes the current entry's header values over the stored entry. False when refused
     // (1813 a date across a closed account, whose stored values then come back; 1820) or

@@ -14,6 +14,7 @@ void AsientosGrilla::CierreAsiento(bool &bDebeMenor, double &cDiferenciaMC, doub
     int lineasDebe = 0;
     int lineasHaber = 0;
     qint16 monedaExtranjera = 0;
+    bool unaSolaMoneda = true; // every line is in the same foreign currency
     bDebeMenor = false;
     cDiferenciaMC = 0;
     cDiferenciaME = 0;
@@ -35,8 +36,11 @@ void AsientosGrilla::CierreAsiento(bool &bDebeMenor, double &cDiferenciaMC, doub
             ++lineasHaber;
         }
         if (moneda != 0 && moneda != m_ctx.monedaContabilidad) {
+            unaSolaMoneda = unaSolaMoneda && (monedaExtranjera == 0 || monedaExtranjera == moneda);
             monedaExtranjera = moneda;
             (debe ? debeME : haberME) += Importe::DesdeDouble(m_g.Valor(r, 5));
+        } else {
+            unaSolaMoneda = false;
         }
     }
 
@@ -52,8 +56,13 @@ void AsientosGrilla::CierreAsiento(bool &bDebeMenor, double &cDiferenciaMC, doub
         const Mascara m(mascara);
         return m.Formatear(a.aDouble()) == m.Formatear(b.aDouble());
     };
+    // The foreign amounts must balance too when every line is in one foreign currency. An
+    // entry that mixes currencies (dollars paid with pesos, the opening-balance entry) adds
+    // amounts of different currencies there, which cannot balance: the accounting currency
+    // alone decides it.
+    const bool compararME = unaSolaMoneda && monedaExtranjera != 0;
     bCierra = lineasDebe > 0 && lineasHaber > 0 && igualesImpresos(0, debeMC, haberMC)
-           && igualesImpresos(monedaExtranjera, debeME, haberME);
+           && (!compararME || igualesImpresos(monedaExtranjera, debeME, haberME));
     if (bCierra)
         return;
     if (debeMC < haberMC) {
@@ -64,7 +73,7 @@ void AsientosGrilla::CierreAsiento(bool &bDebeMenor, double &cDiferenciaMC, doub
         cDiferenciaMC = (debeMC - haberMC).aDouble();
     } else {
         bDebeMenor = debeME <= haberME;
-        cDiferenciaME = (debeME - haberME).abs().aDouble();
+        cDiferenciaME = compararME ? (debeME - haberME).abs().aDouble() : 0;
     }
 }
 

@@ -203,6 +203,7 @@ void RegistroFrecuentes::bfOK_Click()
         if (asiento <= 0)
             return;
         m_registrados = QString::number(asiento);
+        m_frecuente = id;
         accept();
     } catch (const ErrorBaseDatos &e) {
         m_datos.Error(1912, DetalleError(e.numero(), e.descripcion()));
@@ -212,6 +213,7 @@ void RegistroFrecuentes::bfOK_Click()
 QString RegistroFrecuentes::Registrar(qint32 mfrID)
 {
     m_registrados.clear();
+    m_frecuente = 0;
     if (!m_datos.conexion())
         return {};
     if (mfrID > 0) {
@@ -223,7 +225,10 @@ QString RegistroFrecuentes::Registrar(qint32 mfrID)
             }
             const QDate fecha = m->Agendado() && m->FechaProxima.isValid() ? m->FechaProxima : QDate::currentDate();
             const qint32 asiento = registrar(*m, fecha);
-            return asiento > 0 ? QString::number(asiento) : QString();
+            if (asiento <= 0)
+                return {};
+            m_frecuente = mfrID;
+            return QString::number(asiento);
         } catch (const ErrorBaseDatos &e) {
             m_datos.Error(1912, DetalleError(e.numero(), e.descripcion()));
             return {};

@@ -26,6 +26,8 @@ public:
     // at its due date); with 0 the dialog lets the user find one. Answers the ids of the
     // entries written, joined by ","; empty when none was.
     QString Registrar(qint32 mfrID);
+    // The template the last Registrar wrote an entry from; 0 when none.
+    qint32 FrecuenteRegistrado() const { return m_frecuente; }
 
 protected:
     bool eventFilter(QObject *objeto, QEvent *evento) override;
@@ -39,6 +41,7 @@ private:
 
     const DatosDocumento &m_datos;
     QString m_registrados;
+    qint32 m_frecuente = 0;
 
     QLineEdit *tBuscar = nullptr;
     QTreeWidget *lvFrecuentes = nullptr;

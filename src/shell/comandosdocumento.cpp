@@ -8,7 +8,9 @@
 #include "paneledicion.h"
 #include "editing/asientoapertura.h"
 #include "editing/comandosasiento.h"
+#include "editing/frecuentesrecientes.h"
 #include "editing/sesionedicion.h"
+#include "frequent/registrofrecuentes.h"
 #include "search/busquedaasientos.h"
 #include "entries/vistas.h"
 #include "entries/vsgrid.h"
@@ -33,6 +35,7 @@ void lumIngAsiento::conectarComandos()
     connect(hlOpSave, &QToolButton::clicked, this, [this] { ClickEnlace(hlOpSave, m_menus->MnuSave); });
     connect(hlCargar, &QToolButton::clicked, this, [this] { ClickEnlace(hlCargar, m_menus->MnuView); });
     connect(hlFind, &QToolButton::clicked, this, [this] { Buscar(true); });
+    connect(hlAsientoFrecuente, &QToolButton::clicked, this, [this] { ClickEnlace(hlAsientoFrecuente, m_menus->MnuAsientoFrecuente); });
     connect(tmShowASI, &QTimer::timeout, this, &lumIngAsiento::tmShowASI_Timer);
     // The banner's links: "aquí" makes the opening-balance entry once the click is over,
     // "Necesito ayuda" opens its help page.
@@ -105,6 +108,7 @@ void lumIngAsiento::conectarComandos()
     alElegir("MnuEdiHide", [&c] { c.OcultarAsiento(); });
     alElegir("MnuUnificarTCCta", [&c] { c.UnificarTC(true); });
     alElegir("MnuUnificarTCMC", [&c] { c.UnificarTC(false); });
+    alElegir("MnuAFrRegistrar", [this] { RegistrarFrecuente(0); });
     alElegir("MnuEdiAPA", [this] { m_apertura->MnuEdiAPA(); });
     alElegir("MnuEdiASI", [this] { m_apertura->ConvertirApertura(); });
     alElegir("MnuEdiLibro", [this] {
@@ -118,9 +122,9 @@ void lumIngAsiento::conectarComandos()
             m_datos.Error(1932, DetalleError(e.numero(), e.descripcion()));
         }
     });
-    // Print, export and frequent entries are not in this build: their items are not offered.
-    for (const char *ausente : {"MnuEdiLinePrint", "MnuPriCnfgPage", "MnuPriPrint",
-                                "MnuPriPrevia", "MnuAFrRegistrar", "MnuAFrNew"})
+    // Print, export and a new frequent entry from scratch are not in this build: their
+    // items are not offered.
+    for (const char *ausente : {"MnuEdiLinePrint", "MnuPriCnfgPage", "MnuPriPrint", "MnuPriPrevia", "MnuAFrNew"})
         m_menus->accion(QString::fromLatin1(ausente))->setVisible(false);
     m_menus->MnuExportar->menuAction()->setVisible(false);
 }
@@ -135,6 +139,8 @@ void lumIngAsiento::ClickEnlace(lumHiperLink *enlace, QMenu *menu)
         PrepararMenuVistas();
     if (enlace == hlRegistro)
         PrepararMenuEdicion();
+    if (enlace == hlAsientoFrecuente)
+        CargarFrecuentesRecientes();
     menu->popup(enlace->mapToGlobal(QPoint(0, enlace->height())));
 }
 
@@ -183,9 +189,72 @@ void lumIngAsiento::tmShowASI_Timer()
 {
     tmShowASI->stop();
     const QString comando = std::exchange(m_comandoDiferido, QString());
-    if (comando.section(QLatin1Char('|'), 0, 0) == QLatin1String("1"))
+    const QString codigo = comando.section(QLatin1Char('|'), 0, 0);
+    if (codigo == QLatin1String("1"))
         m_apertura->MnuEdiAPA();
+    else if (codigo == QLatin1String("3"))
+        registrarFrecuenteDiferido(comando.section(QLatin1Char('|'), 1, 1).toInt());
     m_vsGrid->setFocus();
+}
+
+// A recent frequent entry is registered after question 1834; "Buscar y Registrar" lets the
+// user find one. Either runs once the menu is closed.
+void lumIngAsiento::RegistrarFrecuente(qint32 mfrID)
+{
+    if (mfrID > 0 && !m_datos.Preguntar(1834)) {
+        m_vsGrid->setFocus();
+        return;
+    }
+    ArmarComandoDiferido(QStringLiteral("3|") + QString::number(mfrID));
+}
+
+void lumIngAsiento::registrarFrecuenteDiferido(qint32 mfrID)
+{
+    if (!m_datos.conexion())
+        return;
+    RegistroFrecuentes registro(m_datos, this);
+    const QString ids = registro.Registrar(mfrID);
+    if (ids.isEmpty())
+        return;
+    try {
+        FrecuentesRecientes(m_datos).Agregar(registro.FrecuenteRegistrado());
+    } catch (const ErrorBaseDatos &e) {
+        m_datos.Error(1912, DetalleError(e.numero(), e.descripcion()));
+    }
+    // The new entries are shown after the last row, the first one current.
+    const int fila = m_grilla.Filas() - 1;
+    for (const QString &id : ids.split(QLatin1Char(','), Qt::SkipEmptyParts))
+        m_comandos->CargarAsiento(id.toInt(), m_grilla.Filas() - 1);
+    SeleccionarFila(fila);
+    m_vsGrid->scrollTo(m_vsGrid->currentIndex(), QAbstractItemView::EnsureVisible);
+}
+
+// The menu of frequent entries lists the user's recent ones after its commands.
+void lumIngAsiento::CargarFrecuentesRecientes()
+{
+    qDeleteAll(m_menus->MnuAFrRecientes);
+    m_menus->MnuAFrRecientes.clear();
+    QAction *linea = m_menus->accion(QStringLiteral("MnuAFrLine"));
+    linea->setVisible(false);
+    QList<std::pair<QString, qint32>> items;
+    try {
+        items = FrecuentesRecientes(m_datos).CargarFrecuentesRecientes();
+    } catch (const ErrorBaseDatos &e) {
+        m_datos.Error(1920, DetalleError(e.numero(), e.descripcion()));
+        return;
+    }
+    for (const auto &[nombre, id] : items) {
+        QAction *a = m_menus->MnuAsientoFrecuente->addAction(nombre);
+        a->setObjectName(QStringLiteral("MnuAFrRecientes"));
+        a->setData(id);
+        connect(a, &QAction::triggered, this, [this, id = id] {
+            if (FilaEdicion() > 0)
+                m_edicion->SalirEdicion();
+            RegistrarFrecuente(id);
+        });
+        m_menus->MnuAFrRecientes.append(a);
+    }
+    linea->setVisible(!items.isEmpty());
 }
 
 void lumIngAsiento::MostrarAvisoApertura(bool existe)

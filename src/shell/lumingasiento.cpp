@@ -99,8 +99,6 @@ void lumIngAsiento::crearControles()
         l->setEnabled(false);
         tmMenu->AgregarEnlace(l);
     }
-    // Frequent entries are not in this build: their link is not offered.
-    hlAsientoFrecuente->setVisible(false);
     tmMenu->setHelpVisible(true);
 
     lbTitle = new QLabel(this);

@@ -83,7 +83,8 @@ public:
     ComandosAsiento &comandos() const { return *m_comandos; }
     BusquedaAsientos &busqueda() const { return *m_busqueda; }
     AsientoApertura &apertura() const { return *m_apertura; }
-    // The action the deferred-action timer carries out next ("1": the opening-balance entry).
+    // The action the deferred-action timer carries out next: "1" the opening-balance entry,
+    // "3|id" the registration of a frequent entry (0: the user finds one).
     QString ComandoDiferido() const { return m_comandoDiferido; }
     MenusDocumento &menus() const { return *m_menus; }
     AsientosGrilla &asientos() { return m_asientos; }
@@ -141,6 +142,9 @@ private:
     void ArmarComandoDiferido(const QString &comando);
     void tmShowASI_Timer();
     void MostrarAvisoApertura(bool existe);
+    void RegistrarFrecuente(qint32 mfrID);
+    void registrarFrecuenteDiferido(qint32 mfrID);
+    void CargarFrecuentesRecientes();
 
     // The grid (grilladocumento.cpp).
     void FormatoColumnasImporte();

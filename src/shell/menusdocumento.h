@@ -27,6 +27,7 @@ public:
 
     QVector<QAction *> MnuVieitem;    // view i: 0 new entries ... 4 last 15 days
     QVector<QAction *> MnuViewMItem;  // month i months before this one
+    QVector<QAction *> MnuAFrRecientes; // the recent frequent entries, MFrID as data
 
     QAction *accion(const QString &nombre) const { return m_acciones.value(nombre); }
     // Sets every catalogue caption; resLoad gives the text of a catalogue number.

@@ -146,8 +146,8 @@ const ModeloAsiento kModelos[] = {
     {"Cierre de cuenta Banco Comercial", 4, 0, -3, 80000, 150000, {{"1.1.03", D, 100}, {"1.1.07", H, 100}}},
 };
 
-// A line in another currency against pesos only: the entry balances in pesos but not in
-// that currency. A few of these are left incomplete, one of each.
+// A line in another currency against pesos only: the entry balances in pesos, where an
+// entry that mixes currencies is balanced.
 const ModeloAsiento kModelosMixtos[] = {
     {"Exportación a {x} factura E-{f}", 3, 0, 0, 40000, 220000, {{"1.2.02", D, 100}, {"4.1.01", H, 100, 0, 2}}},
     {"Importación de mercadería - {e}", 2, 0, 0, 80000, 400000, {{"1.3.01", D, 100, 0, 3}, {"2.1.02", H, 100}}},
@@ -698,14 +698,14 @@ void GeneradorDemo::armarAsientos()
             agregarModelo(m, f);
     }
 
-    // The entries left half done with another currency on one side only, anywhere older.
+    // The entries with another currency on one side only (dollars bought with pesos),
+    // anywhere older: they balance in pesos.
     for (const ModeloAsiento &m : kModelosMixtos) {
         QDate f;
         do
             f = m_inicio.addDays(m_azar.entre(3, kDiasCotizacion - 31));
         while (esFinDeSemana(f) || !abiertas(m, f));
         agregarModelo(m, f);
-        m_asientos.last().estado = 2;
     }
 
     // Something for the views of today and of the last days, then the rest anywhere.

@@ -36,8 +36,7 @@ TEST_P(Llenado, CabezalesLineasYFilaDeDiferencia)
         QStringLiteral("|03/02/26 Cobro|||Diario| #") + B + QStringLiteral("||2026-02-03|0|2026-02-03") + sello + QStringLiteral("|1:0"),
         QStringLiteral("1.1.02 - Banco U$S||400,00||40,000|10,00 #") + B + QStringLiteral("|11|0|0|2|1||||10"),
         QStringLiteral("|4.1.01 - Ventas||400,00|| #") + B + QStringLiteral("|20|0|0|0|2||||"),
-        // The sums agree in pesos but not in dollars: the credit side is short of U$S 10.
-        QStringLiteral("|................?||10,00|| #") + B + QStringLiteral("|-1|0|0|0|999||||"),
+        // Dollars against pesos: the currencies are mixed, so the pesos decide, and they agree.
         QStringLiteral("Nuevo Asiento||||| #|||||"),
     }));
 
@@ -53,7 +52,7 @@ TEST_P(Llenado, CabezalesLineasYFilaDeDiferencia)
 
     EXPECT_EQ(d.asientos.EstadoDeFila(6), 0);
     EXPECT_EQ(d.asientos.FilaCabezalDe(6), 4);
-    EXPECT_EQ(d.asientos.FilaCabezalDe(8), -1);
+    EXPECT_EQ(d.asientos.FilaCabezalDe(7), -1);
     d.asientos.FijarLibroAutoriza(4, 3, 12);
     EXPECT_EQ(d.asientos.LibroDeFila(4), 3);
     EXPECT_EQ(d.asientos.AutorizaDeFila(4), 12);
@@ -84,8 +83,10 @@ TEST_P(Llenado, BalanceAlBordeDelRedondeo)
     const qint32 soloDebe = d.Asiento(QDate(2026, 3, 3), 1, QStringLiteral("10:D:0,22:D:0"));
     const qint32 inconcluso = d.Asiento(QDate(2026, 3, 4), 2, QStringLiteral("10:D:50,20:H:50"));
     const qint32 debeMenor = d.Asiento(QDate(2026, 3, 5), 2, QStringLiteral("10:D:90,20:H:100"));
+    // All in dollars: the dollars must agree as well as the pesos.
+    const qint32 dolares = d.Asiento(QDate(2026, 3, 6), 1, QStringLiteral("11:D:10:400,11:H:9:400"));
     ASSERT_FALSE(CargarAsientoEnGrilla(d.asientos, d.conexion(), 0, 0,
-                                       QStringLiteral("%1,%2,%3,%4,%5").arg(casi).arg(pasa).arg(soloDebe).arg(inconcluso).arg(debeMenor)));
+                                       QStringLiteral("%1,%2,%3,%4,%5,%6").arg(casi).arg(pasa).arg(soloDebe).arg(inconcluso).arg(debeMenor).arg(dolares)));
     auto diferenciaDe = [&](qint32 id) {
         for (int r = 1; r < d.grilla.Filas(); ++r)
             if (d.grilla.Dato(r, 0).toInt() == id && d.asientos.EsFilaDiferencia(r))
@@ -97,6 +98,7 @@ TEST_P(Llenado, BalanceAlBordeDelRedondeo)
     EXPECT_EQ(diferenciaDe(soloDebe), QStringLiteral("................?||0,00|||")); // never balances
     EXPECT_EQ(diferenciaDe(inconcluso), QString());                             // incomplete but balanced
     EXPECT_EQ(diferenciaDe(debeMenor), QStringLiteral("................?||10,00|||"));
+    EXPECT_EQ(diferenciaDe(dolares), QStringLiteral("|................?||1,00||"));
 }
 
 TEST_P(Llenado, LineasEnMonedaExtranjeraSinImporteNiLibro)

@@ -1,0 +1,341 @@
+// The company's opening-balance entry on the demo data: made from the balances stored with
+// the accounts, and an entry turned into it and back. No window is opened; the database is
+// read back afterwards with queries of our own.
+#include "comun/basesprueba.h"
+#include "comun/mensajesguionados.h"
+
+#include "editing/asientoapertura.h"
+#include "entries/vistas.h"
+#include "store/basedemo.h"
+#include "store/valoressql.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace {
+
+class PantallaDePrueba final : public PantallaAsientos
+{
+public:
+    int FilaActual() const override { return fila; }
+    void SeleccionarFila(int f) override { fila = f; }
+    void ActualizarContexto() override {}
+
+    int fila = 0;
+};
+
+using R = ServicioMensajes::Respuesta;
+
+// The demo company with a grid holding only the new-entry row, on the opening-balance date
+// the session works out for it.
+class Apertura : public ::testing::TestWithParam<Motor>
+{
+protected:
+    Apertura()
+        : m_base(GetParam(), BaseDePrueba::Contenido::Demo)
+    {
+        Conexion &c = m_base.conexion();
+        auto proceso = std::make_shared<Proceso>();
+        proceso->IDEmpresa = Demo::kEmpresa;
+        proceso->conexion = std::shared_ptr<Conexion>(&c, [](Conexion *) {});
+        bool leida = false;
+        EXPECT_FALSE(CargarParametrosSistema(c, proceso->parametros));
+        EXPECT_FALSE(LeerConfigEmpresa(c, Demo::kEmpresa, m_datos.empresa, leida));
+        EXPECT_FALSE(GetFechaAsientoApertura(c, proceso->parametros, m_datos.empresa, Demo::kEmpresa, BaseDePrueba::Hoy(),
+                                             m_datos.fechaAsientoApertura));
+        proceso->monedas.CargarMonedas(c);
+        proceso->monedas.FijarMonedaContabilidad(m_datos.empresa.monedaContabilidad);
+        m_datos.proceso = proceso;
+        m_datos.mensajes = &m_mensajes;
+        m_datos.texto = [](int n) { return QString::number(n); };
+        m_datos.usuario = Demo::kUsuarioAdministrador;
+        m_datos.letras = QStringLiteral("AMEQ");
+
+        m_ctx = {&m_datos.monedas(), m_datos.empresa.monedaContabilidad, m_datos.empresa.mostrarCodigoCta, QStringLiteral("dd/mm/yyyy"),
+                 m_datos.texto};
+        m_ctx.empresa = Demo::kEmpresa;
+        PrepararGrillaAsientos(m_grilla, QStringLiteral("<Cuenta|<|>Debe|>Haber|>T. Cambio|>Importe M/E"));
+        m_asientos.FilaNuevoAsiento();
+        m_apertura.alCambiar = [this](bool existe) { m_avisos << existe; };
+        m_apertura.ayuda = [this] { ++m_ayudas; };
+    }
+
+    void ejecutar(const QString &sql, const QVariantList &valores = {}) { m_base.conexion().Ejecutar(sql, valores); }
+    QVariant valor(const QString &sql, const QVariantList &valores = {}) { return m_base.conexion().Abrir(sql, valores)->Campo(0); }
+    void fijar(const char *campos, const char *codigo, const QVariantList &valores)
+    {
+        ejecutar(QStringLiteral("Update cceCuentas Set %1 Where CueCodigo = ?").arg(QLatin1String(campos)),
+                 QVariantList(valores) << QString::fromLatin1(codigo));
+    }
+    // An account's "saldo|saldo MC|fecha de cierre".
+    QString cuenta(const char *codigo)
+    {
+        auto rs = m_base.conexion().Abrir(QStringLiteral("Select * From cceCuentas Where CueCodigo = ?"), {QString::fromLatin1(codigo)});
+        const QDate cierre = rs->EsNulo(QStringLiteral("CueFechaCerrada")) ? QDate() : rs->Fecha(QStringLiteral("CueFechaCerrada"));
+        return QStringLiteral("%1|%2|%3").arg(NumeroSQL(rs->Numero(QStringLiteral("CueSaldo"))), NumeroSQL(rs->Numero(QStringLiteral("CueSaldoMConta"))),
+                                              cierre.isValid() ? cierre.toString(Qt::ISODate) : QStringLiteral("null"));
+    }
+    // What the entry should hold, one "código|D or H|importe|importe MC" per account with a
+    // balance: a balance carries the sign of its type's usual side (TCuSigno 1 debit, -1
+    // credit); a foreign account's own amount is its balance in its currency.
+    QStringList saldos()
+    {
+        QStringList l;
+        auto rs = m_base.conexion().Abrir(QStringLiteral("Select CueCodigo, CueMoneda, Coalesce(CueSaldo, 0) As s, Coalesce(CueSaldoMConta, 0) As mc,"
+                                                         " TCuSigno From cceCuentas INNER JOIN sisTipoCuenta ON TCuID = CueTipo"
+                                                         " Where CueIDEmpresa = 1 And CueEsCarpeta = 0 And (CueSaldo <> 0 Or CueSaldoMConta <> 0)"));
+        for (; !rs->Fin(); rs->MoverSiguiente()) {
+            const double saldo = rs->Numero(QStringLiteral("s"));
+            const double pesos = rs->Numero(QStringLiteral("mc")) != 0 ? rs->Numero(QStringLiteral("mc")) : saldo;
+            const int moneda = rs->EsNulo(QStringLiteral("CueMoneda")) ? 0 : int(rs->Entero(QStringLiteral("CueMoneda")));
+            const bool debe = (pesos > 0) == (rs->Numero(QStringLiteral("TCuSigno")) > 0);
+            const double propio = moneda == 0 || moneda == Demo::kMonedaPesos ? pesos : saldo;
+            l << QStringLiteral("%1|%2|%3|%4").arg(rs->Texto(QStringLiteral("CueCodigo")), debe ? QStringLiteral("D") : QStringLiteral("H"),
+                                                   NumeroSQL(std::abs(propio)), NumeroSQL(std::abs(pesos)));
+        }
+        return l.sort(), l;
+    }
+    // The stored lines in saldos()'s form.
+    QStringList lineas(qint32 id)
+    {
+        QStringList l;
+        auto rs = m_base.conexion().Abrir(QStringLiteral("Select CueCodigo, ACuDebe, AcuHaber, ACuImporteMC From cceAsientoCuenta"
+                                                         " INNER JOIN cceCuentas ON CueID = ACuCuenta Where ACuIDAsiento = ?"), {id});
+        for (; !rs->Fin(); rs->MoverSiguiente()) {
+            const bool debe = rs->EsNulo(QStringLiteral("AcuHaber"));
+            l << QStringLiteral("%1|%2|%3|%4").arg(rs->Texto(QStringLiteral("CueCodigo")), debe ? QStringLiteral("D") : QStringLiteral("H"),
+                                                   NumeroSQL(rs->Numero(debe ? QStringLiteral("ACuDebe") : QStringLiteral("AcuHaber"))),
+                                                   NumeroSQL(rs->Numero(QStringLiteral("ACuImporteMC"))));
+        }
+        return l.sort(), l;
+    }
+    // Debits less credits of the accounting currency, in cents.
+    qint64 diferencia(qint32 id)
+    {
+        return qRound64(100 * valor(QStringLiteral("Select Sum(Case When AcuHaber Is Null Then ACuImporteMC Else -ACuImporteMC End)"
+                                                   " From cceAsientoCuenta Where ACuIDAsiento = ?"), {id}).toDouble());
+    }
+    // "estado|fecha|leyenda|libro".
+    QString cabezal(qint32 id)
+    {
+        auto rs = m_base.conexion().Abrir(QStringLiteral("Select * From cceAsientos Where AsiID = ?"), {id});
+        return QStringList{rs->Texto(QStringLiteral("AsiEstado")), rs->Fecha(QStringLiteral("AsiFechaAsiento")).toString(Qt::ISODate),
+                           rs->Texto(QStringLiteral("AsiLeyenda")), rs->Texto(QStringLiteral("AsiTipo"))}.join(u'|');
+    }
+    QDateTime sello(qint32 id)
+    {
+        return m_base.conexion().Abrir(QStringLiteral("Select AsiFechaModificado From cceAsientos Where AsiID = ?"), {id})
+            ->FechaHora(QStringLiteral("AsiFechaModificado"));
+    }
+    QList<qint32> aperturas()
+    {
+        QList<qint32> l;
+        for (auto rs = m_base.conexion().Abrir(QStringLiteral("Select AsiID From cceAsientos Where AsiTipo = 94 And AsiEstado <> 9"));
+             !rs->Fin(); rs->MoverSiguiente())
+            l << qint32(rs->Entero(QStringLiteral("AsiID")));
+        return l;
+    }
+    // A stored entry of our own: amounts in pesos, at the debit when positive.
+    qint32 asiento(const QDate &fecha, qint16 estado, qint16 libro, const QList<std::pair<const char *, double>> &importes)
+    {
+        AsientoDatos d(m_base.conexion());
+        d.Cabezal() = {0, Demo::kEmpresa, estado, fecha, QStringLiteral("Prueba"), libro};
+        for (const auto &[codigo, importe] : importes) {
+            LineaDatos l;
+            l.Cuenta = valor(QStringLiteral("Select CueID From cceCuentas Where CueCodigo = ?"), {QString::fromLatin1(codigo)}).toInt();
+            l.AlDebe = importe > 0;
+            l.Importe = l.ImporteMC = std::abs(importe);
+            d.Lineas() << l;
+        }
+        return d.GrabarTodo();
+    }
+    // Puts a stored entry before the new-entry row and makes its header row current.
+    int cargar(qint32 id)
+    {
+        m_pantalla.fila = m_grilla.Filas() - 1;
+        EXPECT_FALSE(CargarAsientoEnGrilla(m_asientos, m_base.conexion(), id, m_pantalla.fila));
+        return m_pantalla.fila;
+    }
+
+    BaseDePrueba m_base;
+    MensajesGuionados m_mensajes;
+    DatosDocumento m_datos;
+    ContextoAsientos m_ctx;
+    Grilla m_grilla;
+    AsientosGrilla m_asientos{m_grilla, m_ctx};
+    PantallaDePrueba m_pantalla;
+    ComandosAsiento m_comandos{m_datos, m_asientos, m_pantalla};
+    AsientoApertura m_apertura{m_datos, m_asientos, m_comandos, m_pantalla};
+    QList<bool> m_avisos;
+    int m_ayudas = 0;
+};
+
+TEST_P(Apertura, SeHaceDeLosSaldosUnaSolaVez1827Y1835)
+{
+    // Every account type with a balance, an overdrawn asset and liability, and cents.
+    ejecutar(QStringLiteral("Update cceCuentas Set CueFechaCerrada = Null"));
+    for (const auto &[codigo, saldo] : {std::pair{"4.1.01", 1234.56}, {"5.3.01", 1234.56}, {"1.2.06", -80.25}, {"2.3.07", -80.25}})
+        fijar("CueSaldo = ?, CueSaldoMConta = ?", codigo, {saldo, saldo});
+    const QStringList esperadas = saldos();
+    const int fila = m_grilla.Filas() - 1;
+
+    m_mensajes.Responder(R::Si);
+    m_apertura.MnuEdiAPA();
+    EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("pregunta: 1827")});
+    const QList<qint32> hechos = aperturas();
+    ASSERT_EQ(hechos.size(), 1);
+    const qint32 id = hechos.first();
+    const QStringList escritas = lineas(id);
+    EXPECT_EQ(escritas, esperadas);
+    for (const char *l : {"1.1.01|D|25000|25000", "1.4.04|H|310000|310000", "2.1.01|H|420000|420000", "3.1.01|H|1500000|1500000",
+                          "4.1.01|H|1234.56|1234.56", "5.3.01|D|1234.56|1234.56", "1.2.06|H|80.25|80.25", "2.3.07|D|80.25|80.25"})
+        EXPECT_TRUE(escritas.contains(QString::fromLatin1(l))) << l;
+    // The dollar account keeps its dollars, valued in pesos at more than one peso each.
+    EXPECT_GT(escritas.filter(QStringLiteral("1.1.04|D|12500|")).value(0).section(u'|', 3).toDouble(), 12500);
+    EXPECT_EQ(diferencia(id), 0);
+    EXPECT_EQ(cabezal(id), QStringLiteral("1|%1|1095|94").arg(m_datos.fechaAsientoApertura.toString(Qt::ISODate)));
+
+    // Shown where the new-entry row was, and current; the new-entry row follows.
+    EXPECT_EQ(m_asientos.IdDeFila(fila), id);
+    EXPECT_EQ(m_pantalla.fila, fila);
+    EXPECT_TRUE(m_asientos.EsFilaNuevoAsiento(m_grilla.Filas() - 1));
+    EXPECT_EQ(m_avisos, (QList<bool>{false, true}));
+
+    // Once it exists: the menu does nothing, making it again says 1835.
+    m_mensajes.mostrados.clear();
+    m_apertura.MnuEdiAPA();
+    EXPECT_TRUE(m_mensajes.mostrados.isEmpty());
+    EXPECT_EQ(m_apertura.HacerAsientoApertura(), 0);
+    EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("advertencia: 1835")});
+    EXPECT_EQ(aperturas(), hechos);
+}
+
+// Accounts closed on or after the opening-balance date are opened (without their balances)
+// only when the user accepts; one closed the day before stays as it is.
+TEST_P(Apertura, CuentasCerradasEnLaFechaOPosteriorSeAbrenSiSeAcepta)
+{
+    const QDate fecha = m_datos.fechaAsientoApertura;
+    ejecutar(QStringLiteral("Update cceCuentas Set CueFechaCerrada = Null"));
+    for (const auto &[codigo, dias] : {std::pair{"1.2.01", 0}, {"2.1.01", 40}, {"1.2.03", -1}})
+        fijar("CueFechaCerrada = ?", codigo, {Conexion::ValorFecha(fecha.addDays(dias))});
+    const QStringList antes{cuenta("1.2.01"), cuenta("2.1.01"), cuenta("1.2.03")};
+    ASSERT_EQ(antes[0], QStringLiteral("310000|310000|%1").arg(fecha.toString(Qt::ISODate)));
+
+    m_mensajes.Responder(R::Cancelar);
+    EXPECT_EQ(m_apertura.HacerAsientoApertura(), 0);
+    EXPECT_EQ(m_mensajes.mostrados.size(), 1);
+    EXPECT_TRUE(m_mensajes.mostrados.value(0).startsWith(QStringLiteral("pregunta: ")));
+    EXPECT_EQ((QStringList{cuenta("1.2.01"), cuenta("2.1.01"), cuenta("1.2.03")}), antes);
+    EXPECT_TRUE(aperturas().isEmpty());
+
+    m_mensajes.Responder(R::Si);
+    const qint32 id = m_apertura.HacerAsientoApertura();
+    ASSERT_GT(id, 0);
+    EXPECT_EQ(m_mensajes.mostrados.size(), 2);
+    EXPECT_EQ(cuenta("1.2.01"), QStringLiteral("0|0|null"));
+    EXPECT_EQ(cuenta("2.1.01"), QStringLiteral("0|0|null"));
+    EXPECT_EQ(cuenta("1.2.03"), antes[2]);
+    const QStringList escritas = lineas(id);
+    EXPECT_EQ(escritas, saldos());
+    EXPECT_TRUE(escritas.filter(QStringLiteral("1.2.01|")).isEmpty());
+    EXPECT_TRUE(escritas.contains(QStringLiteral("1.2.03|D|85000|85000")));
+    // 420,000 of credit went with the supplier's balance, 310,000 of debit with the customers':
+    // the entry no longer balances, is left incomplete and is not the opening-balance entry.
+    EXPECT_EQ(diferencia(id), 11000000);
+    EXPECT_TRUE(cabezal(id).startsWith(QStringLiteral("2|")));
+    EXPECT_FALSE(m_apertura.ActualizarExisteApertura());
+}
+
+TEST_P(Apertura, SinSaldosNoSeHaceNada1855)
+{
+    ejecutar(QStringLiteral("Update cceCuentas Set CueFechaCerrada = Null, CueSaldo = 0, CueSaldoMConta = 0"));
+    ejecutar(QStringLiteral("Update cceCuentas Set CueSaldo = Null, CueSaldoMConta = Null Where CueTipo = 1"));
+    const int filas = m_grilla.Filas();
+    for (const R ayuda : {R::No, R::Si}) {
+        m_mensajes.mostrados.clear();
+        m_mensajes.Responder(R::Si);
+        m_mensajes.Responder(ayuda);
+        m_apertura.MnuEdiAPA();
+        EXPECT_EQ(m_mensajes.mostrados, (QStringList{QStringLiteral("pregunta: 1827"), QStringLiteral("pregunta: 1855")}));
+        EXPECT_EQ(m_ayudas, ayuda == R::Si ? 1 : 0);
+    }
+    EXPECT_TRUE(aperturas().isEmpty());
+    EXPECT_EQ(m_grilla.Filas(), filas);
+}
+
+TEST_P(Apertura, UnAsientoComunPasaASerElDeAperturaYVuelve1856Y1857)
+{
+    const QString apertura = m_datos.fechaAsientoApertura.toString(Qt::ISODate);
+    const QDate fecha = m_datos.fechaAsientoApertura.addDays(45);
+    const qint32 id = asiento(fecha, EstadoAsiento::kBorrador, 3, {{"1.1.01", 500}, {"4.1.01", -500}});
+    const QStringList suyas = lineas(id);
+    const int fila = cargar(id);
+    const QDateTime s0 = sello(id);
+
+    m_mensajes.Responder(R::No);
+    m_apertura.ConvertirApertura();
+    EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("pregunta: 1856")});
+    EXPECT_EQ(cabezal(id), QStringLiteral("0|%1|Prueba|3").arg(fecha.toString(Qt::ISODate)));
+    EXPECT_EQ(sello(id), s0);
+
+    // Into it: its book, its date, registered; the stamp in whole seconds.
+    m_mensajes.Responder(R::Si);
+    m_apertura.ConvertirApertura();
+    EXPECT_EQ(cabezal(id), QStringLiteral("1|%1|Prueba|94").arg(apertura));
+    EXPECT_EQ(lineas(id), suyas);
+    const QDateTime s1 = sello(id);
+    EXPECT_NE(s1, s0);
+    EXPECT_EQ(s1.time().msec(), 0);
+    EXPECT_EQ(m_asientos.IdDeFila(fila), id);
+    EXPECT_EQ(m_asientos.LibroDeFila(fila), Demo::kLibroPrimeraApertura);
+    EXPECT_EQ(m_asientos.EstadoDeFila(fila), EstadoAsiento::kRegistrado);
+    EXPECT_TRUE(m_apertura.ExisteAsientoApertura());
+
+    // While it exists, no other entry is offered to become it.
+    const qint32 otro = asiento(fecha, EstadoAsiento::kRegistrado, 3, {{"1.1.01", 20}, {"4.1.01", -20}});
+    cargar(otro);
+    m_apertura.ConvertirApertura();
+    EXPECT_EQ(m_mensajes.mostrados.size(), 2);
+    EXPECT_EQ(cabezal(otro), QStringLiteral("1|%1|Prueba|3").arg(fecha.toString(Qt::ISODate)));
+
+    // Back to the default book, same date and state.
+    m_pantalla.fila = fila;
+    m_mensajes.Responder(R::Si);
+    m_apertura.ConvertirApertura();
+    EXPECT_EQ(m_mensajes.mostrados.value(2), QStringLiteral("pregunta: 1857"));
+    EXPECT_EQ(m_mensajes.mostrados.size(), 3);
+    EXPECT_EQ(cabezal(id), QStringLiteral("1|%1|Prueba|%2").arg(apertura).arg(Demo::kLibroDiario));
+    const QDateTime s2 = sello(id);
+    EXPECT_GT(s2, s1);
+    EXPECT_EQ(s2.time().msec(), 0);
+    EXPECT_EQ(m_asientos.LibroDeFila(fila), Demo::kLibroDiario);
+    EXPECT_FALSE(m_apertura.ExisteAsientoApertura());
+}
+
+// The demo's closed bank account: closed at the entry's date (1812), or closed only before
+// the entry but on or after the opening-balance date (1811). Nothing is written.
+TEST_P(Apertura, ConvertirConUnaCuentaCerrada1812Y1811)
+{
+    const QDate cierre = m_base.conexion().Abrir(QStringLiteral("Select CueFechaCerrada From cceCuentas Where CueCodigo = '1.1.07'"))
+                             ->Fecha(QStringLiteral("CueFechaCerrada"));
+    ASSERT_GE(cierre, m_datos.fechaAsientoApertura);
+    for (const auto &[fecha, error] : {std::pair{cierre.addDays(-10), 1812}, std::pair{cierre.addDays(1), 1811}}) {
+        const qint32 id = asiento(fecha, EstadoAsiento::kRegistrado, 4, {{"1.1.07", 100}, {"1.1.01", -100}});
+        cargar(id);
+        const QString antes = cabezal(id);
+        const QDateTime s = sello(id);
+        m_mensajes.mostrados.clear();
+        m_mensajes.Responder(R::Si);
+        m_apertura.ConvertirApertura();
+        EXPECT_EQ(m_mensajes.mostrados, (QStringList{QStringLiteral("pregunta: 1856"), QStringLiteral("error: %1").arg(error)}));
+        EXPECT_EQ(cabezal(id), antes);
+        EXPECT_EQ(sello(id), s);
+    }
+    EXPECT_TRUE(aperturas().isEmpty());
+}
+
+INSTANTIATE_TEST_SUITE_P(Motores, Apertura, ::testing::ValuesIn(MotoresDePrueba()),
+                         [](const ::testing::TestParamInfo<Motor> &i) { return NombreMotor(i.param).toStdString(); });
+
+} // namespace

@@ -1,0 +1,163 @@
+// The opening-balance entry in the document: the banner that asks for it, the menu command
+// that makes it, and the start-up option that asks for it at once.
+#include "comun/basesprueba.h"
+#include "comun/hostdeprueba.h"
+#include "comun/mensajesguionados.h"
+
+#include "editing/sesionedicion.h"
+#include "entries/asientodatos.h"
+#include "entries/modeloasiento.h"
+#include "entries/vsgrid.h"
+#include "shell/lumingasiento.h"
+#include "shell/menusdocumento.h"
+#include "store/basedemo.h"
+
+#include <QAction>
+#include <QFrame>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using R = ServicioMensajes::Respuesta;
+
+class AperturaEnDocumento : public ::testing::TestWithParam<Motor>
+{
+protected:
+    AperturaEnDocumento()
+        : m_base(GetParam(), BaseDePrueba::Contenido::Demo)
+    {
+    }
+
+    // The document on the demo company, with the start-up options given after the usual ones.
+    std::unique_ptr<lumIngAsiento> abrir(const QString &opciones = {})
+    {
+        m_host.base = QStringLiteral("x?psidusuario=1|psidempresa=1|psckey=lum01|pskeyinit=1|pstempdir=") + m_carpeta.path() + opciones;
+        EntornoDocumento e;
+        e.host = &m_host;
+        e.mensajes = &m_mensajes;
+        e.ajustes.archivoAjustes = m_carpeta.filePath(QStringLiteral("a.ini"));
+        e.ajustes.baseDatos = m_base.direccion();
+        auto doc = std::make_unique<lumIngAsiento>(std::move(e));
+        doc->Iniciar();
+        return doc;
+    }
+    static bool conAviso(lumIngAsiento &doc) { return doc.findChild<QFrame *>(QStringLiteral("picASI"))->isVisibleTo(&doc); }
+
+    int contar(const QString &sql, const QVariantList &valores = {})
+    {
+        return QVariant(m_base.conexion().Abrir(sql, valores)->Campo(0)).toInt();
+    }
+    QList<qint32> aperturas(int estado)
+    {
+        QList<qint32> l;
+        for (auto rs = m_base.conexion().Abrir(QStringLiteral("Select AsiID From cceAsientos Where AsiTipo = 94 And AsiEstado = ?"), {estado});
+             !rs->Fin(); rs->MoverSiguiente())
+            l << qint32(rs->Entero(QStringLiteral("AsiID")));
+        return l;
+    }
+    int filaDe(lumIngAsiento &doc, qint32 id)
+    {
+        for (int r = doc.grilla().FilasFijas(); r < doc.grilla().Filas(); ++r)
+            if (doc.asientos().EsFilaCabezal(r) && doc.asientos().IdDeFila(r) == id)
+                return r;
+        return -1;
+    }
+    // An entry of the opening-balance book, written straight to the store.
+    void apertura(qint16 estado)
+    {
+        AsientoDatos d(m_base.conexion());
+        d.Cabezal() = {0, Demo::kEmpresa, estado, QDate(2024, 1, 1), QStringLiteral("Saldos"), Demo::kLibroPrimeraApertura};
+        LineaDatos l;
+        l.Cuenta = contar(QStringLiteral("Select CueID From cceCuentas Where CueCodigo = '1.1.01'"));
+        l.Importe = l.ImporteMC = 10;
+        d.Lineas() = {l};
+        ASSERT_GT(d.GrabarTodo(), 0);
+    }
+
+    BaseDePrueba m_base;
+    QTemporaryDir m_carpeta;
+    HostDePrueba m_host;
+    MensajesGuionados m_mensajes;
+};
+
+TEST_P(AperturaEnDocumento, ElMenuLoHaceYBorrarloDevuelveElAviso)
+{
+    auto doc = abrir();
+    EXPECT_TRUE(conAviso(*doc));
+    const QVariant fecha = Conexion::ValorFecha(doc->FechaAsientoApertura());
+    // The demo's closed accounts are closed after the opening-balance date: they are opened.
+    const QString cerradas = QStringLiteral("Select Count(*) From cceCuentas Where CueFechaCerrada >= ?");
+    ASSERT_GT(contar(cerradas, {fecha}), 0);
+    const int conSaldo = contar(QStringLiteral("Select Count(*) From cceCuentas Where CueEsCarpeta = 0 And CueIDEmpresa = 1"
+                                               " And (CueSaldo <> 0 Or CueSaldoMConta <> 0)"));
+
+    m_mensajes.Responder(R::Si);
+    m_mensajes.Responder(R::Si);
+    doc->menus().accion(QStringLiteral("MnuEdiAPA"))->trigger();
+    EXPECT_EQ(m_mensajes.mostrados.filter(QStringLiteral("pregunta: ")).size(), 2) << m_mensajes.mostrados.join(u'\n').toStdString();
+    EXPECT_EQ(m_mensajes.mostrados.size(), 2);
+    EXPECT_EQ(contar(cerradas, {fecha}), 0);
+    const QList<qint32> hechos = aperturas(1);
+    ASSERT_EQ(hechos.size(), 1);
+    const qint32 id = hechos.first();
+    EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientoCuenta Where ACuIDAsiento = ?"), {id}), conSaldo);
+
+    // Shown as the current entry, a row per line; the banner has gone. Registered and
+    // balanced in pesos, it shows no difference row.
+    const int fila = filaDe(*doc, id);
+    ASSERT_GT(fila, 0);
+    EXPECT_EQ(doc->grid()->FilaActual(), fila);
+    const int ultima = doc->asientos().UltimaFilaAsiento(fila);
+    EXPECT_EQ(ultima - fila - (doc->asientos().EsFilaDiferencia(ultima) ? 1 : 0), conSaldo);
+    EXPECT_FALSE(doc->asientos().EsFilaDiferencia(ultima)) << doc->grilla().Texto(ultima, 3).toStdString();
+    EXPECT_FALSE(conAviso(*doc));
+
+    // Deleted, it goes to the trash and the banner comes back.
+    m_mensajes.mostrados.clear();
+    m_mensajes.Responder(R::Si);
+    doc->grid()->FijarFilaActual(fila);
+    doc->menus().accion(QStringLiteral("MnuEdiDel"))->trigger();
+    EXPECT_EQ(m_mensajes.mostrados.filter(QStringLiteral("error: ")), QStringList{});
+    EXPECT_EQ(aperturas(9), hechos);
+    EXPECT_EQ(filaDe(*doc, id), -1);
+    EXPECT_TRUE(conAviso(*doc));
+}
+
+// Its lines are in several currencies: a line accepted as it is must leave it registered,
+// still the opening-balance entry.
+TEST_P(AperturaEnDocumento, UnaLineaAceptadaSinCambiosLoDejaRegistrado)
+{
+    auto doc = abrir();
+    m_mensajes.Responder(R::Si);
+    m_mensajes.Responder(R::Si);
+    doc->menus().accion(QStringLiteral("MnuEdiAPA"))->trigger();
+    const QList<qint32> hechos = aperturas(1);
+    ASSERT_EQ(hechos.size(), 1);
+    ASSERT_TRUE(doc->edicion().EntrarEdicion(filaDe(*doc, hechos.first()) + 1));
+    doc->edicion().AceptarLinea();
+    doc->edicion().SalirEdicion();
+    EXPECT_EQ(aperturas(1), hechos);
+    EXPECT_FALSE(conAviso(*doc));
+}
+
+// The start-up option asks for the entry only while the company has none; an incomplete
+// entry of that book is no opening-balance entry yet.
+TEST_P(AperturaEnDocumento, LaOpcionDeInicioSoloSinAsiento)
+{
+    EXPECT_EQ(abrir()->ComandoDiferido(), QString());
+    EXPECT_EQ(abrir(QStringLiteral("|pshacerasi=si"))->ComandoDiferido(), QStringLiteral("1"));
+    apertura(EstadoAsiento::kInconcluso);
+    EXPECT_EQ(abrir(QStringLiteral("|pshacerasi=si"))->ComandoDiferido(), QStringLiteral("1"));
+    apertura(EstadoAsiento::kRegistrado);
+    auto doc = abrir(QStringLiteral("|pshacerasi=si"));
+    EXPECT_EQ(doc->ComandoDiferido(), QString());
+    EXPECT_FALSE(conAviso(*doc));
+    EXPECT_TRUE(m_mensajes.mostrados.isEmpty());
+}
+
+INSTANTIATE_TEST_SUITE_P(Motores, AperturaEnDocumento, ::testing::ValuesIn(MotoresDePrueba()),
+                         [](const ::testing::TestParamInfo<Motor> &i) { return NombreMotor(i.param).toStdString(); });
+
+} // namespace
