@@ -13,6 +13,9 @@
 
 #include <QStringList>
 
+#include <algorithm>
+#include <cmath>
+
 ComandosAsiento::ComandosAsiento(DatosDocumento &datos, AsientosGrilla &asientos, PantallaAsientos &pantalla)
     : m_datos(datos)
     , m_asientos(asientos)
@@ -62,7 +65,7 @@ bool ComandosAsiento::HayCuentasCerradasEnGrilla(const QDate &fecha) const
 void ComandosAsiento::RegistrarAsiento()
 {
     const int filaActual = m_pantalla.FilaActual();
-    if (filaActual < m_grilla.FilasFijas() || !m_datos.conexion())
+    if (filaActual < m_grilla.FilasFijas() || !m_datos.conexion() || !m_datos.TienePermiso(u'M'))
         return;
     m_grilla.FijarRedibujar(false);
     const int cabezal = tomarAsientoDeFilaActual();
@@ -128,7 +131,7 @@ void ComandosAsiento::RegistrarAsiento()
 
 void ComandosAsiento::RegistrarListados(qint16 estadoOrigen)
 {
-    if (!m_datos.conexion())
+    if (!m_datos.conexion() || !m_datos.TienePermiso(u'M'))
         return;
     bool algunaFalla = false;
     try {
@@ -459,14 +462,28 @@ void ComandosAsiento::EliminarAsiento(bool porFila)
                 } else if (datos.HayCuentasCerradas(datos.Cabezal().Fecha)) {
                     m_datos.Advertir(1814);
                 } else {
+                    // The stored line of the row: by its place in the order of entry, which
+                    // tells apart two lines of one account; else by account and side.
                     const RegistroLinea l = m_asientos.LineaDeFila(fila);
-                    for (int i = 0; i < datos.Lineas().size(); ++i) {
-                        const LineaDatos &x = datos.Lineas()[i];
-                        if (x.Cuenta == l.lCta && x.Proyecto == l.iPry && x.Departamento == l.iDep) {
-                            datos.Lineas().removeAt(i);
-                            break;
-                        }
-                    }
+                    const int orden = CampoDeClave(m_grilla.Dato(fila, 1).toString(), 4);
+                    QVector<LineaDatos> &lineas = datos.Lineas();
+                    auto misma = [&](const LineaDatos &x) {
+                        return x.Cuenta == l.lCta && x.Proyecto == l.iPry && x.Departamento == l.iDep && x.AlDebe == l.bEsAlDebe;
+                    };
+                    auto it = std::find_if(lineas.begin(), lineas.end(),
+                                           [&](const LineaDatos &x) { return orden > 0 && x.Orden == orden && misma(x); });
+                    if (it == lineas.end())
+                        it = std::find_if(lineas.begin(), lineas.end(), misma);
+                    if (it != lineas.end())
+                        lineas.erase(it);
+                    // An entry that no longer balances is incomplete: it cannot stay
+                    // registered, nor be registered again, until it balances.
+                    qint64 debe = 0;
+                    qint64 haber = 0;
+                    for (const LineaDatos &x : std::as_const(lineas))
+                        (x.AlDebe ? debe : haber) += std::llround(x.ImporteMC * 100);
+                    if ((debe != haber || debe == 0) && datos.Cabezal().Estado != EstadoAsiento::kInconcluso)
+                        datos.Cabezal().Estado = EstadoAsiento::kInconcluso;
                     datos.Cabezal().FechaCambioEstado = AsientoDatos::SelloNuevo(QDateTime());
                     if (datos.GrabarTodo() <= 0) {
                         if (datos.ultimoResultado() == AsientoDatos::Resultado::Modificado)
@@ -504,7 +521,7 @@ void ComandosAsiento::EliminarAsiento(bool porFila)
 void ComandosAsiento::CopiarAsiento()
 {
     const int cabezal = m_asientos.FilaCabezalDe(m_pantalla.FilaActual());
-    if (cabezal < 0 || !m_datos.conexion())
+    if (cabezal < 0 || !m_datos.conexion() || !m_datos.TienePermiso(u'A'))
         return;
     if (m_datos.mensajes->Preguntar(m_datos.texto(1806), ServicioMensajes::Botones::SiNo, m_datos.texto(1024))
         != ServicioMensajes::Respuesta::Si)
@@ -566,7 +583,7 @@ void ComandosAsiento::UnificarTC(bool bMonedaCuenta)
 {
     const int fila = m_pantalla.FilaActual();
     const int cabezal = m_asientos.FilaCabezalDe(fila);
-    if (cabezal < 0 || !m_datos.conexion())
+    if (cabezal < 0 || !m_datos.conexion() || !m_datos.TienePermiso(u'M'))
         return;
     try {
         const qint16 mc = m_datos.empresa.monedaContabilidad;

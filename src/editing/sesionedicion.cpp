@@ -111,7 +111,8 @@ bool SesionEdicion::EntrarEdicion(int fila)
             m_datos.Informar(1828);
             return false;
         }
-        m_vista.AbrirCabezal(valoresDelCabezal(cabezal));
+        m_abiertos = valoresDelCabezal(cabezal);
+        m_vista.AbrirCabezal(m_abiertos);
         cargarLineaEnEditor(fila);
         m_vista.MostrarEditor(fila, false);
         return true;
@@ -323,6 +324,13 @@ void SesionEdicion::AceptarLinea()
         m_vista.EnfocarFecha();
         return;
     }
+    // A stored entry with an account closed at its date cannot change at all: refused before
+    // anything of it is written, so no header change goes through without its lines.
+    if (c.AsiID > 0 && m_comandos.HayCuentasCerradasEnGrilla(c.AsiFechaAsiento)) {
+        m_datos.Error(1811);
+        m_escrituraRechazada = true;
+        return;
+    }
     for (RegistroLinea &l : lineas)
         if (!reglaTasas(l))
             return;
@@ -346,6 +354,7 @@ void SesionEdicion::AceptarLinea()
     c.AsiLeyenda = leyenda;
     c.AsiTipo = libro;
     c.AsiUsuarioVerificador = autoriza;
+    m_abiertos = cabezal;
     m_asientos.FilaCabezalAsiento(nombreLibro(c.AsiTipo));
     m_grilla.FijarImagen(c.FilaCabezal, QStringLiteral("edicion"));
     // The old proposal of the missing line goes; a new one is made below when still needed.
@@ -404,12 +413,45 @@ void SesionEdicion::AceptarLinea()
     m_vista.MostrarEditor(m_filaEdicion, true);
 }
 
+// A stored entry whose header the user changed without accepting a line: the changes are
+// written as the header alone, unless a write of this edit was refused. What was only
+// proposed (the default book) is no change, and a date that cannot be read is left as
+// stored.
+void SesionEdicion::guardarCabezalCambiado()
+{
+    CabezalAsiento &c = m_asientos.Cabezal;
+    // After a refusal the edit ends as it began: nothing of it is written.
+    if (m_escrituraRechazada)
+        return;
+    const ValoresCabezal v = m_vista.LeerCabezal();
+    const QDate fecha = v.fecha.isValid() && v.fechaHabilitada ? v.fecha : m_abiertos.fecha;
+    const bool cambiado = fecha != m_abiertos.fecha || v.leyenda.trimmed() != m_abiertos.leyenda.trimmed()
+                       || (!m_libroFijo && v.libro != m_abiertos.libro)
+                       || (m_vista.ConAutoriza() && v.autoriza != m_abiertos.autoriza);
+    if (!cambiado)
+        return;
+    if (fecha != c.AsiFechaAsiento && m_comandos.HayCuentasCerradasEnGrilla(fecha)) {
+        m_datos.Error(1821);
+        return;
+    }
+    c.AsiFechaAsiento = fecha;
+    c.AsiLeyenda = v.leyenda.trimmed();
+    if (!m_libroFijo)
+        c.AsiTipo = v.libro;
+    if (m_vista.ConAutoriza())
+        c.AsiUsuarioVerificador = v.autoriza;
+    if (!m_comandos.GrabarCabezal())
+        m_escrituraRechazada = true;
+}
+
 void SesionEdicion::SalirEdicion()
 {
     if (m_filaEdicion <= 0)
         return;
     CabezalAsiento &c = m_asientos.Cabezal;
     bool escrito = false;
+    if (!m_pendiente && c.AsiID > 0 && c.FilaCabezal >= 0)
+        guardarCabezalCambiado();
     if (m_pendiente && c.FilaCabezal >= 0) {
         // The row being typed is no line yet; without it the entry is what was accepted.
         if (m_grilla.Dato(m_filaEdicion, 1).toString().isEmpty() && !m_asientos.EsFilaCabezal(m_filaEdicion)) {

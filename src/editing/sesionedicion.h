@@ -56,6 +56,7 @@ private:
     bool reglaTasas(RegistroLinea &linea);
     void escribirLinea(int fila, const RegistroLinea &linea);
     void terminarEdicion(bool recargar);
+    void guardarCabezalCambiado();
     QString nombreLibro(qint16 libro) const;
 
     DatosDocumento &m_datos;
@@ -64,6 +65,7 @@ private:
     ComandosAsiento &m_comandos;
     VistaEdicion &m_vista;
     QList<std::pair<QString, qint16>> m_libros; // the books the header offers, by name
+    ValoresCabezal m_abiertos; // the header as shown, or as last taken with a line
     int m_filaEdicion = 0;
     bool m_pendiente = false;          // lines accepted since the entry was last written
     bool m_libroFijo = false;          // the entry's book cannot change here (a system book)

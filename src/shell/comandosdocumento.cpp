@@ -165,6 +165,18 @@ void lumIngAsiento::PrepararMenuEdicion()
     QAction *grabar = m_menus->accion(QStringLiteral("MnuEdiSaveNormal"));
     grabar->setText(m_datos.texto(hayAsiento && estado == EstadoAsiento::kRegistrado ? 1036 : 1023));
 
+    // Only what the user's rights allow is offered: adding (A), changing (M), deleting (E).
+    const bool a = m_datos.TienePermiso(u'A');
+    const bool m = m_datos.TienePermiso(u'M');
+    const bool e = m_datos.TienePermiso(u'E');
+    for (const auto &[accion, permitido] :
+         {std::pair{"MnuEdiNew", a}, std::pair{"MnuEdiCopy", a}, std::pair{"MnuEdiHacerFrecuente", a},
+          std::pair{"MnuEdiAgendarAsiento", a}, std::pair{"MnuEdiDel", e}, std::pair{"MnuEdiDelRow", e},
+          std::pair{"MnuEdiAddCta", m}, std::pair{"MnuEdiSaveNormal", m}, std::pair{"MnuUnificarTCCta", m},
+          std::pair{"MnuUnificarTCMC", m}, std::pair{"MnuEdiLibro", m}})
+        m_menus->accion(QString::fromLatin1(accion))->setEnabled(permitido);
+    m_menus->MnuEdiTC->menuAction()->setEnabled(m);
+
     // The opening-balance commands offer what can be done: making it while there is none,
     // converting a stored entry into it while there is none, or it back into an ordinary one.
     const bool existe = m_apertura->ActualizarExisteApertura();

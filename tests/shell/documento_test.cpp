@@ -7,6 +7,7 @@
 #include "shell/lumingasiento.h"
 #include "shell/menusdocumento.h"
 #include "entries/vistas.h"
+#include "entries/vsgrid.h"
 #include "services/serviciomensajesqt.h"
 #include "store/basedemo.h"
 
@@ -118,6 +119,17 @@ TEST_F(Documento, UsuarioDeConsultaSoloBuscaYCambiaVista)
     EXPECT_FALSE(habilitado(*doc, "hlOpSave"));
     EXPECT_TRUE(habilitado(*doc, "hlFind"));
     EXPECT_TRUE(habilitado(*doc, "hlCargar"));
+
+    // The grid's own menu offers no write either: right-click on an entry.
+    doc->ElegirVista(Vista::kPrimerMes);
+    doc->resize(900, 500);
+    QTest::mouseClick(doc->grid()->viewport(), Qt::RightButton, {}, QPoint(20, 5));
+    for (const char *a : {"MnuEdiNew", "MnuEdiDel", "MnuEdiDelRow", "MnuEdiAddCta", "MnuEdiSaveNormal", "MnuEdiCopy",
+                          "MnuEdiHacerFrecuente", "MnuEdiAgendarAsiento", "MnuEdiLibro", "MnuUnificarTCCta", "MnuEdiAPA",
+                          "MnuEdiASI"})
+        EXPECT_FALSE(doc->menus().accion(QString::fromLatin1(a))->isEnabled()) << a;
+    EXPECT_TRUE(doc->menus().accion(QStringLiteral("MnuEdiHide"))->isEnabled());
+    doc->menus().MnuEdicion->close();
 }
 
 TEST_F(Documento, SinLetrasSeDeniegaElAcceso)

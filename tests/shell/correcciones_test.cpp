@@ -1,0 +1,134 @@
+#include "escenario.h"
+
+#include "editing/comandosasiento.h"
+#include "entries/asientodatos.h"
+#include "entries/vistas.h"
+#include "shell/menusdocumento.h"
+#include "lineeditor/campocalculadora.h"
+#include "lineeditor/campofecha.h"
+#include "store/basedemo.h"
+
+#include <QAction>
+#include <QComboBox>
+#include <QLineEdit>
+
+namespace {
+
+// Corrections of stored entries that must write exactly what the user did, and nothing
+// the user did not.
+class Correcciones : public Escenario
+{
+protected:
+    qint32 cuenta(const char *codigo)
+    {
+        auto rs = m_base.conexion().Abrir(QStringLiteral("Select CueID From cceCuentas Where CueCodigo = ?"), {QString::fromLatin1(codigo)});
+        return qint32(rs->Entero(QStringLiteral("CueID")));
+    }
+
+    // A registered entry of today with the lines given (account code, debit, MC amount),
+    // shown last in the grid.
+    qint32 asiento(const QList<std::tuple<const char *, bool, double>> &lineas, qint16 libro = Demo::kLibroDiario)
+    {
+        AsientoDatos d(m_base.conexion());
+        d.Cabezal().Empresa = Demo::kEmpresa;
+        d.Cabezal().Estado = EstadoAsiento::kRegistrado;
+        d.Cabezal().Fecha = BaseDePrueba::Hoy().addDays(-1);
+        d.Cabezal().Leyenda = QStringLiteral("Corrección de prueba");
+        d.Cabezal().Libro = libro;
+        for (const auto &[codigo, debe, importe] : lineas) {
+            LineaDatos l;
+            l.Cuenta = cuenta(codigo);
+            l.AlDebe = debe;
+            l.Importe = l.ImporteMC = importe;
+            l.Tasa = 1;
+            d.Lineas() << l;
+        }
+        const qint32 id = d.GrabarTodo();
+        EXPECT_GT(id, 0) << d.ultimoError().toStdString();
+        EXPECT_FALSE(CargarAsientoEnGrilla(m_doc->asientos(), *m_doc->proceso().conexion, id, m_doc->grilla().Filas() - 1));
+        return id;
+    }
+};
+
+TEST_P(Correcciones, LaLeyendaCambiadaSeGuardaAlSalirYNadaMasSinCambios)
+{
+    const qint32 id = asiento({{"5.3.01", true, 1200}, {"1.1.01", false, 1200}});
+    const AsientoEnBase antes = enBase(id);
+    abrir(filaDe(id));
+    escribir(m_doc->campoLeyenda(), QStringLiteral("Alquiler de diciembre"));
+    escape(m_doc->campoLeyenda());
+    ASSERT_EQ(m_doc->FilaEdicion(), 0);
+    AsientoEnBase despues = enBase(id);
+    EXPECT_EQ(despues.cabezal[2], QStringLiteral("Alquiler de diciembre"));
+    despues.cabezal[2] = antes.cabezal[2];
+    EXPECT_EQ(despues, antes); // only the legend changed
+    EXPECT_TRUE(filasVistas(id).first().contains(QStringLiteral("Alquiler de diciembre")));
+
+    // Opened and left again without a change: nothing is written, not even the stamp, and
+    // an entry without a book is not given the book only proposed.
+    m_base.conexion().Ejecutar(QStringLiteral("Update cceAsientos Set AsiTipo = Null Where AsiID = ?"), {id});
+    m_doc->comandos().RecargarAsiento(id, filaDe(id));
+    const AsientoEnBase sinLibro = enBase(id);
+    abrir(filaDe(id));
+    EXPECT_EQ(m_doc->listaLibros()->currentData().toInt(), Demo::kLibroDiario); // proposed
+    escape(m_doc->campoFecha());
+    ASSERT_EQ(m_doc->FilaEdicion(), 0);
+    EXPECT_EQ(enBase(id), sinLibro);
+    EXPECT_EQ(enBase(id).sello, sinLibro.sello);
+    EXPECT_TRUE(m_mensajes.mostrados.isEmpty()) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
+}
+
+TEST_P(Correcciones, SeEliminaLaLineaElegidaYElAsientoQuedaInconcluso)
+{
+    // Two lines of one account, one on each side: the row chosen is the one that goes.
+    const qint32 id = asiento({{"1.1.01", true, 10}, {"1.1.01", false, 3}, {"4.1.01", false, 7}});
+    int fila = -1;
+    for (int r = filaDe(id) + 1; r <= m_doc->asientos().UltimaFilaAsiento(filaDe(id)); ++r) {
+        const RegistroLinea l = m_doc->asientos().LineaDeFila(r);
+        if (!l.bEsAlDebe && l.dImporteMC == 3)
+            fila = r;
+    }
+    ASSERT_GT(fila, 0);
+    m_doc->grid()->FijarFilaActual(fila);
+    m_mensajes.Responder(ServicioMensajes::Respuesta::Si);
+    QTest::keyClick(m_doc->grid(), Qt::Key_Delete);
+    const AsientoEnBase a = enBase(id);
+    ASSERT_EQ(a.lineas.size(), 2);
+    EXPECT_EQ(a.lineas[0].mid(0, 4), (QStringList{QStringLiteral("1.1.01"), QStringLiteral("D"), QStringLiteral("10"), QStringLiteral("10")}));
+    EXPECT_EQ(a.lineas[1].mid(0, 4), (QStringList{QStringLiteral("4.1.01"), QStringLiteral("H"), QStringLiteral("7"), QStringLiteral("7")}));
+    // 10 against 7 no longer balances: incomplete, and "Grabar" cannot register it.
+    EXPECT_EQ(a.cabezal[0], QStringLiteral("2"));
+    m_doc->grid()->FijarFilaActual(filaDe(id));
+    m_doc->menus().accion(QStringLiteral("MnuEdiSaveNormal"))->trigger();
+    EXPECT_EQ(enBase(id).cabezal[0], QStringLiteral("2"));
+}
+
+TEST_P(Correcciones, UnAsientoConUnaCuentaCerradaNoCambiaEnNada)
+{
+    // An entry dated on the day an account of it closed: it cannot change.
+    const qint32 id = asiento({{"5.3.01", true, 500}, {"1.1.01", false, 500}});
+    m_base.conexion().Ejecutar(QStringLiteral("Update cceCuentas Set CueFechaCerrada = ? Where CueID = ?"),
+                               {Conexion::ValorFecha(BaseDePrueba::Hoy().addDays(-1)), cuenta("1.1.01")});
+    m_doc->comandos().RecargarAsiento(id, filaDe(id));
+    const AsientoEnBase antes = enBase(id);
+    abrir(filaDe(id) + 1); // the line of the open account
+    ASSERT_GT(m_doc->FilaEdicion(), 0);
+    escribir(m_doc->campoLeyenda(), QStringLiteral("Otra leyenda"));
+    escribir(editor()->campo(lumERAsiento::kImporte), QStringLiteral("600"));
+    enter(editor()->campo(lumERAsiento::kImporte));
+    if (foco() == m_doc->findChild<QComboBox *>(QStringLiteral("cfAutoriza"))) {
+        m_doc->findChild<QComboBox *>(QStringLiteral("cfAutoriza"))->setCurrentIndex(0);
+        enter(editor()->campo(lumERAsiento::kImporte));
+    }
+    EXPECT_TRUE(m_mensajes.mostrados.contains(QStringLiteral("error: No se puede registrar el asiento ya que existen cuentas cerradas para la fecha.")))
+        << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
+    if (m_doc->FilaEdicion() > 0)
+        escape(foco());
+    EXPECT_EQ(enBase(id), antes);
+    EXPECT_EQ(enBase(id).sello, antes.sello);
+}
+
+INSTANTIATE_TEST_SUITE_P(Motores, Correcciones, ::testing::ValuesIn(MotoresDePrueba()),
+                         [](const auto &info) { return NombreMotor(info.param).toStdString(); });
+
+} // namespace
