@@ -563,20 +563,7 @@ void ComandosAsiento::OcultarAsiento()
 
 QList<std::pair<QString, qint16>> ComandosAsiento::LeerLibros(bool excluirSistema) const
 {
-    const ParametrosSistema &p = m_datos.parametros();
-    QString sql = QStringLiteral("Select * From genLibros ");
-    if (excluirSistema)
-        sql += QStringLiteral("Where LibCodigo Not In (")
-             + QStringList{QString::number(p.libroResumen), QString::number(p.libroApertura), QString::number(p.libroADC),
-                           QString::number(p.libroPrimeraApertura), QString::number(p.libroCierre)}
-                   .join(QStringLiteral(", "))
-             + QStringLiteral(")");
-    sql += QStringLiteral(" Order By LibNombre");
-    QList<std::pair<QString, qint16>> libros;
-    auto rs = m_datos.conexion()->Abrir(sql);
-    for (; !rs->Fin(); rs->MoverSiguiente())
-        libros.append({rs->Texto(QStringLiteral("LibNombre")).trimmed(), qint16(rs->Entero(QStringLiteral("LibCodigo")))});
-    return libros;
+    return m_datos.LeerLibros(excluirSistema);
 }
 
 void ComandosAsiento::UnificarTC(bool bMonedaCuenta)

@@ -2,6 +2,8 @@
 
 #include "services/serviciomensajes.h"
 
+#include <QStringList>
+
 LibrosSistema DatosDocumento::librosSistema() const
 {
     const ParametrosSistema &p = parametros();
@@ -36,4 +38,22 @@ bool DatosDocumento::Preguntar(int numero) const
 void DatosDocumento::MostrarFallo(const Fallo &fallo) const
 {
     Error(fallo.numeroTexto, fallo.detalle);
+}
+
+QList<std::pair<QString, qint16>> DatosDocumento::LeerLibros(bool excluirSistema) const
+{
+    const ParametrosSistema &p = parametros();
+    QString sql = QStringLiteral("Select * From genLibros ");
+    if (excluirSistema)
+        sql += QStringLiteral("Where LibCodigo Not In (")
+             + QStringList{QString::number(p.libroResumen), QString::number(p.libroApertura), QString::number(p.libroADC),
+                           QString::number(p.libroPrimeraApertura), QString::number(p.libroCierre)}
+                   .join(QStringLiteral(", "))
+             + QStringLiteral(")");
+    sql += QStringLiteral(" Order By LibNombre");
+    QList<std::pair<QString, qint16>> libros;
+    auto rs = conexion()->Abrir(sql);
+    for (; !rs->Fin(); rs->MoverSiguiente())
+        libros.append({rs->Texto(QStringLiteral("LibNombre")).trimmed(), qint16(rs->Entero(QStringLiteral("LibCodigo")))});
+    return libros;
 }

@@ -6,10 +6,12 @@
 #include "store/fallo.h"
 
 #include <QDate>
+#include <QList>
 #include <QString>
 
 #include <functional>
 #include <memory>
+#include <utility>
 
 class ServicioMensajes;
 
@@ -34,6 +36,8 @@ struct DatosDocumento
     CatalogoMonedas &monedas() const { return proceso->monedas; }
     qint32 idEmpresa() const { return proceso->IDEmpresa; }
     LibrosSistema librosSistema() const;
+    // The books by name, the system books left out when asked; throws ErrorBaseDatos.
+    QList<std::pair<QString, qint16>> LeerLibros(bool excluirSistema) const;
     bool TienePermiso(QChar letra) const;
 
     // Catalogue messages, by their numbers.

@@ -2,8 +2,8 @@
 
 #include "consultabusqueda.h"
 #include "frmfind.h"
-#include "editing/comandosasiento.h"
 #include "editing/datosdocumento.h"
+#include "editing/pantalla.h"
 #include "entries/vistas.h"
 
 #include <stdexcept>
@@ -25,7 +25,7 @@ frmFind &BusquedaAsientos::Dialogo()
     if (!m_dialogo) {
         QList<std::pair<QString, qint16>> libros;
         try {
-            libros = ComandosAsiento(m_datos, m_asientos, m_pantalla).LeerLibros(false);
+            libros = m_datos.LeerLibros(false);
         } catch (const ErrorBaseDatos &e) {
             m_datos.Error(1910, DetalleError(e.numero(), e.descripcion()));
         }

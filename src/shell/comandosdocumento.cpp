@@ -9,7 +9,9 @@
 #include "editing/asientoapertura.h"
 #include "editing/comandosasiento.h"
 #include "editing/frecuentesrecientes.h"
+#include "entries/frecuentesdatos.h"
 #include "editing/sesionedicion.h"
+#include "frequent/movimientosfrecuentes.h"
 #include "frequent/registrofrecuentes.h"
 #include "search/busquedaasientos.h"
 #include "entries/vistas.h"
@@ -109,6 +111,7 @@ void lumIngAsiento::conectarComandos()
     alElegir("MnuUnificarTCCta", [&c] { c.UnificarTC(true); });
     alElegir("MnuUnificarTCMC", [&c] { c.UnificarTC(false); });
     alElegir("MnuAFrRegistrar", [this] { RegistrarFrecuente(0); });
+    alElegir("MnuAFrNew", [this] { ArmarComandoDiferido(QStringLiteral("2")); });
     alElegir("MnuEdiAPA", [this] { m_apertura->MnuEdiAPA(); });
     alElegir("MnuEdiASI", [this] { m_apertura->ConvertirApertura(); });
     alElegir("MnuEdiLibro", [this] {
@@ -122,9 +125,8 @@ void lumIngAsiento::conectarComandos()
             m_datos.Error(1932, DetalleError(e.numero(), e.descripcion()));
         }
     });
-    // Print, export and a new frequent entry from scratch are not in this build: their
-    // items are not offered.
-    for (const char *ausente : {"MnuEdiLinePrint", "MnuPriCnfgPage", "MnuPriPrint", "MnuPriPrevia", "MnuAFrNew"})
+    // Print and export are not in this build: their items are not offered.
+    for (const char *ausente : {"MnuEdiLinePrint", "MnuPriCnfgPage", "MnuPriPrint", "MnuPriPrevia"})
         m_menus->accion(QString::fromLatin1(ausente))->setVisible(false);
     m_menus->MnuExportar->menuAction()->setVisible(false);
 }
@@ -204,9 +206,30 @@ void lumIngAsiento::tmShowASI_Timer()
     const QString codigo = comando.section(QLatin1Char('|'), 0, 0);
     if (codigo == QLatin1String("1"))
         m_apertura->MnuEdiAPA();
+    else if (codigo == QLatin1String("2"))
+        NuevoFrecuente();
     else if (codigo == QLatin1String("3"))
         registrarFrecuenteDiferido(comando.section(QLatin1Char('|'), 1, 1).toInt());
     m_vsGrid->setFocus();
+}
+
+// "Crear nuevo": a frequent entry typed from scratch; an unscheduled one becomes the first
+// of the user's recent ones.
+void lumIngAsiento::NuevoFrecuente()
+{
+    if (!m_datos.conexion())
+        return;
+    MovimientosFrecuentes dialogo(m_datos, busquedaCuentas(), this);
+    const qint32 id = dialogo.Editar(0);
+    if (id <= 0)
+        return;
+    try {
+        const auto m = FrecuentesDatos(*m_datos.conexion()).Leer(id);
+        if (m && !m->Agendado())
+            FrecuentesRecientes(m_datos).Agregar(id);
+    } catch (const ErrorBaseDatos &e) {
+        m_datos.Error(1908, DetalleError(e.numero(), e.descripcion()));
+    }
 }
 
 // A recent frequent entry is registered after question 1834; "Buscar y Registrar" lets the

@@ -84,7 +84,8 @@ public:
     BusquedaAsientos &busqueda() const { return *m_busqueda; }
     AsientoApertura &apertura() const { return *m_apertura; }
     // The action the deferred-action timer carries out next: "1" the opening-balance entry,
-    // "3|id" the registration of a frequent entry (0: the user finds one).
+    // "2" a new frequent entry, "3|id" the registration of a frequent entry (0: the user
+    // finds one).
     QString ComandoDiferido() const { return m_comandoDiferido; }
     MenusDocumento &menus() const { return *m_menus; }
     AsientosGrilla &asientos() { return m_asientos; }
@@ -143,6 +144,7 @@ private:
     void tmShowASI_Timer();
     void MostrarAvisoApertura(bool existe);
     void RegistrarFrecuente(qint32 mfrID);
+    void NuevoFrecuente();
     void registrarFrecuenteDiferido(qint32 mfrID);
     void CargarFrecuentesRecientes();
 
