@@ -6,6 +6,8 @@
 #include "entries/frecuentesdatos.h"
 #include "entries/modeloasiento.h"
 #include "lineeditor/campofecha.h"
+#include "movimientosfrecuentes.h"
+#include "services/serviciomensajes.h"
 #include "services/ocupado.h"
 
 #include <QFormLayout>
@@ -27,9 +29,10 @@ QString fechaCorta(const QDate &d)
 
 } // namespace
 
-RegistroFrecuentes::RegistroFrecuentes(const DatosDocumento &datos, QWidget *padre)
+RegistroFrecuentes::RegistroFrecuentes(const DatosDocumento &datos, ServicioBusquedaCuentas &cuentas, QWidget *padre)
     : QDialog(padre)
     , m_datos(datos)
+    , m_cuentas(cuentas)
 {
     setObjectName(QStringLiteral("RegistroFrecuentes"));
     setWindowTitle(QStringLiteral("Registrar asiento frecuente"));
@@ -64,8 +67,12 @@ RegistroFrecuentes::RegistroFrecuentes(const DatosDocumento &datos, QWidget *pad
     bfOK->setObjectName(QStringLiteral("bfOK"));
     bfCancel = new QPushButton(m_datos.texto(1089), this);
     bfCancel->setObjectName(QStringLiteral("bfCancel"));
-    bfOK->setAutoDefault(false);
-    bfCancel->setAutoDefault(false);
+    bfModificar = new QPushButton(QStringLiteral("&Modificar..."), this);
+    bfModificar->setObjectName(QStringLiteral("bfModificar"));
+    bfEliminar = new QPushButton(QStringLiteral("&Eliminar"), this);
+    bfEliminar->setObjectName(QStringLiteral("bfEliminar"));
+    for (QPushButton *b : {bfOK, bfCancel, bfModificar, bfEliminar})
+        b->setAutoDefault(false);
 
     auto *buscar = new QFormLayout;
     buscar->addRow(QStringLiteral("&Nombre:"), tBuscar);
@@ -74,6 +81,9 @@ RegistroFrecuentes::RegistroFrecuentes(const DatosDocumento &datos, QWidget *pad
     auto *botones = new QHBoxLayout;
     botones->addLayout(fecha);
     botones->addWidget(lEstado, 1);
+    botones->addWidget(bfModificar);
+    botones->addWidget(bfEliminar);
+    botones->addSpacing(16);
     botones->addWidget(bfOK);
     botones->addWidget(bfCancel);
     auto *todo = new QVBoxLayout(this);
@@ -87,6 +97,8 @@ RegistroFrecuentes::RegistroFrecuentes(const DatosDocumento &datos, QWidget *pad
     connect(lvFrecuentes, &QTreeWidget::itemDoubleClicked, this, &RegistroFrecuentes::bfOK_Click);
     connect(bfOK, &QPushButton::clicked, this, &RegistroFrecuentes::bfOK_Click);
     connect(bfCancel, &QPushButton::clicked, this, &QDialog::reject);
+    connect(bfModificar, &QPushButton::clicked, this, &RegistroFrecuentes::modificar);
+    connect(bfEliminar, &QPushButton::clicked, this, &RegistroFrecuentes::eliminar);
     for (QWidget *w : std::initializer_list<QWidget *>{tBuscar, lvFrecuentes, odFecha})
         w->installEventFilter(this);
 }
@@ -147,6 +159,8 @@ void RegistroFrecuentes::mostrarLineas()
     lEstado->clear();
     const qint32 id = elegido();
     bfOK->setEnabled(id > 0);
+    bfModificar->setEnabled(id > 0);
+    bfEliminar->setEnabled(id > 0);
     if (id <= 0 || !m_datos.conexion())
         return;
     try {
@@ -208,6 +222,33 @@ void RegistroFrecuentes::bfOK_Click()
     } catch (const ErrorBaseDatos &e) {
         m_datos.Error(1912, DetalleError(e.numero(), e.descripcion()));
     }
+}
+
+void RegistroFrecuentes::modificar()
+{
+    const qint32 id = elegido();
+    if (id <= 0)
+        return;
+    if (MovimientosFrecuentes(m_datos, m_cuentas, this).Editar(id) > 0) {
+        llenarLista();
+        for (int i = 0; i < lvFrecuentes->topLevelItemCount(); ++i)
+            if (lvFrecuentes->topLevelItem(i)->data(0, Qt::UserRole).toInt() == id)
+                lvFrecuentes->setCurrentItem(lvFrecuentes->topLevelItem(i));
+    }
+}
+
+void RegistroFrecuentes::eliminar()
+{
+    const qint32 id = elegido();
+    if (id <= 0)
+        return;
+    const QString pregunta = QStringLiteral("¿Elimina el asiento frecuente «%1»?").arg(lvFrecuentes->currentItem()->text(0));
+    if (m_datos.mensajes->Preguntar(pregunta, ServicioMensajes::Botones::SiNo) != ServicioMensajes::Respuesta::Si)
+        return;
+    FrecuentesDatos datos(*m_datos.conexion());
+    if (!datos.Eliminar(id))
+        m_datos.Error(1912, datos.ultimoError());
+    llenarLista();
 }
 
 QString RegistroFrecuentes::Registrar(qint32 mfrID)

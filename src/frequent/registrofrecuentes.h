@@ -8,6 +8,7 @@ class QLabel;
 class QLineEdit;
 class QPushButton;
 class QTreeWidget;
+class ServicioBusquedaCuentas;
 struct DatosDocumento;
 struct MovimientoFrecuente;
 
@@ -15,12 +16,13 @@ struct MovimientoFrecuente;
 // lines, and registers it as an entry at the date chosen (registered when it balances, a
 // draft when the user stores new entries as drafts, incomplete otherwise). Scheduled
 // entries that are due are listed first, marked, with their due date proposed; registering
-// one moves its next date a month on. Failures are told with 1912 and write nothing.
+// one moves its next date a month on. "Modificar" opens the chosen template for changes and
+// "Eliminar" deletes it after a question. Failures are told with 1912 and write nothing.
 class RegistroFrecuentes : public QDialog
 {
     Q_OBJECT
 public:
-    RegistroFrecuentes(const DatosDocumento &datos, QWidget *padre = nullptr);
+    RegistroFrecuentes(const DatosDocumento &datos, ServicioBusquedaCuentas &cuentas, QWidget *padre = nullptr);
 
     // With an id above 0 that template is registered at once, dated today (a scheduled one
     // at its due date); with 0 the dialog lets the user find one. Answers the ids of the
@@ -38,8 +40,11 @@ private:
     qint32 elegido() const;
     qint32 registrar(const MovimientoFrecuente &m, const QDate &fecha);
     void bfOK_Click();
+    void modificar();
+    void eliminar();
 
     const DatosDocumento &m_datos;
+    ServicioBusquedaCuentas &m_cuentas;
     QString m_registrados;
     qint32 m_frecuente = 0;
 
@@ -50,4 +55,6 @@ private:
     QLabel *lEstado = nullptr;
     QPushButton *bfOK = nullptr;
     QPushButton *bfCancel = nullptr;
+    QPushButton *bfModificar = nullptr;
+    QPushButton *bfEliminar = nullptr;
 };

@@ -247,7 +247,7 @@ void lumIngAsiento::registrarFrecuenteDiferido(qint32 mfrID)
 {
     if (!m_datos.conexion())
         return;
-    RegistroFrecuentes registro(m_datos, this);
+    RegistroFrecuentes registro(m_datos, busquedaCuentas(), this);
     const QString ids = registro.Registrar(mfrID);
     if (ids.isEmpty())
         return;
