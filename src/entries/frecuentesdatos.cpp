@@ -2,6 +2,7 @@
 
 #include "modeloasiento.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -15,6 +16,16 @@ QVariant textoONulo(const QString &texto)
 }
 
 } // namespace
+
+QDate FrecuentesDatos::SiguienteFecha(const MovimientoFrecuente &m)
+{
+    QDate siguiente = m.FechaProxima.addMonths(1);
+    // The day the schedule began on comes back when the month has it: the 31st goes to the
+    // 28th of February and back to the 31st in March.
+    if (m.Fecha.isValid() && m.Fecha.day() > siguiente.day())
+        siguiente = QDate(siguiente.year(), siguiente.month(), std::min(m.Fecha.day(), siguiente.daysInMonth()));
+    return siguiente;
+}
 
 bool MovimientoFrecuente::Cierra() const
 {
@@ -165,16 +176,22 @@ std::optional<MovimientoFrecuente> FrecuentesDatos::Leer(qint32 mfrID)
 
 QVector<MovimientoFrecuente> FrecuentesDatos::Buscar(qint32 empresa, const QString &texto)
 {
-    QString sql = QStringLiteral("Select ") + kColumnas + QStringLiteral(" From genMovimientosFrecuentes Where MFrEmpresa = ?");
-    QVariantList valores{empresa};
-    if (!texto.trimmed().isEmpty()) {
-        sql += QStringLiteral(" And Lower(MFrNombre) Like ?");
-        valores << QStringLiteral("%") + texto.trimmed().toLower() + QStringLiteral("%");
-    }
-    sql += QStringLiteral(" Order By MFrNombre, MFrID");
+    // The name is compared here, not by the engine: "%" and "_" are plain characters of a
+    // name, and case is ignored for every letter, accented ones too.
+    const QString buscado = texto.trimmed();
     QVector<MovimientoFrecuente> r;
-    for (auto rs = m_conexion.Abrir(sql, valores); !rs->Fin(); rs->MoverSiguiente())
-        r.append(cabezalDe(*rs));
+    for (auto rs = m_conexion.Abrir(QStringLiteral("Select ") + kColumnas
+                                        + QStringLiteral(" From genMovimientosFrecuentes Where MFrEmpresa = ? Order By MFrNombre, MFrID"),
+                                    {empresa});
+         !rs->Fin(); rs->MoverSiguiente()) {
+        MovimientoFrecuente m = cabezalDe(*rs);
+        if (buscado.isEmpty() || m.Nombre.contains(buscado, Qt::CaseInsensitive))
+            r.append(std::move(m));
+    }
+    // By name as a reader sorts them, whatever the engine's collation.
+    std::stable_sort(r.begin(), r.end(), [](const MovimientoFrecuente &a, const MovimientoFrecuente &b) {
+        return QString::localeAwareCompare(a.Nombre.toLower(), b.Nombre.toLower()) < 0;
+    });
     return r;
 }
 
@@ -204,7 +221,7 @@ qint32 FrecuentesDatos::Registrar(const MovimientoFrecuente &m, const QDate &fec
             // same due date finds it moved and writes nothing.
             if (m_conexion.Ejecutar(QStringLiteral("Update genMovimientosFrecuentes Set MFrFechaProxima = ?"
                                                    " Where MFrID = ? And MFrFechaProxima = ?"),
-                                    {Conexion::ValorFecha(m.FechaProxima.addMonths(1)), m.MFrID, Conexion::ValorFecha(m.FechaProxima)})
+                                    {Conexion::ValorFecha(SiguienteFecha(m)), m.MFrID, Conexion::ValorFecha(m.FechaProxima)})
                 != 1)
                 throw ErrorBaseDatos(QStringLiteral("El asiento agendado ya fue registrado en esa fecha."));
         }

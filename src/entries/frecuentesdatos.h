@@ -70,6 +70,9 @@ public:
 
     QString ultimoError() const { return m_error; }
 
+    // A scheduled template's next date after the one due: a month on, on the day it began.
+    static QDate SiguienteFecha(const MovimientoFrecuente &m);
+
 private:
     void escribirLineas(const MovimientoFrecuente &m);
     MovimientoFrecuente cabezalDe(Recordset &rs) const;

@@ -1,0 +1,280 @@
+#include "fixtureasientos.h"
+
+#include "entries/frecuentesdatos.h"
+#include "entries/modeloasiento.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+// Templates stored and registered on the small company of DatosAsientos: 10 Caja ($),
+// 11 Banco U$S, 20 Ventas, 21 Proveedores (closed on 30 June 2020), 22 alquileres.
+class Frecuentes : public ::testing::TestWithParam<Motor>
+{
+protected:
+    Frecuentes()
+        : d(GetParam())
+        , f(d.conexion())
+    {
+    }
+
+    static LineaDatos linea(qint32 cuenta, bool debe, double importe, double mc = -1, qint16 pry = 0, qint16 dep = 0)
+    {
+        LineaDatos l;
+        l.Cuenta = cuenta;
+        l.AlDebe = debe;
+        l.Importe = importe;
+        l.ImporteMC = mc < 0 ? importe : mc;
+        l.Tasa = importe != 0 ? l.ImporteMC / importe : 0;
+        l.Proyecto = pry;
+        l.Departamento = dep;
+        return l;
+    }
+
+    static MovimientoFrecuente plantilla(const QString &nombre, const QVector<LineaDatos> &lineas, const QDate &proxima = {})
+    {
+        MovimientoFrecuente m;
+        m.Empresa = 1;
+        m.Nombre = nombre;
+        m.Recurrencia = proxima.isValid() ? QString::fromLatin1(FrecuentesDatos::kRecurrenciaAgendado) : QString();
+        m.FechaProxima = proxima;
+        m.Fecha = QDate(2026, 3, 10);
+        m.Leyenda = nombre + QStringLiteral(" (leyenda)");
+        m.Libro = 1;
+        m.Autoriza = 4;
+        m.Usuario = 7;
+        m.Lineas = lineas;
+        m.Monedas = QVector<qint16>(lineas.size(), 1);
+        return m;
+    }
+
+    // Rows of a query as "a|b|c", amounts written to the cent.
+    QStringList filas(const QString &sql, const QVariantList &valores = {})
+    {
+        QStringList r;
+        for (auto rs = d.conexion().Abrir(sql, valores); !rs->Fin(); rs->MoverSiguiente()) {
+            QStringList celdas;
+            for (int c = 0; c < rs->CantidadCampos(); ++c) {
+                const QVariant v = rs->Campo(c);
+                // PostgreSQL hands numeric columns back as text with their scale.
+                const bool decimal = v.typeId() == QMetaType::Double || v.toString().contains(QLatin1Char('.'));
+                celdas << (v.isNull() ? QStringLiteral("null") : decimal ? QString::number(v.toDouble(), 'f', 2) : v.toString());
+            }
+            r << celdas.join(QLatin1Char('|'));
+        }
+        return r;
+    }
+
+    void guardar(MovimientoFrecuente m, qint32 empresa = 1)
+    {
+        m.Empresa = empresa;
+        ASSERT_GT(f.Guardar(m), 0) << f.ultimoError().toStdString();
+    }
+
+    int contar(const QString &sql) { return filas(sql).value(0).toInt(); }
+
+    QString proxima(qint32 mfrID)
+    {
+        return filas(QStringLiteral("Select MFrRecurrencia, MFrFechaProxima From genMovimientosFrecuentes Where MFrID = ?"), {mfrID}).value(0);
+    }
+
+    // An entry as stored: state, date, legend, book, then each line by its order.
+    QStringList asiento(qint32 id)
+    {
+        return filas(QStringLiteral("Select AsiEstado, AsiFechaAsiento, AsiLeyenda, AsiTipo From cceAsientos Where AsiID = ?"), {id})
+               + filas(QStringLiteral("Select ACuCuenta, ACuDebe, AcuHaber, ACuImporteMC, ACuProyecto, ACuDepartamento"
+                                      " From cceAsientoCuenta Where ACuIDAsiento = ? Order By ACuOrden"),
+                       {id});
+    }
+
+    // A whole template as one text, amounts to the cent, so a round trip compares whole.
+    static QString texto(const MovimientoFrecuente &m)
+    {
+        QStringList t{QStringList{QString::number(m.MFrID), QString::number(m.Empresa), m.Nombre, m.Recurrencia,
+                                  m.FechaProxima.toString(Qt::ISODate), m.Fecha.toString(Qt::ISODate), m.Leyenda,
+                                  QString::number(m.Libro), QString::number(m.Autoriza), QString::number(m.Usuario)}
+                          .join(QLatin1Char('|'))};
+        for (int i = 0; i < m.Lineas.size(); ++i) {
+            const LineaDatos &l = m.Lineas[i];
+            t << QStringLiteral("%1 %2 %3 %4 %5 %6/%7 $%8").arg(l.Cuenta).arg(l.AlDebe ? 'D' : 'H').arg(l.Importe, 0, 'f', 2)
+                     .arg(l.ImporteMC, 0, 'f', 2).arg(l.Tasa, 0, 'f', 6).arg(l.Proyecto).arg(l.Departamento).arg(m.Monedas.value(i, -1));
+        }
+        return t.join(QLatin1Char('\n'));
+    }
+
+    DatosAsientos d;
+    FrecuentesDatos f;
+    LibrosSistema libros;
+    const QVector<LineaDatos> unPeso{linea(22, true, 1), linea(10, false, 1)};
+};
+
+TEST_P(Frecuentes, GuardarYLeerConservanCabezalLineasYMonedasYReemplazarCambiaLasLineas)
+{
+    MovimientoFrecuente m = plantilla(QStringLiteral("Alquiler"),
+                                      {linea(22, true, 1234.56, -1, 2, 3), linea(11, false, 30.86, 1234.40), linea(20, false, 0.16)});
+    m.Monedas = {1, 2, 0};
+    const qint32 id = f.Guardar(m);
+    ASSERT_GT(id, 0) << f.ultimoError().toStdString();
+    EXPECT_EQ(m.MFrID, id);
+    EXPECT_EQ(filas(QStringLiteral("Select MFLOrden, MFLCuenta, MFLMoneda, MFLEsDebe, MFLImporte, MFLImporteMC, MFLProyecto,"
+                                   " MFLDepartamento From genMovimientosFrecuentesLineas Where MFLIDMovimiento = ? Order By MFLOrden"),
+                    {id}),
+              (QStringList{QStringLiteral("1|22|1|1|1234.56|1234.56|2|3"), QStringLiteral("2|11|2|0|30.86|1234.40|0|0"),
+                           QStringLiteral("3|20|0|0|0.16|0.16|0|0")}));
+
+    const auto leido = f.Leer(id);
+    ASSERT_TRUE(leido.has_value());
+    EXPECT_EQ(texto(*leido), texto(m));
+    EXPECT_FALSE(leido->Agendado());
+    EXPECT_TRUE(leido->Cierra());
+
+    // Stored again: the same template, its old lines gone.
+    m.Nombre = QStringLiteral("Alquiler local");
+    m.Lineas = {linea(10, false, 99.99), linea(22, true, 99.99)};
+    m.Monedas = {1, 1};
+    EXPECT_EQ(f.Guardar(m), id);
+    EXPECT_EQ(contar(QStringLiteral("Select Count(*) From genMovimientosFrecuentes")), 1);
+    EXPECT_EQ(filas(QStringLiteral("Select MFLIDMovimiento, MFLOrden, MFLCuenta, MFLImporteMC From genMovimientosFrecuentesLineas"
+                                   " Order By MFLOrden")),
+              (QStringList{QStringLiteral("%1|1|10|99.99").arg(id), QStringLiteral("%1|2|22|99.99").arg(id)}));
+    EXPECT_EQ(texto(*f.Leer(id)), texto(m));
+
+    // One that no longer exists is not brought back.
+    ASSERT_TRUE(f.Eliminar(id));
+    EXPECT_EQ(f.Guardar(m), 0);
+    EXPECT_EQ(contar(QStringLiteral("Select Count(*) From genMovimientosFrecuentesLineas")), 0);
+    EXPECT_FALSE(f.Leer(id).has_value());
+}
+
+TEST_P(Frecuentes, RegistrarSegunCuadreRegistradoBorradorOInconcluso)
+{
+    // 0.10 + 0.20 against 0.30 balances to the cent; 100 against 99.99 does not.
+    MovimientoFrecuente cierra = plantilla(QStringLiteral("Centavos"), {linea(22, true, 0.1, -1, 5, 6), linea(10, true, 0.2), linea(20, false, 0.3)});
+    MovimientoFrecuente noCierra = plantilla(QStringLiteral("Descuadrado"), {linea(22, true, 100), linea(10, false, 99.99)});
+    const QDate fecha(2026, 4, 30);
+    const QStringList lineasCierra{QStringLiteral("22|0.10|null|0.10|5|6"), QStringLiteral("10|0.20|null|0.20|0|0"),
+                                   QStringLiteral("20|null|0.30|0.30|0|0")};
+
+    const qint32 registrado = f.Registrar(cierra, fecha, 7, libros, false);
+    ASSERT_GT(registrado, 0) << f.ultimoError().toStdString();
+    EXPECT_EQ(asiento(registrado), QStringList{QStringLiteral("1|2026-04-30|Centavos (leyenda)|1")} + lineasCierra);
+
+    const qint32 borrador = f.Registrar(cierra, fecha, 7, libros, true);
+    EXPECT_EQ(asiento(borrador), QStringList{QStringLiteral("0|2026-04-30|Centavos (leyenda)|1")} + lineasCierra);
+
+    for (bool enBorrador : {false, true}) {
+        const qint32 inconcluso = f.Registrar(noCierra, fecha.addDays(1), 7, libros, enBorrador);
+        EXPECT_EQ(asiento(inconcluso), (QStringList{QStringLiteral("2|2026-05-01|Descuadrado (leyenda)|1"),
+                                                    QStringLiteral("22|100.00|null|100.00|0|0"),
+                                                    QStringLiteral("10|null|99.99|99.99|0|0")}))
+            << enBorrador;
+    }
+    EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientos Where AsiUsuario = 7")), 4);
+
+    // A template without lines writes nothing.
+    EXPECT_EQ(f.Registrar(plantilla(QStringLiteral("Vacío"), {}), fecha, 7, libros, false), 0);
+    EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientos")), 4);
+}
+
+TEST_P(Frecuentes, UnAgendadoAvanzaUnMesYLaMismaFechaNoSeRegistraDosVeces)
+{
+    CabezalDatos c;
+    c.Empresa = 1;
+    c.Fecha = QDate(2026, 1, 15);
+    c.Leyenda = QStringLiteral("Alquiler mensual");
+    c.Libro = 1;
+    const qint32 id = f.Crear(c, {linea(22, true, 500), linea(10, false, 500)}, {1, 1}, true, QStringLiteral("Alquiler mensual"));
+    ASSERT_GT(id, 0) << f.ultimoError().toStdString();
+    EXPECT_EQ(proxima(id), QStringLiteral("mensual|2026-01-15"));
+
+    const MovimientoFrecuente leido = *f.Leer(id);
+    const qint32 primero = f.Registrar(leido, leido.FechaProxima, 7, libros, false);
+    ASSERT_GT(primero, 0) << f.ultimoError().toStdString();
+    EXPECT_EQ(asiento(primero).value(0), QStringLiteral("1|2026-01-15|Alquiler mensual|1"));
+    EXPECT_EQ(proxima(id), QStringLiteral("mensual|2026-02-15"));
+
+    // The same due date again, from the template as it was read: nothing at all.
+    EXPECT_EQ(f.Registrar(leido, leido.FechaProxima, 7, libros, false), 0);
+    EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientos")), 1);
+    EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientoCuenta")), 2);
+    EXPECT_EQ(proxima(id), QStringLiteral("mensual|2026-02-15"));
+
+    // Read again, the next month goes through.
+    const MovimientoFrecuente siguiente = *f.Leer(id);
+    EXPECT_GT(f.Registrar(siguiente, siguiente.FechaProxima, 7, libros, false), primero);
+    EXPECT_EQ(proxima(id), QStringLiteral("mensual|2026-03-15"));
+}
+
+// A schedule begun on the 31st keeps its day where the month has it.
+TEST(FrecuentesFechas, ElDiaDelComienzoVuelveCuandoElMesLoTiene)
+{
+    MovimientoFrecuente m;
+    m.Recurrencia = QString::fromLatin1(FrecuentesDatos::kRecurrenciaAgendado);
+    m.Fecha = QDate(2026, 1, 31);
+    QStringList fechas;
+    for (m.FechaProxima = m.Fecha; fechas.size() < 4; m.FechaProxima = FrecuentesDatos::SiguienteFecha(m))
+        fechas << m.FechaProxima.toString(Qt::ISODate);
+    EXPECT_EQ(fechas, (QStringList{QStringLiteral("2026-01-31"), QStringLiteral("2026-02-28"), QStringLiteral("2026-03-31"),
+                                   QStringLiteral("2026-04-30")}));
+}
+
+TEST_P(Frecuentes, UnaCuentaCerradaALaFechaNoDejaNadaEscrito)
+{
+    // Proveedores (21) is closed on 30 June 2020: that day is refused, the next is not.
+    MovimientoFrecuente guardado = plantilla(QStringLiteral("Pago"), {linea(21, true, 50), linea(10, false, 50)}, QDate(2020, 6, 30));
+    const qint32 id = f.Guardar(guardado);
+    ASSERT_GT(id, 0);
+
+    EXPECT_EQ(f.Registrar(guardado, QDate(2020, 6, 30), 7, libros, false), 0);
+    EXPECT_TRUE(f.ultimoError().contains(QStringLiteral("30/06/2020"))) << f.ultimoError().toStdString();
+    EXPECT_EQ(f.Registrar(guardado, QDate(2019, 12, 31), 7, libros, false), 0);
+    EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientos")), 0);
+    EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientoCuenta")), 0);
+    EXPECT_EQ(proxima(id), QStringLiteral("mensual|2020-06-30")); // the move of the date went back too
+
+    const qint32 asi = f.Registrar(guardado, QDate(2020, 7, 1), 7, libros, false);
+    EXPECT_EQ(asiento(asi).value(0), QStringLiteral("1|2020-07-01|Pago (leyenda)|1"));
+    EXPECT_EQ(proxima(id), QStringLiteral("mensual|2020-07-30"));
+}
+
+TEST_P(Frecuentes, VencidosSoloLosAgendadosDeLaEmpresaHastaHoy)
+{
+    guardar(plantilla(QStringLiteral("Vence hoy"), unPeso, QDate(2026, 11, 23)));
+    guardar(plantilla(QStringLiteral("Vence mañana"), unPeso, QDate(2026, 11, 24)));
+    guardar(plantilla(QStringLiteral("Venció en octubre"), unPeso, QDate(2026, 10, 1)));
+    guardar(plantilla(QStringLiteral("Vence en otra empresa"), unPeso, QDate(2026, 1, 1)), 2);
+    MovimientoFrecuente sinAgenda = plantilla(QStringLiteral("Sin agenda"), unPeso);
+    sinAgenda.FechaProxima = QDate(2026, 1, 1); // a date, but no recurrence: never due
+    guardar(sinAgenda);
+
+    QStringList vencidos;
+    for (const MovimientoFrecuente &m : f.Vencidos(1, QDate(2026, 11, 23)))
+        vencidos << m.Nombre + QLatin1Char('@') + m.FechaProxima.toString(Qt::ISODate);
+    EXPECT_EQ(vencidos, (QStringList{QStringLiteral("Venció en octubre@2026-10-01"), QStringLiteral("Vence hoy@2026-11-23")}));
+    EXPECT_TRUE(f.Vencidos(1, QDate(2026, 9, 30)).isEmpty());
+}
+
+TEST_P(Frecuentes, BuscarPorParteDelNombreSinMayusculasYPorNombre)
+{
+    for (const char *nombre : {"Alquiler Oficina", "ALQUILER DEPÓSITO", "Retención 2%", "Sueldos 2026"})
+        guardar(plantilla(QString::fromUtf8(nombre), unPeso));
+    guardar(plantilla(QStringLiteral("alquiler ajeno"), unPeso), 2);
+    auto nombres = [&](const QString &texto) {
+        QStringList r;
+        for (const MovimientoFrecuente &m : f.Buscar(1, texto)) {
+            EXPECT_TRUE(m.Lineas.isEmpty()); // headers only
+            r << m.Nombre;
+        }
+        return r;
+    };
+    EXPECT_EQ(nombres(QStringLiteral("alquiler")), (QStringList{QStringLiteral("ALQUILER DEPÓSITO"), QStringLiteral("Alquiler Oficina")}));
+    EXPECT_EQ(nombres(QStringLiteral(" OFICINA ")), QStringList{QStringLiteral("Alquiler Oficina")});
+    EXPECT_EQ(nombres(QStringLiteral("depósito")), QStringList{QStringLiteral("ALQUILER DEPÓSITO")});
+    EXPECT_EQ(nombres(QStringLiteral("2%")), QStringList{QStringLiteral("Retención 2%")});
+    EXPECT_EQ(nombres(QString()).size(), contar(QStringLiteral("Select Count(*) From genMovimientosFrecuentes Where MFrEmpresa = 1")));
+}
+
+INSTANTIATE_TEST_SUITE_P(Motores, Frecuentes, ::testing::ValuesIn(MotoresDePrueba()),
+                         [](const ::testing::TestParamInfo<Motor> &i) { return NombreMotor(i.param).toStdString(); });
+
+} // namespace

@@ -1,0 +1,186 @@
+#include "escenario.h"
+
+#include "entries/asientodatos.h"
+#include "entries/modeloasiento.h"
+#include "entries/vistas.h"
+#include "shell/menusdocumento.h"
+#include "store/basedemo.h"
+
+#include <QAction>
+#include <QMenu>
+#include <QToolButton>
+
+#include <tuple>
+
+namespace {
+
+// Frequent entries from the document: made from the entry menu, offered in the link's menu
+// of recent ones, registered from there after the question.
+class FrecuentesEnDocumento : public Escenario
+{
+protected:
+    qint32 cuenta(const char *codigo)
+    {
+        auto rs = m_base.conexion().Abrir(QStringLiteral("Select CueID From cceCuentas Where CueCodigo = ?"), {QString::fromLatin1(codigo)});
+        return qint32(rs->Entero(QStringLiteral("CueID")));
+    }
+
+    // An entry of yesterday, Alquileres (5.3.01) against Caja (1.1.01), shown last.
+    qint32 asiento(qint16 estado, const QString &leyenda, double debe, double haber)
+    {
+        AsientoDatos d(m_base.conexion());
+        d.Cabezal().Empresa = Demo::kEmpresa;
+        d.Cabezal().Estado = estado;
+        d.Cabezal().Fecha = BaseDePrueba::Hoy().addDays(-1);
+        d.Cabezal().Leyenda = leyenda;
+        d.Cabezal().Libro = Demo::kLibroDiario;
+        for (const auto &[codigo, alDebe, importe] : {std::tuple{"5.3.01", true, debe}, std::tuple{"1.1.01", false, haber}}) {
+            LineaDatos l;
+            l.Cuenta = cuenta(codigo);
+            l.AlDebe = alDebe;
+            l.Importe = l.ImporteMC = importe;
+            l.Tasa = 1;
+            d.Lineas() << l;
+        }
+        const qint32 id = d.GrabarTodo();
+        EXPECT_GT(id, 0) << d.ultimoError().toStdString();
+        EXPECT_FALSE(CargarAsientoEnGrilla(m_doc->asientos(), *m_doc->proceso().conexion, id, m_doc->grilla().Filas() - 1));
+        return id;
+    }
+
+    // Runs an item of the entry menu on the entry's header row; answers the template made, 0
+    // when none was.
+    qint32 comandoSobre(qint32 asiID, const char *accion)
+    {
+        const QString ultima = QStringLiteral("Select Max(MFrID) From genMovimientosFrecuentes");
+        const qint32 antes = valor(ultima);
+        m_doc->grid()->FijarFilaActual(filaDe(asiID));
+        m_doc->menus().accion(QString::fromLatin1(accion))->trigger();
+        return valor(ultima) > antes ? valor(ultima) : 0;
+    }
+
+    qint32 valor(const QString &sql) { return QVariant(m_base.conexion().Abrir(sql)->Campo(0)).toInt(); }
+
+    // The link's menu as the user opens it: its recent items as "name #id".
+    QStringList recientes()
+    {
+        m_doc->findChild<QToolButton *>(QStringLiteral("hlAsientoFrecuente"))->click();
+        QStringList r;
+        for (QAction *a : m_doc->menus().MnuAFrRecientes)
+            r << QStringLiteral("%1 #%2").arg(a->text()).arg(a->data().toInt());
+        m_doc->menus().MnuAsientoFrecuente->close();
+        return r;
+    }
+
+    // An entry's lines, or a template's, as account code, side and amount to the cent, in order.
+    QStringList lineas(qint32 id, bool deFrecuente = false)
+    {
+        const QString sql = deFrecuente
+                                ? QStringLiteral("Select CueCodigo, MFLEsDebe As Debe, MFLImporteMC As MC From genMovimientosFrecuentesLineas"
+                                                 " INNER JOIN cceCuentas ON CueID = MFLCuenta Where MFLIDMovimiento = ? Order By MFLOrden")
+                                : QStringLiteral("Select CueCodigo, Case When AcuHaber Is Null Then 1 Else 0 End As Debe, ACuImporteMC As MC"
+                                                 " From cceAsientoCuenta INNER JOIN cceCuentas ON CueID = ACuCuenta"
+                                                 " Where ACuIDAsiento = ? Order By ACuOrden");
+        QStringList r;
+        for (auto rs = m_base.conexion().Abrir(sql, {id}); !rs->Fin(); rs->MoverSiguiente())
+            r << QStringLiteral("%1|%2|%3").arg(rs->Texto(QStringLiteral("CueCodigo")), QLatin1String(rs->Entero(QStringLiteral("Debe")) ? "D" : "H"),
+                                                QString::number(rs->Numero(QStringLiteral("MC")), 'f', 2));
+        return r;
+    }
+
+    QString guardadosEnAjustes()
+    {
+        auto rs = m_base.conexion().Abrir(QStringLiteral("Select CfuValor From genConfigUsuario Where CfuUsuario = ? And CfuSeccion = ?"
+                                                         " And CfuClave = 'AsiFrecuentes'"),
+                                          {Demo::kUsuarioAdministrador, QString::fromLatin1(Demo::kModulo)});
+        return rs->Fin() ? QString() : rs->Texto(QStringLiteral("CfuValor"));
+    }
+};
+
+TEST_P(FrecuentesEnDocumento, HacerFrecuenteDeUnAsientoLoOfreceEntreLosRecientesYAgendarNo)
+{
+    const QStringList alComienzo = recientes();
+    const qint32 inconcluso = asiento(EstadoAsiento::kInconcluso, QStringLiteral("Sin cuadrar"), 100, 90);
+    const qint32 registrado = asiento(EstadoAsiento::kRegistrado, QStringLiteral("Alquiler de oficina"), 1200.5, 1200.5);
+
+    EXPECT_EQ(comandoSobre(inconcluso, "MnuEdiHacerFrecuente"), 0);
+    const qint32 frecuente = comandoSobre(registrado, "MnuEdiHacerFrecuente");
+    ASSERT_GT(frecuente, 0);
+    EXPECT_EQ(lineas(frecuente, true), (QStringList{QStringLiteral("5.3.01|D|1200.50"), QStringLiteral("1.1.01|H|1200.50")}));
+    EXPECT_EQ(valor(QStringLiteral("Select Count(*) From genMovimientosFrecuentes Where MFrID = %1 And MFrRecurrencia Is Null"
+                                    " And MFrNombre = 'Alquiler de oficina'").arg(frecuente)),
+              1);
+    EXPECT_EQ(recientes(), QStringList{QStringLiteral("Alquiler de oficina #%1").arg(frecuente)} + alComienzo);
+
+    // Scheduled: stored with its next date, but never one of the recent ones.
+    const qint32 agendado = comandoSobre(registrado, "MnuEdiAgendarAsiento");
+    ASSERT_GT(agendado, 0);
+    auto rs = m_base.conexion().Abrir(QStringLiteral("Select MFrFechaProxima From genMovimientosFrecuentes Where MFrID = ?"
+                                                     " And MFrRecurrencia Is Not Null"), {agendado});
+    ASSERT_FALSE(rs->Fin());
+    EXPECT_EQ(rs->Fecha(QStringLiteral("MFrFechaProxima")), BaseDePrueba::Hoy().addDays(-1));
+    rs->Cerrar();
+    EXPECT_EQ(recientes(), QStringList{QStringLiteral("Alquiler de oficina #%1").arg(frecuente)} + alComienzo);
+    EXPECT_TRUE(guardadosEnAjustes().startsWith(QString::number(frecuente)));
+    EXPECT_FALSE(guardadosEnAjustes().split(QLatin1Char(',')).contains(QString::number(agendado)));
+    EXPECT_TRUE(m_mensajes.mostrados.isEmpty()) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
+}
+
+TEST_P(FrecuentesEnDocumento, UnRecienteSeRegistraSoloConSiYQuedaAlFinalDeLaGrilla)
+{
+    const qint32 alquiler = comandoSobre(asiento(EstadoAsiento::kRegistrado, QStringLiteral("Alquiler"), 800, 800), "MnuEdiHacerFrecuente");
+    const qint32 sueldos = comandoSobre(asiento(EstadoAsiento::kRegistrado, QStringLiteral("Sueldos"), 55.25, 55.25), "MnuEdiHacerFrecuente");
+    ASSERT_GT(alquiler, 0);
+    ASSERT_GT(sueldos, 0);
+    ASSERT_EQ(recientes().mid(0, 2), (QStringList{QStringLiteral("Sueldos #%1").arg(sueldos), QStringLiteral("Alquiler #%1").arg(alquiler)}));
+    auto elegir = [this](qint32 id) {
+        recientes();
+        for (QAction *a : m_doc->menus().MnuAFrRecientes)
+            if (a->data().toInt() == id)
+                a->trigger();
+    };
+
+    const qint32 ultimo = ultimoId();
+    m_mensajes.Responder(ServicioMensajes::Respuesta::No);
+    elegir(alquiler);
+    EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("pregunta: ¿Confirma realizar el asiento?")});
+    EXPECT_TRUE(m_doc->ComandoDiferido().isEmpty());
+    QTest::qWait(50);
+    EXPECT_EQ(ultimoId(), ultimo);
+
+    const QStringList antes = filasVistas(m_doc->grilla().FilasFijas(), m_doc->grilla().Filas() - 1);
+    m_mensajes.Responder(ServicioMensajes::Respuesta::Si);
+    elegir(alquiler);
+    EXPECT_EQ(m_doc->ComandoDiferido(), QStringLiteral("3|%1").arg(alquiler));
+    QTest::qWait(50);
+    EXPECT_TRUE(m_doc->ComandoDiferido().isEmpty());
+
+    const qint32 nuevo = ultimoId();
+    ASSERT_GT(nuevo, ultimo);
+    EXPECT_EQ(ids(QStringLiteral("AsiID > %1").arg(ultimo)), QList<qint32>{nuevo});
+    const AsientoEnBase a = enBase(nuevo);
+    const QString estado = QString::number(m_doc->AsiSaveB() ? EstadoAsiento::kBorrador : EstadoAsiento::kRegistrado);
+    EXPECT_EQ(a.cabezal.mid(0, 4), (QStringList{estado, QDate::currentDate().toString(Qt::ISODate), QStringLiteral("Alquiler"),
+                                                QString::number(Demo::kLibroDiario)}));
+    EXPECT_EQ(lineas(nuevo), lineas(alquiler, true));
+
+    // The entry comes after every row shown before, only the "Nuevo Asiento" row stays
+    // last; it is the current row.
+    const int fijas = m_doc->grilla().FilasFijas();
+    const int fila = filaDe(nuevo);
+    ASSERT_EQ(antes.last(), QStringLiteral("Nuevo Asiento|||||"));
+    EXPECT_EQ(fila, fijas + antes.size() - 1);
+    EXPECT_EQ(filasVistas(fijas, fila - 1), antes.mid(0, antes.size() - 1));
+    EXPECT_EQ(m_doc->asientos().UltimaFilaAsiento(fila), m_doc->grilla().Filas() - 2);
+    EXPECT_EQ(filasVistas(m_doc->grilla().Filas() - 1, m_doc->grilla().Filas() - 1), antes.mid(antes.size() - 1));
+    EXPECT_EQ(m_doc->grid()->FilaActual(), fila);
+
+    EXPECT_EQ(recientes().mid(0, 2), (QStringList{QStringLiteral("Alquiler #%1").arg(alquiler), QStringLiteral("Sueldos #%1").arg(sueldos)}));
+    EXPECT_TRUE(guardadosEnAjustes().startsWith(QStringLiteral("%1,%2").arg(alquiler).arg(sueldos)));
+    EXPECT_EQ(m_mensajes.mostrados.size(), 2) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
+}
+
+INSTANTIATE_TEST_SUITE_P(Motores, FrecuentesEnDocumento, ::testing::ValuesIn(MotoresDePrueba()),
+                         [](const ::testing::TestParamInfo<Motor> &i) { return NombreMotor(i.param).toStdString(); });
+
+} // namespace
