@@ -76,7 +76,10 @@ void ComandosAsiento::RegistrarAsiento()
         m_asientos.ResetCabezal();
     };
     if (cabezal < 0 || c.AsiEstado >= EstadoAsiento::kInconcluso) {
+        const bool incompleto = cabezal >= 0 && c.AsiEstado == EstadoAsiento::kInconcluso;
         terminar();
+        if (incompleto)
+            m_datos.Informar(1952);
         return;
     }
     if (c.AsiID <= 0) {
@@ -534,6 +537,7 @@ void ComandosAsiento::CopiarAsiento()
         datos.Cabezal().AsiID = 0;
         datos.Cabezal().FechaModificado = QDateTime();
         datos.Cabezal().Usuario = m_datos.usuario;
+        datos.Cabezal().FechaCambioEstado = AsientoDatos::SelloNuevo(QDateTime()); // the copy's own
         if (datos.HayCuentasCerradas(datos.Cabezal().Fecha)) {
             m_datos.mensajes->Informar(m_datos.texto(1816));
             return;

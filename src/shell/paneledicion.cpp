@@ -15,6 +15,7 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QToolTip>
 #include <QVBoxLayout>
 
 PanelEdicion::PanelEdicion(lumIngAsiento &documento, const DatosDocumento &datos, Grilla &grilla, vsGrid *grid,
@@ -100,6 +101,7 @@ void PanelEdicion::conectarEditor()
         // An entry of a company whose entries carry an authoriser needs one.
         if (ConAutoriza() && cfAutoriza->currentIndex() < 0) {
             cfAutoriza->setFocus();
+            QToolTip::showText(cfAutoriza->mapToGlobal(QPoint(0, cfAutoriza->height())), m_datos.texto(1953), cfAutoriza);
             return;
         }
         m_doc.edicion().AceptarLinea();

@@ -99,8 +99,11 @@ TEST_P(Correcciones, SeEliminaLaLineaElegidaYElAsientoQuedaInconcluso)
     // 10 against 7 no longer balances: incomplete, and "Grabar" cannot register it.
     EXPECT_EQ(a.cabezal[0], QStringLiteral("2"));
     m_doc->grid()->FijarFilaActual(filaDe(id));
+    m_mensajes.mostrados.clear();
     m_doc->menus().accion(QStringLiteral("MnuEdiSaveNormal"))->trigger();
     EXPECT_EQ(enBase(id).cabezal[0], QStringLiteral("2"));
+    ASSERT_EQ(m_mensajes.mostrados.size(), 1); // and the user is told why
+    EXPECT_TRUE(m_mensajes.mostrados[0].startsWith(QStringLiteral("información: El asiento está incompleto")));
 }
 
 TEST_P(Correcciones, UnAsientoConUnaCuentaCerradaNoCambiaEnNada)
