@@ -5,6 +5,7 @@
 #include "editing/datosdocumento.h"
 #include "entries/modeloasiento.h"
 #include "lineeditor/campofecha.h"
+#include "lineeditor/contextodocumento.h"
 #include "lineeditor/lumerasiento.h"
 #include "services/serviciobusquedacuentas.h"
 #include "services/serviciomensajes.h"
@@ -130,20 +131,7 @@ void MovimientosFrecuentes::crearControles()
 
 void MovimientosFrecuentes::prepararEditor()
 {
-    ContextoLinea c;
-    c.conexion = m_datos.conexion();
-    c.monedas = &m_datos.monedas();
-    c.mensajes = m_datos.mensajes;
-    c.busqueda = &m_cuentas;
-    c.empresa = m_datos.idEmpresa();
-    c.monedaContabilidad = m_datos.empresa.monedaContabilidad;
-    c.mostrarCodigoCta = m_datos.empresa.mostrarCodigoCta;
-    c.tipoTCComprobantes = m_datos.empresa.tipoTCComprobantes;
-    c.reglas.delimitador = m_datos.parametros().delimitadorFecha;
-    c.reglas.patronFecha = m_datos.parametros().formatoFecha;
-    c.reglas.fechaCotizacion = m_datos.empresa.fechaCotizacion;
-    c.texto = m_datos.texto;
-    oraEdit->FijarContexto(std::move(c));
+    oraEdit->FijarContexto(ContextoDeDocumento(m_datos, m_cuentas));
     oraEdit->InitRegistro();
     oraEdit->setFechaAsiento(chkAgendar->isChecked() ? odDesde->date() : QDate::currentDate());
 }

@@ -12,6 +12,7 @@
 #include "search/busquedaasientos.h"
 #include "entries/vistas.h"
 #include "entries/vsgrid.h"
+#include "lineeditor/contextodocumento.h"
 #include "lineeditor/lumerasiento.h"
 #include "services/serviciobusquedacuentas.h"
 #include "services/servicioconfigusuario.h"
@@ -202,20 +203,7 @@ QComboBox *lumIngAsiento::listaLibros() const
 // up itself.
 void lumIngAsiento::prepararEditor()
 {
-    ContextoLinea c;
-    c.conexion = m_datos.conexion();
-    c.monedas = &m_datos.monedas();
-    c.mensajes = m_entorno.mensajes;
-    c.busqueda = &busquedaCuentas();
-    c.empresa = m_datos.idEmpresa();
-    c.monedaContabilidad = m_datos.empresa.monedaContabilidad;
-    c.mostrarCodigoCta = m_datos.empresa.mostrarCodigoCta;
-    c.tipoTCComprobantes = m_datos.empresa.tipoTCComprobantes;
-    c.reglas.delimitador = m_datos.parametros().delimitadorFecha;
-    c.reglas.patronFecha = m_datos.parametros().formatoFecha;
-    c.reglas.fechaCotizacion = m_datos.empresa.fechaCotizacion;
-    c.texto = m_datos.texto;
-    m_panel->editor()->FijarContexto(std::move(c));
+    m_panel->editor()->FijarContexto(ContextoDeDocumento(m_datos, busquedaCuentas()));
 }
 
 void lumIngAsiento::showEvent(QShowEvent *evento)

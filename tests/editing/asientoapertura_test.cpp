@@ -2,6 +2,7 @@
 // the accounts, and an entry turned into it and back. No window is opened; the database is
 // read back afterwards with queries of our own.
 #include "comun/basesprueba.h"
+#include "comun/datosdeprueba.h"
 #include "comun/mensajesguionados.h"
 
 #include "editing/asientoapertura.h"
@@ -35,22 +36,9 @@ protected:
     Apertura()
         : m_base(GetParam(), BaseDePrueba::Contenido::Demo)
     {
-        Conexion &c = m_base.conexion();
-        auto proceso = std::make_shared<Proceso>();
-        proceso->IDEmpresa = Demo::kEmpresa;
-        proceso->conexion = std::shared_ptr<Conexion>(&c, [](Conexion *) {});
-        bool leida = false;
-        EXPECT_FALSE(CargarParametrosSistema(c, proceso->parametros));
-        EXPECT_FALSE(LeerConfigEmpresa(c, Demo::kEmpresa, m_datos.empresa, leida));
-        EXPECT_FALSE(GetFechaAsientoApertura(c, proceso->parametros, m_datos.empresa, Demo::kEmpresa, BaseDePrueba::Hoy(),
+        PrepararDatosDocumento(m_datos, m_base.conexion(), m_mensajes);
+        EXPECT_FALSE(GetFechaAsientoApertura(m_base.conexion(), m_datos.parametros(), m_datos.empresa, Demo::kEmpresa, BaseDePrueba::Hoy(),
                                              m_datos.fechaAsientoApertura));
-        proceso->monedas.CargarMonedas(c);
-        proceso->monedas.FijarMonedaContabilidad(m_datos.empresa.monedaContabilidad);
-        m_datos.proceso = proceso;
-        m_datos.mensajes = &m_mensajes;
-        m_datos.texto = [](int n) { return QString::number(n); };
-        m_datos.usuario = Demo::kUsuarioAdministrador;
-        m_datos.letras = QStringLiteral("AMEQ");
 
         m_ctx = {&m_datos.monedas(), m_datos.empresa.monedaContabilidad, m_datos.empresa.mostrarCodigoCta, QStringLiteral("dd/mm/yyyy"),
                  m_datos.texto};

@@ -1,6 +1,7 @@
 // The rules of editing an entry, driven through a screen of plain values: no window is
 // opened, and the database is checked afterwards.
 #include "comun/basesprueba.h"
+#include "comun/datosdeprueba.h"
 #include "comun/mensajesguionados.h"
 
 #include "editing/sesionedicion.h"
@@ -65,21 +66,7 @@ protected:
     Edicion()
         : m_base(GetParam(), BaseDePrueba::Contenido::Demo)
     {
-        Conexion &c = m_base.conexion();
-        auto proceso = std::make_shared<Proceso>();
-        proceso->IDEmpresa = Demo::kEmpresa;
-        proceso->conexion = std::shared_ptr<Conexion>(&c, [](Conexion *) {});
-        bool leida = false;
-        EXPECT_FALSE(CargarParametrosSistema(c, proceso->parametros));
-        EXPECT_FALSE(LeerConfigEmpresa(c, Demo::kEmpresa, m_datos.empresa, leida));
-        proceso->monedas.CargarMonedas(c);
-        proceso->monedas.FijarMonedaContabilidad(m_datos.empresa.monedaContabilidad);
-        m_datos.proceso = proceso;
-        m_datos.mensajes = &m_mensajes;
-        m_datos.texto = [](int n) { return QString::number(n); };
-        m_datos.usuario = Demo::kUsuarioAdministrador;
-        m_datos.letras = QStringLiteral("AMEQ");
-        m_datos.formatoFecha = QStringLiteral("dd/mm/yyyy");
+        PrepararDatosDocumento(m_datos, m_base.conexion(), m_mensajes);
 
         m_ctx = {&m_datos.monedas(), m_datos.empresa.monedaContabilidad, m_datos.empresa.mostrarCodigoCta, m_datos.formatoFecha,
                  m_datos.texto};

@@ -1,6 +1,7 @@
 // The search dialog alone, driven with the keyboard: the order Enter follows, what is
 // refused, and the criteria "Aceptar" and "Cancelar" leave.
 #include "comun/basesprueba.h"
+#include "comun/datosdeprueba.h"
 #include "comun/mensajesguionados.h"
 
 #include "editing/datosdocumento.h"
@@ -39,19 +40,7 @@ protected:
     DialogoBusqueda()
         : m_base(GetParam(), BaseDePrueba::Contenido::Demo)
     {
-        Conexion &c = m_base.conexion();
-        auto proceso = std::make_shared<Proceso>();
-        proceso->IDEmpresa = Demo::kEmpresa;
-        proceso->conexion = std::shared_ptr<Conexion>(&c, [](Conexion *) {});
-        bool leida = false;
-        EXPECT_FALSE(CargarParametrosSistema(c, proceso->parametros));
-        EXPECT_FALSE(LeerConfigEmpresa(c, Demo::kEmpresa, m_datos.empresa, leida));
-        proceso->monedas.CargarMonedas(c);
-        proceso->monedas.FijarMonedaContabilidad(m_datos.empresa.monedaContabilidad);
-        m_datos.proceso = proceso;
-        m_datos.mensajes = &m_mensajes;
-        m_datos.texto = [](int n) { return QString::number(n); };
-        m_datos.formatoFecha = QStringLiteral("dd/mm/yyyy");
+        PrepararDatosDocumento(m_datos, m_base.conexion(), m_mensajes);
         m_dialogo = std::make_unique<frmFind>(m_datos, m_cuentas, QList<std::pair<QString, qint16>>{
                                                   {QStringLiteral("Diario"), 1}, {QStringLiteral("Ventas"), 7}});
         mostrar();

@@ -1,0 +1,21 @@
+#include "contextodocumento.h"
+
+#include "editing/datosdocumento.h"
+
+ContextoLinea ContextoDeDocumento(const DatosDocumento &datos, ServicioBusquedaCuentas &busqueda)
+{
+    ContextoLinea c;
+    c.conexion = datos.conexion();
+    c.monedas = &datos.monedas();
+    c.mensajes = datos.mensajes;
+    c.busqueda = &busqueda;
+    c.empresa = datos.idEmpresa();
+    c.monedaContabilidad = datos.empresa.monedaContabilidad;
+    c.mostrarCodigoCta = datos.empresa.mostrarCodigoCta;
+    c.tipoTCComprobantes = datos.empresa.tipoTCComprobantes;
+    c.reglas.delimitador = datos.parametros().delimitadorFecha;
+    c.reglas.patronFecha = datos.parametros().formatoFecha;
+    c.reglas.fechaCotizacion = datos.empresa.fechaCotizacion;
+    c.texto = datos.texto;
+    return c;
+}
