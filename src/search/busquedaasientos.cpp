@@ -49,10 +49,13 @@ BusquedaAsientos::Resultado BusquedaAsientos::Buscar(bool mostrarDialogo)
         dialogo.exec();
         if (!dialogo.criterios.FindOK)
             return Resultado::SinCambios;
+        m_confirmados = dialogo.criterios;
+    } else if (!m_confirmados.FindOK) {
+        return Resultado::SinCambios; // no search was confirmed yet
     }
     QString sql;
     try {
-        sql = SqlBusqueda(dialogo.criterios, m_datos.idEmpresa(), m_datos.parametros().delimitadorFecha,
+        sql = SqlBusqueda(m_confirmados, m_datos.idEmpresa(), m_datos.parametros().delimitadorFecha,
                           m_datos.parametros().formatoFecha);
     } catch (const std::invalid_argument &e) {
         m_datos.Error(1927, QString::fromStdString(e.what()));

@@ -31,8 +31,8 @@ public:
     ~BusquedaAsientos();
 
     // With mostrarDialogo the dialog is shown first and a cancelled dialog, or one left
-    // without a criterion, changes nothing; without it the last confirmed criteria are
-    // used again, so entries stored since then appear.
+    // without a criterion, changes nothing; without it the criteria of the last confirmed
+    // search are used again, so entries stored since then appear.
     Resultado Buscar(bool mostrarDialogo);
     // The dialog, created on first use; its help button calls ayuda.
     frmFind &Dialogo();
@@ -49,4 +49,5 @@ private:
     QWidget *m_dueno;
     std::unique_ptr<frmFind> m_dialogo;
     QString m_ultimaConsulta;
+    CriteriosBusqueda m_confirmados; // those of the last search the dialog confirmed
 };

@@ -77,10 +77,20 @@ QString SqlBusqueda(const CriteriosBusqueda &c, qint32 empresa, const QString &d
     }
 
     if (!c.prmLeyenda.isEmpty()) {
+        // "%" and "_" typed in the legend are themselves, as is "\" (PostgreSQL's default
+        // escape): they are escaped, and only then does the pattern say so.
         QString patron = c.prmLeyenda;
+        const bool escapar = patron.contains(QLatin1Char('%')) || patron.contains(QLatin1Char('_')) || patron.contains(QLatin1Char('\\'));
+        if (escapar) {
+            patron.replace(QLatin1Char('\\'), QStringLiteral("\\\\"));
+            patron.replace(QLatin1Char('%'), QStringLiteral("\\%"));
+            patron.replace(QLatin1Char('_'), QStringLiteral("\\_"));
+        }
         patron.replace(QLatin1Char('*'), QLatin1Char('%'));
         patron.replace(QLatin1Char('\''), QStringLiteral("''"));
         sql += conector() + QStringLiteral("AsiLeyenda Like '") + patron + QStringLiteral("%'");
+        if (escapar)
+            sql += QStringLiteral(" ESCAPE '\\'");
     }
     if (c.prmLibro > 0)
         sql += conector() + QStringLiteral("AsiTipo = ") + QString::number(c.prmLibro);

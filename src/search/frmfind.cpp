@@ -18,6 +18,8 @@
 #include <QLineEdit>
 #include <QPushButton>
 
+#include <utility>
+
 frmFind::frmFind(const DatosDocumento &datos, ServicioBusquedaCuentas &cuentas,
                  const QList<std::pair<QString, qint16>> &libros, QWidget *padre)
     : QDialog(padre)
@@ -79,10 +81,7 @@ void frmFind::crearControles(const QList<std::pair<QString, qint16>> &libros)
         f->setPermitirVacia(true);
         f->setDate(QDate::currentDate());
         f->Vaciar();
-        connect(f, &CampoFecha::fechaInvalida, this, [this, f] {
-            m_datos.Error(1951);
-            f->setFocus();
-        }, Qt::QueuedConnection);
+        connect(f, &CampoFecha::fechaInvalida, this, [this, f] { avisar(1951, f); });
     }
     cfLibro->setEditable(true);
     cfLibro->setInsertPolicy(QComboBox::NoInsert);
@@ -100,10 +99,7 @@ void frmFind::crearControles(const QList<std::pair<QString, qint16>> &libros)
     for (CampoCalculadora *c : {ocImporte, ocImporte2}) {
         c->Limpiar();
         c->FijarMascara(mascara);
-        connect(c, &CampoCalculadora::TextoInvalido, this, [this, c] {
-            m_datos.Error(1950);
-            c->setFocus();
-        }, Qt::QueuedConnection);
+        connect(c, &CampoCalculadora::TextoInvalido, this, [this, c] { avisar(1950, c); });
     }
     for (QWidget *w : std::initializer_list<QWidget *>{cfCriterio, odInicio, odFin, cfLibro, cfEstado, tLeyenda, tCuenta,
                                                        ocImporte, ocImporte2})
@@ -161,6 +157,29 @@ void frmFind::crearControles(const QList<std::pair<QString, qint16>> &libros)
                                  bfOK, bfCancel, bfHelp};
     for (int i = 1; i < orden.size(); ++i)
         setTabOrder(orden[i - 1], orden[i]);
+}
+
+// A refused date or amount is said once, when the event that found it is over, and the
+// field takes the focus back: leaving a field and pressing "Aceptar" with one click finds
+// the same fault twice.
+void frmFind::avisar(int numero, QWidget *campo)
+{
+    if (m_aviso.second)
+        return;
+    m_aviso = {numero, campo};
+    QMetaObject::invokeMethod(this, [this] {
+        const auto [texto, foco] = std::exchange(m_aviso, {0, nullptr});
+        m_datos.Error(texto);
+        if (foco)
+            foco->setFocus();
+    }, Qt::QueuedConnection);
+}
+
+void frmFind::showEvent(QShowEvent *evento)
+{
+    QDialog::showEvent(evento);
+    // Each search starts on its first field, so typing never goes to a button.
+    cfCriterio->setFocus();
 }
 
 void frmFind::AsignarTextos()
@@ -278,13 +297,13 @@ bool frmFind::enterEn(QObject *objeto)
         if (ocImporte->EsTextoInvalido()) {
             // Said here: the key is taken before the field sees it, and must not reach the
             // OK button either.
-            m_datos.Error(1950);
+            avisar(1950, ocImporte);
             return true;
         }
         (ocImporte->EsNumeroValido() ? static_cast<QWidget *>(ocImporte2) : bfOK)->setFocus();
     } else if (objeto == ocImporte2) {
         if (ocImporte2->EsTextoInvalido()) {
-            m_datos.Error(1950);
+            avisar(1950, ocImporte2);
             return true;
         }
         bfOK->setFocus();
@@ -356,8 +375,7 @@ void frmFind::bfOK_Click()
     }
     for (CampoCalculadora *c : {ocImporte, ocImporte2}) {
         if (c->EsTextoInvalido()) {
-            m_datos.Error(1950);
-            c->setFocus();
+            avisar(1950, c);
             return;
         }
     }

@@ -7,6 +7,7 @@
 
 #include <functional>
 #include <utility>
+#include <utility>
 
 class CampoCalculadora;
 class CampoFecha;
@@ -46,6 +47,7 @@ public:
 protected:
     bool eventFilter(QObject *objeto, QEvent *evento) override;
     void keyPressEvent(QKeyEvent *evento) override;
+    void showEvent(QShowEvent *evento) override;
 
 private:
     void crearControles(const QList<std::pair<QString, qint16>> &libros);
@@ -53,6 +55,7 @@ private:
     bool fechasValidas();
     bool libroValido();
     bool enterEn(QObject *objeto);
+    void avisar(int numero, QWidget *campo);
     void bfOK_Click();
     void bfCancel_Click();
 
@@ -64,6 +67,7 @@ private:
     qint16 m_proyecto = 0;
     qint16 m_departamento = 0;
     bool m_buscandoCuenta = false;
+    std::pair<int, QWidget *> m_aviso{0, nullptr}; // a refusal waiting to be said
 
     QLabel *lbCriterio = nullptr;
     QComboBox *cfCriterio = nullptr;

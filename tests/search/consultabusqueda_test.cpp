@@ -120,6 +120,11 @@ TEST(SqlBusqueda, LasComillasDeLaLeyendaSeDuplicanYLaFechaMalaSeRechaza)
     c.prmLeyenda = QStringLiteral("O'Brien'; Drop Table cceAsientos; --");
     EXPECT_TRUE(sql(c).contains(QStringLiteral("AsiLeyenda Like 'O''Brien''; Drop Table cceAsientos; --%')")));
 
+    // "%", "_" and the backslash are the characters typed, escaped as the pattern then says.
+    CriteriosBusqueda signos;
+    signos.prmLeyenda = QStringLiteral("50%_a\\b*x");
+    EXPECT_TRUE(sql(signos).contains(QStringLiteral("AsiLeyenda Like '50\\%\\_a\\\\b%x%' ESCAPE '\\')")));
+
     CriteriosBusqueda mala;
     mala.prmFInit = QStringLiteral("2010-02-30");
     EXPECT_THROW(sql(mala), std::invalid_argument);
@@ -208,6 +213,24 @@ TEST_P(BusquedaEnBase, LaLeyendaConComillasEncuentraYNoDania)
     c.prmLeyenda = QStringLiteral("o'b*drop");
     EXPECT_EQ(buscar(c), conComillas);
     EXPECT_FALSE(ids(QStringLiteral("Select AsiID From cceAsientos")).isEmpty()); // the table is still there
+
+    // The pattern's own signs typed in a legend match only themselves, on both engines.
+    const QList<QString> leyendas{QStringLiteral("Cobro 50% anticipo"), QStringLiteral("Cobro 50X anticipo"),
+                                  QStringLiteral("Pago_A1 publicidad"), QStringLiteral("Pago AB varios"), QStringLiteral("Ruta C:\\temp\\x")};
+    QList<qint32> cambiados;
+    for (auto rs = m_base.conexion().Abrir(QStringLiteral("Select AsiID From cceAsientos Where AsiEstado <> 9 Order By AsiID Desc"));
+         !rs->Fin() && cambiados.size() < leyendas.size(); rs->MoverSiguiente())
+        cambiados << qint32(rs->Entero(QStringLiteral("AsiID")));
+    for (int i = 0; i < leyendas.size(); ++i)
+        m_base.conexion().Ejecutar(QStringLiteral("Update cceAsientos Set AsiLeyenda = ? Where AsiID = ?"), {leyendas[i], cambiados[i]});
+    auto conLeyenda = [&](const QString &texto) {
+        CriteriosBusqueda b;
+        b.prmLeyenda = texto;
+        return buscar(b);
+    };
+    EXPECT_EQ(conLeyenda(QStringLiteral("Cobro 50%")), QSet<qint32>{cambiados[0]});
+    EXPECT_EQ(conLeyenda(QStringLiteral("Pago_A")), QSet<qint32>{cambiados[2]});
+    EXPECT_EQ(conLeyenda(QStringLiteral("Ruta C:\\")), QSet<qint32>{cambiados[4]});
 }
 
 INSTANTIATE_TEST_SUITE_P(Motores, BusquedaEnBase, ::testing::ValuesIn(MotoresDePrueba()),
