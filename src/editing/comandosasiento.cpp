@@ -502,6 +502,8 @@ void ComandosAsiento::EliminarAsiento(bool porFila)
             }
         } else if (c.AsiID <= 0) {
             m_grilla.QuitarFilas(cabezal, m_asientos.UltimaFilaAsiento(cabezal) - cabezal + 1);
+        } else if (c.AsiTipo != 0 && c.AsiTipo == libros.primeraApertura && !PuedeModificarApertura()) {
+            // The opening-balance entry goes only when a line of it could: PuedeModificarApertura said why.
         } else {
             AsientoDatos datos = nuevoAsientoDatos();
             const QString ids = datos.EnviarPapelera(c.AsiID, m_datos.empresa.monedaContabilidad, c.AsiFechaModificado);

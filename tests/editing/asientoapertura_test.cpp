@@ -197,6 +197,17 @@ TEST_P(Apertura, SeHaceDeLosSaldosUnaSolaVez1827Y1835)
     EXPECT_EQ(m_apertura.HacerAsientoApertura(), 0);
     EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("advertencia: 1835")});
     EXPECT_EQ(aperturas(), hechos);
+
+    // With exchange differences booked after it, it cannot go to the trash either.
+    ejecutar(QStringLiteral("Insert Into cceAsientos (AsiEmpresa, AsiEstado, AsiFechaAsiento, AsiFechaModificado, AsiLeyenda, AsiTipo)"
+                            " Values (?, 1, ?, ?, 'Diferencia de cambio', ?)"),
+             {Demo::kEmpresa, Conexion::ValorFecha(m_datos.fechaAsientoApertura.addMonths(1)),
+              Conexion::ValorFechaHora(QDateTime(QDate(2026, 1, 1), QTime(9, 0), Qt::UTC)), Demo::kLibroADC});
+    m_pantalla.fila = fila;
+    m_mensajes.mostrados.clear();
+    m_comandos.EliminarAsiento(false);
+    EXPECT_EQ(m_mensajes.mostrados.value(0).left(11), QStringLiteral("error: 1829"));
+    EXPECT_EQ(cabezal(id).section(u'|', 0, 0), QStringLiteral("1"));
 }
 
 // Accounts closed on or after the opening-balance date are opened (without their balances)
