@@ -5,6 +5,9 @@
 
 #include <QStringList>
 
+#include <algorithm>
+#include <cmath>
+
 AsientoApertura::AsientoApertura(DatosDocumento &datos, AsientosGrilla &asientos, ComandosAsiento &comandos,
                                  PantallaAsientos &pantalla)
     : m_datos(datos)
@@ -72,16 +75,25 @@ bool AsientoApertura::AbrirCuentas(const QString &lista)
 
 qint32 AsientoApertura::HacerAsientoApertura()
 {
-    if (ActualizarExisteApertura()) {
+    SaldosIniciales saldos = m_comandos.saldosIniciales();
+    // One is enough: also a draft or an incomplete one of that book is to be finished, not
+    // made again.
+    if (ActualizarExisteApertura() || saldos.OtroAsientoApertura() > 0) {
         m_datos.Advertir(1835);
         return 0;
     }
-    SaldosIniciales saldos = m_comandos.saldosIniciales();
     const QString cerradas = saldos.CuentasCerradasApertura(m_datos.fechaAsientoApertura, m_datos.empresa.clase);
-    if (!AbrirCuentas(cerradas))
+    // Opening an account clears its balance: when only those accounts have one there is
+    // nothing to book, and nothing is opened for it.
+    const QStringList abiertas = cerradas.split(QLatin1Char(','), Qt::SkipEmptyParts);
+    const QVector<LineaDatos> antes = saldos.LineasDeSaldos(m_datos.empresa.clase, m_datos.empresa.monedaContabilidad);
+    const bool haySaldos = std::any_of(antes.begin(), antes.end(),
+                                       [&](const LineaDatos &l) { return !abiertas.contains(QString::number(l.Cuenta)); });
+    if (haySaldos && !AbrirCuentas(cerradas))
         return 0;
     const Ocupado ocupado;
-    const QVector<LineaDatos> lineas = saldos.LineasDeSaldos(m_datos.empresa.clase, m_datos.empresa.monedaContabilidad);
+    const QVector<LineaDatos> lineas = haySaldos ? saldos.LineasDeSaldos(m_datos.empresa.clase, m_datos.empresa.monedaContabilidad)
+                                                 : QVector<LineaDatos>();
     if (lineas.isEmpty()) {
         if (m_datos.Preguntar(1855) && ayuda)
             ayuda();
@@ -125,7 +137,11 @@ void AsientoApertura::ConvertirApertura()
         const qint16 libroApertura = m_datos.librosSistema().primeraApertura;
         const bool esApertura = c.AsiTipo != 0 && c.AsiTipo == libroApertura;
         if (!esApertura) {
-            if (ActualizarExisteApertura() || !m_datos.Preguntar(1856))
+            if (ActualizarExisteApertura() || m_comandos.saldosIniciales().OtroAsientoApertura(c.AsiID) > 0) {
+                m_datos.Advertir(1835);
+                return;
+            }
+            if (!m_datos.Preguntar(1856))
                 return;
         } else {
             if (!m_datos.Preguntar(1857))
@@ -149,6 +165,15 @@ void AsientoApertura::ConvertirApertura()
             return;
         }
         if (!esApertura) {
+            // Only a balanced entry can become it: it is registered as it becomes it.
+            qint64 debe = 0;
+            qint64 haber = 0;
+            for (const LineaDatos &l : std::as_const(datos.Lineas()))
+                (l.AlDebe ? debe : haber) += std::llround(l.ImporteMC * 100);
+            if (debe != haber || debe == 0) {
+                m_datos.Informar(1952);
+                return;
+            }
             // The opening-balance entry may not use an account closed on or after its date.
             QStringList cuentas;
             for (const LineaDatos &l : std::as_const(datos.Lineas()))

@@ -108,8 +108,13 @@ void ComandosAsiento::RegistrarAsiento()
             m_grilla.FijarRedibujar(false);
         }
         AsientoDatos datos = asientoGuardado(c.AsiID);
+        const bool otraApertura = c.AsiEstado != EstadoAsiento::kRegistrado && c.AsiTipo != 0
+                               && c.AsiTipo == m_datos.librosSistema().primeraApertura && saldosIniciales().ExisteAsientoApertura();
         if (datos.Cabezal().FechaModificado != c.AsiFechaModificado) {
             m_datos.Error(1820);
+        } else if (otraApertura) {
+            // A second opening-balance entry is never registered.
+            m_datos.Error(1837);
         } else if (datos.HayCuentasCerradas(datos.Cabezal().Fecha)) {
             m_grilla.FijarRedibujar(true);
             m_datos.Error(1811);
@@ -145,6 +150,11 @@ void ComandosAsiento::RegistrarListados(qint16 estadoOrigen)
             CabezalAsiento &c = m_asientos.Cabezal;
             if (c.AsiFechaAsiento > QDate::currentDate() || c.AsiID <= 0)
                 continue;
+            // A second opening-balance entry is never registered.
+            if (c.AsiTipo != 0 && c.AsiTipo == m_datos.librosSistema().primeraApertura && saldosIniciales().ExisteAsientoApertura()) {
+                algunaFalla = true;
+                continue;
+            }
             AsientoDatos datos = nuevoAsientoDatos();
             if (!datos.CargarAsiento(c.AsiID) || datos.HayCuentasCerradas(datos.Cabezal().Fecha)
                 || datos.Cabezal().FechaModificado != c.AsiFechaModificado) {
@@ -171,12 +181,14 @@ void ComandosAsiento::RegistrarListados(qint16 estadoOrigen)
 void ComandosAsiento::AgendarAsiento()
 {
     tomarAsientoDeFilaActual();
+    // The entry stays where it is: it is this month's, and the schedule goes on from the
+    // next one.
     if (m_asientos.Cabezal.FilaCabezal >= 0 && m_asientos.Cabezal.AsiEstado != EstadoAsiento::kInconcluso)
-        CrearMovimientoFrecuente(true);
+        CrearMovimientoFrecuente(true, true);
     m_asientos.ResetCabezal();
 }
 
-qint32 ComandosAsiento::CrearMovimientoFrecuente(bool agendar)
+qint32 ComandosAsiento::CrearMovimientoFrecuente(bool agendar, bool desdeElMesSiguiente)
 {
     if (m_asientos.Cabezal.FilaCabezal < 0)
         tomarAsientoDeFilaActual();
@@ -189,13 +201,25 @@ qint32 ComandosAsiento::CrearMovimientoFrecuente(bool agendar)
     cabezal.Fecha = c.AsiFechaAsiento;
     cabezal.Leyenda = c.AsiLeyenda;
     cabezal.Libro = c.AsiTipo;
+    // A system book is the system's: a template of such an entry registers in the
+    // company's default book (the first by name without one).
+    const LibrosSistema sistema = m_datos.librosSistema();
+    if (c.AsiTipo != 0 && (c.AsiTipo == sistema.primeraApertura || c.AsiTipo == sistema.apertura || c.AsiTipo == sistema.cierre
+                           || c.AsiTipo == sistema.resumen || c.AsiTipo == sistema.adc)) {
+        try {
+            const auto comun = LibroComun();
+            cabezal.Libro = comun ? comun->second : qint16(0);
+        } catch (const ErrorBaseDatos &) {
+            cabezal.Libro = 0;
+        }
+    }
     cabezal.Autoriza = c.AsiUsuarioVerificador;
     cabezal.Usuario = m_datos.usuario;
     QVector<qint16> monedas;
     const QVector<LineaDatos> lineas = m_asientos.LineasParaGrabar(&monedas);
     FrecuentesDatos frecuentes(*m_datos.conexion());
     const QString nombre = cabezal.Leyenda.isEmpty() ? FormatoFechaSuite(cabezal.Fecha, QTime(0, 0), m_datos.formatoFecha) : cabezal.Leyenda;
-    const qint32 id = frecuentes.Crear(cabezal, lineas, monedas, agendar, nombre);
+    const qint32 id = frecuentes.Crear(cabezal, lineas, monedas, agendar, nombre, desdeElMesSiguiente);
     if (id <= 0) {
         m_datos.Error(1908, frecuentes.ultimoError());
         return 0;
@@ -538,6 +562,15 @@ void ComandosAsiento::CopiarAsiento()
             throw ErrorBaseDatos(datos.ultimoError());
         datos.Cabezal().AsiID = 0;
         datos.Cabezal().FechaModificado = QDateTime();
+        // A copy of the opening-balance entry is an ordinary entry: there is one of those.
+        if (datos.Cabezal().Libro != 0 && datos.Cabezal().Libro == m_datos.librosSistema().primeraApertura) {
+            const auto comun = LibroComun();
+            if (!comun) {
+                m_datos.Error(1837);
+                return;
+            }
+            datos.Cabezal().Libro = comun->second;
+        }
         datos.Cabezal().Usuario = m_datos.usuario;
         datos.Cabezal().FechaCambioEstado = AsientoDatos::SelloNuevo(QDateTime()); // the copy's own
         if (datos.HayCuentasCerradas(datos.Cabezal().Fecha)) {

@@ -37,7 +37,9 @@ public:
     // entry, scheduled with agendar; named by its legend or, without one, its date. An
     // unscheduled one becomes the first of the user's recent ones. Answers its MFrID, 0
     // when none was made (an incomplete entry, or a failure: 1908).
-    qint32 CrearMovimientoFrecuente(bool agendar);
+    // With desdeElMesSiguiente a scheduled one is first due a month after the entry, which
+    // stays as this month's.
+    qint32 CrearMovimientoFrecuente(bool agendar, bool desdeElMesSiguiente = false);
 
     // Writes the current entry's header values over the stored entry. False when refused
     // (1813 a date across a closed account, whose stored values then come back; 1820) or

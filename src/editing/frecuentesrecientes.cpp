@@ -61,7 +61,8 @@ QList<std::pair<QString, qint32>> FrecuentesRecientes::CargarFrecuentesRecientes
     QHash<qint32, QString> nombres;
     auto rs = m_datos.conexion()->Abrir(QStringLiteral("Select MFrID, MFrNombre From genMovimientosFrecuentes ")
                                         + QStringLiteral("Where MFrID IN(") + lista.join(QLatin1Char(','))
-                                        + QStringLiteral(") And MFrRecurrencia Is Null"));
+                                        + QStringLiteral(") And MFrRecurrencia Is Null And MFrEmpresa = ")
+                                        + QString::number(m_datos.idEmpresa()));
     for (; !rs->Fin(); rs->MoverSiguiente())
         nombres.insert(qint32(rs->Entero(QStringLiteral("MFrID"))), rs->Texto(QStringLiteral("MFrNombre")).trimmed());
     for (qint32 id : ids)

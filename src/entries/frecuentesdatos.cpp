@@ -42,7 +42,7 @@ FrecuentesDatos::FrecuentesDatos(Conexion &conexion)
 }
 
 qint32 FrecuentesDatos::Crear(const CabezalDatos &cabezal, const QVector<LineaDatos> &lineas, const QVector<qint16> &monedas,
-                              bool agendar, const QString &nombre)
+                              bool agendar, const QString &nombre, bool desdeElMesSiguiente)
 {
     MovimientoFrecuente m;
     m.Empresa = cabezal.Empresa;
@@ -56,6 +56,8 @@ qint32 FrecuentesDatos::Crear(const CabezalDatos &cabezal, const QVector<LineaDa
     m.Usuario = cabezal.Usuario;
     m.Lineas = lineas;
     m.Monedas = monedas;
+    if (agendar && desdeElMesSiguiente)
+        m.FechaProxima = SiguienteFecha(m);
     return Guardar(m);
 }
 
@@ -233,7 +235,9 @@ qint32 FrecuentesDatos::Registrar(const MovimientoFrecuente &m, const QDate &fec
         d.Leyenda = m.Leyenda;
         d.Libro = m.Libro;
         d.Autoriza = m.Autoriza;
-        d.Estado = m.Cierra() ? (borrador ? EstadoAsiento::kBorrador : EstadoAsiento::kRegistrado) : EstadoAsiento::kInconcluso;
+        // A future entry waits as a draft until its day, as every entry does.
+        const bool borradorHastaSuDia = borrador || fecha > QDate::currentDate();
+        d.Estado = m.Cierra() ? (borradorHastaSuDia ? EstadoAsiento::kBorrador : EstadoAsiento::kRegistrado) : EstadoAsiento::kInconcluso;
         d.FechaCambioEstado = AsientoDatos::SelloNuevo(QDateTime());
         datos.Lineas() = m.Lineas;
         if (datos.HayCuentasCerradas(fecha))

@@ -45,8 +45,10 @@ public:
 
     // Stores a template from an entry's header and lines (in their order); answers its
     // MFrID, 0 on failure.
+    // A scheduled one is first due on the entry's date, or with desdeElMesSiguiente a month
+    // later.
     qint32 Crear(const CabezalDatos &cabezal, const QVector<LineaDatos> &lineas, const QVector<qint16> &monedas,
-                 bool agendar, const QString &nombre);
+                 bool agendar, const QString &nombre, bool desdeElMesSiguiente = false);
     // Stores a new template (MFrID 0) or replaces a stored one's header and lines; answers
     // its MFrID, 0 on failure.
     qint32 Guardar(MovimientoFrecuente &m);
@@ -61,7 +63,7 @@ public:
     QVector<MovimientoFrecuente> Vencidos(qint32 empresa, const QDate &hoy);
 
     // Writes an entry from the template, dated fecha: registered (or a draft, with
-    // borrador) when it balances, incomplete otherwise. A scheduled template then moves its
+    // borrador, or dated after today) when it balances, incomplete otherwise. A scheduled template then moves its
     // next date one month on, in the same transaction and only from the date read, so a due
     // date is never registered twice. Refused when an account is closed at fecha. Answers
     // the entry's AsiID, 0 on failure (nothing written).

@@ -25,6 +25,16 @@ bool SaldosIniciales::ExisteAsientoApertura()
     return existe;
 }
 
+qint32 SaldosIniciales::OtroAsientoApertura(qint32 excepto)
+{
+    auto rs = m_conexion.Abrir(QStringLiteral("Select AsiID From cceAsientos Where AsiTipo = ? And AsiEstado <> 9 And AsiEmpresa = ?"
+                                              " And AsiID <> ? Order By AsiID"),
+                               {m_libro, m_empresa, excepto});
+    const qint32 id = rs->Fin() ? 0 : qint32(rs->Entero(QStringLiteral("AsiID")));
+    rs->Cerrar();
+    return id;
+}
+
 QString SaldosIniciales::CuentasCerradasApertura(const QDate &fechaApertura, quint8 clase, const QString &cuentas)
 {
     QString sql = QStringLiteral("Select cueID ") + QStringLiteral(" From cceCuentas,  sisTipoCuenta ")

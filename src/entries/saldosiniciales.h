@@ -16,6 +16,10 @@ public:
 
     // Whether the company has its opening-balance entry: a registered entry of that book.
     bool ExisteAsientoApertura();
+    // An entry of that book out of the trash, in any state, other than excepto; 0 when there
+    // is none. A draft or incomplete one is not the opening-balance entry yet, but a second
+    // one must not be made beside it.
+    qint32 OtroAsientoApertura(qint32 excepto = 0);
     // The accounts of the company's class that are closed on or after the opening-balance
     // date, as ids joined by ","; only among cuentas (ids joined by ",") when it is given.
     QString CuentasCerradasApertura(const QDate &fechaApertura, quint8 clase, const QString &cuentas = {});

@@ -115,7 +115,9 @@ void MovimientosFrecuentes::crearControles()
     libro->addSpacing(16);
     libro->addWidget(chkAgendar);
     libro->addWidget(odDesde);
-    cabezal->addRow(m_datos.texto(1078), libro);
+    auto *lLibro = new QLabel(m_datos.texto(1078), this);
+    lLibro->setBuddy(cfLibro);
+    cabezal->addRow(lLibro, libro);
     auto *botones = new QHBoxLayout;
     botones->addWidget(lDiferencia, 1);
     botones->addWidget(bfOK);
@@ -217,6 +219,11 @@ void MovimientosFrecuentes::aceptarLinea()
         if (debe ? !oraEdit->CuentaIngresadaAlDebe() : !oraEdit->CuentaIngresadaAlHaber())
             continue;
         const ValorLinea v = debe ? oraEdit->GetValorCuentaDebe() : oraEdit->GetValorCuentaHaber();
+        if (v.dImporte == 0 && v.dImporteMC == 0) {
+            m_datos.Advertir(1954);
+            oraEdit->SetFocusCtrl(lumERAsiento::kImporte, 0);
+            return;
+        }
         const bool extranjera = v.iMon != mc && v.iMon >= 1;
         LineaDatos l;
         l.Cuenta = v.lCta;
@@ -255,6 +262,12 @@ void MovimientosFrecuentes::bfOK_Click()
         tNombre->setFocus();
         return;
     }
+    if (oraEdit->CuentaIngresadaAlDebe() || oraEdit->CuentaIngresadaAlHaber()) {
+        // A line typed and not taken with Enter would be lost.
+        m_datos.Advertir(1955);
+        oraEdit->SetFocusCtrl(lumERAsiento::kImporte, 0);
+        return;
+    }
     if (m_movimiento.Lineas.isEmpty()) {
         m_datos.mensajes->Advertir(QStringLiteral("El asiento frecuente no tiene líneas."));
         oraEdit->SetFocusCtrl(lumERAsiento::kDebe, 0);
@@ -269,7 +282,11 @@ void MovimientosFrecuentes::bfOK_Click()
     m.Libro = qint16(cfLibro->currentData().toInt());
     m.Usuario = m_datos.usuario;
     m.Recurrencia = chkAgendar->isChecked() ? QString::fromLatin1(FrecuentesDatos::kRecurrenciaAgendado) : QString();
-    m.FechaProxima = chkAgendar->isChecked() ? odDesde->date() : QDate();
+    const QDate proxima = chkAgendar->isChecked() ? odDesde->date() : QDate();
+    // A schedule given a new first date begins again on that day of the month.
+    if (proxima.isValid() && proxima != m.FechaProxima)
+        m.Fecha = proxima;
+    m.FechaProxima = proxima;
     if (!m.Fecha.isValid())
         m.Fecha = chkAgendar->isChecked() ? odDesde->date() : QDate::currentDate();
     FrecuentesDatos datos(*m_datos.conexion());

@@ -57,6 +57,7 @@ RegistroFrecuentes::RegistroFrecuentes(const DatosDocumento &datos, ServicioBusq
     odFecha->setObjectName(QStringLiteral("odFecha"));
     odFecha->setDisplayFormat(FormatoQtDeFecha(m_datos.formatoFecha.isEmpty() ? QStringLiteral("dd/mm/yyyy") : m_datos.formatoFecha));
     odFecha->setDate(QDate::currentDate());
+    odFecha->setMinimumWidth(odFecha->fontMetrics().horizontalAdvance(QStringLiteral("00/00/00000")) + 16);
     connect(odFecha, &CampoFecha::fechaInvalida, this, [this] {
         m_datos.Error(1951);
         odFecha->setFocus();

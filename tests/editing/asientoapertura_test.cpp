@@ -212,6 +212,46 @@ TEST_P(Apertura, SeHaceDeLosSaldosUnaSolaVez1827Y1835)
 
 // Accounts closed on or after the opening-balance date are opened (without their balances)
 // only when the user accepts; one closed the day before stays as it is.
+// However it came to be in that book, one opening-balance entry is all a company gets.
+TEST_P(Apertura, NuncaDosAsientosDeApertura)
+{
+    const QDate dia = m_datos.fechaAsientoApertura;
+    // A draft of the opening book is to be finished, not made again.
+    const qint32 borrador = asiento(dia, EstadoAsiento::kBorrador, Demo::kLibroPrimeraApertura, {{"1.1.01", 100}, {"3.1.01", -100}});
+    ASSERT_GT(borrador, 0);
+    EXPECT_EQ(m_apertura.HacerAsientoApertura(), 0);
+    EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("advertencia: 1835")});
+    EXPECT_EQ(aperturas(), QList<qint32>{borrador});
+
+    // An ordinary entry is not converted beside it; an unbalanced one never becomes it.
+    const qint32 comun = asiento(dia.addDays(3), EstadoAsiento::kRegistrado, Demo::kLibroDiario, {{"1.1.01", 50}, {"4.1.01", -50}});
+    const qint32 cojo = asiento(dia.addDays(3), EstadoAsiento::kInconcluso, Demo::kLibroDiario, {{"1.1.01", 50}});
+    m_mensajes.mostrados.clear();
+    cargar(comun);
+    m_apertura.ConvertirApertura();
+    EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("advertencia: 1835")});
+    ejecutar(QStringLiteral("Update cceAsientos Set AsiEstado = 9 Where AsiID = ?"), {borrador});
+    m_mensajes.mostrados.clear();
+    m_mensajes.Responder(R::Si);
+    cargar(cojo);
+    m_apertura.ConvertirApertura();
+    EXPECT_EQ(m_mensajes.mostrados, (QStringList{QStringLiteral("pregunta: 1856"), QStringLiteral("información: 1952")}));
+    EXPECT_EQ(cabezal(cojo).section(u'|', 3), QStringLiteral("1"));
+
+    // A copy of the registered one is an ordinary entry of the default book.
+    m_mensajes.Responder(R::Si);
+    cargar(comun);
+    m_apertura.ConvertirApertura();
+    ASSERT_EQ(aperturas(), QList<qint32>{comun});
+    m_mensajes.Responder(R::Si);
+    cargar(comun);
+    m_comandos.CopiarAsiento();
+    EXPECT_EQ(aperturas(), QList<qint32>{comun});
+    const qint32 copia = valor(QStringLiteral("Select Max(AsiID) From cceAsientos")).toInt();
+    EXPECT_NE(copia, comun);
+    EXPECT_EQ(cabezal(copia).section(u'|', 3), QString::number(Demo::kLibroDiario));
+}
+
 TEST_P(Apertura, CuentasCerradasEnLaFechaOPosteriorSeAbrenSiSeAcepta)
 {
     const QDate fecha = m_datos.fechaAsientoApertura;
@@ -291,19 +331,20 @@ TEST_P(Apertura, UnAsientoComunPasaASerElDeAperturaYVuelve1856Y1857)
     EXPECT_EQ(m_asientos.EstadoDeFila(fila), EstadoAsiento::kRegistrado);
     EXPECT_TRUE(m_apertura.ExisteAsientoApertura());
 
-    // While it exists, no other entry is offered to become it.
+    // While it exists, no other entry becomes it: 1835 says there is one.
     const qint32 otro = asiento(fecha, EstadoAsiento::kRegistrado, 3, {{"1.1.01", 20}, {"4.1.01", -20}});
     cargar(otro);
     m_apertura.ConvertirApertura();
-    EXPECT_EQ(m_mensajes.mostrados.size(), 2);
+    EXPECT_EQ(m_mensajes.mostrados.value(2), QStringLiteral("advertencia: 1835"));
+    EXPECT_EQ(m_mensajes.mostrados.size(), 3);
     EXPECT_EQ(cabezal(otro), QStringLiteral("1|%1|Prueba|3").arg(fecha.toString(Qt::ISODate)));
 
     // Back to the default book, same date and state.
     m_pantalla.fila = fila;
     m_mensajes.Responder(R::Si);
     m_apertura.ConvertirApertura();
-    EXPECT_EQ(m_mensajes.mostrados.value(2), QStringLiteral("pregunta: 1857"));
-    EXPECT_EQ(m_mensajes.mostrados.size(), 3);
+    EXPECT_EQ(m_mensajes.mostrados.value(3), QStringLiteral("pregunta: 1857"));
+    EXPECT_EQ(m_mensajes.mostrados.size(), 4);
     EXPECT_EQ(cabezal(id), QStringLiteral("1|%1|Prueba|%2").arg(apertura).arg(Demo::kLibroDiario));
     const QDateTime s2 = sello(id);
     EXPECT_GT(s2, s1);

@@ -171,9 +171,14 @@ TEST_P(Frecuentes, RegistrarSegunCuadreRegistradoBorradorOInconcluso)
     }
     EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientos Where AsiUsuario = 7")), 4);
 
+    // Dated after today it waits as a draft, as every entry does.
+    const QDate futura = QDate::currentDate().addDays(20);
+    const qint32 futuro = f.Registrar(cierra, futura, 7, libros, false);
+    EXPECT_EQ(asiento(futuro).value(0), QStringLiteral("0|%1|Centavos (leyenda)|1").arg(futura.toString(Qt::ISODate)));
+
     // A template without lines writes nothing.
     EXPECT_EQ(f.Registrar(plantilla(QStringLiteral("Vacío"), {}), fecha, 7, libros, false), 0);
-    EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientos")), 4);
+    EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientos")), 5);
 }
 
 TEST_P(Frecuentes, UnAgendadoAvanzaUnMesYLaMismaFechaNoSeRegistraDosVeces)

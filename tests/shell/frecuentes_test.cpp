@@ -112,13 +112,14 @@ TEST_P(FrecuentesEnDocumento, HacerFrecuenteDeUnAsientoLoOfreceEntreLosRecientes
               1);
     EXPECT_EQ(recientes(), QStringList{QStringLiteral("Alquiler de oficina #%1").arg(frecuente)} + alComienzo);
 
-    // Scheduled: stored with its next date, but never one of the recent ones.
+    // Scheduled: the entry stays as this month's, the template is next due a month later,
+    // and it is never one of the recent ones.
     const qint32 agendado = comandoSobre(registrado, "MnuEdiAgendarAsiento");
     ASSERT_GT(agendado, 0);
     auto rs = m_base.conexion().Abrir(QStringLiteral("Select MFrFechaProxima From genMovimientosFrecuentes Where MFrID = ?"
                                                      " And MFrRecurrencia Is Not Null"), {agendado});
     ASSERT_FALSE(rs->Fin());
-    EXPECT_EQ(rs->Fecha(QStringLiteral("MFrFechaProxima")), BaseDePrueba::Hoy().addDays(-1));
+    EXPECT_EQ(rs->Fecha(QStringLiteral("MFrFechaProxima")), BaseDePrueba::Hoy().addDays(-1).addMonths(1));
     rs->Cerrar();
     EXPECT_EQ(recientes(), QStringList{QStringLiteral("Alquiler de oficina #%1").arg(frecuente)} + alComienzo);
     EXPECT_TRUE(guardadosEnAjustes().startsWith(QString::number(frecuente)));
