@@ -19,11 +19,6 @@ namespace {
 class Correcciones : public Escenario
 {
 protected:
-    qint32 cuenta(const char *codigo)
-    {
-        auto rs = m_base.conexion().Abrir(QStringLiteral("Select CueID From cceCuentas Where CueCodigo = ?"), {QString::fromLatin1(codigo)});
-        return qint32(rs->Entero(QStringLiteral("CueID")));
-    }
 
     // A registered entry of today with the lines given (account code, debit, MC amount),
     // shown last in the grid.

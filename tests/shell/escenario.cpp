@@ -129,3 +129,9 @@ QList<qint32> Escenario::ids(const QString &condicion)
     rs->Cerrar();
     return l;
 }
+
+qint32 Escenario::cuenta(const char *codigo)
+{
+    auto rs = m_base.conexion().Abrir(QStringLiteral("Select CueID From cceCuentas Where CueCodigo = ?"), {QString::fromLatin1(codigo)});
+    return qint32(rs->Entero(QStringLiteral("CueID")));
+}

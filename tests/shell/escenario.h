@@ -74,6 +74,8 @@ protected:
     bool editorALaVista() const;
 
     AsientoEnBase enBase(qint32 id);
+    // The id of the demo account with that code.
+    qint32 cuenta(const char *codigo);
     qint32 ultimoId();
     QList<qint32> ids(const QString &condicion);
 

@@ -19,11 +19,6 @@ namespace {
 class FrecuentesEnDocumento : public Escenario
 {
 protected:
-    qint32 cuenta(const char *codigo)
-    {
-        auto rs = m_base.conexion().Abrir(QStringLiteral("Select CueID From cceCuentas Where CueCodigo = ?"), {QString::fromLatin1(codigo)});
-        return qint32(rs->Entero(QStringLiteral("CueID")));
-    }
 
     // An entry of yesterday, Alquileres (5.3.01) against Caja (1.1.01), shown last.
     qint32 asiento(qint16 estado, const QString &leyenda, double debe, double haber)
