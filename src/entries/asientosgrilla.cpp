@@ -405,6 +405,17 @@ int AsientosGrilla::LlenarGrilla(Conexion &conexion, const QString &sql, int fil
     Cabezal.AsiID = 0;
 
     QHash<qint32, std::pair<QString, QString>> cuentas;
+    // Lines of one account on one side with one debit amount come back from the query in no
+    // defined order (engines differ): within such a run they are put in their order of entry.
+    struct ClaveEmpate
+    {
+        qint32 asiento = 0;
+        qint32 cuenta = 0;
+        bool debe = false;
+        double importe = 0;
+        bool operator==(const ClaveEmpate &o) const = default;
+    } empate;
+    QVector<qint16> ordenesEmpatadas;
     auto rs = conexion.Abrir(sql);
     if (!rs->Fin()) {
         const Columnas c(*rs);
@@ -455,8 +466,17 @@ int AsientosGrilla::LlenarGrilla(Conexion &conexion, const QString &sql, int fil
             else
                 l.dImporte = l.dImporteMC;
             l.dTCambio = l.dImporte != 0 ? l.dImporteMC / l.dImporte : 0;
-            m_g.InsertarFila(r);
-            FilaLineaAsiento(r, l);
+            const ClaveEmpate clave{id, l.lCta, l.bEsAlDebe, l.bEsAlDebe ? importe(rs->Campo(c.ACuDebe)) : 0.0};
+            if (!(clave == empate))
+                ordenesEmpatadas.clear();
+            empate = clave;
+            qsizetype k = ordenesEmpatadas.size();
+            while (k > 0 && ordenesEmpatadas[k - 1] > l.ACuOrden)
+                --k;
+            const int fila = r - int(ordenesEmpatadas.size() - k);
+            ordenesEmpatadas.insert(k, l.ACuOrden);
+            m_g.InsertarFila(fila);
+            FilaLineaAsiento(fila, l);
             ++r;
         }
     }

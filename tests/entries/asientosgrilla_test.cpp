@@ -101,6 +101,25 @@ TEST_P(Llenado, BalanceAlBordeDelRedondeo)
     EXPECT_EQ(diferenciaDe(dolares), QStringLiteral("|................?||1,00||"));
 }
 
+// Two lines of one account on one side tie in the query's order: their order of entry
+// decides, the same on every engine and after every re-read.
+TEST_P(Llenado, LineasEmpatadasEnSuOrdenDeIngreso)
+{
+    DatosAsientos d(GetParam());
+    const qint32 id = d.Asiento(QDate(2026, 5, 4), 1, QStringLiteral("10:D:30,20:H:20,20:H:10"));
+    // The query as the views order it, with the tie broken the wrong way on purpose, as an
+    // engine may.
+    d.asientos.LlenarGrilla(d.conexion(), QStringLiteral("Select * ") + DesdeAsientos() + QStringLiteral(" Where AsiID = ")
+                                              + QString::number(id)
+                                              + QStringLiteral(" Order By AsiFechaAsiento, AsiID, AcuDebe desc, CueCodigo, ACuOrden desc"),
+                            0);
+    QStringList haber;
+    for (int r = 1; r < d.grilla.Filas(); ++r)
+        if (d.grilla.Dato(r, 0).toInt() == id && !d.grilla.Texto(r, 3).isEmpty())
+            haber << d.grilla.Texto(r, 3);
+    EXPECT_EQ(haber, (QStringList{QStringLiteral("20,00"), QStringLiteral("10,00")}));
+}
+
 TEST_P(Llenado, LineasEnMonedaExtranjeraSinImporteNiLibro)
 {
     DatosAsientos d(GetParam());
