@@ -101,11 +101,8 @@ qint32 AsientoApertura::HacerAsientoApertura()
     }
     // Registered when the balances balance, to the cent; otherwise incomplete, so that it is
     // finished by hand and only then counts as the opening-balance entry.
-    qint64 debe = 0;
-    qint64 haber = 0;
-    for (const LineaDatos &l : lineas)
-        (l.AlDebe ? debe : haber) += qRound64(l.ImporteMC * 100);
-    const bool cierra = debe == haber;
+    const SumasEnCentesimos sumas = SumarEnCentesimos(lineas);
+    const bool cierra = sumas.debe == sumas.haber;
 
     AsientoDatos datos(*m_datos.conexion(), m_datos.librosSistema());
     CabezalDatos &d = datos.Cabezal();
@@ -166,11 +163,8 @@ void AsientoApertura::ConvertirApertura()
         }
         if (!esApertura) {
             // Only a balanced entry can become it: it is registered as it becomes it.
-            qint64 debe = 0;
-            qint64 haber = 0;
-            for (const LineaDatos &l : std::as_const(datos.Lineas()))
-                (l.AlDebe ? debe : haber) += std::llround(l.ImporteMC * 100);
-            if (debe != haber || debe == 0) {
+            const SumasEnCentesimos sumas = SumarEnCentesimos(datos.Lineas());
+            if (sumas.debe != sumas.haber || sumas.debe == 0) {
                 m_datos.Informar(1952);
                 return;
             }

@@ -203,9 +203,7 @@ qint32 ComandosAsiento::CrearMovimientoFrecuente(bool agendar, bool desdeElMesSi
     cabezal.Libro = c.AsiTipo;
     // A system book is the system's: a template of such an entry registers in the
     // company's default book (the first by name without one).
-    const LibrosSistema sistema = m_datos.librosSistema();
-    if (c.AsiTipo != 0 && (c.AsiTipo == sistema.primeraApertura || c.AsiTipo == sistema.apertura || c.AsiTipo == sistema.cierre
-                           || c.AsiTipo == sistema.resumen || c.AsiTipo == sistema.adc)) {
+    if (m_datos.librosSistema().EsDelSistema(c.AsiTipo)) {
         try {
             const auto comun = LibroComun();
             cabezal.Libro = comun ? comun->second : qint16(0);
@@ -404,7 +402,7 @@ bool ComandosAsiento::libroParaApertura(CabezalDatos &d, bool &esApertura)
 
 std::optional<std::pair<QString, qint16>> ComandosAsiento::LibroComun() const
 {
-    const auto libros = LeerLibros(true);
+    const auto libros = m_datos.LeerLibros(true);
     if (libros.isEmpty())
         return std::nullopt;
     const auto defecto = std::find_if(libros.begin(), libros.end(),
@@ -505,11 +503,8 @@ void ComandosAsiento::EliminarAsiento(bool porFila)
                         lineas.erase(it);
                     // An entry that no longer balances is incomplete: it cannot stay
                     // registered, nor be registered again, until it balances.
-                    qint64 debe = 0;
-                    qint64 haber = 0;
-                    for (const LineaDatos &x : std::as_const(lineas))
-                        (x.AlDebe ? debe : haber) += std::llround(x.ImporteMC * 100);
-                    if ((debe != haber || debe == 0) && datos.Cabezal().Estado != EstadoAsiento::kInconcluso)
+                    const SumasEnCentesimos sumas = SumarEnCentesimos(lineas);
+                    if (sumas.debe != sumas.haber || sumas.debe == 0)
                         datos.Cabezal().Estado = EstadoAsiento::kInconcluso;
                     datos.Cabezal().FechaCambioEstado = AsientoDatos::SelloNuevo(QDateTime());
                     if (datos.GrabarTodo() <= 0) {
@@ -600,10 +595,6 @@ void ComandosAsiento::OcultarAsiento()
     m_pantalla.SeleccionarFila(std::min(cabezal, m_grilla.Filas() - 1));
 }
 
-QList<std::pair<QString, qint16>> ComandosAsiento::LeerLibros(bool excluirSistema) const
-{
-    return m_datos.LeerLibros(excluirSistema);
-}
 
 void ComandosAsiento::UnificarTC(bool bMonedaCuenta)
 {

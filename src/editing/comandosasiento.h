@@ -70,8 +70,6 @@ public:
     // and stores a stored entry again. Throws ErrorBaseDatos when the write fails.
     bool AplicarTC(bool bMonedaCuenta, double tasa, qint16 moneda);
 
-    // The books by name, the system books left out when asked; throws ErrorBaseDatos.
-    QList<std::pair<QString, qint16>> LeerLibros(bool excluirSistema) const;
     // The book an entry moved off a system book gets: the company's default book, else the
     // first by name; none when the company has no other book. Throws ErrorBaseDatos.
     std::optional<std::pair<QString, qint16>> LibroComun() const;

@@ -31,7 +31,7 @@ bool SesionEdicion::leerLibros()
 {
     if (m_libros.isEmpty()) {
         try {
-            m_libros = m_comandos.LeerLibros(true);
+            m_libros = m_datos.LeerLibros(true);
         } catch (const ErrorBaseDatos &e) {
             m_datos.Error(1910, DetalleError(e.numero(), e.descripcion()));
         }

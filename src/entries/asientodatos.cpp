@@ -1,4 +1,5 @@
 #include "asientodatos.h"
+#include "modeloasiento.h"
 
 #include "store/valoressql.h"
 
@@ -39,6 +40,22 @@ QDateTime ahora()
 }
 
 } // namespace
+
+SumasEnCentesimos SumarEnCentesimos(const QVector<LineaDatos> &lineas)
+{
+    SumasEnCentesimos s;
+    for (const LineaDatos &l : lineas)
+        (l.AlDebe ? s.debe : s.haber) += std::llround(l.ImporteMC * 100);
+    return s;
+}
+
+QString TextoDeCuenta(Conexion &conexion, qint32 cuenta, bool mostrarCodigo)
+{
+    auto rs = conexion.Abrir(QStringLiteral("Select CueCodigo, CueNombre From cceCuentas Where CueID = ?"), {cuenta});
+    if (rs->Fin())
+        return QString::number(cuenta);
+    return TextoCuenta(rs->Texto(QStringLiteral("CueCodigo")).trimmed(), rs->Texto(QStringLiteral("CueNombre")).trimmed(), mostrarCodigo);
+}
 
 bool AsientoVerificado(Conexion &conexion, qint32 asiID)
 {

@@ -43,7 +43,26 @@ struct LibrosSistema
     qint16 cierre = 0;
     qint16 adc = 0;
     qint16 primeraApertura = 0;
+
+    // Whether a book is one of these (0, no book, is none).
+    bool EsDelSistema(qint16 libro) const
+    {
+        return libro != 0 && (libro == resumen || libro == apertura || libro == cierre || libro == adc || libro == primeraApertura);
+    }
 };
+
+// The debits and the credits of lines in the accounting currency, each line to the cent:
+// lines balance when the two are equal.
+struct SumasEnCentesimos
+{
+    qint64 debe = 0;
+    qint64 haber = 0;
+};
+SumasEnCentesimos SumarEnCentesimos(const QVector<LineaDatos> &lineas);
+
+// An account as the lists show it ("code - name", or the name alone); its id as text when
+// there is no such account. Throws ErrorBaseDatos.
+QString TextoDeCuenta(Conexion &conexion, qint32 cuenta, bool mostrarCodigo);
 
 // Whether the entry is verified (AsiVerificado 1 or 2): its authoriser may not change.
 bool AsientoVerificado(Conexion &conexion, qint32 asiID);

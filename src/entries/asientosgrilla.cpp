@@ -466,7 +466,8 @@ int AsientosGrilla::LlenarGrilla(Conexion &conexion, const QString &sql, int fil
             else
                 l.dImporte = l.dImporteMC;
             l.dTCambio = l.dImporte != 0 ? l.dImporteMC / l.dImporte : 0;
-            const ClaveEmpate clave{id, l.lCta, l.bEsAlDebe, l.bEsAlDebe ? importe(rs->Campo(c.ACuDebe)) : 0.0};
+            // One account has one currency: its debit amount is the line's own amount.
+            const ClaveEmpate clave{id, l.lCta, l.bEsAlDebe, l.bEsAlDebe ? l.dImporte : 0.0};
             if (!(clave == empate))
                 ordenesEmpatadas.clear();
             empate = clave;

@@ -29,11 +29,8 @@ QDate FrecuentesDatos::SiguienteFecha(const MovimientoFrecuente &m)
 
 bool MovimientoFrecuente::Cierra() const
 {
-    qint64 debe = 0;
-    qint64 haber = 0;
-    for (const LineaDatos &l : Lineas)
-        (l.AlDebe ? debe : haber) += std::llround(l.ImporteMC * 100);
-    return !Lineas.isEmpty() && debe == haber;
+    const SumasEnCentesimos sumas = SumarEnCentesimos(Lineas);
+    return !Lineas.isEmpty() && sumas.debe == sumas.haber;
 }
 
 FrecuentesDatos::FrecuentesDatos(Conexion &conexion)

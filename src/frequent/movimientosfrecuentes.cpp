@@ -176,18 +176,11 @@ void MovimientosFrecuentes::mostrarLineas()
     lvLineas->clear();
     const qint16 mc = m_datos.empresa.monedaContabilidad;
     const Mascara importes(m_datos.monedas().DatoMoneda(0, 4).toString());
-    qint64 debe = 0;
-    qint64 haber = 0;
     for (int i = 0; i < m_movimiento.Lineas.size(); ++i) {
         const LineaDatos &l = m_movimiento.Lineas[i];
         const qint16 moneda = m_movimiento.Monedas.value(i);
-        QString cuenta = QString::number(l.Cuenta);
-        if (m_datos.conexion()) {
-            auto rs = m_datos.conexion()->Abrir(QStringLiteral("Select CueCodigo, CueNombre From cceCuentas Where CueID = ?"), {l.Cuenta});
-            if (!rs->Fin())
-                cuenta = TextoCuenta(rs->Texto(QStringLiteral("CueCodigo")).trimmed(), rs->Texto(QStringLiteral("CueNombre")).trimmed(),
-                                     m_datos.empresa.mostrarCodigoCta);
-        }
+        const QString cuenta = m_datos.conexion() ? TextoDeCuenta(*m_datos.conexion(), l.Cuenta, m_datos.empresa.mostrarCodigoCta)
+                                                  : QString::number(l.Cuenta);
         auto *item = new QTreeWidgetItem(lvLineas);
         item->setText(l.AlDebe ? 0 : 1, cuenta);
         const bool extranjera = moneda > 0 && moneda != mc;
@@ -198,8 +191,8 @@ void MovimientosFrecuentes::mostrarLineas()
         item->setText(4, importes.Formatear(l.ImporteMC));
         for (int c = 2; c < 5; ++c)
             item->setTextAlignment(c, Qt::AlignRight | Qt::AlignVCenter);
-        (l.AlDebe ? debe : haber) += std::llround(l.ImporteMC * 100);
     }
+    const auto [debe, haber] = SumarEnCentesimos(m_movimiento.Lineas);
     oraEdit->InitRegistro();
     if (debe != haber) {
         oraEdit->SetDiferencia(debe < haber, std::abs(debe - haber) / 100.0);

@@ -33,8 +33,6 @@ public:
     // 0 when the user cancelled or the template does not exist.
     qint32 Editar(qint32 mfrID = 0);
 
-    lumERAsiento *editor() const { return oraEdit; }
-
 protected:
     bool eventFilter(QObject *objeto, QEvent *evento) override;
     void resizeEvent(QResizeEvent *evento) override;

@@ -174,12 +174,8 @@ void RegistroFrecuentes::mostrarLineas()
         const Mascara importes(m_datos.monedas().DatoMoneda(0, 4).toString());
         for (int i = 0; i < m->Lineas.size(); ++i) {
             const LineaDatos &l = m->Lineas[i];
-            auto rs = m_datos.conexion()->Abrir(QStringLiteral("Select CueCodigo, CueNombre From cceCuentas Where CueID = ?"), {l.Cuenta});
-            const QString cuenta = rs->Fin() ? QString::number(l.Cuenta)
-                                             : TextoCuenta(rs->Texto(QStringLiteral("CueCodigo")).trimmed(),
-                                                           rs->Texto(QStringLiteral("CueNombre")).trimmed(), true);
             auto *item = new QTreeWidgetItem(lvLineas);
-            item->setText(0, cuenta);
+            item->setText(0, TextoDeCuenta(*m_datos.conexion(), l.Cuenta, true));
             item->setText(l.AlDebe ? 1 : 2, importes.Formatear(l.ImporteMC));
             const qint16 moneda = m->Monedas.value(i);
             if (moneda > 0 && moneda != mc) {

@@ -61,7 +61,6 @@ BusquedaAsientos::Resultado BusquedaAsientos::Buscar(bool mostrarDialogo)
         m_datos.Error(1927, QString::fromStdString(e.what()));
         return Resultado::SinCambios;
     }
-    m_ultimaConsulta = sql;
     m_pantalla.ActualizarContexto();
     int fila = -1;
     if (const auto fallo = CargarAsientos(m_asientos, *m_datos.conexion(), Vista::kPersonalizada, sql,

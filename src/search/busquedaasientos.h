@@ -38,8 +38,6 @@ public:
     frmFind &Dialogo();
     std::function<void()> ayuda;
     QString claveSesion;
-    // The SQL text of the last search run.
-    QString UltimaConsulta() const { return m_ultimaConsulta; }
 
 private:
     DatosDocumento &m_datos;
@@ -48,6 +46,5 @@ private:
     ServicioBusquedaCuentas &m_cuentas;
     QWidget *m_dueno;
     std::unique_ptr<frmFind> m_dialogo;
-    QString m_ultimaConsulta;
     CriteriosBusqueda m_confirmados; // those of the last search the dialog confirmed
 };

@@ -81,8 +81,6 @@ public:
 
     SesionEdicion &edicion() const { return *m_edicion; }
     ComandosAsiento &comandos() const { return *m_comandos; }
-    BusquedaAsientos &busqueda() const { return *m_busqueda; }
-    AsientoApertura &apertura() const { return *m_apertura; }
     // The action the deferred-action timer carries out next: "1" the opening-balance entry,
     // "2" a new frequent entry, "3|id" the registration of a frequent entry (0: the user
     // finds one).

@@ -24,24 +24,7 @@ protected:
     // shown last in the grid.
     qint32 asiento(const QList<std::tuple<const char *, bool, double>> &lineas, qint16 libro = Demo::kLibroDiario)
     {
-        AsientoDatos d(m_base.conexion());
-        d.Cabezal().Empresa = Demo::kEmpresa;
-        d.Cabezal().Estado = EstadoAsiento::kRegistrado;
-        d.Cabezal().Fecha = BaseDePrueba::Hoy().addDays(-1);
-        d.Cabezal().Leyenda = QStringLiteral("Corrección de prueba");
-        d.Cabezal().Libro = libro;
-        for (const auto &[codigo, debe, importe] : lineas) {
-            LineaDatos l;
-            l.Cuenta = cuenta(codigo);
-            l.AlDebe = debe;
-            l.Importe = l.ImporteMC = importe;
-            l.Tasa = 1;
-            d.Lineas() << l;
-        }
-        const qint32 id = d.GrabarTodo();
-        EXPECT_GT(id, 0) << d.ultimoError().toStdString();
-        EXPECT_FALSE(CargarAsientoEnGrilla(m_doc->asientos(), *m_doc->proceso().conexion, id, m_doc->grilla().Filas() - 1));
-        return id;
+        return asientoAlFinal(EstadoAsiento::kRegistrado, QStringLiteral("Corrección de prueba"), lineas, libro);
     }
 };
 

@@ -1,5 +1,8 @@
 #include "escenario.h"
 
+#include "entries/asientodatos.h"
+#include "entries/vistas.h"
+#include "store/basedemo.h"
 #include "store/valoressql.h"
 
 #include <QAbstractItemModel>
@@ -134,4 +137,27 @@ qint32 Escenario::cuenta(const char *codigo)
 {
     auto rs = m_base.conexion().Abrir(QStringLiteral("Select CueID From cceCuentas Where CueCodigo = ?"), {QString::fromLatin1(codigo)});
     return qint32(rs->Entero(QStringLiteral("CueID")));
+}
+
+qint32 Escenario::asientoAlFinal(qint16 estado, const QString &leyenda, const QList<std::tuple<const char *, bool, double>> &lineas,
+                                 qint16 libro)
+{
+    AsientoDatos d(m_base.conexion());
+    d.Cabezal().Empresa = Demo::kEmpresa;
+    d.Cabezal().Estado = estado;
+    d.Cabezal().Fecha = BaseDePrueba::Hoy().addDays(-1);
+    d.Cabezal().Leyenda = leyenda;
+    d.Cabezal().Libro = libro;
+    for (const auto &[codigo, debe, importe] : lineas) {
+        LineaDatos l;
+        l.Cuenta = cuenta(codigo);
+        l.AlDebe = debe;
+        l.Importe = l.ImporteMC = importe;
+        l.Tasa = 1;
+        d.Lineas() << l;
+    }
+    const qint32 id = d.GrabarTodo();
+    EXPECT_GT(id, 0) << d.ultimoError().toStdString();
+    EXPECT_FALSE(CargarAsientoEnGrilla(m_doc->asientos(), *m_doc->proceso().conexion, id, m_doc->grilla().Filas() - 1));
+    return id;
 }

@@ -17,6 +17,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <tuple>
 
 // The exact code the user types, as the search answers it without its dialog.
 class BusquedaExacta final : public ServicioBusquedaCuentas
@@ -76,6 +77,10 @@ protected:
     AsientoEnBase enBase(qint32 id);
     // The id of the demo account with that code.
     qint32 cuenta(const char *codigo);
+    // Stores an entry of yesterday in pesos with the lines given (account code, debit,
+    // amount) and shows it last in the grid.
+    qint32 asientoAlFinal(qint16 estado, const QString &leyenda, const QList<std::tuple<const char *, bool, double>> &lineas,
+                          qint16 libro);
     qint32 ultimoId();
     QList<qint32> ids(const QString &condicion);
 

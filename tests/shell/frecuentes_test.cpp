@@ -23,24 +23,7 @@ protected:
     // An entry of yesterday, Alquileres (5.3.01) against Caja (1.1.01), shown last.
     qint32 asiento(qint16 estado, const QString &leyenda, double debe, double haber)
     {
-        AsientoDatos d(m_base.conexion());
-        d.Cabezal().Empresa = Demo::kEmpresa;
-        d.Cabezal().Estado = estado;
-        d.Cabezal().Fecha = BaseDePrueba::Hoy().addDays(-1);
-        d.Cabezal().Leyenda = leyenda;
-        d.Cabezal().Libro = Demo::kLibroDiario;
-        for (const auto &[codigo, alDebe, importe] : {std::tuple{"5.3.01", true, debe}, std::tuple{"1.1.01", false, haber}}) {
-            LineaDatos l;
-            l.Cuenta = cuenta(codigo);
-            l.AlDebe = alDebe;
-            l.Importe = l.ImporteMC = importe;
-            l.Tasa = 1;
-            d.Lineas() << l;
-        }
-        const qint32 id = d.GrabarTodo();
-        EXPECT_GT(id, 0) << d.ultimoError().toStdString();
-        EXPECT_FALSE(CargarAsientoEnGrilla(m_doc->asientos(), *m_doc->proceso().conexion, id, m_doc->grilla().Filas() - 1));
-        return id;
+        return asientoAlFinal(estado, leyenda, {{"5.3.01", true, debe}, {"1.1.01", false, haber}}, Demo::kLibroDiario);
     }
 
     // Runs an item of the entry menu on the entry's header row; answers the template made, 0
