@@ -1,6 +1,9 @@
 #include "opciones.h"
 #include "ventanahost.h"
 
+#include "export/exportacionlinea.h"
+#include "services/servicioconexion.h"
+#include "shell/idioma.h"
 #include "store/basedemo.h"
 #include "store/conexionqt.h"
 
@@ -10,7 +13,10 @@
 #include <QStandardPaths>
 #include <QTimer>
 
+#include <QTextStream>
+
 #include <cstdio>
+#include <tuple>
 
 namespace {
 
@@ -40,16 +46,85 @@ QString BaseDemo(const QString &carpeta, QString &error)
     return ruta;
 }
 
+// --exportar: the entries asked for, loaded and written without a window. Exit status 0
+// done, 1 failed, 2 a bad request.
+int ExportarSinVentana(const OpcionesHost &o, const QString &baseDatos, const QString &archivoAjustes)
+{
+    QTextStream errores(stderr);
+    PedidoExportacion pedido;
+    pedido.archivo = o.exportar;
+    if (!o.vista.isEmpty()) {
+        bool ok = false;
+        pedido.vista = o.vista.toInt(&ok);
+        if (!ok) {
+            errores << QStringLiteral("--vista espera un número: %1").arg(o.vista) << Qt::endl;
+            return 2;
+        }
+    }
+    if (!o.mes.isEmpty()) {
+        pedido.mes = QDate::fromString(o.mes + QStringLiteral("-01"), Qt::ISODate);
+        if (!pedido.mes.isValid()) {
+            errores << QStringLiteral("--mes espera AAAA-MM: %1").arg(o.mes) << Qt::endl;
+            return 2;
+        }
+    }
+    for (const auto &[texto, destino, nombre] : {std::tuple{o.desde, &pedido.criterios.prmFInit, "--desde"},
+                                                 std::tuple{o.hasta, &pedido.criterios.prmFEnd, "--hasta"}}) {
+        if (texto.isEmpty())
+            continue;
+        if (!QDate::fromString(texto, Qt::ISODate).isValid()) {
+            errores << QStringLiteral("%1 espera una fecha AAAA-MM-DD: %2").arg(QString::fromLatin1(nombre), texto) << Qt::endl;
+            return 2;
+        }
+        *destino = texto;
+    }
+    pedido.cuenta = o.cuenta;
+    pedido.criterios.prmLeyenda = o.leyenda;
+    pedido.hayCriterios = !o.desde.isEmpty() || !o.hasta.isEmpty() || !o.cuenta.isEmpty() || !o.leyenda.isEmpty();
+    pedido.criterios.FindOK = pedido.hayCriterios;
+    if (const QString malo = pedido.Validar(); !malo.isEmpty()) {
+        errores << malo << Qt::endl;
+        return 2;
+    }
+
+    AjustesConexion ajustes;
+    ajustes.archivoAjustes = archivoAjustes;
+    const ServicioConexion servicio(ajustes);
+    pedido.formatoFecha = servicio.FormatoFecha(0);
+    const int idioma = o.idioma > 0 ? o.idioma : 1;
+    const std::shared_ptr<ComponenteIdioma> catalogo(
+        ComponenteIdioma::Crear(Idioma::NombreComponente(QStringLiteral("LUM01"), idioma)).release());
+    if (!catalogo) {
+        errores << QStringLiteral("No se encontraron los textos del idioma %1.").arg(idioma) << Qt::endl;
+        return 1;
+    }
+    auto texto = [catalogo](int numero) {
+        QString t;
+        catalogo->resLoad(numero, t);
+        return t;
+    };
+    try {
+        auto conexion = ConexionQt::Abrir(DireccionBD::Leer(baseDatos), false);
+        const int estado = ExportarDesdeLinea(pedido, *conexion, o.empresa, texto, errores,
+                                              [&errores](const QString &linea) { errores << linea << Qt::endl; });
+        conexion->Cerrar();
+        return estado;
+    } catch (const ErrorBaseDatos &e) {
+        errores << QStringLiteral("No se pudo abrir la base de datos: ") << e.descripcion() << Qt::endl;
+        return 1;
+    }
+}
+
 } // namespace
 
 int main(int argc, char *argv[])
 {
-    QApplication app(argc, argv);
-    QApplication::setApplicationName(QStringLiteral("asientos"));
-    QApplication::setOrganizationName(QStringLiteral("asientos"));
-    QApplication::setApplicationVersion(QStringLiteral(ASIENTOS_VERSION));
-
-    const OpcionesHost opciones = OpcionesHost::Leer(QApplication::arguments());
+    // The command line is read before the application exists: help, version and a bad
+    // option need no display, and an export runs without a window.
+    QStringList argumentos;
+    for (int i = 0; i < argc; ++i)
+        argumentos << QString::fromLocal8Bit(argv[i]);
+    const OpcionesHost opciones = OpcionesHost::Leer(argumentos);
     if (opciones.ayuda) {
         std::fputs(qPrintable(OpcionesHost::Uso()), stdout);
         return 0;
@@ -62,6 +137,12 @@ int main(int argc, char *argv[])
         std::fprintf(stderr, "%s\n%s", qPrintable(opciones.error), qPrintable(OpcionesHost::Uso()));
         return 2;
     }
+    if (!opciones.exportar.isEmpty() && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("asientos"));
+    QApplication::setOrganizationName(QStringLiteral("asientos"));
+    QApplication::setApplicationVersion(QStringLiteral(ASIENTOS_VERSION));
 
     const QString carpetaDatos = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
     QDir().mkpath(carpetaDatos);
@@ -71,6 +152,13 @@ int main(int argc, char *argv[])
 
     QString errorDemo;
     const QString baseDatos = opciones.baseDatos.isEmpty() ? BaseDemo(carpetaDatos, errorDemo) : opciones.baseDatos;
+    if (!opciones.exportar.isEmpty()) {
+        if (!errorDemo.isEmpty()) {
+            std::fprintf(stderr, "No se pudo crear la base de demostración: %s\n", qPrintable(errorDemo));
+            return 1;
+        }
+        return ExportarSinVentana(opciones, baseDatos, archivoAjustes);
+    }
 
     const bool captura = !opciones.captura.isEmpty();
     VentanaHost ventana(opciones, baseDatos, archivoAjustes, carpetaDatos, captura);

@@ -43,6 +43,20 @@ OpcionesHost OpcionesHost::Leer(const QStringList &argumentos)
             valor(o.captura);
         } else if (a == QLatin1String("--settings")) {
             valor(o.ajustes);
+        } else if (a == QLatin1String("--exportar")) {
+            valor(o.exportar);
+        } else if (a == QLatin1String("--vista")) {
+            valor(o.vista);
+        } else if (a == QLatin1String("--mes")) {
+            valor(o.mes);
+        } else if (a == QLatin1String("--desde")) {
+            valor(o.desde);
+        } else if (a == QLatin1String("--hasta")) {
+            valor(o.hasta);
+        } else if (a == QLatin1String("--cuenta")) {
+            valor(o.cuenta);
+        } else if (a == QLatin1String("--leyenda")) {
+            valor(o.leyenda);
         } else if (a == QLatin1String("--user") || a == QLatin1String("--company") || a == QLatin1String("--lang")) {
             if (!valor(v))
                 break;
@@ -76,6 +90,11 @@ QString OpcionesHost::Uso()
         "  --href DIRECCION  dirección base tal cual, en lugar de armarla\n"
         "  --settings ARCHIVO  archivo de ajustes del usuario\n"
         "  --screenshot ARCHIVO.png  guardar una imagen de la ventana al iniciar y salir\n"
+        "  --exportar ARCHIVO.csv|.xlsx|.htm|.pdf  exportar sin abrir la ventana los asientos de:\n"
+        "      --vista N       una vista: 1 últimos 5, 2 últimos 10, 3 de hoy, 4 últimos 15 días\n"
+        "      --mes AAAA-MM   un mes\n"
+        "      --desde AAAA-MM-DD --hasta AAAA-MM-DD --cuenta CODIGO --leyenda TEXTO\n"
+        "                      una búsqueda (todos los criterios dados deben cumplirse)\n"
         "  --help, --version\n");
 }
 

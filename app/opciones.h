@@ -17,6 +17,13 @@ struct OpcionesHost
     QString href;            // --href: the base address exactly as given
     QString captura;         // --screenshot FILE
     QString ajustes;         // --settings FILE
+    // --exportar ARCHIVO and what to export: exports without a window and ends.
+    QString exportar;
+    QString vista;           // --vista N
+    QString mes;             // --mes AAAA-MM
+    QString desde, hasta;    // --desde/--hasta AAAA-MM-DD
+    QString cuenta;          // --cuenta CODIGO
+    QString leyenda;         // --leyenda TEXTO (prefix, * as wildcard)
     bool ayuda = false;
     bool version = false;
     QString error;           // a bad command line

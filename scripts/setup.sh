@@ -8,7 +8,8 @@ cd "$(dirname "$0")/.."
 source scripts/comun.sh
 
 paquetes=(g++ cmake ninja-build qt6-base-dev libqt6sql6-sqlite libqt6sql6-psql qt6-l10n-tools
-          libgtest-dev libbenchmark-dev fonts-dejavu-core postgresql)
+          libgtest-dev libbenchmark-dev fonts-dejavu-core postgresql
+          libxlsxwriter-dev pkg-config python3-openpyxl poppler-utils)
 faltan=()
 for p in "${paquetes[@]}"; do
     dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed' || faltan+=("$p")

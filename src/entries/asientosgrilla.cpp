@@ -103,6 +103,26 @@ int AsientosGrilla::anchoRelleno()
     return m_relleno;
 }
 
+bool EsFilaCabezal(const Grilla &g, int fila)
+{
+    return fila >= g.FilasFijas() && g.Dato(fila, 0).isValid() && !g.Dato(fila, 1).isValid();
+}
+
+RangoCeldas RangoCombinado(const Grilla &g, int fila, int columna)
+{
+    RangoCeldas r{fila, columna, fila, columna};
+    if (g.Columnas() >= 6 && EsFilaCabezal(g, fila)) {
+        if (columna >= 1 && columna <= 3) {
+            r.columna1 = 1;
+            r.columna2 = 3;
+        } else if (columna >= 4) {
+            r.columna1 = 4;
+            r.columna2 = g.Columnas() - 1;
+        }
+    }
+    return r;
+}
+
 int CampoDeClave(const QString &clave, int campo)
 {
     qsizetype inicio = 0;

@@ -42,6 +42,21 @@ constexpr QRgb kBordeAsiento = 0xffb9dbea;   // line between entries
 constexpr QRgb kSeleccionCabezal = 0xffc9dae6;
 } // namespace ColoresGrilla
 
+// A block of cells shown as one, from its first cell to its last.
+struct RangoCeldas
+{
+    int fila1 = 0;
+    int columna1 = 0;
+    int fila2 = 0;
+    int columna2 = 0;
+};
+// Whether a row is an entry's header row: the entry id in column 0 and no line key.
+bool EsFilaCabezal(const Grilla &g, int fila);
+// The cells shown as one with (fila, columna): an entry's header row runs its date and
+// legend over columns 1 to 3 and its book over column 4 to the last; any other cell
+// stands alone. Screen, print and every export use this one rule.
+RangoCeldas RangoCombinado(const Grilla &g, int fila, int columna);
+
 // Field n (0: account, 1 project, 2 department, 3 currency, 4 order) of a line key.
 int CampoDeClave(const QString &clave, int campo);
 

@@ -1,5 +1,7 @@
 #include "vsgrid.h"
 
+#include "asientosgrilla.h"
+
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QPainter>
@@ -8,11 +10,6 @@
 #include <cmath>
 
 namespace {
-
-bool esCabezal(const Grilla &g, int fila)
-{
-    return g.Dato(fila, 0).isValid() && !g.Dato(fila, 1).isValid();
-}
 
 QPixmap dibujarIcono(const QString &clave)
 {
@@ -227,10 +224,10 @@ void DelegadoGrilla::paint(QPainter *p, const QStyleOptionViewItem &opcion, cons
 
     // The header row's date and legend run on over the two empty amount columns, and its
     // book name over the empty last column.
-    const bool cabezal = esCabezal(m_g, fila);
-    const int primera = col >= 1 && col <= 3 ? 1 : (col >= 4 ? 4 : col);
-    const int ultima = col >= 1 && col <= 3 ? 3 : (col >= 4 ? m_g.Columnas() - 1 : col);
-    if (cabezal && primera != ultima) {
+    const RangoCeldas rango = RangoCombinado(m_g, fila, col);
+    const int primera = rango.columna1;
+    const int ultima = rango.columna2;
+    if (primera != ultima) {
         const int x1 = m_vista->columnViewportPosition(primera);
         const int x2 = m_vista->columnViewportPosition(ultima) + m_vista->columnWidth(ultima);
         const QRect junta(x1 + 3, r.top(), x2 - x1 - 6, r.height());

@@ -125,10 +125,7 @@ void lumIngAsiento::conectarComandos()
             m_datos.Error(1932, DetalleError(e.numero(), e.descripcion()));
         }
     });
-    // Print and export are not in this build: their items are not offered.
-    for (const char *ausente : {"MnuEdiLinePrint", "MnuPriCnfgPage", "MnuPriPrint", "MnuPriPrevia"})
-        m_menus->accion(QString::fromLatin1(ausente))->setVisible(false);
-    m_menus->MnuExportar->menuAction()->setVisible(false);
+    conectarSalidas();
 }
 
 void lumIngAsiento::ClickEnlace(lumHiperLink *enlace, QMenu *menu)
@@ -341,6 +338,12 @@ void lumIngAsiento::keyPressEvent(QKeyEvent *evento)
     }
     if (mods == Qt::ControlModifier && evento->key() == Qt::Key_N) {
         m_edicion->NuevoAsiento();
+        evento->accept();
+        return;
+    }
+    // Ctrl+P prints and Ctrl+Shift+P previews what the grid shows, as their menu items do.
+    if ((mods & ~Qt::ShiftModifier) == Qt::ControlModifier && evento->key() == Qt::Key_P && hlRegistro->isEnabled()) {
+        m_menus->accion(mods & Qt::ShiftModifier ? QStringLiteral("MnuPriPrevia") : QStringLiteral("MnuPriPrint"))->trigger();
         evento->accept();
         return;
     }

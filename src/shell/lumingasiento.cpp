@@ -5,6 +5,7 @@
 #include "lumtoomenu.h"
 #include "menusdocumento.h"
 #include "paneledicion.h"
+#include "pvprevia.h"
 #include "currency/catalogomonedas.h"
 #include "editing/asientoapertura.h"
 #include "editing/comandosasiento.h"

@@ -13,6 +13,11 @@
 
 class CampoFecha;
 class AsientoApertura;
+class ExportacionGrilla;
+class ImpresionGrilla;
+class SelectorArchivo;
+class pvPrevia;
+struct GrillaEnPantalla;
 class BusquedaAsientos;
 class ComandosAsiento;
 class MenusDocumento;
@@ -39,6 +44,7 @@ struct EntornoDocumento
     AjustesConexion ajustes;
     ServicioBusquedaCuentas *busquedaCuentas = nullptr; // null: the program's own search
     std::shared_ptr<Proceso> proceso;                   // null: the document has its own
+    SelectorArchivo *selectorArchivo = nullptr;         // null: the platform's save dialog
 };
 
 // The journal-entry document. The host creates it, sets its user and company if it wants,
@@ -89,6 +95,9 @@ public:
     AsientosGrilla &asientos() { return m_asientos; }
     Grilla &grilla() { return m_grilla; }
     vsGrid *grid() const { return m_vsGrid; }
+    pvPrevia *previa() const { return m_pvPrevia; }
+    // The save dialog the exports ask (null: the platform's).
+    void FijarSelectorArchivo(SelectorArchivo *selector);
     int FilaEdicion() const;
     // The edit area's controls.
     lumERAsiento *editor() const;
@@ -135,6 +144,9 @@ private:
 
     // Menus and keys (comandosdocumento.cpp).
     void conectarComandos();
+    void conectarSalidas();
+    GrillaEnPantalla GrillaMostrada() const;
+    ExportacionGrilla &exportacion();
     void ClickEnlace(lumHiperLink *enlace, QMenu *menu);
     void PrepararMenuEdicion();
     void MenuEdicionEnCelda();
@@ -198,4 +210,8 @@ private:
     std::unique_ptr<SesionEdicion> m_edicion;
     std::unique_ptr<BusquedaAsientos> m_busqueda;
     std::unique_ptr<AsientoApertura> m_apertura;
+    pvPrevia *m_pvPrevia = nullptr;
+    std::unique_ptr<ImpresionGrilla> m_impresion;
+    std::unique_ptr<SelectorArchivo> m_selectorPropio;
+    std::unique_ptr<ExportacionGrilla> m_exportacion;
 };

@@ -1,0 +1,309 @@
+#include "escritores.h"
+
+#include "fuentegrilla.h"
+#include "gridhtml.h"
+
+#include "entries/grilla.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QSaveFile>
+#include <QTemporaryFile>
+
+#include <xlsxwriter.h>
+
+#include <cerrno>
+#include <cmath>
+#include <cstdio>
+#include <cstring>
+
+#include <sys/stat.h>
+#include <map>
+#include <tuple>
+
+namespace {
+
+constexpr int kFilasPorAvance = 5000;
+
+std::vector<int> ColumnasVisibles(const FuenteDeGrilla &g)
+{
+    std::vector<int> visibles;
+    for (int c = 0; c < g.Columnas(); ++c)
+        if (!g.ColumnaOculta(c) && g.AnchoColumna(c) > 0)
+            visibles.push_back(c);
+    return visibles;
+}
+
+bool FilaVisible(const FuenteDeGrilla &g, int fila)
+{
+    return !g.FilaOculta(fila);
+}
+
+} // namespace
+
+CeldaArchivo CeldaParaArchivo(const FuenteDeGrilla &g, int fila, int columna)
+{
+    CeldaArchivo celda;
+    const QDate fecha = g.FechaCabezal(fila);
+    if (fecha.isValid()) {
+        switch (columna) {
+        case 1:
+            celda.tipo = CeldaArchivo::Tipo::Fecha;
+            celda.fecha = fecha;
+            celda.texto = g.grilla().celda(fila, 1).texto.section(QLatin1String("  "), 0, 0);
+            return celda;
+        case 2:
+            celda.texto = g.LeyendaCabezal(fila);
+            return celda;
+        default:
+            break;
+        }
+    }
+    const RangoCeldas rango = g.Rango(fila, columna);
+    if (rango.fila1 != fila || rango.columna1 != columna)
+        return celda;
+    celda.texto = g.Texto(fila, columna);
+    if (g.EsNumero(fila, columna)) {
+        celda.tipo = CeldaArchivo::Tipo::Numero;
+        celda.numero = g.Valor(fila, columna);
+        celda.mascara = g.MascaraDe(fila, columna);
+    }
+    return celda;
+}
+
+namespace Escritores {
+
+QString CampoCSV(const QString &texto)
+{
+    const bool comillas = texto.contains(QLatin1Char(',')) || texto.contains(QLatin1Char('"'))
+                          || texto.contains(QLatin1Char('\n')) || texto.contains(QLatin1Char('\r'));
+    if (!comillas)
+        return texto;
+    QString t = texto;
+    t.replace(QLatin1Char('"'), QLatin1String("\"\""));
+    return QLatin1Char('"') + t + QLatin1Char('"');
+}
+
+std::optional<QString> EscribirHTML(const FuenteDeGrilla &g, const QString &ruta, const QString &titulo,
+                                    const QString &empresa, const QString &edicion, const QString &formatoFecha)
+{
+    QSaveFile archivo(ruta);
+    if (!archivo.open(QIODevice::WriteOnly))
+        return archivo.errorString();
+    bool escrito = true;
+    modGridHTML::GridHTMLEnPartes(g, titulo, empresa, edicion, formatoFecha, QDateTime::currentDateTime(),
+                                  [&](const QString &parte) {
+                                      const QByteArray datos = parte.toUtf8();
+                                      escrito = escrito && archivo.write(datos) == datos.size();
+                                  });
+    if (!escrito || !archivo.commit())
+        return archivo.errorString();
+    return std::nullopt;
+}
+
+std::optional<QString> EscribirCSV(const FuenteDeGrilla &g, const QString &ruta, const AvanceExportacion &avance)
+{
+    QSaveFile archivo(ruta);
+    if (!archivo.open(QIODevice::WriteOnly))
+        return archivo.errorString();
+    const std::vector<int> columnas = ColumnasVisibles(g);
+    QString registro;
+    QByteArray bloque;
+    bloque.reserve(1 << 20);
+    for (int r = 0; r < g.Filas(); ++r) {
+        if (!FilaVisible(g, r))
+            continue;
+        registro.clear();
+        for (size_t i = 0; i < columnas.size(); ++i) {
+            if (i > 0)
+                registro += QLatin1Char(',');
+            registro += CampoCSV(CeldaParaArchivo(g, r, columnas[i]).texto);
+        }
+        registro += QLatin1String("\r\n");
+        bloque += registro.toUtf8();
+        if (bloque.size() >= (1 << 20)) {
+            if (archivo.write(bloque) != bloque.size())
+                return archivo.errorString();
+            bloque.clear();
+        }
+        if (avance && r % kFilasPorAvance == 0)
+            avance(r, g.Filas());
+    }
+    if (archivo.write(bloque) != bloque.size())
+        return archivo.errorString();
+    if (!archivo.commit())
+        return archivo.errorString();
+    if (avance)
+        avance(g.Filas(), g.Filas());
+    return std::nullopt;
+}
+
+QString FormatoNumeroLibro(const QString &mascara)
+{
+    static const QString kCodigos = QStringLiteral("#0,.");
+    QString salida;
+    QString literal;
+    auto volcar = [&] {
+        if (!literal.isEmpty())
+            salida += QLatin1Char('"') + literal + QLatin1Char('"');
+        literal.clear();
+    };
+    for (const QChar ch : mascara) {
+        if (kCodigos.contains(ch)) {
+            volcar();
+            salida += ch;
+        } else if (ch != QLatin1Char('"')) {
+            literal += ch;
+        }
+    }
+    volcar();
+    return salida;
+}
+
+namespace {
+
+// The workbook's cell formats, made once per combination.
+class FormatosLibro
+{
+public:
+    FormatosLibro(lxw_workbook *libro, QString formatoFecha)
+        : m_libro(libro)
+        , m_fecha(std::move(formatoFecha))
+    {
+    }
+
+    lxw_format *Formato(const QString &numero, quint32 texto, quint32 fondo, bool fija)
+    {
+        const auto clave = std::make_tuple(numero, texto, fondo, fija);
+        auto it = m_formatos.find(clave);
+        if (it != m_formatos.end())
+            return it->second;
+        lxw_format *f = workbook_add_format(m_libro);
+        if (!numero.isEmpty())
+            format_set_num_format(f, numero.toUtf8().constData());
+        if (texto)
+            format_set_font_color(f, Rgb(texto));
+        if (fondo)
+            format_set_bg_color(f, Rgb(fondo));
+        if (fija) {
+            format_set_bold(f);
+            format_set_bottom(f, LXW_BORDER_THIN);
+        }
+        m_formatos.emplace(clave, f);
+        return f;
+    }
+
+    const QString &FormatoFecha() const { return m_fecha; }
+
+private:
+    static lxw_color_t Rgb(quint32 valor)
+    {
+        const QColor c = ColorVista::AColor(valor);
+        return lxw_color_t((c.red() << 16) | (c.green() << 8) | c.blue());
+    }
+
+    lxw_workbook *m_libro;
+    QString m_fecha;
+    std::map<std::tuple<QString, quint32, quint32, bool>, lxw_format *> m_formatos;
+};
+
+QString FormatoFechaLibro(const QString &formatoSuite)
+{
+    // The suite's "dd/mm/yyyy" notation reads the same in a spreadsheet; minutes ("nn")
+    // are "mm" there.
+    QString f = formatoSuite.toLower();
+    f.replace(QLatin1String("nn"), QLatin1String("mm"));
+    return f.isEmpty() ? QStringLiteral("dd/mm/yyyy") : f;
+}
+
+} // namespace
+
+std::optional<QString> EscribirLibro(const FuenteDeGrilla &g, const QString &ruta, const QString &formatoFecha,
+                                     const AvanceExportacion &avance)
+{
+    // The workbook is written under a temporary name in the same folder and renamed.
+    const QFileInfo destino(ruta);
+    QTemporaryFile provisorio(destino.absolutePath() + QStringLiteral("/.") + destino.fileName()
+                              + QStringLiteral(".XXXXXX"));
+    if (!provisorio.open())
+        return provisorio.errorString();
+    const QByteArray rutaProvisoria = QFile::encodeName(provisorio.fileName());
+    provisorio.close();
+
+    lxw_workbook_options opciones{};
+    opciones.constant_memory = LXW_TRUE;
+    const QByteArray carpetaTemporal = QFile::encodeName(QDir::tempPath());
+    opciones.tmpdir = const_cast<char *>(carpetaTemporal.constData());
+    lxw_workbook *libro = workbook_new_opt(rutaProvisoria.constData(), &opciones);
+    if (!libro)
+        return QStringLiteral("no se pudo crear el libro");
+    lxw_worksheet *hoja = workbook_add_worksheet(libro, "Asientos");
+    FormatosLibro formatos(libro, FormatoFechaLibro(formatoFecha));
+
+    if (g.FilasFijas() > 0)
+        worksheet_freeze_panes(hoja, lxw_row_t(g.FilasFijas()), 0);
+    const std::vector<int> columnas = ColumnasVisibles(g);
+    for (size_t i = 0; i < columnas.size(); ++i)
+        worksheet_set_column(hoja, lxw_col_t(i), lxw_col_t(i), g.AnchoColumna(columnas[i]) / g.TwipsPorPixel() / 7.0,
+                             nullptr);
+
+    lxw_error error = LXW_NO_ERROR;
+    lxw_row_t filaLibro = 0;
+    for (int r = 0; r < g.Filas() && error == LXW_NO_ERROR; ++r) {
+        if (!FilaVisible(g, r))
+            continue;
+        const bool fija = r < g.FilasFijas();
+        const quint32 fondo = fija ? g.ColorFondoFijo() : g.ColorFondo(r, 0);
+        for (size_t i = 0; i < columnas.size() && error == LXW_NO_ERROR; ++i) {
+            const int c = columnas[i];
+            const CeldaArchivo celda = CeldaParaArchivo(g, r, c);
+            const quint32 texto = g.ColorTexto(r, c);
+            const lxw_col_t col = lxw_col_t(i);
+            switch (celda.tipo) {
+            case CeldaArchivo::Tipo::Numero:
+                error = worksheet_write_number(hoja, filaLibro, col, celda.numero,
+                                               formatos.Formato(FormatoNumeroLibro(celda.mascara), texto, fondo, fija));
+                break;
+            case CeldaArchivo::Tipo::Fecha: {
+                lxw_datetime fecha{celda.fecha.year(), celda.fecha.month(), celda.fecha.day(), 0, 0, 0};
+                error = worksheet_write_datetime(hoja, filaLibro, col, &fecha,
+                                                 formatos.Formato(formatos.FormatoFecha(), texto, fondo, fija));
+                break;
+            }
+            case CeldaArchivo::Tipo::Texto:
+                if (celda.texto.isEmpty())
+                    error = fondo ? worksheet_write_blank(hoja, filaLibro, col, formatos.Formato({}, 0, fondo, fija))
+                                  : LXW_NO_ERROR;
+                else
+                    error = worksheet_write_string(hoja, filaLibro, col, celda.texto.toUtf8().constData(),
+                                                   formatos.Formato({}, texto, fondo, fija));
+                break;
+            }
+        }
+        ++filaLibro;
+        if (avance && r % kFilasPorAvance == 0)
+            avance(r, g.Filas());
+    }
+    const lxw_error cierre = workbook_close(libro);
+    if (error == LXW_NO_ERROR)
+        error = cierre;
+    if (error != LXW_NO_ERROR) {
+        QFile::remove(QFile::decodeName(rutaProvisoria));
+        return QString::fromUtf8(lxw_strerror(error));
+    }
+    // The temporary file is private; the workbook gets the permissions of any new file.
+    const mode_t mascara = ::umask(0);
+    ::umask(mascara);
+    ::chmod(rutaProvisoria.constData(), 0666 & ~mascara);
+    if (std::rename(rutaProvisoria.constData(), QFile::encodeName(destino.absoluteFilePath()).constData()) != 0) {
+        const QString motivo = QString::fromLocal8Bit(std::strerror(errno));
+        QFile::remove(QFile::decodeName(rutaProvisoria));
+        return motivo;
+    }
+    provisorio.setAutoRemove(false);
+    if (avance)
+        avance(g.Filas(), g.Filas());
+    return std::nullopt;
+}
+
+} // namespace Escritores

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <QDate>
+#include <QString>
+
+#include <functional>
+#include <optional>
+
+class FuenteDeGrilla;
+
+// Told now and then how far a long export has gone (rows done of the total).
+using AvanceExportacion = std::function<void(int hechas, int total)>;
+
+// One grid cell as a file export writes it. An entry's header row, shown as one block on
+// screen, gives its date as a date, its legend in the next column and its book.
+struct CeldaArchivo
+{
+    enum class Tipo { Texto, Numero, Fecha };
+    Tipo tipo = Tipo::Texto;
+    QString texto;       // as shown (a number or date as well)
+    double numero = 0;
+    QString mascara;     // a number's mask
+    QDate fecha;
+};
+CeldaArchivo CeldaParaArchivo(const FuenteDeGrilla &g, int fila, int columna);
+
+// The files of an export. Each one is written beside its final name and put in its place
+// only when complete, so a failure never leaves a half-written file (nor harms one that
+// was there). On failure they answer the reason.
+namespace Escritores {
+
+// Comma-separated text, RFC 4180: the visible rows and columns, the caption row included,
+// fields with a comma, a quote or a line break quoted, quotes doubled, CRLF between
+// records, UTF-8.
+std::optional<QString> EscribirCSV(const FuenteDeGrilla &g, const QString &ruta, const AvanceExportacion &avance = {});
+// An Office Open XML workbook of the same cells: amounts as numbers with their mask,
+// header dates as dates in the user's date format (suite notation), colours kept.
+std::optional<QString> EscribirLibro(const FuenteDeGrilla &g, const QString &ruta, const QString &formatoFecha,
+                                     const AvanceExportacion &avance = {});
+// The grid as an HTML page (modGridHTML), written as it is made.
+std::optional<QString> EscribirHTML(const FuenteDeGrilla &g, const QString &ruta, const QString &titulo,
+                                    const QString &empresa, const QString &edicion, const QString &formatoFecha);
+
+// A field quoted as RFC 4180 asks when it must be.
+QString CampoCSV(const QString &texto);
+// A mask in the spreadsheet's number format: text around the digits in quotes.
+QString FormatoNumeroLibro(const QString &mascara);
+
+} // namespace Escritores

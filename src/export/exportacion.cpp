@@ -1,0 +1,125 @@
+#include "exportacion.h"
+
+#include "escritores.h"
+#include "fuentegrilla.h"
+
+#include "entries/grilla.h"
+
+#include <QDir>
+#include <QStandardPaths>
+
+namespace {
+
+struct DatosFormato
+{
+    int titulo;      // the dialog's title
+    int filtro;      // the catalogue filter
+    const char *extension;
+};
+
+DatosFormato Datos(int formato)
+{
+    switch (formato) {
+    case ExportacionGrilla::Libro: return {1121, 1118, ".xlsx"};
+    case ExportacionGrilla::CSV: return {1122, 1119, ".csv"};
+    default: return {1115, 1120, ".htm"};
+    }
+}
+
+// Redraw off while the grid is read for a file; back on however the export ends.
+class SalidaDeGrilla
+{
+public:
+    explicit SalidaDeGrilla(Grilla &g)
+        : m_g(g)
+        , m_redibujar(g.Redibujar())
+    {
+        m_g.FijarRedibujar(false);
+    }
+    ~SalidaDeGrilla() { m_g.FijarRedibujar(m_redibujar); }
+
+private:
+    Grilla &m_g;
+    bool m_redibujar;
+};
+
+} // namespace
+
+ExportacionGrilla::ExportacionGrilla(EntornoExportacion entorno)
+    : m_entorno(std::move(entorno))
+{
+}
+
+QString ExportacionGrilla::CarpetaExportacion()
+{
+    if (m_carpeta.isEmpty()) {
+        const QString base = m_entorno.carpetaDatos.isEmpty()
+                                 ? QStandardPaths::writableLocation(QStandardPaths::AppDataLocation)
+                                 : m_entorno.carpetaDatos;
+        m_carpeta = QDir(base).filePath(m_entorno.texto(1117));
+    }
+    QDir().mkpath(m_carpeta);
+    return m_carpeta;
+}
+
+QString ExportacionGrilla::NombrePorDefecto(const QString &titulo, int formato)
+{
+    QString nombre = titulo;
+    nombre.replace(QLatin1Char('/'), QLatin1Char('-'));
+    return nombre + QLatin1String(Datos(formato).extension);
+}
+
+QString ExportacionGrilla::ConExtension(const QString &ruta, int formato)
+{
+    if (formato == CSV)
+        return ruta;
+    const QString extension = QLatin1String(Datos(formato).extension);
+    return ruta.endsWith(extension, Qt::CaseInsensitive) ? ruta : ruta + extension;
+}
+
+QString ExportacionGrilla::FiltroQt(const QString &filtro)
+{
+    const QString descripcion = filtro.section(QLatin1Char('|'), 0, 0);
+    const QString patron = filtro.section(QLatin1Char('|'), 1);
+    // Qt reads the patterns from the last parentheses: a description that already ends
+    // with them stays as it is ("Archivo html (*.htm)"); "(csv)" is no pattern.
+    if (patron.isEmpty() || descripcion.endsWith(QLatin1Char('(') + patron + QLatin1Char(')')))
+        return descripcion;
+    return descripcion + QStringLiteral(" (") + patron + QLatin1Char(')');
+}
+
+QString ExportacionGrilla::ElegirArchivo(int formato, const QString &nombre, const QString &titulo)
+{
+    QString filtro = m_entorno.texto(Datos(formato).filtro);
+    // The workbook written is of the current kind, so its pattern is offered.
+    if (formato == Libro)
+        filtro.replace(QLatin1String("*.xls"), QLatin1String("*.xlsx"));
+    if (!m_entorno.selector)
+        return {};
+    return m_entorno.selector->ElegirArchivoGuardar(titulo, CarpetaExportacion(), nombre, FiltroQt(filtro));
+}
+
+std::optional<QString> ExportacionGrilla::Escribir(int formato, const GrillaEnPantalla &g, const QString &ruta,
+                                                   const EntornoExportacion &entorno,
+                                                   const std::function<void(int, int)> &avance)
+{
+    const FuenteDeGrilla fuente(*g.grilla, g.puntosPorPulgada, g.anchoControlTwips);
+    switch (formato) {
+    case Libro:
+        return Escritores::EscribirLibro(fuente, ruta, entorno.formatoFecha, avance);
+    case CSV:
+        return Escritores::EscribirCSV(fuente, ruta, avance);
+    default:
+        return Escritores::EscribirHTML(fuente, ruta, g.titulo, entorno.empresa, entorno.edicion, entorno.formatoFecha);
+    }
+}
+
+void ExportacionGrilla::Exportar(int formato, const GrillaEnPantalla &g)
+{
+    const QString ruta = ElegirArchivo(formato, NombrePorDefecto(g.titulo, formato), m_entorno.texto(Datos(formato).titulo));
+    if (ruta.isEmpty())
+        return;
+    const SalidaDeGrilla salida(*g.grilla);
+    if (const auto fallo = Escribir(formato, g, ConExtension(ruta, formato), m_entorno))
+        m_entorno.error(1938, *fallo);
+}

@@ -1,0 +1,78 @@
+#pragma once
+
+#include <QString>
+
+#include <functional>
+#include <optional>
+
+class Grilla;
+
+// The save-file question of an export, behind a seam tests can answer: the dialog's
+// title, the folder it starts in, the proposed name and a filter in Qt's form
+// ("Archivo de texto (csv) (*.csv)"). Answers the chosen path, empty when cancelled.
+class SelectorArchivo
+{
+public:
+    virtual ~SelectorArchivo() = default;
+    virtual QString ElegirArchivoGuardar(const QString &titulo, const QString &carpeta, const QString &nombre,
+                                         const QString &filtro) = 0;
+};
+
+// What the export commands need of the document.
+struct EntornoExportacion
+{
+    std::function<QString(int)> texto;                     // catalogue text by its number
+    std::function<void(int, const QString &)> error;       // a catalogue error with its detail
+    SelectorArchivo *selector = nullptr;
+    QString carpetaDatos;   // the user's data folder; empty: the program's own data folder
+    QString formatoFecha;   // the user's date format, suite notation
+    QString empresa;        // NombreEmpresa
+    QString edicion;        // NombreEdicion
+};
+
+// The grid as the document shows it now: its title and the screen's measures.
+struct GrillaEnPantalla
+{
+    Grilla *grilla = nullptr;
+    QString titulo;             // the caption of the screen title
+    double puntosPorPulgada = 96;
+    int anchoControlTwips = 0;
+};
+
+// The export commands of the entry menu: the grid to a comma-separated file, a workbook
+// or an HTML page, in a file the user picks in the export folder.
+class ExportacionGrilla
+{
+public:
+    enum Formato { Libro = 1, CSV = 2, HTML = 3 };
+
+    explicit ExportacionGrilla(EntornoExportacion entorno);
+
+    void MnuExpExcell(const GrillaEnPantalla &g) { Exportar(Libro, g); }
+    void MnuExpCSV(const GrillaEnPantalla &g) { Exportar(CSV, g); }
+    void MnuExpHtml(const GrillaEnPantalla &g) { Exportar(HTML, g); }
+
+    // The export folder, made when missing; kept for the life of the document.
+    QString CarpetaExportacion();
+    // Empty when the user cancels.
+    QString ElegirArchivo(int formato, const QString &nombre, const QString &titulo);
+
+    // The proposed file name: the title with "/" as "-", and the format's extension.
+    static QString NombrePorDefecto(const QString &titulo, int formato);
+    // The path with the format's extension added when it does not end with it (the
+    // comma-separated file keeps the name as typed).
+    static QString ConExtension(const QString &ruta, int formato);
+    // A catalogue filter "description|pattern" in Qt's form.
+    static QString FiltroQt(const QString &filtro);
+
+    // Writes the grid in the format to the path; the reason on failure.
+    static std::optional<QString> Escribir(int formato, const GrillaEnPantalla &g, const QString &ruta,
+                                           const EntornoExportacion &entorno,
+                                           const std::function<void(int, int)> &avance = {});
+
+private:
+    void Exportar(int formato, const GrillaEnPantalla &g);
+
+    EntornoExportacion m_entorno;
+    QString m_carpeta;
+};

@@ -1,0 +1,218 @@
+#include "exportacionlinea.h"
+
+#include "exportacion.h"
+#include "fuentegrilla.h"
+#include "impresiongrilla.h"
+#include "paginasgrilla.h"
+
+#include "currency/catalogomonedas.h"
+#include "editing/sesion.h"
+#include "entries/vistas.h"
+#include "search/consultabusqueda.h"
+#include "store/conexion.h"
+#include "store/fallo.h"
+
+#include <QElapsedTimer>
+#include <QFileInfo>
+#include <QPdfWriter>
+#include <QSaveFile>
+#include <QTextStream>
+
+#include <stdexcept>
+
+namespace {
+
+constexpr int kPdf = 4;
+
+// The print-preview view's part a PDF file needs: pages laid out on the writer's page.
+class VistaPDF final : public VistaImpresion
+{
+public:
+    explicit VistaPDF(QPdfWriter &escritor)
+        : m_escritor(escritor)
+    {
+    }
+    int ModoPagina() const override { return m_escritor.pageLayout().orientation() == QPageLayout::Portrait ? 0 : 1; }
+    int AnchoPagina() const override { return int(m_escritor.pageLayout().fullRect(QPageLayout::Point).width() * 20); }
+    std::pair<int, int> Margenes(int) const override
+    {
+        const QMarginsF m = m_escritor.pageLayout().margins(QPageLayout::Point);
+        return {int(m.left() * 20), int(m.right() * 20)};
+    }
+    void FijarTitulo(const QString &titulo) override { m_titulo = titulo; }
+    void Preparar() override { m_paginas.Limpiar(); }
+    void FijarOrigen(const FuenteGrilla &g) override { m_origen = &g; }
+    void Renderizar() override { m_paginas.Componer(*m_origen, m_escritor.pageLayout(), m_titulo); }
+    bool Imprimir() override { return m_ok = m_paginas.Imprimir(m_escritor); }
+    void ConfigurarPagina() override {}
+    void FijarVisible(bool) override {}
+
+    bool ok() const { return m_ok; }
+    int paginas() const { return m_paginas.Paginas(); }
+
+private:
+    QPdfWriter &m_escritor;
+    PaginasGrilla m_paginas;
+    const FuenteGrilla *m_origen = nullptr;
+    QString m_titulo;
+    bool m_ok = false;
+};
+
+qint32 IdDeCuenta(Conexion &conexion, qint32 empresa, const QString &codigo)
+{
+    auto rs = conexion.Abrir(QStringLiteral("Select CueID From cceCuentas Where CueIDEmpresa = ? And CueCodigo = ?"),
+                             {empresa, codigo});
+    return rs->Fin() ? 0 : rs->Campo(0).toInt();
+}
+
+} // namespace
+
+int PedidoExportacion::Formato() const
+{
+    const QString extension = QFileInfo(archivo).suffix().toLower();
+    if (extension == QLatin1String("csv"))
+        return ExportacionGrilla::CSV;
+    if (extension == QLatin1String("xlsx"))
+        return ExportacionGrilla::Libro;
+    if (extension == QLatin1String("htm") || extension == QLatin1String("html"))
+        return ExportacionGrilla::HTML;
+    if (extension == QLatin1String("pdf"))
+        return kPdf;
+    return 0;
+}
+
+QString PedidoExportacion::Validar() const
+{
+    if (archivo.isEmpty())
+        return QStringLiteral("Falta el archivo de --exportar.");
+    if (Formato() == 0)
+        return QStringLiteral("No sé exportar a «%1»: el archivo debe terminar en .csv, .xlsx, .htm o .pdf.").arg(archivo);
+    const int formas = (vista != -100 ? 1 : 0) + (mes.isValid() ? 1 : 0) + (hayCriterios ? 1 : 0);
+    if (formas == 0)
+        return QStringLiteral("Indique qué asientos exportar: --vista N, --mes AAAA-MM o criterios de búsqueda "
+                              "(--desde, --hasta, --cuenta, --leyenda).");
+    if (formas > 1)
+        return QStringLiteral("Use una sola forma de elegir los asientos: --vista, --mes o criterios de búsqueda.");
+    if (vista != -100 && (vista < Vista::kUltimos5 || vista > Vista::kUltimos15Dias))
+        return QStringLiteral("--vista espera 1 (últimos 5), 2 (últimos 10), 3 (de hoy) o 4 (últimos 15 días).");
+    return {};
+}
+
+int ExportarDesdeLinea(const PedidoExportacion &pedido, Conexion &conexion, qint32 empresa,
+                       const std::function<QString(int)> &texto, QTextStream &errores,
+                       const std::function<void(const QString &)> &progreso)
+{
+    auto fallar = [&](const QString &mensaje) {
+        errores << mensaje << Qt::endl;
+        return 1;
+    };
+    if (const QString malo = pedido.Validar(); !malo.isEmpty())
+        return fallar(malo);
+
+    ParametrosSistema parametros;
+    ConfigEmpresa config;
+    bool leida = false;
+    if (const auto f = CargarParametrosSistema(conexion, parametros))
+        return fallar(texto(f->numeroTexto) + QStringLiteral(" ") + f->detalle);
+    if (const auto f = LeerConfigEmpresa(conexion, empresa, config, leida))
+        return fallar(texto(f->numeroTexto) + QStringLiteral(" ") + f->detalle);
+    if (!leida)
+        return fallar(QStringLiteral("No existe la empresa %1 en la base de datos.").arg(empresa));
+
+    CatalogoMonedas monedas;
+    ContextoAsientos ctx;
+    Grilla grilla;
+    AsientosGrilla asientos(grilla, ctx);
+    QString sql;
+    int vista = pedido.vista;
+    try {
+        monedas.CargarMonedas(conexion);
+        monedas.FijarMonedaContabilidad(config.monedaContabilidad);
+        ctx.monedas = &monedas;
+        ctx.monedaContabilidad = config.monedaContabilidad;
+        ctx.mostrarCodigoCta = config.mostrarCodigoCta;
+        ctx.formatoFecha = pedido.formatoFecha;
+        ctx.texto = texto;
+        ctx.empresa = empresa;
+        ctx.delimitadorFecha = parametros.delimitadorFecha;
+        ctx.patronFecha = parametros.formatoFecha;
+        PrepararGrillaAsientos(grilla, texto(1060));
+        const QString mascara = monedas.DatoMoneda(0, 4).toString();
+        grilla.FijarFormatoColumna(2, mascara);
+        grilla.FijarFormatoColumna(3, mascara);
+
+        if (pedido.mes.isValid()) {
+            vista = Vista::kPrimerMes;
+        } else if (pedido.hayCriterios) {
+            CriteriosBusqueda c = pedido.criterios;
+            if (!pedido.cuenta.isEmpty()) {
+                c.prmCta = IdDeCuenta(conexion, empresa, pedido.cuenta);
+                if (c.prmCta <= 0)
+                    return fallar(QStringLiteral("No existe la cuenta «%1» en la empresa %2.").arg(pedido.cuenta).arg(empresa));
+            }
+            sql = SqlBusqueda(c, empresa, parametros.delimitadorFecha, parametros.formatoFecha);
+            vista = Vista::kPersonalizada;
+        }
+    } catch (const ErrorBaseDatos &e) {
+        return fallar(DetalleError(e.numero(), e.descripcion()));
+    } catch (const std::invalid_argument &e) {
+        return fallar(QStringLiteral("Fecha no válida: %1").arg(QString::fromUtf8(e.what())));
+    }
+
+    if (progreso)
+        progreso(QStringLiteral("Leyendo los asientos…"));
+    const QDate primerDia = pedido.mes.isValid() ? QDate(pedido.mes.year(), pedido.mes.month(), 1) : QDate();
+    if (const auto f = CargarAsientos(asientos, conexion, vista, sql, QDate::currentDate(), primerDia))
+        return fallar(texto(f->numeroTexto) + QStringLiteral(" ") + f->detalle);
+    // The closing "new entry" row is the screen's, not data.
+    if (grilla.Filas() > grilla.FilasFijas())
+        grilla.FijarFilaOculta(grilla.Filas() - 1, true);
+
+    const int formato = pedido.Formato();
+    QElapsedTimer reloj;
+    reloj.start();
+    auto avance = [&](int hechas, int total) {
+        if (progreso && total > 0 && reloj.elapsed() > 500)
+            progreso(QStringLiteral("Exportando: %1 de %2 filas").arg(hechas).arg(total));
+    };
+    std::optional<QString> error;
+    if (formato == kPdf) {
+        // Laid out as the print command does it, written beside the final name and renamed.
+        QSaveFile archivo(pedido.archivo);
+        if (!archivo.open(QIODevice::WriteOnly))
+            return fallar(texto(1938) + QStringLiteral(" ") + archivo.errorString());
+        {
+            QPdfWriter escritor(&archivo);
+            escritor.setPageSize(QPageSize(QPageSize::A4));
+            escritor.setPageOrientation(QPageLayout::Landscape);
+            escritor.setPageMargins(QMarginsF(15, 15, 15, 15), QPageLayout::Millimeter);
+            escritor.setTitle(texto(1001));
+            escritor.setCreator(QStringLiteral("asientos"));
+            VistaPDF pdf(escritor);
+            ImpresionGrilla impresion(grilla, pdf, {});
+            impresion.MnuPriPrint(texto(1001), config.NombreEmpresa);
+            if (!pdf.ok())
+                error = QStringLiteral("no se pudo escribir el PDF");
+        }
+        if (!error && !archivo.commit())
+            error = archivo.errorString();
+    } else {
+        EntornoExportacion entorno;
+        entorno.texto = texto;
+        entorno.formatoFecha = pedido.formatoFecha;
+        entorno.empresa = config.NombreEmpresa;
+        GrillaEnPantalla g;
+        g.grilla = &grilla;
+        g.titulo = texto(1001);
+        error = ExportacionGrilla::Escribir(formato, g, pedido.archivo, entorno, avance);
+    }
+    if (error)
+        return fallar(texto(1938) + QStringLiteral(" ") + *error);
+    if (progreso) {
+        int cuantos = 0;
+        for (int r = grilla.FilasFijas(); r < grilla.Filas(); ++r)
+            cuantos += EsFilaCabezal(grilla, r) ? 1 : 0;
+        progreso(QStringLiteral("%1 asientos exportados a %2").arg(cuantos).arg(pedido.archivo));
+    }
+    return 0;
+}

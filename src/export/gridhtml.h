@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QDateTime>
+#include <QString>
+
+#include <functional>
+
+class FuenteGrilla;
+
+// A grid as one self-contained HTML page: a title bar, the grid as a table with its
+// merged cells, colours, font styles, alignments and relative widths, and a footer with
+// the moment of the export.
+namespace modGridHTML {
+
+// formatoFecha: the user's date format in the suite's notation ("dd/mm/yyyy").
+QString GridHTML(const FuenteGrilla &grilla, const QString &titulo, const QString &empresa,
+                 const QString &edicion, const QString &formatoFecha,
+                 const QDateTime &ahora = QDateTime::currentDateTime());
+// The same page handed over in pieces of about half a million characters, so a page of
+// any size is written without being held whole.
+void GridHTMLEnPartes(const FuenteGrilla &grilla, const QString &titulo, const QString &empresa,
+                      const QString &edicion, const QString &formatoFecha, const QDateTime &ahora,
+                      const std::function<void(const QString &)> &parte);
+// "&", "<" and ">" as entities; an empty text becomes "&nbsp;".
+QString EscaparHTML(const QString &texto);
+// A grid colour value (red in the low byte; system colours with the top bit) as a quoted
+// HTML colour: "\"#RRGGBB\"".
+QString ColorHTML(quint32 color);
+// Digits, "," and at most one "."; a "-" only first; empty is a number.
+bool EsNumero(const QString &texto);
+
+} // namespace modGridHTML

@@ -1,0 +1,119 @@
+#include "pvprevia.h"
+
+#include <QDir>
+#include <QFileDialog>
+#include <QPageSetupDialog>
+#include <QPrintDialog>
+#include <QPrintPreviewDialog>
+
+#include <cmath>
+
+namespace {
+
+int Twips(double puntos)
+{
+    return int(std::lround(puntos * 20));
+}
+
+} // namespace
+
+pvPrevia::pvPrevia(QWidget *dueno)
+    : QObject(dueno)
+    , m_dueno(dueno)
+{
+    setObjectName(QStringLiteral("pvPrevia"));
+    m_impresora.setPageSize(QPageSize(QPageSize::A4));
+    m_impresora.setPageMargins(QMarginsF(15, 15, 15, 15), QPageLayout::Millimeter);
+}
+
+pvPrevia::~pvPrevia() = default;
+
+int pvPrevia::ModoPagina() const
+{
+    return m_impresora.pageLayout().orientation() == QPageLayout::Portrait ? 0 : 1;
+}
+
+int pvPrevia::AnchoPagina() const
+{
+    return Twips(m_impresora.pageLayout().fullRect(QPageLayout::Point).width());
+}
+
+std::pair<int, int> pvPrevia::Margenes(int) const
+{
+    // The page set-up keeps one set of margins, already turned with the page.
+    const QMarginsF m = m_impresora.pageLayout().margins(QPageLayout::Point);
+    return {Twips(m.left()), Twips(m.right())};
+}
+
+void pvPrevia::Preparar()
+{
+    m_paginas.Limpiar();
+    m_origen = nullptr;
+}
+
+void pvPrevia::Renderizar()
+{
+    if (m_origen)
+        m_paginas.Componer(*m_origen, m_impresora.pageLayout(), m_titulo);
+}
+
+bool pvPrevia::Imprimir()
+{
+    if (!m_salidaPDF.isEmpty()) {
+        m_impresora.setOutputFormat(QPrinter::PdfFormat);
+        m_impresora.setOutputFileName(m_salidaPDF);
+    } else {
+        QPrintDialog dialogo(&m_impresora, m_dueno);
+        dialogo.setWindowTitle(m_titulo.section(QLatin1Char('|'), 0, 0));
+        if (dialogo.exec() != QDialog::Accepted)
+            return false;
+    }
+    return m_paginas.Imprimir(m_impresora);
+}
+
+void pvPrevia::ConfigurarPagina()
+{
+    QPageSetupDialog dialogo(&m_impresora, m_dueno);
+    dialogo.exec();
+}
+
+void pvPrevia::FijarVisible(bool visible)
+{
+    if (!visible) {
+        if (m_dialogo)
+            m_dialogo->reject();
+        return;
+    }
+    if (m_dialogo)
+        return;
+    QPrintPreviewDialog dialogo(&m_impresora, m_dueno);
+    dialogo.setObjectName(QStringLiteral("pvPrevia"));
+    dialogo.setWindowTitle(m_titulo.section(QLatin1Char('|'), 0, 0));
+    dialogo.resize(900, 700);
+    // The preview lets the user turn the page or change its size: the pages are laid out
+    // again on the printer as it is when they are painted.
+    connect(&dialogo, &QPrintPreviewDialog::paintRequested, this, [this](QPrinter *impresora) {
+        if (m_origen)
+            m_paginas.Componer(*m_origen, impresora->pageLayout(), m_titulo);
+        m_paginas.Imprimir(*impresora);
+    });
+    m_dialogo = &dialogo;
+    dialogo.exec();
+    m_dialogo = nullptr;
+    m_origen = nullptr;
+}
+
+QString SelectorArchivoQt::ElegirArchivoGuardar(const QString &titulo, const QString &carpeta, const QString &nombre,
+                                                const QString &filtro)
+{
+    QFileDialog dialogo(m_dueno, titulo, QDir(carpeta).filePath(nombre), filtro);
+    dialogo.setAcceptMode(QFileDialog::AcceptSave);
+    dialogo.setFileMode(QFileDialog::AnyFile);
+    dialogo.setOption(QFileDialog::DontConfirmOverwrite, false);
+    const QString extension = nombre.section(QLatin1Char('.'), -1);
+    if (nombre.contains(QLatin1Char('.')))
+        dialogo.setDefaultSuffix(extension);
+    if (dialogo.exec() != QDialog::Accepted || dialogo.selectedFiles().isEmpty())
+        return {};
+    return dialogo.selectedFiles().constFirst();
+}

@@ -1,0 +1,214 @@
+// The grid as an HTML page: escaping, colours, numbers, and every rule of the table.
+#include "grillafalsa.h"
+
+#include "export/gridhtml.h"
+
+#include <QGuiApplication>
+#include <QPalette>
+#include <QRegularExpression>
+
+#include <gtest/gtest.h>
+
+using namespace modGridHTML;
+
+namespace {
+
+// The <td ...>...</TD> pieces of a page, in order.
+QStringList Celdas(const QString &html)
+{
+    QStringList celdas;
+    static const QRegularExpression td(QStringLiteral("<td [^>]*>.*?</TD>"));
+    for (auto it = td.globalMatch(html); it.hasNext();)
+        celdas << it.next().captured(0);
+    return celdas;
+}
+
+QString Pagina(const FuenteGrilla &g)
+{
+    return GridHTML(g, QStringLiteral("T"), QStringLiteral("E"), QStringLiteral("Ed"), QStringLiteral("dd/mm/yyyy"),
+                    QDateTime(QDate(2026, 11, 23), QTime(14, 5, 9)));
+}
+
+} // namespace
+
+TEST(EscaparHTML, ReemplazaEnOrdenYVacioEsEspacio)
+{
+    EXPECT_EQ(EscaparHTML(QString()), QStringLiteral("&nbsp;"));
+    EXPECT_EQ(EscaparHTML(QStringLiteral("<b>")), QStringLiteral("&lt;b&gt;"));
+    // "&" goes first: the entities made for "<" are not escaped again.
+    EXPECT_EQ(EscaparHTML(QStringLiteral("a & <b> &lt;")), QStringLiteral("a &amp; &lt;b&gt; &amp;lt;"));
+    EXPECT_EQ(EscaparHTML(QStringLiteral("Pérez \"y\" cía.")), QStringLiteral("Pérez \"y\" cía."));
+}
+
+TEST(ColorHTML, DeAzulVerdeRojoARojoVerdeAzul)
+{
+    EXPECT_EQ(ColorHTML(0x0000FF), QStringLiteral("\"#FF0000\""));
+    EXPECT_EQ(ColorHTML(0xFF0000), QStringLiteral("\"#0000FF\""));
+    EXPECT_EQ(ColorHTML(0x123456), QStringLiteral("\"#563412\""));
+    EXPECT_EQ(ColorHTML(0), QStringLiteral("\"#000000\""));
+    EXPECT_EQ(ColorHTML(0x80), QStringLiteral("\"#800000\""));
+}
+
+TEST(ColorHTML, ColorDeSistemaEsElActual)
+{
+    QPalette paleta = QGuiApplication::palette();
+    paleta.setColor(QPalette::Button, QColor(0x12, 0x34, 0x56));
+    QGuiApplication::setPalette(paleta);
+    EXPECT_EQ(ColorHTML(0x8000000F), QStringLiteral("\"#123456\""));
+    paleta.setColor(QPalette::Button, QColor(0xab, 0xcd, 0xef));
+    QGuiApplication::setPalette(paleta);
+    EXPECT_EQ(ColorHTML(0x8000000F), QStringLiteral("\"#ABCDEF\""));
+    QGuiApplication::setPalette(QPalette());
+}
+
+TEST(EsNumero, SoloDigitosComasUnPuntoYMenosAlPrincipio)
+{
+    const std::pair<const char *, bool> casos[] = {
+        {"", true},          {"1.234,50", true}, {"  12 ", true},  {"-5", true},    {"1,2,3", true},
+        {"1.2.3", false},    {"+5", false},      {"5+", false},    {"5-", false},   {"--5", false},
+        {"12a", false},      {"1 234", false},   {"-", true},      {".", true},
+    };
+    for (const auto &[texto, esperado] : casos)
+        EXPECT_EQ(EsNumero(QString::fromUtf8(texto)), esperado) << texto;
+}
+
+TEST(GridHTML, PaginaCompleta)
+{
+    GrillaFalsa g(2, 2);
+    g.textos[{0, 0}] = QStringLiteral("A");
+    g.textos[{0, 1}] = QStringLiteral("B");
+    g.textos[{1, 0}] = QStringLiteral("1,5");
+    const QString esperado = QStringLiteral(
+        "<html>\r\n<head>\r\n<title>T</title>\r\n"
+        "<style>.stBody{FONT-WEIGHT: normal; FONT-SIZE: 8pt; COLOR: #666666;Font -FAMILY: tahoma , arial}"
+        " .stTbTitleMargin {PADDING-RIGHT: 2px; PADDING-LEFT: 2px; PADDING-BOTTOM: 2px; PADDING-TOP: 2px}"
+        ".stTitle {FONT-SIZE: 8pt; COLOR: #586a9c; Font -FAMILY: tahoma , arial}\r\n"
+        ".stTitleC {FONT-WEIGHT: bold; FONT-SIZE: 10pt; COLOR: #586a9c; Font -FAMILY: tahoma , arial}\r\n"
+        ".stTDFixed{FONT-SIZE: 9pt; FONT-FAMILY: tahoma, arial}.stTDFont{FONT-SIZE: 8pt; FONT-FAMILY: tahoma, arial}"
+        ".stTableH { BORDER-BOTTOM: #000000 1px solid}.stTableF { BORDER-TOP: #000000 1px solid}</style></head>\r\n"
+        "<body class=\"stBody\">\r\n"
+        "<table width=\"260\" border=\"0\" cellpadding=\"0\" cellspacing=\"0\" class=\"stTableH\">\r\n"
+        "<tr><td align=\"left\" width=\"60%\" class=\"stTbTitleMargin\"><span class=\"stTitleC\">T</span></td>"
+        "<td align=\"right\" width=\"40%\" class=\"stTbTitleMargin\"><span class=\"stTitle\">E</span></td></tr>\r\n"
+        "</table><br>\r\n"
+        "<TABLE CELLSPACING=0 CELLPADDING=0 vALIGN=CENTER WIDTH=260>\r\n"
+        "<TR>\r\n"
+        "<td class=\"stTDFixed\" Width = \"50%\" BGCOLOR=\"#C0C0C0\" BORDERCOLOR=\"#808080\"><FONT COLOR=\"#800000\">A</FONT></TD>\r\n"
+        "<td class=\"stTDFixed\" Width = \"50%\" BGCOLOR=\"#C0C0C0\" BORDERCOLOR=\"#808080\"><FONT COLOR=\"#800000\">B</FONT></TD>\r\n"
+        "</TR>\r\n"
+        "<TR>\r\n"
+        "<td class=\"stTDFont\" Width = \"50%\" ALIGN=RIGHT>1,5</TD>\r\n"
+        "<td class=\"stTDFont\" Width = \"50%\" ALIGN=RIGHT>&nbsp;</TD>\r\n"
+        "</TR>\r\n"
+        "</TABLE>\r\n\r\n"
+        "\r\n<br><table width=\"260\" border=\"0\" cellpadding=\"0\" cellspacing=\"0\" class=\"stTableF\">\r\n"
+        "<tr><td><span class=stTitle>23/11/2026 14:05:09</span></td><td align=right><span class=\"stTitle\">Ed</span></td></tr></table>"
+        "</body></html>");
+    EXPECT_EQ(Pagina(g), esperado);
+}
+
+TEST(GridHTML, CeldaCombinadaLlevaSusSpansYTapaLasOtras)
+{
+    GrillaFalsa g(5, 4);
+    g.combinadas.push_back({1, 1, 3, 2});
+    g.textos[{1, 1}] = QStringLiteral("grande");
+    g.textos[{2, 1}] = QStringLiteral("tapada");
+    const QStringList celdas = Celdas(Pagina(g));
+    // 4 caption cells, then row 1: 3 cells (one of them the block), rows 2 and 3: 2 each, row 4: 4.
+    ASSERT_EQ(celdas.size(), 4 + 3 + 2 + 2 + 4);
+    EXPECT_TRUE(celdas[5].contains(QStringLiteral(" COLSPAN=2 ROWSPAN=3>"))) << celdas[5].toStdString();
+    EXPECT_TRUE(celdas[5].contains(QStringLiteral(">grande</TD>")));
+    // The block spans two of the four equal columns.
+    EXPECT_TRUE(celdas[5].contains(QStringLiteral("Width = \"50%\"")));
+    for (const QString &c : celdas)
+        EXPECT_FALSE(c.contains(QStringLiteral("tapada")));
+}
+
+TEST(GridHTML, OcultasNoSalenPeroSuAnchoCuenta)
+{
+    GrillaFalsa g(3, 3);
+    g.ocultas[1] = true;
+    g.filasOcultas[2] = true;
+    g.altos[1] = 0;
+    g.textos[{0, 1}] = QStringLiteral("oculta");
+    const QString html = Pagina(g);
+    // Three columns of 1500 twips: 4500 * 1.3 / 15 = 390 pixels, the hidden one included.
+    EXPECT_TRUE(html.contains(QStringLiteral("WIDTH=390>")));
+    EXPECT_FALSE(html.contains(QStringLiteral("oculta")));
+    EXPECT_EQ(Celdas(html).size(), 2); // only the caption row, without its hidden column
+    EXPECT_EQ(html.count(QStringLiteral("<TR>")), 1);
+
+    // The control's width wins when it is larger.
+    g.anchoControl = 9000;
+    EXPECT_TRUE(Pagina(g).contains(QStringLiteral("WIDTH=780>")));
+}
+
+TEST(GridHTML, AlineacionesPorColumna)
+{
+    const std::pair<int, const char *> casos[] = {
+        {0, " VALIGN=TOP>"}, {1, "%\">"}, {2, " VALIGN=BOTTOM>"}, {3, " ALIGN=CENTER VALIGN=TOP>"},
+        {4, " ALIGN=CENTER>"}, {5, " ALIGN=CENTER VALIGN=BOTTOM>"}, {6, " ALIGN=RIGHT VALIGN=TOP>"},
+        {7, " ALIGN=RIGHT>"}, {8, " ALIGN=RIGHT VALIGN=BOTTOM>"},
+    };
+    for (const auto &[codigo, esperado] : casos) {
+        GrillaFalsa g(2, 1);
+        g.alineaciones[0] = codigo;
+        g.textos[{1, 0}] = QStringLiteral("texto");
+        EXPECT_TRUE(Celdas(Pagina(g)).at(1).contains(QLatin1String(esperado))) << codigo;
+    }
+
+    // General: by content, except dates (nothing) and booleans (centred, "Y" or nothing).
+    GrillaFalsa g(4, 3);
+    g.tipos = {0, 7, 11};
+    g.textos[{1, 0}] = QStringLiteral("1.234,50");
+    g.textos[{2, 0}] = QStringLiteral("1.2.3");
+    g.textos[{3, 0}] = QStringLiteral("+5");
+    g.textos[{1, 1}] = QStringLiteral("23/11/2026");
+    g.textos[{1, 2}] = QStringLiteral("-1");
+    g.textos[{2, 2}] = QStringLiteral("0");
+    const QStringList c = Celdas(Pagina(g));
+    EXPECT_TRUE(c[3].contains(QStringLiteral("%\" ALIGN=RIGHT>1.234,50<")));
+    EXPECT_TRUE(c[6].contains(QStringLiteral("%\">1.2.3<")));
+    EXPECT_TRUE(c[9].contains(QStringLiteral("%\">+5<")));
+    EXPECT_TRUE(c[4].contains(QStringLiteral("%\">23/11/2026<")));
+    EXPECT_TRUE(c[5].contains(QStringLiteral(" ALIGN=CENTER>Y<")));
+    EXPECT_TRUE(c[8].contains(QStringLiteral(" ALIGN=CENTER>&nbsp;<")));
+}
+
+TEST(GridHTML, ColoresEstilosYCeldasFijas)
+{
+    GrillaFalsa g(2, 2, 1, 1);
+    g.fondos[{1, 1}] = 0x00FF00;
+    g.letras[{1, 1}] = 0x0000FF;
+    g.negritas[{1, 1}] = 1;
+    g.cursivas[{1, 1}] = 1;
+    g.subrayados[{1, 1}] = 1;
+    g.fondos[{1, 0}] = 0xFF0000;
+    g.textos[{1, 1}] = QStringLiteral("x<y");
+    const QStringList c = Celdas(Pagina(g));
+    EXPECT_EQ(c[3], QStringLiteral("<td class=\"stTDFont\" Width = \"50%\" BGCOLOR=\"#00FF00\">"
+                                   "<FONT COLOR=\"#FF0000\"><B><I><U>x&lt;y</B></I></U></FONT></TD>"));
+    // A fixed column's cell with its own back colour keeps it, with the fixed text colour
+    // and grid-line colour; empty, it counts as a number in a general column.
+    EXPECT_EQ(c[2], QStringLiteral("<td class=\"stTDFixed\" Width = \"50%\" BGCOLOR=\"#0000FF\" ALIGN=RIGHT BORDERCOLOR=\"#808080\">"
+                                   "<FONT COLOR=\"#800000\">&nbsp;</FONT></TD>"));
+}
+
+TEST(GridHTML, SangriaDeFilasDeArbol)
+{
+    GrillaFalsa g(5, 2);
+    g.columnaArbol = 0;
+    g.barraArbol = true;
+    g.niveles = {{2, 1}, {4, 2}};
+    for (int r = 1; r < 5; ++r)
+        g.textos[{r, 0}] = QStringLiteral("f%1").arg(r);
+    QStringList c = Celdas(Pagina(g));
+    EXPECT_TRUE(c[2].contains(QStringLiteral(">f1<")));
+    EXPECT_TRUE(c[4].contains(QStringLiteral(">&nbsp&nbsp&nbsp&nbspf2<")));
+    EXPECT_TRUE(c[6].contains(QStringLiteral(">&nbsp&nbsp&nbsp&nbspf3<")));
+    EXPECT_TRUE(c[8].contains(QStringLiteral(">&nbsp&nbsp&nbsp&nbsp&nbsp&nbsp&nbsp&nbspf4<")));
+    // Without the bar there is no indent.
+    g.barraArbol = false;
+    c = Celdas(Pagina(g));
+    EXPECT_TRUE(c[8].contains(QStringLiteral(">f4<")));
+}

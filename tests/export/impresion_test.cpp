@@ -1,0 +1,161 @@
+// The print command's preparation of the grid, the pages it makes, and the small rules of
+// the file writers.
+#include "grillafalsa.h"
+
+#include "entries/asientosgrilla.h"
+#include "entries/grilla.h"
+#include "export/escritores.h"
+#include "export/impresiongrilla.h"
+#include "export/paginasgrilla.h"
+
+#include <QRectF>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+// A view with a page of a given width and margins that records what it was told.
+class VistaFalsa final : public VistaImpresion
+{
+public:
+    int modo = 0;
+    int anchoPagina = 16838;
+    std::pair<int, int> par1{1000, 1000}, par2{500, 700};
+    QStringList llamadas;
+    QString titulo;
+    std::function<void(const FuenteGrilla &)> alRenderizar;
+    const FuenteGrilla *origen = nullptr;
+
+    int ModoPagina() const override { return modo; }
+    int AnchoPagina() const override { return anchoPagina; }
+    std::pair<int, int> Margenes(int par) const override { return par == 1 ? par1 : par2; }
+    void FijarTitulo(const QString &t) override { titulo = t; llamadas << QStringLiteral("titulo"); }
+    void Preparar() override { llamadas << QStringLiteral("preparar"); }
+    void FijarOrigen(const FuenteGrilla &g) override { origen = &g; llamadas << QStringLiteral("origen"); }
+    void Renderizar() override
+    {
+        llamadas << QStringLiteral("renderizar");
+        if (alRenderizar)
+            alRenderizar(*origen);
+    }
+    bool Imprimir() override { llamadas << QStringLiteral("imprimir"); return true; }
+    void ConfigurarPagina() override { llamadas << QStringLiteral("configurar"); }
+    void FijarVisible(bool v) override { llamadas << (v ? QStringLiteral("visible") : QStringLiteral("oculta")); }
+    void AlFrente() override { llamadas << QStringLiteral("frente"); }
+};
+
+class Impresion : public ::testing::Test
+{
+protected:
+    Impresion()
+    {
+        PrepararGrillaAsientos(g, QStringLiteral("<Cuenta|<|>Debe|>Haber|>T. Cambio|>Importe M/E"));
+        g.FijarFilas(6);
+        g.FijarTexto(5, 0, QStringLiteral("Nuevo Asiento"));
+        for (int c = 0; c < g.Columnas(); ++c)
+            g.FijarAnchoColumna(c, 1500);
+    }
+
+    Grilla g;
+    VistaFalsa vista;
+    int enfocada = 0;
+    ImpresionGrilla impresion{g, vista, [this] { ++enfocada; }};
+};
+
+TEST_F(Impresion, ColumnaUnoTomaElAnchoLibreYLaGrillaVuelve)
+{
+    bool ultimaOculta = false;
+    bool redibujo = true;
+    int anchoUno = 0;
+    vista.alRenderizar = [&](const FuenteGrilla &f) {
+        ultimaOculta = f.FilaOculta(5);
+        redibujo = g.Redibujar();
+        anchoUno = f.AnchoColumna(1);
+    };
+    impresion.MnuPriPrevia(QStringLiteral("Ingreso de Asientos"), QStringLiteral("Empresa"));
+    EXPECT_EQ(vista.llamadas, (QStringList{QStringLiteral("titulo"), QStringLiteral("frente"), QStringLiteral("preparar"),
+                                           QStringLiteral("origen"), QStringLiteral("renderizar"), QStringLiteral("visible")}));
+    EXPECT_EQ(vista.titulo, QStringLiteral("Ingreso de Asientos||Empresa"));
+    EXPECT_TRUE(ultimaOculta);
+    EXPECT_FALSE(redibujo);
+    EXPECT_EQ(anchoUno, 16838 - 2000 - 5 * 1500);
+    EXPECT_FALSE(g.Fila(5).oculta);
+    EXPECT_TRUE(g.Redibujar());
+    EXPECT_EQ(g.AnchoColumna(1), 1500);
+    EXPECT_EQ(enfocada, 0);
+
+    // A hidden column is not counted: column 1 gets its width too. The other page mode
+    // uses the second pair of margins.
+    g.FijarColumnaOculta(3, true);
+    vista.modo = 1;
+    impresion.MnuPriPrint(QStringLiteral("T"), QStringLiteral("E"));
+    EXPECT_EQ(anchoUno, 16838 - 1200 - 4 * 1500);
+    EXPECT_EQ(vista.llamadas.mid(6), (QStringList{QStringLiteral("titulo"), QStringLiteral("preparar"), QStringLiteral("origen"),
+                                                  QStringLiteral("renderizar"), QStringLiteral("imprimir")}));
+    EXPECT_EQ(enfocada, 1);
+    EXPECT_EQ(g.AnchoColumna(1), 1500);
+}
+
+TEST_F(Impresion, SinLugarLibreColumnaUnoConservaSuAncho)
+{
+    for (int c = 0; c < g.Columnas(); ++c)
+        g.FijarAnchoColumna(c, 4000);
+    int anchoUno = 0;
+    vista.alRenderizar = [&](const FuenteGrilla &f) { anchoUno = f.AnchoColumna(1); };
+    impresion.MnuPriPrint(QStringLiteral("T"), QStringLiteral("E"));
+    EXPECT_EQ(anchoUno, 4000);
+    impresion.MnuPriCnfgPage();
+    EXPECT_EQ(vista.llamadas.last(), QStringLiteral("configurar"));
+    EXPECT_EQ(enfocada, 2);
+}
+
+TEST(PaginasGrilla, FilasPorPaginaEncabezadoYEscala)
+{
+    GrillaFalsa g(201, 3);
+    g.filasOcultas[7] = true;
+    QPageLayout pagina(QPageSize(QPageSize::A4), QPageLayout::Portrait, QMarginsF(36, 36, 36, 36), QPageLayout::Point);
+    PaginasGrilla p;
+    p.Componer(g, pagina, QStringLiteral("T||E"));
+    const double alto = pagina.paintRect(QPageLayout::Point).height();
+    const int porPagina = int((alto - PaginasGrilla::kAltoTitulo - PaginasGrilla::kAltoPie - PaginasGrilla::kAltoFila)
+                              / PaginasGrilla::kAltoFila);
+    ASSERT_EQ(p.Paginas(), (199 + porPagina - 1) / porPagina);
+    int filas = 0;
+    for (int n = 0; n < p.Paginas(); ++n) {
+        for (int r : p.FilasDePagina(n)) {
+            EXPECT_NE(r, 7);
+            EXPECT_GE(r, 1);
+        }
+        filas += int(p.FilasDePagina(n).size());
+    }
+    EXPECT_EQ(filas, 199);
+    EXPECT_DOUBLE_EQ(p.AnchoEnPapel(0), 75.0); // 1500 twips
+
+    // Wider than the page: scaled down to the printable width.
+    g.anchos = {20000, 10000, 10000};
+    p.Componer(g, pagina, QStringLiteral("T"));
+    const double ancho = pagina.paintRect(QPageLayout::Point).width();
+    EXPECT_NEAR(p.AnchoEnPapel(0) + p.AnchoEnPapel(1) + p.AnchoEnPapel(2), ancho, 1e-9);
+    EXPECT_NEAR(p.AnchoEnPapel(0), ancho / 2, 1e-9);
+
+    // An empty grid still makes one page with its heading.
+    GrillaFalsa vacia(1, 2);
+    p.Componer(vacia, pagina, QStringLiteral("T"));
+    EXPECT_EQ(p.Paginas(), 1);
+}
+
+TEST(Escritores, CamposCSVYFormatosDeLibro)
+{
+    using namespace Escritores;
+    EXPECT_EQ(CampoCSV(QStringLiteral("simple")), QStringLiteral("simple"));
+    EXPECT_EQ(CampoCSV(QStringLiteral("1.234,50")), QStringLiteral("\"1.234,50\""));
+    EXPECT_EQ(CampoCSV(QStringLiteral("dice \"hola\"")), QStringLiteral("\"dice \"\"hola\"\"\""));
+    EXPECT_EQ(CampoCSV(QStringLiteral("dos\nlíneas")), QStringLiteral("\"dos\nlíneas\""));
+    EXPECT_EQ(CampoCSV(QString()), QString());
+
+    EXPECT_EQ(FormatoNumeroLibro(QStringLiteral("#,##0.00")), QStringLiteral("#,##0.00"));
+    EXPECT_EQ(FormatoNumeroLibro(QStringLiteral("U$S #,##0.00")), QStringLiteral("\"U$S \"#,##0.00"));
+    EXPECT_EQ(FormatoNumeroLibro(QStringLiteral("#,##0.000 ds")), QStringLiteral("#,##0.000\" ds\""));
+}
+
+} // namespace

@@ -1,0 +1,307 @@
+// Printing and exporting what the grid shows, from the real document's menu: every file is
+// read back with a standard parser and compared with the grid as the user sees it.
+#include "escenario.h"
+
+#include "entries/asientodatos.h"
+#include "entries/vistas.h"
+#include "export/exportacion.h"
+#include "shell/menusdocumento.h"
+#include "shell/pvprevia.h"
+#include "store/basedemo.h"
+
+#include <QAction>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QPrintPreviewDialog>
+#include <QProcess>
+#include <QSettings>
+#include <QTimer>
+
+namespace {
+
+// Answers the save dialog with a path given by the test, recording what it was shown.
+class SelectorGuionado final : public SelectorArchivo
+{
+public:
+    QString respuesta;
+    QStringList titulos, carpetas, nombres, filtros;
+
+    QString ElegirArchivoGuardar(const QString &titulo, const QString &carpeta, const QString &nombre,
+                                 const QString &filtro) override
+    {
+        titulos << titulo;
+        carpetas << carpeta;
+        nombres << nombre;
+        filtros << filtro;
+        return respuesta;
+    }
+};
+
+QJsonArray Leer(const char *modo, const QString &ruta)
+{
+    QProcess p;
+    p.start(QStringLiteral("/usr/bin/python3"), {QStringLiteral(ASIENTOS_LEER_ARCHIVO), QString::fromLatin1(modo), ruta});
+    p.waitForFinished(60000);
+    EXPECT_EQ(p.exitCode(), 0) << p.readAllStandardError().toStdString();
+    return QJsonDocument::fromJson(p.readAllStandardOutput()).array();
+}
+
+QString TextoPDF(const QString &ruta)
+{
+    QProcess p;
+    p.start(QStringLiteral("pdftotext"), {QStringLiteral("-layout"), ruta, QStringLiteral("-")});
+    p.waitForFinished(60000);
+    EXPECT_EQ(p.exitCode(), 0) << p.readAllStandardError().toStdString();
+    return QString::fromUtf8(p.readAllStandardOutput());
+}
+
+class Salidas : public Escenario
+{
+protected:
+    Salidas()
+    {
+        // The selector is handed over through the settings the document reads on first use.
+        QSettings(m_carpeta.filePath(QStringLiteral("a.ini")), QSettings::IniFormat)
+            .setValue(QStringLiteral("CarpetaDatos"), m_carpeta.filePath(QStringLiteral("datos")));
+        m_doc->FijarSelectorArchivo(&m_selector);
+        vista(Vista::kPrimerMes);
+        m_leyenda = QStringLiteral("Pago \"urgente\", caja <chica> & más");
+        m_id = asientoAlFinal(EstadoAsiento::kRegistrado, m_leyenda,
+                              {{"5.3.01", true, 1234.5}, {"1.1.01", false, 1234.5}}, Demo::kLibroDiario);
+    }
+
+    void elegir(const char *accion) { m_doc->menus().accion(QString::fromLatin1(accion))->trigger(); }
+    QString ruta(const char *nombre) const { return m_carpeta.filePath(QString::fromLatin1(nombre)); }
+
+    // The grid's visible cells as the user sees them, row by row, the caption row first.
+    QList<QStringList> celdasVistas() const
+    {
+        QList<QStringList> filas;
+        const Grilla &g = m_doc->grilla();
+        for (int r = 0; r < g.Filas(); ++r) {
+            if (g.Fila(r).oculta)
+                continue;
+            QStringList celdas;
+            for (int c = 0; c < g.Columnas(); ++c)
+                if (!g.ColumnaOculta(c))
+                    celdas << g.Texto(r, c);
+            filas << celdas;
+        }
+        return filas;
+    }
+
+    SelectorGuionado m_selector;
+    QString m_leyenda;
+    qint32 m_id = 0;
+};
+
+TEST_P(Salidas, CSVLeidoDeVueltaEsLaGrilla)
+{
+    m_selector.respuesta = ruta("mes.csv");
+    elegir("MnuExpCSV");
+    EXPECT_TRUE(m_mensajes.mostrados.isEmpty()) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
+
+    ASSERT_EQ(m_selector.titulos, QStringList{QStringLiteral("Exportar a Excel CSV")});
+    EXPECT_EQ(m_selector.nombres.value(0), QStringLiteral("Ingreso de Asientos.csv"));
+    EXPECT_EQ(m_selector.filtros.value(0), QStringLiteral("Archivo de texto (csv) (*.csv)"));
+    // The export folder is made on first use, inside the data folder.
+    const QString carpeta = m_carpeta.filePath(QStringLiteral("datos/Archivos Exportados"));
+    EXPECT_EQ(m_selector.carpetas.value(0), carpeta);
+    EXPECT_TRUE(QFileInfo(carpeta).isDir());
+
+    const QJsonArray csv = Leer("csv", m_selector.respuesta);
+    const QList<QStringList> vistas = celdasVistas();
+    ASSERT_EQ(csv.size(), vistas.size());
+    const Grilla &g = m_doc->grilla();
+    int cabezales = 0;
+    for (int i = 0, r = 0; i < csv.size(); ++i, ++r) {
+        while (g.Fila(r).oculta)
+            ++r;
+        const QJsonArray campos = csv.at(i).toArray();
+        ASSERT_EQ(campos.size(), vistas[i].size()) << i;
+        if (m_doc->asientos().EsFilaCabezal(r)) {
+            // A header row: its date, then its legend alone, then its book.
+            ++cabezales;
+            EXPECT_TRUE(vistas[i][1].startsWith(campos.at(1).toString())) << i;
+            EXPECT_EQ(campos.at(2).toString(), vistas[i][1].mid(campos.at(1).toString().size()).trimmed()) << i;
+            EXPECT_EQ(campos.at(4).toString(), vistas[i][4]) << i;
+        } else {
+            for (int c = 0; c < campos.size(); ++c)
+                EXPECT_EQ(campos.at(c).toString(), vistas[i][c]) << i << "," << c;
+        }
+    }
+    EXPECT_GT(cabezales, 10);
+    // The legend with quotes, a comma and markup comes back as typed.
+    bool hallada = false;
+    for (const QJsonValue &f : csv)
+        hallada = hallada || f.toArray().at(2).toString() == m_leyenda;
+    EXPECT_TRUE(hallada);
+    EXPECT_TRUE(m_doc->grilla().Redibujar());
+}
+
+TEST_P(Salidas, LibroConNumerosYFechas)
+{
+    m_selector.respuesta = ruta("mes");
+    elegir("MnuExpExcell");
+    EXPECT_TRUE(m_mensajes.mostrados.isEmpty()) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
+    EXPECT_EQ(m_selector.titulos.value(0), QStringLiteral("Exportar a libro de Microsoft Excel"));
+    EXPECT_EQ(m_selector.nombres.value(0), QStringLiteral("Ingreso de Asientos.xlsx"));
+    EXPECT_EQ(m_selector.filtros.value(0), QStringLiteral("Libro de Microsoft Excel (*.xlsx)"));
+
+    const QJsonArray filas = Leer("xlsx", ruta("mes.xlsx"));
+    const Grilla &g = m_doc->grilla();
+    int r = 0;
+    int numeros = 0;
+    int fechas = 0;
+    for (const QJsonValue &v : filas) {
+        while (g.Fila(r).oculta)
+            ++r;
+        const QJsonArray celdas = v.toArray();
+        for (int c = 0; c < celdas.size(); ++c) {
+            const QJsonValue celda = celdas.at(c);
+            if (g.EsNumero(r, c)) {
+                ASSERT_TRUE(celda.isObject() && celda.toObject().contains(QStringLiteral("numero"))) << r << "," << c;
+                EXPECT_NEAR(celda.toObject().value(QStringLiteral("numero")).toDouble(), g.Valor(r, c), 1e-9);
+                EXPECT_EQ(celda.toObject().value(QStringLiteral("formato")).toString(), g.MascaraDe(r, c));
+                ++numeros;
+            } else if (m_doc->asientos().EsFilaCabezal(r) && c == 1) {
+                EXPECT_EQ(celda.toObject().value(QStringLiteral("fecha")).toString(),
+                          g.Dato(r, 2).toDate().toString(Qt::ISODate)) << r;
+                ++fechas;
+            }
+        }
+        ++r;
+    }
+    EXPECT_EQ(r, celdasVistas().size());
+    EXPECT_GT(numeros, 20);
+    EXPECT_GT(fechas, 10);
+}
+
+TEST_P(Salidas, HTMLConBloquesYAlineacion)
+{
+    m_selector.respuesta = ruta("pagina");
+    elegir("MnuExpHtml");
+    EXPECT_EQ(m_selector.titulos.value(0), QStringLiteral("Exportar a html"));
+    EXPECT_EQ(m_selector.filtros.value(0), QStringLiteral("Archivo html (*.htm)"));
+    ASSERT_TRUE(QFile::exists(ruta("pagina.htm")));
+
+    const QJsonArray filas = Leer("html", ruta("pagina.htm"));
+    const QList<QStringList> vistas = celdasVistas();
+    ASSERT_EQ(filas.size(), vistas.size());
+    const Grilla &g = m_doc->grilla();
+    for (int i = 0, r = 0; i < filas.size(); ++i, ++r) {
+        while (g.Fila(r).oculta)
+            ++r;
+        const QJsonArray celdas = filas.at(i).toArray();
+        if (m_doc->asientos().EsFilaCabezal(r)) {
+            ASSERT_EQ(celdas.size(), 3) << i;
+            EXPECT_EQ(celdas.at(1).toObject().value(QStringLiteral("colspan")).toInt(), 3);
+            EXPECT_EQ(celdas.at(1).toObject().value(QStringLiteral("texto")).toString().simplified(),
+                      vistas[i][1].simplified());
+            continue;
+        }
+        ASSERT_EQ(celdas.size(), vistas[i].size()) << i;
+        for (int c = 0; c < celdas.size(); ++c) {
+            const QJsonObject celda = celdas.at(c).toObject();
+            EXPECT_EQ(celda.value(QStringLiteral("texto")).toString(), vistas[i][c].trimmed()) << i << "," << c;
+            EXPECT_EQ(celda.value(QStringLiteral("align")).toString(), c >= 2 ? QStringLiteral("RIGHT") : QString());
+        }
+    }
+}
+
+TEST_P(Salidas, CancelarOFallarNoEscribeNada)
+{
+    const QList<QStringList> antes = celdasVistas();
+    m_selector.respuesta.clear();
+    elegir("MnuExpCSV");
+    elegir("MnuExpHtml");
+    EXPECT_EQ(QDir(m_carpeta.filePath(QStringLiteral("datos/Archivos Exportados"))).entryList(QDir::Files), QStringList{});
+    EXPECT_TRUE(m_mensajes.mostrados.isEmpty());
+    EXPECT_EQ(celdasVistas(), antes);
+
+    // A folder that is not there: the error with its detail, and no file anywhere.
+    m_selector.respuesta = ruta("no-existe/mes.csv");
+    elegir("MnuExpCSV");
+    m_selector.respuesta = ruta("no-existe/mes");
+    elegir("MnuExpExcell");
+    ASSERT_EQ(m_mensajes.mostrados.size(), 2);
+    EXPECT_EQ(m_mensajes.mostrados.value(0), QStringLiteral("error: Error al exportar la información."));
+    EXPECT_FALSE(m_mensajes.detalles.value(0).isEmpty());
+    EXPECT_FALSE(QFileInfo::exists(ruta("no-existe")));
+
+    // A file that cannot be replaced (a folder of that name) stays as it was.
+    QDir().mkpath(ruta("ocupado.htm/dentro"));
+    m_selector.respuesta = ruta("ocupado");
+    elegir("MnuExpHtml");
+    EXPECT_EQ(m_mensajes.mostrados.size(), 3);
+    EXPECT_TRUE(QFileInfo(ruta("ocupado.htm/dentro")).isDir());
+    EXPECT_EQ(QDir(m_carpeta.path()).entryList(QDir::Files | QDir::Hidden), QStringList{QStringLiteral("a.ini")});
+    EXPECT_EQ(celdasVistas(), antes);
+    EXPECT_TRUE(m_doc->grilla().Redibujar());
+}
+
+TEST_P(Salidas, VistaPreviaYVueltaDeLaGrilla)
+{
+    Grilla &g = m_doc->grilla();
+    const int ultima = g.Filas() - 1;
+    const int ancho = g.AnchoColumna(1);
+    g.FijarColumnaOculta(4, true); // a hidden column leaves its width to column 1 on paper
+    int paginas = 0;
+    bool ultimaOcultaDurante = false;
+    int anchoDurante = 0;
+    QTimer::singleShot(0, [&] {
+        auto *d = qobject_cast<QPrintPreviewDialog *>(QApplication::activeModalWidget());
+        ASSERT_TRUE(d);
+        paginas = m_doc->previa()->paginas().Paginas();
+        ultimaOcultaDurante = g.Fila(ultima).oculta;
+        anchoDurante = g.AnchoColumna(1);
+        d->reject();
+    });
+    elegir("MnuPriPrevia");
+    EXPECT_GT(paginas, 1);
+    EXPECT_TRUE(ultimaOcultaDurante);
+    EXPECT_EQ(m_doc->previa()->titulo(), QStringLiteral("Ingreso de Asientos||") + m_doc->empresa().NombreEmpresa);
+    // Column 1 took the page's free width: the page less its margins and the other columns.
+    pvPrevia &v = *m_doc->previa();
+    int otras = 0;
+    for (int c = 0; c < g.Columnas(); ++c)
+        if (c != 1 && !g.ColumnaOculta(c))
+            otras += g.AnchoColumna(c);
+    EXPECT_EQ(anchoDurante, v.AnchoPagina() - v.Margenes(1).first - v.Margenes(1).second - otras);
+    // Afterwards the grid is as before.
+    EXPECT_FALSE(g.Fila(ultima).oculta);
+    EXPECT_EQ(g.AnchoColumna(1), ancho);
+    EXPECT_TRUE(g.Redibujar());
+    EXPECT_EQ(m_doc->grid()->columnWidth(1), m_doc->grid()->TwipsAPixeles(ancho));
+}
+
+TEST_P(Salidas, ImprimirAPDF)
+{
+    m_doc->previa()->FijarSalidaPDF(ruta("mes.pdf"));
+    QTest::keyClick(m_doc->grid(), Qt::Key_P, Qt::ControlModifier);
+    ASSERT_TRUE(QFile::exists(ruta("mes.pdf")));
+    const QString texto = TextoPDF(ruta("mes.pdf"));
+    EXPECT_TRUE(texto.contains(QStringLiteral("Ingreso de Asientos"))) << texto.left(400).toStdString();
+    EXPECT_TRUE(texto.contains(m_doc->empresa().NombreEmpresa));
+    const int paginas = m_doc->previa()->paginas().Paginas();
+    EXPECT_GT(paginas, 1);
+    EXPECT_EQ(texto.count(QStringLiteral("Ingreso de Asientos")), paginas);
+    EXPECT_TRUE(texto.contains(QStringLiteral("Página %1 de %1").arg(paginas)));
+    // Every amount of the grid is on paper, and the closing row is not.
+    const Grilla &g = m_doc->grilla();
+    for (int r = g.FilasFijas(); r < g.Filas() - 1; ++r)
+        for (int c = 2; c <= 3; ++c)
+            if (g.EsNumero(r, c))
+                EXPECT_TRUE(texto.contains(g.Texto(r, c))) << r;
+    EXPECT_TRUE(texto.contains(QStringLiteral("Pago \"urgente\", caja <chica> & más")));
+    EXPECT_FALSE(texto.contains(QStringLiteral("Nuevo Asiento")));
+    EXPECT_FALSE(g.Fila(g.Filas() - 1).oculta);
+    EXPECT_EQ(QApplication::focusWidget(), m_doc->grid());
+}
+
+INSTANTIATE_TEST_SUITE_P(Motores, Salidas, ::testing::ValuesIn(MotoresDePrueba()),
+                         [](const ::testing::TestParamInfo<Motor> &i) { return NombreMotor(i.param).toStdString(); });
+
+} // namespace
