@@ -16,6 +16,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <locale.h>
 
 #include <sys/stat.h>
 #include <map>
@@ -216,6 +217,32 @@ QString FormatoFechaLibro(const QString &formatoSuite)
     return f.isEmpty() ? QStringLiteral("dd/mm/yyyy") : f;
 }
 
+// The workbook library prints numbers with the C library's printf, which follows the
+// process's numeric locale: under a Spanish one, 4703.31 would be written "4703,31" and the
+// workbook would not open. The C locale holds on this thread while the workbook is made.
+class LocaleNumericoC
+{
+public:
+    LocaleNumericoC()
+        : m_c(::newlocale(LC_NUMERIC_MASK, "C", static_cast<locale_t>(nullptr)))
+        , m_anterior(m_c ? ::uselocale(m_c) : static_cast<locale_t>(nullptr))
+    {
+    }
+    ~LocaleNumericoC()
+    {
+        if (m_c) {
+            ::uselocale(m_anterior);
+            ::freelocale(m_c);
+        }
+    }
+    LocaleNumericoC(const LocaleNumericoC &) = delete;
+    LocaleNumericoC &operator=(const LocaleNumericoC &) = delete;
+
+private:
+    locale_t m_c;
+    locale_t m_anterior;
+};
+
 } // namespace
 
 std::optional<QString> EscribirLibro(const FuenteDeGrilla &g, const QString &ruta, const QString &formatoFecha,
@@ -230,6 +257,7 @@ std::optional<QString> EscribirLibro(const FuenteDeGrilla &g, const QString &rut
     const QByteArray rutaProvisoria = QFile::encodeName(provisorio.fileName());
     provisorio.close();
 
+    const LocaleNumericoC numerosC;
     lxw_workbook_options opciones{};
     opciones.constant_memory = LXW_TRUE;
     const QByteArray carpetaTemporal = QFile::encodeName(QDir::tempPath());
