@@ -5,6 +5,7 @@
 // grid, the searches and the exporters on. The entries are written column by column as the
 // demo writes its own, with the demo's postable accounts, books, projects and departments;
 // each one balances to the cent in the accounting currency.
+#include "store/azar.h"
 #include "store/basedemo.h"
 #include "store/conexionqt.h"
 #include "store/direccionbd.h"
@@ -99,29 +100,6 @@ QString leerOpciones(const QStringList &argumentos, Opciones &o)
     return {};
 }
 
-// splitmix64: the same database for the same arguments on every platform.
-class Azar
-{
-public:
-    quint64 siguiente()
-    {
-        quint64 z = (m_estado += 0x9E3779B97F4A7C15ull);
-        z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9ull;
-        z = (z ^ (z >> 27)) * 0x94D049BB133111EBull;
-        return z ^ (z >> 31);
-    }
-    qint64 entre(qint64 desde, qint64 hasta) { return desde + qint64(siguiente() % quint64(hasta - desde + 1)); }
-    bool porCiento(int p) { return entre(0, 99) < p; }
-
-private:
-    quint64 m_estado = 0x6E7E2A7B45E00025ull;
-};
-
-// Integer division rounding half away from zero; divisor > 0.
-qint64 dividir(qint64 a, qint64 b)
-{
-    return a >= 0 ? (2 * a + b) / (2 * b) : -((-2 * a + b) / (2 * b));
-}
 
 QVariant centesimos(qint64 v) { return double(v) / 100.0; }
 const QVariant kSinNumero{QMetaType(QMetaType::Double)};
@@ -228,7 +206,7 @@ private:
     Conexion &m_c;
     QDate m_desde;
     int m_cantidad;
-    Azar m_azar;
+    Azar m_azar{0x6E7E2A7B45E00025ull};
     int m_monedaContabilidad = Demo::kMonedaPesos;
     QList<Cuenta> m_cuentas;
     QHash<QByteArray, QList<int>> m_locales, m_extranjeras; // positions in m_cuentas by group of the chart
@@ -411,7 +389,7 @@ void Generador::armar(const Modelo &m, const QDate &fecha, QList<Linea> &lineas)
         const LineaModelo &l = m.lineas[i];
         qint64 &resto = l.debe ? restoDebe : restoHaber;
         int &peso = l.debe ? pesoDebe : pesoHaber;
-        const qint64 parte = l.peso == peso ? resto : dividir(resto * l.peso, peso);
+        const qint64 parte = l.peso == peso ? resto : DividirRedondeando(resto * l.peso, peso);
         resto -= parte;
         peso -= l.peso;
 
@@ -422,8 +400,8 @@ void Generador::armar(const Modelo &m, const QDate &fecha, QList<Linea> &lineas)
             // Converted at the day's rate; the accounting amount is the converted one again,
             // so the line's own amount times the rate gives it to the cent.
             const qint64 t = tasa(c.moneda, fecha);
-            nueva.importe = dividir(parte * 10000, t);
-            nueva.importeMC = dividir(nueva.importe * t, 10000);
+            nueva.importe = DividirRedondeando(parte * 10000, t);
+            nueva.importeMC = DividirRedondeando(nueva.importe * t, 10000);
         }
         if (l.grupo[0] == '4' || l.grupo[0] == '5') { // results: some by project and department
             if (!m_proyectos.isEmpty() && m_azar.porCiento(25))

@@ -1,4 +1,5 @@
 #include "basedemo.h"
+#include "azar.h"
 
 #include "esquema.h"
 
@@ -182,29 +183,6 @@ constexpr int kCantidadAsientos = 400;
 constexpr int kFilasPorSentencia = 100;
 constexpr int kTipoCotizacionAlternativa = 2;
 
-// splitmix64: the same sequence on every platform and compiler.
-class Azar
-{
-public:
-    quint64 siguiente()
-    {
-        quint64 z = (m_estado += 0x9E3779B97F4A7C15ull);
-        z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9ull;
-        z = (z ^ (z >> 27)) * 0x94D049BB133111EBull;
-        return z ^ (z >> 31);
-    }
-    qint64 entre(qint64 desde, qint64 hasta) { return desde + qint64(siguiente() % quint64(hasta - desde + 1)); }
-    bool porCiento(int p) { return entre(0, 99) < p; }
-
-private:
-    quint64 m_estado = 0x5EED2026A51E0701ull;
-};
-
-// Integer division rounding half away from zero; divisor > 0.
-qint64 dividir(qint64 a, qint64 b)
-{
-    return a >= 0 ? (2 * a + b) / (2 * b) : -((-2 * a + b) / (2 * b));
-}
 
 QVariant texto(const char *t) { return QString::fromUtf8(t); }
 QVariant centesimos(qint64 v) { return double(v) / 100.0; }
@@ -315,7 +293,7 @@ private:
     Conexion &m_conexion;
     QDate m_hoy;
     QDate m_inicio;
-    Azar m_azar;
+    Azar m_azar{0x5EED2026A51E0701ull};
     QHash<QByteArray, CuentaInfo> m_cuentas;
     // Buy prices per day from m_inicio, ten-thousandths; 0 on weekends.
     QList<qint64> m_dolar, m_euroEnDolares, m_pesoEnDolares, m_pesoEnReales;
@@ -367,7 +345,7 @@ void GeneradorDemo::cotizaciones()
         }
         m_dolar << (habil ? dolar : 0);
         m_euroEnDolares << (habil ? euro : 0);
-        m_pesoEnDolares << (habil ? dividir(100000000, dolar) : 0);
+        m_pesoEnDolares << (habil ? DividirRedondeando(100000000, dolar) : 0);
         m_pesoEnReales << (habil ? real : 0);
     }
 }
@@ -386,9 +364,9 @@ qint64 GeneradorDemo::tasaDe(int moneda, const QDate &fecha) const
     case Demo::kMonedaDolares:
         return m_dolar[i];
     case Demo::kMonedaEuros: // cross rate through dollars, cut to three decimals
-        return dividir(m_euroEnDolares[i] * 1000, m_pesoEnDolares[i]) * 10;
+        return DividirRedondeando(m_euroEnDolares[i] * 1000, m_pesoEnDolares[i]) * 10;
     case Demo::kMonedaReales: // only pesos in reales is quoted: the inverse, four decimals
-        return dividir(100000000, m_pesoEnReales[i]);
+        return DividirRedondeando(100000000, m_pesoEnReales[i]);
     default:
         return 10000;
     }
@@ -471,7 +449,7 @@ void GeneradorDemo::insertarCotizaciones()
         // Another quotation type about every five weeks, ten per cent dearer.
         if (i >= 15 + 36 * alternativas && alternativas < 20) {
             ++alternativas;
-            const qint64 otra = dividir(m_dolar[i] * 110, 100);
+            const qint64 otra = DividirRedondeando(m_dolar[i] * 110, 100);
             agregar(fecha, Demo::kMonedaDolares, Demo::kMonedaPesos, kTipoCotizacionAlternativa, otra, otra + 5000);
         }
     }
@@ -499,7 +477,7 @@ void GeneradorDemo::insertarCuentas()
             continue;
         const CuentaInfo &info = cuenta(d.codigo);
         const qint64 saldo = qRound64(d.saldo * 100);
-        const qint64 saldoMC = dividir(saldo * tasaDe(info.moneda, m_inicio), 10000);
+        const qint64 saldoMC = DividirRedondeando(saldo * tasaDe(info.moneda, m_inicio), 10000);
         saldos.insert(QByteArray(d.codigo), {saldo, saldoMC});
         diferencia += (info.tipo == 1 || info.tipo == 5) ? saldoMC : -saldoMC;
     }
@@ -542,8 +520,8 @@ Linea GeneradorDemo::linea(const char *codigo, bool debe, qint64 pesos, const QD
     Linea l{c.id, c.moneda, debe, pesos, pesos, 10000, proyecto, departamento};
     if (c.moneda != Demo::kMonedaPesos) {
         l.tasa = tasaDe(c.moneda, fecha);
-        l.importe = dividir(pesos * 10000, l.tasa);
-        l.importeMC = dividir(l.importe * l.tasa, 10000);
+        l.importe = DividirRedondeando(pesos * 10000, l.tasa);
+        l.importeMC = DividirRedondeando(l.importe * l.tasa, 10000);
     }
     return l;
 }
@@ -574,14 +552,14 @@ void GeneradorDemo::agregarModelo(const ModeloAsiento &m, const QDate &fecha)
             break;
         qint64 &resto = l.debe ? restoDebe : restoHaber;
         int &peso = l.debe ? pesoDebe : pesoHaber;
-        const qint64 parte = l.peso == peso ? resto : dividir(resto * l.peso, peso);
+        const qint64 parte = l.peso == peso ? resto : DividirRedondeando(resto * l.peso, peso);
         resto -= parte;
         peso -= l.peso;
         Linea nueva = linea(l.cuenta, l.debe, parte, fecha, l.proyecto, l.departamento);
         if (l.diasCotizacion > 0 && nueva.moneda != Demo::kMonedaPesos) {
             // Same amount in its currency as its pair, valued at the earlier rate.
             nueva.tasa = tasaDe(nueva.moneda, fecha.addDays(-l.diasCotizacion));
-            nueva.importeMC = dividir(nueva.importe * nueva.tasa, 10000);
+            nueva.importeMC = DividirRedondeando(nueva.importe * nueva.tasa, 10000);
             cambio = true;
         }
         a.lineas << nueva;
@@ -629,14 +607,14 @@ Liquidacion GeneradorDemo::liquidar(int indiceMes)
     Liquidacion q{};
     qint64 bruto = 0;
     for (int d = 0; d < 3; ++d) {
-        q.bruto[d] = dividir(kBase[d] * (1000 + 4 * indiceMes), 1000) + m_azar.entre(-50000, 50000);
-        q.cargas[d] = dividir(q.bruto[d] * 12625, 100000);
+        q.bruto[d] = DividirRedondeando(kBase[d] * (1000 + 4 * indiceMes), 1000) + m_azar.entre(-50000, 50000);
+        q.cargas[d] = DividirRedondeando(q.bruto[d] * 12625, 100000);
         bruto += q.bruto[d];
         q.totalCargas += q.cargas[d];
     }
-    q.bps = dividir(bruto * 15, 100);
-    q.fonasa = dividir(bruto * 45, 1000);
-    q.irpf = dividir(bruto * m_azar.entre(50, 70), 1000);
+    q.bps = DividirRedondeando(bruto * 15, 100);
+    q.fonasa = DividirRedondeando(bruto * 45, 1000);
+    q.irpf = DividirRedondeando(bruto * m_azar.entre(50, 70), 1000);
     q.liquido = bruto - q.bps - q.fonasa - q.irpf;
     return q;
 }
@@ -783,7 +761,7 @@ void GeneradorDemo::asignarEstados()
         } else {
             Linea &l = a.lineas.last(); // a mistyped amount
             l.importe += m_azar.entre(100, 50000);
-            l.importeMC = dividir(l.importe * l.tasa, 10000);
+            l.importeMC = DividirRedondeando(l.importe * l.tasa, 10000);
         }
     }
     for (int i : elegir(m_azar, registrados(0, n - 5), 20))
