@@ -93,7 +93,7 @@ QString OpcionesHost::Uso()
         "  --exportar ARCHIVO.csv|.xlsx|.htm|.pdf  exportar sin abrir la ventana los asientos de:\n"
         "      --vista N       una vista: 1 últimos 5, 2 últimos 10, 3 de hoy, 4 últimos 15 días\n"
         "      --mes AAAA-MM   un mes\n"
-        "      --desde AAAA-MM-DD --hasta AAAA-MM-DD --cuenta CODIGO --leyenda TEXTO\n"
+        "      --desde AAAA-MM-DD --hasta AAAA-MM-DD --cuenta CODIGO --leyenda COMIENZO (* cualquier texto)\n"
         "                      una búsqueda (todos los criterios dados deben cumplirse)\n"
         "  --help, --version\n");
 }

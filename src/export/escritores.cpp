@@ -91,13 +91,18 @@ std::optional<QString> EscribirHTML(const FuenteDeGrilla &g, const QString &ruta
     QSaveFile archivo(ruta);
     if (!archivo.open(QIODevice::WriteOnly))
         return archivo.errorString();
-    bool escrito = true;
+    // A byte-order mark tells a browser the page is UTF-8, so accents show right.
+    bool escrito = archivo.write("\xEF\xBB\xBF", 3) == 3;
     modGridHTML::GridHTMLEnPartes(g, titulo, empresa, edicion, formatoFecha, QDateTime::currentDateTime(),
                                   [&](const QString &parte) {
                                       const QByteArray datos = parte.toUtf8();
                                       escrito = escrito && archivo.write(datos) == datos.size();
                                   });
-    if (!escrito || !archivo.commit())
+    if (!escrito) {
+        archivo.cancelWriting();
+        return QStringLiteral("no se pudo escribir (¿disco lleno?)");
+    }
+    if (!archivo.commit())
         return archivo.errorString();
     return std::nullopt;
 }
@@ -124,14 +129,14 @@ std::optional<QString> EscribirCSV(const FuenteDeGrilla &g, const QString &ruta,
         bloque += registro.toUtf8();
         if (bloque.size() >= (1 << 20)) {
             if (archivo.write(bloque) != bloque.size())
-                return archivo.errorString();
+                return QStringLiteral("no se pudo escribir (¿disco lleno?)");
             bloque.clear();
         }
         if (avance && r % kFilasPorAvance == 0)
             avance(r, g.Filas());
     }
     if (archivo.write(bloque) != bloque.size())
-        return archivo.errorString();
+        return QStringLiteral("no se pudo escribir (¿disco lleno?)");
     if (!archivo.commit())
         return archivo.errorString();
     if (avance)

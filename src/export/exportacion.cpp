@@ -26,21 +26,33 @@ DatosFormato Datos(int formato)
     }
 }
 
-// Redraw off while the grid is read for a file; back on however the export ends.
+// While the grid is read for a file: redraw off and the closing "new entry" row, which is
+// the screen's and not data, left out; both back however the export ends.
 class SalidaDeGrilla
 {
 public:
     explicit SalidaDeGrilla(Grilla &g)
         : m_g(g)
         , m_redibujar(g.Redibujar())
+        , m_ultima(g.Filas() - 1)
+        , m_ultimaOculta(m_ultima >= g.FilasFijas() && g.Fila(m_ultima).oculta)
     {
         m_g.FijarRedibujar(false);
+        if (m_ultima >= m_g.FilasFijas())
+            m_g.FijarFilaOculta(m_ultima, true);
     }
-    ~SalidaDeGrilla() { m_g.FijarRedibujar(m_redibujar); }
+    ~SalidaDeGrilla()
+    {
+        if (m_ultima >= m_g.FilasFijas())
+            m_g.FijarFilaOculta(m_ultima, m_ultimaOculta);
+        m_g.FijarRedibujar(m_redibujar);
+    }
 
 private:
     Grilla &m_g;
     bool m_redibujar;
+    int m_ultima;
+    bool m_ultimaOculta;
 };
 
 } // namespace
@@ -120,6 +132,7 @@ void ExportacionGrilla::Exportar(int formato, const GrillaEnPantalla &g)
     if (ruta.isEmpty())
         return;
     const SalidaDeGrilla salida(*g.grilla);
-    if (const auto fallo = Escribir(formato, g, ConExtension(ruta, formato), m_entorno))
-        m_entorno.error(1938, *fallo);
+    const QString destino = ConExtension(ruta, formato);
+    if (const auto fallo = Escribir(formato, g, destino, m_entorno))
+        m_entorno.error(1938, QDir::toNativeSeparators(destino) + QStringLiteral(": ") + *fallo);
 }

@@ -93,6 +93,8 @@ QString PedidoExportacion::Validar() const
                               "(--desde, --hasta, --cuenta, --leyenda).");
     if (formas > 1)
         return QStringLiteral("Use una sola forma de elegir los asientos: --vista, --mes o criterios de búsqueda.");
+    if (!criterios.prmFInit.isEmpty() && !criterios.prmFEnd.isEmpty() && criterios.prmFInit > criterios.prmFEnd)
+        return QStringLiteral("--desde (%1) es posterior a --hasta (%2).").arg(criterios.prmFInit, criterios.prmFEnd);
     if (vista != -100 && (vista < Vista::kUltimos5 || vista > Vista::kUltimos15Dias))
         return QStringLiteral("--vista espera 1 (últimos 5), 2 (últimos 10), 3 (de hoy) o 4 (últimos 15 días).");
     return {};
@@ -207,7 +209,7 @@ int ExportarDesdeLinea(const PedidoExportacion &pedido, Conexion &conexion, qint
         error = ExportacionGrilla::Escribir(formato, g, pedido.archivo, entorno, avance);
     }
     if (error)
-        return fallar(texto(1938) + QStringLiteral(" ") + *error);
+        return fallar(texto(1938) + QStringLiteral(" ") + pedido.archivo + QStringLiteral(": ") + *error);
     if (progreso) {
         int cuantos = 0;
         for (int r = grilla.FilasFijas(); r < grilla.Filas(); ++r)

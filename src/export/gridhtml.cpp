@@ -186,12 +186,15 @@ bool EsNumero(const QString &texto)
     return true;
 }
 
-void GridHTMLEnPartes(const FuenteGrilla &grilla, const QString &titulo, const QString &empresa, const QString &edicion,
+void GridHTMLEnPartes(const FuenteGrilla &grilla, const QString &tituloDado, const QString &empresaDada, const QString &edicion,
                       const QString &formatoFecha, const QDateTime &ahora,
                       const std::function<void(const QString &)> &parte)
 {
     const double w = AnchoTabla(grilla);
     const QString ancho = QString::number(qint64(w));
+    // The title and the company are text like the cells: "&" or "<" in a name stays text.
+    const QString titulo = EscaparHTML(tituloDado);
+    const QString empresa = EscaparHTML(empresaDada);
     QString html;
     html.reserve(kParte + 4096);
     html += QStringLiteral("<html>") + kCRLF + QStringLiteral("<head>") + kCRLF + QStringLiteral("<title>") + titulo

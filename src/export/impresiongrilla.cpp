@@ -72,13 +72,12 @@ void ImpresionGrilla::Imprimir(bool previa, const QString &titulo, const QString
     m_vista.Preparar();
     m_vista.FijarOrigen(fuente);
     m_vista.Renderizar();
-    if (previa) {
+    if (previa)
         m_vista.FijarVisible(true);
-    } else {
+    else
         m_vista.Imprimir();
-        if (m_enfocar)
-            m_enfocar();
-    }
+    if (m_enfocar)
+        m_enfocar();
 }
 
 void ImpresionGrilla::MnuPriCnfgPage()

@@ -52,12 +52,20 @@ void PaginasGrilla::Componer(const FuenteGrilla &g, const QPageLayout &pagina, c
     for (int r = 0; r < g.FilasFijas(); ++r)
         if (!g.FilaOculta(r))
             m_fijas.push_back(r);
-    const double disponible = area.height() - kAltoTitulo - kAltoPie - double(m_fijas.size()) * kAltoFila;
-    const int porPagina = std::max(1, int(disponible / kAltoFila));
+    // A grid wider than the page is drawn smaller, letters included, so nothing is cut.
+    const double alto = kAltoFila * m_escala;
+    const double disponible = area.height() - kAltoTitulo - kAltoPie - double(m_fijas.size()) * alto;
+    const int porPagina = std::max(2, int(disponible / alto));
     std::vector<int> actual;
     for (int r = g.FilasFijas(); r < g.Filas(); ++r) {
         if (g.FilaOculta(r) || g.AltoFila(r) == 0)
             continue;
+        // An entry's header row (a row that opens a block of cells) never ends a page.
+        const bool abreBloque = g.Columnas() > 1 && g.Rango(r, 1).columna2 > 1;
+        if (abreBloque && int(actual.size()) == porPagina - 1) {
+            m_paginas.push_back(std::move(actual));
+            actual.clear();
+        }
         actual.push_back(r);
         if (int(actual.size()) == porPagina) {
             m_paginas.push_back(std::move(actual));
@@ -103,7 +111,9 @@ void PaginasGrilla::DibujarPagina(QPainter &p, int n) const
     letra.setPixelSize(8);
 
     // Heading: the title's parts at the left, centre and right, a rule under them.
-    const QStringList partes = m_titulo.split(QLatin1Char('|'));
+    // "left|centre|right": the right part keeps any further "|" (a company's name may have one).
+    const QStringList partes{m_titulo.section(QLatin1Char('|'), 0, 0), m_titulo.section(QLatin1Char('|'), 1, 1),
+                             m_titulo.section(QLatin1Char('|'), 2)};
     QFont fuerte = letra;
     fuerte.setPixelSize(11);
     fuerte.setBold(true);
@@ -117,7 +127,10 @@ void PaginasGrilla::DibujarPagina(QPainter &p, int n) const
     p.drawLine(QPointF(0, kAltoTitulo - 4), QPointF(ancho, kAltoTitulo - 4));
 
     p.setFont(letra);
-    double y = kAltoTitulo;
+    p.save();
+    p.translate(0, kAltoTitulo);
+    p.scale(m_escala, m_escala);
+    double y = 0;
     for (int r : m_fijas) {
         DibujarFila(p, r, y);
         y += kAltoFila;
@@ -126,6 +139,7 @@ void PaginasGrilla::DibujarPagina(QPainter &p, int n) const
         DibujarFila(p, r, y);
         y += kAltoFila;
     }
+    p.restore();
 
     p.setPen(QPen(Qt::black, 0.5));
     const double pie = area.height() - kAltoPie + 4;
@@ -142,7 +156,7 @@ void PaginasGrilla::DibujarFila(QPainter &p, int fila, double y) const
     double x = 0;
     double anchoFila = 0;
     for (double a : m_anchos)
-        anchoFila += a * m_escala;
+        anchoFila += a;
 
     const quint32 fondo = fija ? g.ColorFondoFijo() : g.ColorFondo(fila, m_columnas.empty() ? 0 : m_columnas[0]);
     if (fondo)
@@ -157,7 +171,7 @@ void PaginasGrilla::DibujarFila(QPainter &p, int fila, double y) const
 
     for (size_t i = 0; i < m_columnas.size(); ++i) {
         const int c = m_columnas[i];
-        const double w = m_anchos[i] * m_escala;
+        const double w = m_anchos[i];
         const RangoCeldas rango = g.Rango(fila, c);
         if (rango.columna1 < c) {
             x += w;
@@ -165,7 +179,7 @@ void PaginasGrilla::DibujarFila(QPainter &p, int fila, double y) const
         }
         double anchoCelda = w;
         for (size_t k = i + 1; k < m_columnas.size() && m_columnas[k] <= rango.columna2; ++k)
-            anchoCelda += m_anchos[k] * m_escala;
+            anchoCelda += m_anchos[k];
         const QString texto = g.Texto(fila, c);
         if (!texto.isEmpty()) {
             const quint32 color = g.ColorTexto(fila, c);

@@ -22,7 +22,9 @@ pvPrevia::pvPrevia(QWidget *dueno)
     , m_dueno(dueno)
 {
     setObjectName(QStringLiteral("pvPrevia"));
+    // Six columns of a journal fit a landscape page better; the page set-up changes it.
     m_impresora.setPageSize(QPageSize(QPageSize::A4));
+    m_impresora.setPageOrientation(QPageLayout::Landscape);
     m_impresora.setPageMargins(QMarginsF(15, 15, 15, 15), QPageLayout::Millimeter);
 }
 
@@ -59,6 +61,7 @@ void pvPrevia::Renderizar()
 
 bool pvPrevia::Imprimir()
 {
+    m_impresora.setDocName(m_titulo.section(QLatin1Char('|'), 0, 0));
     if (!m_salidaPDF.isEmpty()) {
         m_impresora.setOutputFormat(QPrinter::PdfFormat);
         m_impresora.setOutputFileName(m_salidaPDF);

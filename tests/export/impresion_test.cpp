@@ -82,7 +82,7 @@ TEST_F(Impresion, ColumnaUnoTomaElAnchoLibreYLaGrillaVuelve)
     EXPECT_FALSE(g.Fila(5).oculta);
     EXPECT_TRUE(g.Redibujar());
     EXPECT_EQ(g.AnchoColumna(1), 1500);
-    EXPECT_EQ(enfocada, 0);
+    EXPECT_EQ(enfocada, 1); // the grid has the focus again after the preview
 
     // A hidden column is not counted: column 1 gets its width too. The other page mode
     // uses the second pair of margins.
@@ -92,7 +92,7 @@ TEST_F(Impresion, ColumnaUnoTomaElAnchoLibreYLaGrillaVuelve)
     EXPECT_EQ(anchoUno, 16838 - 1200 - 4 * 1500);
     EXPECT_EQ(vista.llamadas.mid(6), (QStringList{QStringLiteral("titulo"), QStringLiteral("preparar"), QStringLiteral("origen"),
                                                   QStringLiteral("renderizar"), QStringLiteral("imprimir")}));
-    EXPECT_EQ(enfocada, 1);
+    EXPECT_EQ(enfocada, 2);
     EXPECT_EQ(g.AnchoColumna(1), 1500);
 }
 
@@ -130,6 +130,13 @@ TEST(PaginasGrilla, FilasPorPaginaEncabezadoYEscala)
     }
     EXPECT_EQ(filas, 199);
     EXPECT_DOUBLE_EQ(p.AnchoEnPapel(0), 75.0); // 1500 twips
+
+    // An entry's header row that would end a page goes to the next one with its lines.
+    // (Row 7 is hidden, so the last place of the first page is row porPagina + 1.)
+    g.combinadas.push_back({porPagina + 1, 1, porPagina + 1, 2});
+    p.Componer(g, pagina, QStringLiteral("T"));
+    EXPECT_EQ(int(p.FilasDePagina(0).size()), porPagina - 1);
+    EXPECT_EQ(p.FilasDePagina(1).front(), porPagina + 1);
 
     // Wider than the page: scaled down to the printable width.
     g.anchos = {20000, 10000, 10000};

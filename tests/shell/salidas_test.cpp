@@ -75,12 +75,13 @@ protected:
     void elegir(const char *accion) { m_doc->menus().accion(QString::fromLatin1(accion))->trigger(); }
     QString ruta(const char *nombre) const { return m_carpeta.filePath(QString::fromLatin1(nombre)); }
 
-    // The grid's visible cells as the user sees them, row by row, the caption row first.
+    // The grid's visible cells as the user sees them, row by row, the caption row first and
+    // without the closing "new entry" row, which is the screen's and not exported.
     QList<QStringList> celdasVistas() const
     {
         QList<QStringList> filas;
         const Grilla &g = m_doc->grilla();
-        for (int r = 0; r < g.Filas(); ++r) {
+        for (int r = 0; r < g.Filas() - 1; ++r) {
             if (g.Fila(r).oculta)
                 continue;
             QStringList celdas;
@@ -139,6 +140,9 @@ TEST_P(Salidas, CSVLeidoDeVueltaEsLaGrilla)
         hallada = hallada || f.toArray().at(2).toString() == m_leyenda;
     EXPECT_TRUE(hallada);
     EXPECT_TRUE(m_doc->grilla().Redibujar());
+    EXPECT_FALSE(m_doc->grilla().Fila(m_doc->grilla().Filas() - 1).oculta);
+    for (const QJsonValue &f : csv)
+        EXPECT_NE(f.toArray().at(0).toString(), QStringLiteral("Nuevo Asiento"));
 }
 
 TEST_P(Salidas, LibroConNumerosYFechas)
@@ -272,6 +276,10 @@ TEST_P(Salidas, VistaPreviaYVueltaDeLaGrilla)
     EXPECT_EQ(anchoDurante, v.AnchoPagina() - v.Margenes(1).first - v.Margenes(1).second - otras);
     // Afterwards the grid is as before.
     EXPECT_FALSE(g.Fila(ultima).oculta);
+    // Back in the window, the grid has the focus.
+    QApplication::setActiveWindow(m_doc.get());
+    QApplication::processEvents();
+    EXPECT_EQ(QApplication::focusWidget(), m_doc->grid());
     EXPECT_EQ(g.AnchoColumna(1), ancho);
     EXPECT_TRUE(g.Redibujar());
     EXPECT_EQ(m_doc->grid()->columnWidth(1), m_doc->grid()->TwipsAPixeles(ancho));
