@@ -29,7 +29,6 @@ namespace {
 constexpr int kAsientosPorDefecto = 25000;
 constexpr int kMaximoAsientos = 5000000;
 constexpr int kLineasPorAsiento = 4;
-constexpr int kFilasPorSentencia = 100; // rows per multi-row INSERT
 constexpr int kAsientosPorTanda = 2000; // entries held in memory before they are written
 
 void escribir(FILE *salida, const QString &texto)
@@ -100,27 +99,9 @@ QString leerOpciones(const QStringList &argumentos, Opciones &o)
     return {};
 }
 
-
 QVariant centesimos(qint64 v) { return double(v) / 100.0; }
 const QVariant kSinNumero{QMetaType(QMetaType::Double)};
 
-// Multi-row INSERT with bound values, as the demo writes its rows.
-void insertar(Conexion &conexion, const char *tabla, const char *columnas, const QList<QVariantList> &filas)
-{
-    const QString encabezado = QStringLiteral("INSERT INTO %1 (%2) VALUES ").arg(QLatin1String(tabla), QLatin1String(columnas));
-    const qsizetype cantidadColumnas = QByteArray(columnas).count(',') + 1;
-    const QString fila = QStringLiteral("(?") + QStringLiteral(",?").repeated(cantidadColumnas - 1) + QLatin1Char(')');
-    for (qsizetype desde = 0; desde < filas.size(); desde += kFilasPorSentencia) {
-        const qsizetype hasta = std::min(filas.size(), desde + kFilasPorSentencia);
-        QStringList marcas;
-        QVariantList valores;
-        for (qsizetype i = desde; i < hasta; ++i) {
-            marcas << fila;
-            valores += filas[i];
-        }
-        conexion.Ejecutar(encabezado + marcas.join(QLatin1Char(',')), valores);
-    }
-}
 
 struct Cuenta
 {
@@ -439,9 +420,9 @@ void Generador::Generar()
     QList<QVariantList> cabezales, filas;
     QList<Linea> lineas;
     const auto volcar = [&] {
-        insertar(m_c, "cceAsientos", "AsiID, AsiEmpresa, AsiEstado, AsiFechaAsiento, AsiFechaModificado, AsiFechaEstado,"
+        InsertarEnBloques(m_c, "cceAsientos", "AsiID, AsiEmpresa, AsiEstado, AsiFechaAsiento, AsiFechaModificado, AsiFechaEstado,"
                                      " AsiLeyenda, AsiTipo, AsiUsuarioVerificador, AsiVerificado, AsiUsuario", cabezales);
-        insertar(m_c, "cceAsientoCuenta", "ACuID, ACuIDAsiento, ACuCuenta, ACuProyecto, ACuDepartamento, ACuDebe,"
+        InsertarEnBloques(m_c, "cceAsientoCuenta", "ACuID, ACuIDAsiento, ACuCuenta, ACuProyecto, ACuDepartamento, ACuDebe,"
                                           " AcuHaber, ACuImporteMC, ACuOrden", filas);
         cabezales.clear();
         filas.clear();

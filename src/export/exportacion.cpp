@@ -2,6 +2,7 @@
 
 #include "escritores.h"
 #include "fuentegrilla.h"
+#include "grillaensalida.h"
 
 #include "entries/grilla.h"
 
@@ -26,34 +27,6 @@ DatosFormato Datos(int formato)
     }
 }
 
-// While the grid is read for a file: redraw off and the closing "new entry" row, which is
-// the screen's and not data, left out; both back however the export ends.
-class SalidaDeGrilla
-{
-public:
-    explicit SalidaDeGrilla(Grilla &g)
-        : m_g(g)
-        , m_redibujar(g.Redibujar())
-        , m_ultima(g.Filas() - 1)
-        , m_ultimaOculta(m_ultima >= g.FilasFijas() && g.Fila(m_ultima).oculta)
-    {
-        m_g.FijarRedibujar(false);
-        if (m_ultima >= m_g.FilasFijas())
-            m_g.FijarFilaOculta(m_ultima, true);
-    }
-    ~SalidaDeGrilla()
-    {
-        if (m_ultima >= m_g.FilasFijas())
-            m_g.FijarFilaOculta(m_ultima, m_ultimaOculta);
-        m_g.FijarRedibujar(m_redibujar);
-    }
-
-private:
-    Grilla &m_g;
-    bool m_redibujar;
-    int m_ultima;
-    bool m_ultimaOculta;
-};
 
 } // namespace
 
@@ -115,6 +88,7 @@ std::optional<QString> ExportacionGrilla::Escribir(int formato, const GrillaEnPa
                                                    const EntornoExportacion &entorno,
                                                    const std::function<void(int, int)> &avance)
 {
+    const GrillaEnSalida salida(*g.grilla);
     const FuenteDeGrilla fuente(*g.grilla, g.puntosPorPulgada, g.anchoControlTwips);
     switch (formato) {
     case Libro:
@@ -131,7 +105,6 @@ void ExportacionGrilla::Exportar(int formato, const GrillaEnPantalla &g)
     const QString ruta = ElegirArchivo(formato, NombrePorDefecto(g.titulo, formato), m_entorno.texto(Datos(formato).titulo));
     if (ruta.isEmpty())
         return;
-    const SalidaDeGrilla salida(*g.grilla);
     const QString destino = ConExtension(ruta, formato);
     if (const auto fallo = Escribir(formato, g, destino, m_entorno))
         m_entorno.error(1938, QDir::toNativeSeparators(destino) + QStringLiteral(": ") + *fallo);

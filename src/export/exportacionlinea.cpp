@@ -166,9 +166,6 @@ int ExportarDesdeLinea(const PedidoExportacion &pedido, Conexion &conexion, qint
     const QDate primerDia = pedido.mes.isValid() ? QDate(pedido.mes.year(), pedido.mes.month(), 1) : QDate();
     if (const auto f = CargarAsientos(asientos, conexion, vista, sql, QDate::currentDate(), primerDia))
         return fallar(texto(f->numeroTexto) + QStringLiteral(" ") + f->detalle);
-    // The closing "new entry" row is the screen's, not data.
-    if (grilla.Filas() > grilla.FilasFijas())
-        grilla.FijarFilaOculta(grilla.Filas() - 1, true);
 
     const int formato = pedido.Formato();
     QElapsedTimer reloj;

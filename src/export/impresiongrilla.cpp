@@ -1,6 +1,7 @@
 #include "impresiongrilla.h"
 
 #include "fuentegrilla.h"
+#include "grillaensalida.h"
 
 #include "entries/grilla.h"
 
@@ -8,34 +9,21 @@ namespace {
 
 constexpr int kColumnaCredito = 1;
 
-// Steps 1-3 taken and undone: the closing row hidden, redraw off, column 1 remembered.
+// Steps 1-3 taken and undone: the grid out of the screen's hands, column 1 remembered.
 class GrillaParaImprimir
 {
 public:
     explicit GrillaParaImprimir(Grilla &g)
         : m_g(g)
-        , m_ultima(g.Filas() - 1)
-        , m_ultimaOculta(m_ultima >= g.FilasFijas() && g.Fila(m_ultima).oculta)
-        , m_redibujar(g.Redibujar())
+        , m_salida(g)
         , m_ancho(g.AnchoColumna(kColumnaCredito))
     {
-        if (m_ultima >= m_g.FilasFijas())
-            m_g.FijarFilaOculta(m_ultima, true);
-        m_g.FijarRedibujar(false);
     }
-    ~GrillaParaImprimir()
-    {
-        m_g.FijarAnchoColumna(kColumnaCredito, m_ancho);
-        m_g.FijarRedibujar(m_redibujar);
-        if (m_ultima >= m_g.FilasFijas())
-            m_g.FijarFilaOculta(m_ultima, m_ultimaOculta);
-    }
+    ~GrillaParaImprimir() { m_g.FijarAnchoColumna(kColumnaCredito, m_ancho); }
 
 private:
     Grilla &m_g;
-    int m_ultima;
-    bool m_ultimaOculta;
-    bool m_redibujar;
+    GrillaEnSalida m_salida;
     int m_ancho;
 };
 

@@ -180,7 +180,6 @@ const char *const kMeses[] = {
 
 constexpr int kDiasCotizacion = 730;
 constexpr int kCantidadAsientos = 400;
-constexpr int kFilasPorSentencia = 100;
 constexpr int kTipoCotizacionAlternativa = 2;
 
 
@@ -201,25 +200,6 @@ QDate diaHabil(const QDate &mes, int dia)
     return d;
 }
 
-// Multi-row INSERTs with bound values, a hundred rows per statement: one round trip per
-// hundred rows keeps the whole demo well under a second on either engine.
-void insertar(Conexion &conexion, const char *tabla, const char *columnas, const QList<QVariantList> &filas)
-{
-    const QString encabezado = QStringLiteral("INSERT INTO %1 (%2) VALUES ").arg(QLatin1String(tabla), QLatin1String(columnas));
-    const qsizetype cantidadColumnas = QByteArray(columnas).count(',') + 1;
-    const QString fila = QStringLiteral("(?") + QStringLiteral(",?").repeated(cantidadColumnas - 1) + QLatin1Char(')');
-    for (qsizetype desde = 0; desde < filas.size(); desde += kFilasPorSentencia) {
-        const qsizetype hasta = std::min(filas.size(), desde + kFilasPorSentencia);
-        QStringList marcas;
-        QVariantList valores;
-        for (qsizetype i = desde; i < hasta; ++i) {
-            Q_ASSERT(filas[i].size() == cantidadColumnas);
-            marcas << fila;
-            valores += filas[i];
-        }
-        conexion.Ejecutar(encabezado + marcas.join(QLatin1Char(',')), valores);
-    }
-}
 
 struct CuentaInfo
 {
@@ -375,49 +355,49 @@ qint64 GeneradorDemo::tasaDe(int moneda, const QDate &fecha) const
 void GeneradorDemo::insertarConfiguracion()
 {
     Conexion &c = m_conexion;
-    insertar(c, "genParametros", "ParNombre, ParValor, ParTexto", {
+    InsertarEnBloques(c, "genParametros", "ParNombre, ParValor, ParTexto", {
         {texto("defBDDateCharSQLs"), kSinNumero, texto("'")}, {texto("defBDDateFormat"), kSinNumero, texto("yyyy-mm-dd")},
         {texto("sis_Multiusuario"), 1, kSinTexto}, {texto("sis_LibroAsientoResumen"), Demo::kLibroResumen, kSinTexto},
         {texto("sis_LibroAsientoApertura"), Demo::kLibroApertura, kSinTexto},
         {texto("sis_LibroAsientoCierre"), Demo::kLibroCierre, kSinTexto}, {texto("sis_LibroADC"), Demo::kLibroADC, kSinTexto},
         {texto("sis_LibroAsientoPrimeraApertura"), Demo::kLibroPrimeraApertura, kSinTexto},
     });
-    insertar(c, "genLibros", "LibCodigo, LibNombre, LibDelSistema", {
+    InsertarEnBloques(c, "genLibros", "LibCodigo, LibNombre, LibDelSistema", {
         {Demo::kLibroDiario, texto("Diario"), 0}, {2, texto("Compras"), 0}, {3, texto("Ventas"), 0},
         {4, texto("Caja y Bancos"), 0}, {5, texto("Sueldos"), 0}, {Demo::kLibroResumen, texto("Resumen"), 1},
         {Demo::kLibroApertura, texto("Apertura"), 1}, {Demo::kLibroCierre, texto("Cierre"), 1},
         {Demo::kLibroADC, texto("Diferencias de cambio"), 1}, {Demo::kLibroPrimeraApertura, texto("Primera apertura"), 1},
     });
-    insertar(c, "cceEmpresas", "EmpID, EmpNombre, EmpMostrarCodigoCta, EmpMonedaContabilidad, EmpValoresUsuarioYAuroriza,"
+    InsertarEnBloques(c, "cceEmpresas", "EmpID, EmpNombre, EmpMostrarCodigoCta, EmpMonedaContabilidad, EmpValoresUsuarioYAuroriza,"
                                " EmpTipoTCComprobantes, EmpFCierreEjercicio, EmpClase, EmpPrms, EmpFechaCotizacion", {
         {Demo::kEmpresa, texto("Ferretería El Tornillo S.R.L."), 1, Demo::kMonedaPesos, texto("01"), Demo::kTipoCotizacion,
          Conexion::ValorFecha(QDate(m_hoy.year() - 1, 12, 31)), 1, texto("cfg:1|lib:1"), 1},
     });
     // Euros without masks take the defaults; the indexed unit is no trading currency.
-    insertar(c, "genMonedas", "MonID, MonSimbolo, MonNombre, MonCotizaEn, MonRedondeo, MonFormatoCotizacion, MonTipo", {
+    InsertarEnBloques(c, "genMonedas", "MonID, MonSimbolo, MonNombre, MonCotizaEn, MonRedondeo, MonFormatoCotizacion, MonTipo", {
         {Demo::kMonedaPesos, texto("$"), texto("Pesos"), Demo::kMonedaDolares, texto("#,##0.00"), texto("#,##0.000"), 1},
         {Demo::kMonedaDolares, texto("U$S"), texto("Dólares"), Demo::kMonedaPesos, texto("#,##0.00"), texto("#,##0.0000"), 1},
         {Demo::kMonedaEuros, texto("€"), texto("Euros"), Demo::kMonedaDolares, kSinTexto, kSinTexto, 1},
         {Demo::kMonedaReales, texto("R$"), texto("Reales"), Demo::kMonedaPesos, texto("#,##0.00"), texto("#,##0.000"), 1},
         {5, texto("UI"), texto("Unidades indexadas"), Demo::kMonedaPesos, texto("#,##0.00"), texto("#,##0.0000"), 2},
     });
-    insertar(c, "sisTipoCuenta", "TCuID, TCuNombre, TCuSigno, TCuClaseEmpresa", {
+    InsertarEnBloques(c, "sisTipoCuenta", "TCuID, TCuNombre, TCuSigno, TCuClaseEmpresa", {
         {1, texto("Activo"), 1, 1}, {2, texto("Pasivo"), -1, 1}, {3, texto("Patrimonio"), -1, 1},
         {4, texto("Ingresos"), -1, 1}, {5, texto("Egresos"), 1, 1},
     });
-    insertar(c, "cceProyectos", "ProCodigo, ProAbreviacion, ProNombre", {
+    InsertarEnBloques(c, "cceProyectos", "ProCodigo, ProAbreviacion, ProNombre", {
         {1, texto("OBRA1"), texto("Obra edificio Rambla")}, {2, texto("TIENDA"), texto("Local de venta")},
         {3, texto("WEB"), texto("Tienda en línea")},
     });
-    insertar(c, "cceDepartamentos", "DepCodigo, DepAbreviacion, DepNombre", {
+    InsertarEnBloques(c, "cceDepartamentos", "DepCodigo, DepAbreviacion, DepNombre", {
         {1, texto("ADM"), texto("Administración")}, {2, texto("VTA"), texto("Ventas")}, {3, texto("DEP"), texto("Depósito")},
     });
-    insertar(c, "segUsuarios", "UsuID, UsuNombre", {
+    InsertarEnBloques(c, "segUsuarios", "UsuID, UsuNombre", {
         {Demo::kUsuarioAdministrador, texto("Administrador")}, {Demo::kUsuarioConsulta, texto("Consulta")},
         {Demo::kUsuarioSinPermisos, texto("Invitado")}, {Demo::kUsuarioContador, texto("Contadora")},
     });
     const QVariant modulo = texto(Demo::kModulo);
-    insertar(c, "segPermisos", "PerUsuario, PerEmpresa, PerModulo, PerLetras, PerAutoriza", {
+    InsertarEnBloques(c, "segPermisos", "PerUsuario, PerEmpresa, PerModulo, PerLetras, PerAutoriza", {
         {Demo::kUsuarioAdministrador, Demo::kEmpresa, modulo, texto("AMEQ"), 1},
         {Demo::kUsuarioConsulta, Demo::kEmpresa, modulo, texto("Q"), 0},
         {Demo::kUsuarioSinPermisos, Demo::kEmpresa, modulo, texto(""), 0},
@@ -453,7 +433,7 @@ void GeneradorDemo::insertarCotizaciones()
             agregar(fecha, Demo::kMonedaDolares, Demo::kMonedaPesos, kTipoCotizacionAlternativa, otra, otra + 5000);
         }
     }
-    insertar(m_conexion, "genCotizacionesMoneda",
+    InsertarEnBloques(m_conexion, "genCotizacionesMoneda",
              "CMoID, CMoFecha, CMoMoneda, CMoCotizaEn, CMoTipoCotizacion, CMoCompra, CMoVenta", filas);
 }
 
@@ -492,7 +472,7 @@ void GeneradorDemo::insertarCuentas()
                       carpeta ? 1 : 0, info.tipo, carpeta ? kSinNumero : centesimos(saldo.first),
                       carpeta ? kSinNumero : centesimos(saldo.second)});
     }
-    insertar(m_conexion, "cceCuentas", "CueID, CueIDEmpresa, CueCodigo, CueNombre, CueMoneda, CueFechaCerrada,"
+    InsertarEnBloques(m_conexion, "cceCuentas", "CueID, CueIDEmpresa, CueCodigo, CueNombre, CueMoneda, CueFechaCerrada,"
                                        " CueEsCarpeta, CueTipo, CueSaldo, CueSaldoMConta", filas);
 }
 
@@ -510,7 +490,7 @@ void GeneradorDemo::insertarComprobantes()
                       r < 2 ? QVariant(9) : r < 4 ? QVariant(QMetaType(QMetaType::Int)) : QVariant(1),
                       QStringLiteral("A-%1").arg(5100 + i * 7, 6, 10, QLatin1Char('0')), texto(tipos[m_azar.entre(0, 4)])});
     }
-    insertar(m_conexion, "cceComprobantes", "ComID, ComIDEmpresa, ComFecha, ComEstado, ComNumero, ComDescripcion", filas);
+    InsertarEnBloques(m_conexion, "cceComprobantes", "ComID, ComIDEmpresa, ComFecha, ComEstado, ComNumero, ComDescripcion", filas);
 }
 
 Linea GeneradorDemo::linea(const char *codigo, bool debe, qint64 pesos, const QDate &fecha, int proyecto,
@@ -817,9 +797,9 @@ void GeneradorDemo::insertarAsientos()
                            l.debe ? centesimos(l.importe) : kSinNumero, l.debe ? kSinNumero : centesimos(l.importe),
                            centesimos(l.importeMC), ++orden});
     }
-    insertar(m_conexion, "cceAsientos", "AsiID, AsiEmpresa, AsiEstado, AsiFechaAsiento, AsiFechaModificado, AsiFechaEstado,"
+    InsertarEnBloques(m_conexion, "cceAsientos", "AsiID, AsiEmpresa, AsiEstado, AsiFechaAsiento, AsiFechaModificado, AsiFechaEstado,"
                                         " AsiLeyenda, AsiTipo, AsiUsuarioVerificador, AsiVerificado, AsiUsuario", cabezales);
-    insertar(m_conexion, "cceAsientoCuenta", "ACuID, ACuIDAsiento, ACuCuenta, ACuProyecto, ACuDepartamento, ACuDebe,"
+    InsertarEnBloques(m_conexion, "cceAsientoCuenta", "ACuID, ACuIDAsiento, ACuCuenta, ACuProyecto, ACuDepartamento, ACuDebe,"
                                              " AcuHaber, ACuImporteMC, ACuOrden", lineas);
 }
 

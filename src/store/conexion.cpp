@@ -1,6 +1,10 @@
 #include "conexion.h"
 #include "fallo.h"
 
+#include <QStringList>
+
+#include <algorithm>
+
 
 
 ErrorBaseDatos::ErrorBaseDatos(const QString &descripcion, int numero)
@@ -177,4 +181,28 @@ QDateTime FechaHoraDeValor(const QVariant &valor)
 Fallo FalloDe(int numeroTexto, const ErrorBaseDatos &error)
 {
     return {numeroTexto, DetalleError(error.numero(), error.descripcion())};
+}
+
+namespace {
+constexpr int kFilasPorSentencia = 100;
+}
+
+// Multi-row INSERTs with bound values, a hundred rows per statement: one round trip per
+// hundred rows keeps the whole demo well under a second on either engine.
+void InsertarEnBloques(Conexion &conexion, const char *tabla, const char *columnas, const QList<QVariantList> &filas)
+{
+    const QString encabezado = QStringLiteral("INSERT INTO %1 (%2) VALUES ").arg(QLatin1String(tabla), QLatin1String(columnas));
+    const qsizetype cantidadColumnas = QByteArray(columnas).count(',') + 1;
+    const QString fila = QStringLiteral("(?") + QStringLiteral(",?").repeated(cantidadColumnas - 1) + QLatin1Char(')');
+    for (qsizetype desde = 0; desde < filas.size(); desde += kFilasPorSentencia) {
+        const qsizetype hasta = std::min(filas.size(), desde + kFilasPorSentencia);
+        QStringList marcas;
+        QVariantList valores;
+        for (qsizetype i = desde; i < hasta; ++i) {
+            Q_ASSERT(filas[i].size() == cantidadColumnas);
+            marcas << fila;
+            valores += filas[i];
+        }
+        conexion.Ejecutar(encabezado + marcas.join(QLatin1Char(',')), valores);
+    }
 }

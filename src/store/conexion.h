@@ -106,3 +106,7 @@ private:
 // QDateTime with UTC as its spec so that no local time-zone rule is ever applied to them.
 QDate FechaDeValor(const QVariant &valor);
 QDateTime FechaHoraDeValor(const QVariant &valor);
+
+// Multi-row INSERTs with bound values, a hundred rows per statement: one round trip per
+// hundred rows. columnas is the column list as written in the statement ("A, B, C").
+void InsertarEnBloques(Conexion &conexion, const char *tabla, const char *columnas, const QList<QVariantList> &filas);
