@@ -1,5 +1,6 @@
 // The program's command-line export, run as a user runs it: the files read back and
 // compared with the database, and every bad request refused with a message and a status.
+#include "comun/archivosleidos.h"
 #include "comun/basesprueba.h"
 
 #include "store/basedemo.h"
@@ -46,15 +47,6 @@ protected:
         return {p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1, QString::fromUtf8(p.readAllStandardError())};
     }
 
-    QJsonArray leer(const char *modo, const QString &ruta)
-    {
-        QProcess p;
-        p.start(QStringLiteral("/usr/bin/python3"), {QStringLiteral(ASIENTOS_LEER_ARCHIVO), QString::fromLatin1(modo), ruta});
-        p.waitForFinished(60000);
-        EXPECT_EQ(p.exitCode(), 0) << p.readAllStandardError().toStdString();
-        return QJsonDocument::fromJson(p.readAllStandardOutput()).array();
-    }
-
     QString ruta(const char *nombre) const { return m_carpeta.filePath(QString::fromLatin1(nombre)); }
 
     // The debit and credit sums in cents and the count of lines and entries of a month.
@@ -88,7 +80,7 @@ TEST_P(ExportarDesdeLinea, MesEnCSVCuadraConLaBase)
     const Salida s = correr({QStringLiteral("--exportar"), ruta("mes.csv"), QStringLiteral("--mes"), mes});
     ASSERT_EQ(s.estado, 0) << s.errores.toStdString();
 
-    const QJsonArray filas = leer("csv", ruta("mes.csv"));
+    const QJsonArray filas = LeerArchivoExportado("csv", ruta("mes.csv"));
     ASSERT_GT(filas.size(), 1);
     EXPECT_EQ(filas.at(0).toArray().at(2).toString(), QStringLiteral("Debe"));
     qint64 debe = 0;
@@ -127,7 +119,7 @@ TEST_P(ExportarDesdeLinea, BusquedaEnLibroYPDF)
                                hoy.toString(Qt::ISODate), QStringLiteral("--cuenta"), QStringLiteral("1.1.01")};
     Salida s = correr(QStringList{QStringLiteral("--exportar"), ruta("caja.xlsx")} + busqueda);
     ASSERT_EQ(s.estado, 0) << s.errores.toStdString();
-    const QJsonArray filas = leer("xlsx", ruta("caja.xlsx"));
+    const QJsonArray filas = LeerArchivoExportado("xlsx", ruta("caja.xlsx"));
     ASSERT_GT(filas.size(), 2);
     int fechas = 0;
     bool conCaja = true;

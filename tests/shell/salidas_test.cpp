@@ -2,6 +2,8 @@
 // read back with a standard parser and compared with the grid as the user sees it.
 #include "escenario.h"
 
+#include "comun/archivosleidos.h"
+
 #include "entries/asientodatos.h"
 #include "entries/vistas.h"
 #include "export/exportacion.h"
@@ -38,15 +40,6 @@ public:
         return respuesta;
     }
 };
-
-QJsonArray Leer(const char *modo, const QString &ruta)
-{
-    QProcess p;
-    p.start(QStringLiteral("/usr/bin/python3"), {QStringLiteral(ASIENTOS_LEER_ARCHIVO), QString::fromLatin1(modo), ruta});
-    p.waitForFinished(60000);
-    EXPECT_EQ(p.exitCode(), 0) << p.readAllStandardError().toStdString();
-    return QJsonDocument::fromJson(p.readAllStandardOutput()).array();
-}
 
 QString TextoPDF(const QString &ruta)
 {
@@ -112,7 +105,7 @@ TEST_P(Salidas, CSVLeidoDeVueltaEsLaGrilla)
     EXPECT_EQ(m_selector.carpetas.value(0), carpeta);
     EXPECT_TRUE(QFileInfo(carpeta).isDir());
 
-    const QJsonArray csv = Leer("csv", m_selector.respuesta);
+    const QJsonArray csv = LeerArchivoExportado("csv", m_selector.respuesta);
     const QList<QStringList> vistas = celdasVistas();
     ASSERT_EQ(csv.size(), vistas.size());
     const Grilla &g = m_doc->grilla();
@@ -154,7 +147,7 @@ TEST_P(Salidas, LibroConNumerosYFechas)
     EXPECT_EQ(m_selector.nombres.value(0), QStringLiteral("Ingreso de Asientos.xlsx"));
     EXPECT_EQ(m_selector.filtros.value(0), QStringLiteral("Libro de Microsoft Excel (*.xlsx)"));
 
-    const QJsonArray filas = Leer("xlsx", ruta("mes.xlsx"));
+    const QJsonArray filas = LeerArchivoExportado("xlsx", ruta("mes.xlsx"));
     const Grilla &g = m_doc->grilla();
     int r = 0;
     int numeros = 0;
@@ -191,7 +184,7 @@ TEST_P(Salidas, HTMLConBloquesYAlineacion)
     EXPECT_EQ(m_selector.filtros.value(0), QStringLiteral("Archivo html (*.htm)"));
     ASSERT_TRUE(QFile::exists(ruta("pagina.htm")));
 
-    const QJsonArray filas = Leer("html", ruta("pagina.htm"));
+    const QJsonArray filas = LeerArchivoExportado("html", ruta("pagina.htm"));
     const QList<QStringList> vistas = celdasVistas();
     ASSERT_EQ(filas.size(), vistas.size());
     const Grilla &g = m_doc->grilla();
