@@ -3,10 +3,17 @@
 // a truncated, damaged or foreign file be refused before any of it is read.
 #include "grilla.h"
 
+#include "store/archivoregular.h"
+
 #include <QCryptographicHash>
 #include <QDataStream>
 #include <QFile>
 #include <QSaveFile>
+
+#include <cerrno>
+#include <cstring>
+
+#include <unistd.h>
 
 namespace {
 
@@ -19,6 +26,11 @@ void fallar(QString *error, const QString &texto)
 {
     if (error)
         *error = texto;
+}
+
+QString noEsComun(const QString &ruta, const QString &queEs)
+{
+    return QStringLiteral("el archivo de diseño no es un archivo común: %1 (%2)").arg(ruta, queEs);
 }
 
 } // namespace
@@ -134,18 +146,50 @@ public:
 
 bool Grilla::Guardar(const QString &ruta, QString *error) const
 {
+    QString motivo;
+    if (!ArchivoRegularOAusente(ruta, &motivo)) {
+        fallar(error, noEsComun(ruta, motivo));
+        return false;
+    }
     const QByteArray datos = FormatoDisenoGrilla::Escribir(*this);
     QSaveFile archivo(ruta);
     if (!archivo.open(QIODevice::WriteOnly)) {
         fallar(error, archivo.errorString());
         return false;
     }
+    // The save file resolves a link when it opens and would replace the link's target: a
+    // link put there between the check and the open is refused before anything is written.
+    if (!ArchivoRegularOAusente(ruta, &motivo)) {
+        archivo.cancelWriting();
+        fallar(error, noEsComun(ruta, motivo));
+        return false;
+    }
+    errno = 0;
     QDataStream s(&archivo);
     s.setVersion(QDataStream::Qt_6_0);
     s << kMagia << kVersion << qint64(datos.size());
     s.writeRawData(QCryptographicHash::hash(datos, QCryptographicHash::Sha1).constData(), 20);
     s.writeRawData(datos.constData(), int(datos.size()));
-    if (s.status() != QDataStream::Ok || !archivo.commit()) {
+    // What is still in the write buffer goes out here: commit() flushes it too but does not
+    // report a failure, and would put the truncated file (a full disk) in place of the last
+    // good one. fsync makes the disk report what it only finds when the data goes out.
+    const bool escrito = s.status() == QDataStream::Ok && archivo.flush() && archivo.error() == QFileDevice::NoError
+                      && ::fsync(archivo.handle()) == 0;
+    if (!escrito) {
+        // A short write leaves the reason (EFBIG, ENOSPC) only in errno: the file's own
+        // error, if any, is then "Unknown error".
+        const int numero = errno;
+        if (numero != 0)
+            motivo = QString::fromLocal8Bit(std::strerror(numero));
+        else if (archivo.error() != QFileDevice::NoError)
+            motivo = archivo.errorString();
+        else
+            motivo = QStringLiteral("no se escribió completo");
+        archivo.cancelWriting();
+        fallar(error, QStringLiteral("no se pudo escribir el archivo de diseño %1: %2").arg(ruta, motivo));
+        return false;
+    }
+    if (!archivo.commit()) {
         fallar(error, archivo.errorString());
         return false;
     }
@@ -154,9 +198,14 @@ bool Grilla::Guardar(const QString &ruta, QString *error) const
 
 bool Grilla::Cargar(const QString &ruta, QString *error)
 {
-    QFile archivo(ruta);
-    if (!archivo.open(QIODevice::ReadOnly)) {
-        fallar(error, archivo.errorString());
+    QString motivo;
+    if (!ArchivoRegularOAusente(ruta, &motivo)) {
+        fallar(error, noEsComun(ruta, motivo));
+        return false;
+    }
+    QFile archivo;
+    if (!AbrirArchivoRegular(archivo, ruta, &motivo)) {
+        fallar(error, QStringLiteral("no se pudo abrir el archivo de diseño %1: %2").arg(ruta, motivo));
         return false;
     }
     QDataStream s(&archivo);

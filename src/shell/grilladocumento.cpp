@@ -142,7 +142,15 @@ void lumIngAsiento::CargarDisenoGrilla()
     if (ruta.isEmpty())
         return;
     m_grilla.FijarRedibujar(false);
-    if (QFileInfo::exists(ruta) && m_grilla.Cargar(ruta)) {
+    // No file yet is the first start; anything else that is there (a link, even a broken
+    // one, or a file that cannot be read) is reported, like a failed save.
+    const QFileInfo info(ruta);
+    const bool hayArchivo = info.exists() || info.isSymLink();
+    QString error;
+    const bool cargado = hayArchivo && m_grilla.Cargar(ruta, &error);
+    if (hayArchivo && !cargado)
+        qWarning("No se pudo leer el diseño de la grilla en %s: %s", qPrintable(ruta), qPrintable(error));
+    if (cargado) {
         for (int r = m_grilla.FilasFijas(); r < m_grilla.Filas(); ++r)
             if (m_asientos.EsFilaCabezal(r))
                 m_asientos.ClaveEstado(r, qint16(m_grilla.Dato(r, 3).toInt()));

@@ -5,14 +5,22 @@
 #include <QAbstractItemModelTester>
 #include <QCryptographicHash>
 #include <QDataStream>
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
+#include <chrono>
+#include <csignal>
+#include <future>
 #include <tuple>
 
 namespace {
@@ -202,6 +210,115 @@ TEST(DisenoGrilla, FilasQueElArchivoNoPuedeTenerSeRechazanSinReservarlas)
     struct rusage despues {};
     getrusage(RUSAGE_SELF, &despues);
     EXPECT_LT(despues.ru_maxrss - antes.ru_maxrss, 200L * 1024) << "kilobytes taken"; // not gigabytes
+}
+
+QByteArray leerArchivo(const QString &ruta)
+{
+    QFile f(ruta);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+}
+
+// Writes past a file size limit fail with EFBIG, as on a full disk. The limit holds only
+// while the call runs.
+bool guardarConLimite(const Grilla &g, const QString &ruta, rlim_t limite, QString *error)
+{
+    const auto senal = signal(SIGXFSZ, SIG_IGN);
+    struct rlimit antes {};
+    getrlimit(RLIMIT_FSIZE, &antes);
+    struct rlimit limitado = antes;
+    limitado.rlim_cur = limite;
+    setrlimit(RLIMIT_FSIZE, &limitado);
+    const bool guardado = g.Guardar(ruta, error);
+    setrlimit(RLIMIT_FSIZE, &antes);
+    signal(SIGXFSZ, senal);
+    return guardado;
+}
+
+// A small grid stays in the write buffer until the save file commits; a large one is
+// written as it goes. Either way a write that does not fit leaves the last good file.
+TEST(DisenoGrilla, UnDiscoLlenoDejaElArchivoAnterior)
+{
+    QTemporaryDir dir;
+    const QString ruta = dir.filePath(QStringLiteral("lg1a.tgr"));
+    const Grilla original = grillaDeEjemplo();
+    ASSERT_TRUE(original.Guardar(ruta));
+    const QByteArray bueno = leerArchivo(ruta);
+
+    Grilla grande = grillaDeEjemplo();
+    grande.InsertarFilas(3, 20000);
+    for (int r = 3; r < 20003; ++r)
+        grande.FijarTexto(r, 0, QStringLiteral("Cuenta %1").arg(r));
+    Grilla chica = grillaDeEjemplo();
+    chica.FijarTexto(3, 1, QString(200, QLatin1Char('x')));
+
+    for (const auto &[grilla, limite] : {std::pair{&grande, rlim_t(64 * 1024)}, std::pair{&chica, rlim_t(bueno.size())}}) {
+        QString error;
+        EXPECT_FALSE(guardarConLimite(*grilla, ruta, limite, &error)) << limite;
+        EXPECT_FALSE(error.isEmpty()) << limite;
+        EXPECT_EQ(leerArchivo(ruta), bueno) << limite;
+        Grilla leida;
+        ASSERT_TRUE(leida.Cargar(ruta, &error)) << error.toStdString();
+        EXPECT_EQ(todasLasFilas(leida), todasLasFilas(original));
+    }
+    EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files), QStringList{QStringLiteral("lg1a.tgr")}); // no temporary left
+}
+
+// Runs the call on another thread. One still waiting after two seconds (on a FIFO) fails
+// the test and is let go by opening the FIFO to write, as often as it waits.
+template <typename Llamada>
+auto sinQuedarseEsperando(const QString &fifo, Llamada llamada)
+{
+    auto resultado = std::async(std::launch::async, llamada);
+    if (resultado.wait_for(std::chrono::seconds(2)) == std::future_status::timeout) {
+        ADD_FAILURE() << "se quedó esperando en " << fifo.toStdString();
+        do {
+            const int fd = ::open(QFile::encodeName(fifo).constData(), O_WRONLY | O_NONBLOCK);
+            if (fd >= 0)
+                ::close(fd);
+        } while (resultado.wait_for(std::chrono::milliseconds(50)) == std::future_status::timeout);
+    }
+    return resultado.get();
+}
+
+// A link (to a file here or in another folder), a FIFO or a folder in the layout's place
+// is neither read nor replaced: what it points at keeps its bytes and the link stays.
+TEST(DisenoGrilla, SoloSeUsaUnArchivoComun)
+{
+    QTemporaryDir dir, otraCarpeta;
+    const QString cerca = dir.filePath(QStringLiteral("cerca.tgr"));
+    const QString lejos = otraCarpeta.filePath(QStringLiteral("lejos.tgr"));
+    ASSERT_TRUE(grillaDeEjemplo().Guardar(cerca));
+    ASSERT_TRUE(grillaDeEjemplo().Guardar(lejos));
+    const QByteArray bytes = leerArchivo(cerca);
+
+    const QString enlaceCerca = dir.filePath(QStringLiteral("enlace-cerca.tgr"));
+    const QString enlaceLejos = dir.filePath(QStringLiteral("enlace-lejos.tgr"));
+    const QString fifo = dir.filePath(QStringLiteral("fifo.tgr"));
+    const QString carpeta = dir.filePath(QStringLiteral("carpeta.tgr"));
+    ASSERT_TRUE(QFile::link(cerca, enlaceCerca));
+    ASSERT_TRUE(QFile::link(lejos, enlaceLejos));
+    ASSERT_EQ(::mkfifo(QFile::encodeName(fifo).constData(), 0600), 0);
+    ASSERT_TRUE(QDir(dir.path()).mkdir(QStringLiteral("carpeta.tgr")));
+
+    const Grilla otra(4);
+    for (const QString &ruta : {enlaceCerca, enlaceLejos, fifo, carpeta}) {
+        Grilla g;
+        g.InsertarFilas(1, 2);
+        QString error;
+        EXPECT_FALSE(sinQuedarseEsperando(fifo, [&] { return g.Cargar(ruta, &error); })) << ruta.toStdString();
+        EXPECT_TRUE(error.startsWith(QStringLiteral("el archivo de diseño no es un archivo común: ") + ruta)) << error.toStdString();
+        EXPECT_EQ(g.Filas(), 3);
+        error.clear();
+        EXPECT_FALSE(sinQuedarseEsperando(fifo, [&] { return otra.Guardar(ruta, &error); })) << ruta.toStdString();
+        EXPECT_TRUE(error.contains(QStringLiteral("no es un archivo común"))) << error.toStdString();
+    }
+    EXPECT_EQ(leerArchivo(cerca), bytes);
+    EXPECT_EQ(leerArchivo(lejos), bytes);
+    EXPECT_TRUE(QFileInfo(enlaceCerca).isSymLink() && QFileInfo(enlaceLejos).isSymLink());
+    struct stat datos {};
+    EXPECT_TRUE(::lstat(QFile::encodeName(fifo).constData(), &datos) == 0 && S_ISFIFO(datos.st_mode));
+    EXPECT_TRUE(QFileInfo(carpeta).isDir());
+    EXPECT_EQ(QDir(otraCarpeta.path()).entryList(QDir::Files), QStringList{QStringLiteral("lejos.tgr")});
 }
 
 TEST(ModeloGrilla, SigueALaGrillaYUnaCargaSinRedibujoEsUnReinicio)

@@ -1,0 +1,83 @@
+#include "services/servicioconexion.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QStringList>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <future>
+
+namespace {
+
+QStringList avisos;
+
+void guardarAviso(QtMsgType tipo, const QMessageLogContext &, const QString &texto)
+{
+    if (tipo == QtWarningMsg)
+        avisos << texto;
+}
+
+// Runs the call on another thread. One still waiting after two seconds (on a FIFO) fails
+// the test and is let go by opening the FIFO to write, as often as it waits.
+template <typename Llamada>
+auto sinQuedarseEsperando(const QString &fifo, Llamada llamada)
+{
+    auto resultado = std::async(std::launch::async, llamada);
+    if (resultado.wait_for(std::chrono::seconds(2)) == std::future_status::timeout) {
+        ADD_FAILURE() << "se quedó esperando en " << fifo.toStdString();
+        do {
+            const int fd = ::open(QFile::encodeName(fifo).constData(), O_WRONLY | O_NONBLOCK);
+            if (fd >= 0)
+                ::close(fd);
+        } while (resultado.wait_for(std::chrono::milliseconds(50)) == std::future_status::timeout);
+    }
+    return resultado.get();
+}
+
+// Only a regular settings file (or none) is read. A link to a good one, a FIFO or a folder
+// reads as the defaults, at once, with one warning naming it however many settings are read.
+TEST(ArchivoDeAjustes, SoloSeLeeUnArchivoComun)
+{
+    QTemporaryDir dir;
+    const QString comun = dir.filePath(QStringLiteral("ajustes.ini"));
+    {
+        QFile f(comun);
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+        f.write("[General]\nFormatoFecha1=yyyy-mm-dd\nEsquemaColor=3\n");
+    }
+    const QString enlace = dir.filePath(QStringLiteral("enlace.ini"));
+    const QString fifo = dir.filePath(QStringLiteral("fifo.ini"));
+    const QString carpeta = dir.filePath(QStringLiteral("carpeta.ini"));
+    ASSERT_TRUE(QFile::link(comun, enlace));
+    ASSERT_EQ(::mkfifo(QFile::encodeName(fifo).constData(), 0600), 0);
+    ASSERT_TRUE(QDir(dir.path()).mkdir(QStringLiteral("carpeta.ini")));
+
+    const QtMessageHandler anterior = qInstallMessageHandler(guardarAviso);
+    EXPECT_EQ(ServicioConexion({comun, {}, {}}).FormatoFecha(1), QStringLiteral("yyyy-mm-dd"));
+    EXPECT_EQ(ServicioConexion({dir.filePath(QStringLiteral("no-existe.ini")), {}, {}}).FormatoFecha(1),
+              QStringLiteral("dd/mm/yyyy"));
+    EXPECT_TRUE(avisos.isEmpty()) << avisos.join(QLatin1Char('\n')).toStdString(); // a missing file is no fault
+    for (const QString &ruta : {enlace, fifo, carpeta}) {
+        avisos.clear();
+        const ServicioConexion servicio({ruta, {}, {}});
+        const auto leidos = sinQuedarseEsperando(fifo, [&] {
+            return QStringList{servicio.FormatoFecha(1), QString::number(servicio.EsquemaColor(Qt::white))};
+        });
+        EXPECT_EQ(leidos, (QStringList{QStringLiteral("dd/mm/yyyy"), QStringLiteral("1")})) << ruta.toStdString();
+        EXPECT_TRUE(avisos.size() == 1 && avisos[0].contains(ruta)) << avisos.join(QLatin1Char('\n')).toStdString();
+    }
+    qInstallMessageHandler(anterior);
+    EXPECT_TRUE(QFileInfo(enlace).isSymLink());
+    struct stat datos {};
+    EXPECT_TRUE(::lstat(QFile::encodeName(fifo).constData(), &datos) == 0 && S_ISFIFO(datos.st_mode));
+}
+
+} // namespace
