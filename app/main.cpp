@@ -5,7 +5,7 @@
 #include "services/servicioconexion.h"
 #include "shell/idioma.h"
 #include "store/basedemo.h"
-#include "store/conexionqt.h"
+#include "store/basedelprograma.h"
 
 #include <QApplication>
 #include <QDir>
@@ -104,7 +104,7 @@ int ExportarSinVentana(const OpcionesHost &o, const QString &baseDatos, const QS
         return t;
     };
     try {
-        auto conexion = ConexionQt::Abrir(DireccionBD::Leer(baseDatos), false);
+        auto conexion = AbrirBaseDelPrograma(baseDatos);
         const int estado = ExportarDesdeLinea(pedido, *conexion, o.empresa, texto, errores,
                                               [&errores](const QString &linea) { errores << linea << Qt::endl; });
         conexion->Cerrar();
@@ -136,6 +136,13 @@ int main(int argc, char *argv[])
     if (!opciones.error.isEmpty()) {
         std::fprintf(stderr, "%s\n%s", qPrintable(opciones.error), qPrintable(OpcionesHost::Uso()));
         return 2;
+    }
+    if (opciones.inicializar) {
+        const QCoreApplication nucleo(argc, argv);
+        const Inicializacion r = InicializarBase(opciones.baseDatos, !opciones.sinDemo, QDate::currentDate());
+        const bool bien = r.resultado == Inicializacion::Resultado::Creada || r.resultado == Inicializacion::Resultado::YaExistia;
+        std::fprintf(bien ? stdout : stderr, "%s\n", qPrintable(r.informe));
+        return bien ? 0 : 1;
     }
     if (!opciones.exportar.isEmpty() && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");

@@ -27,6 +27,10 @@ OpcionesHost OpcionesHost::Leer(const QStringList &argumentos)
             o.ayuda = true;
         } else if (a == QLatin1String("--version")) {
             o.version = true;
+        } else if (a == QLatin1String("--inicializar")) {
+            o.inicializar = true;
+        } else if (a == QLatin1String("--sin-demo")) {
+            o.sinDemo = true;
         } else if (a == QLatin1String("--opening")) {
             o.apertura = true;
         } else if (a == QLatin1String("--db")) {
@@ -72,6 +76,10 @@ OpcionesHost OpcionesHost::Leer(const QStringList &argumentos)
         if (!o.error.isEmpty())
             break;
     }
+    if (o.error.isEmpty() && o.sinDemo && !o.inicializar)
+        o.error = QStringLiteral("--sin-demo va con --inicializar");
+    if (o.error.isEmpty() && o.inicializar && o.baseDatos.isEmpty())
+        o.error = QStringLiteral("--inicializar necesita --db con la base a crear");
     return o;
 }
 
@@ -80,6 +88,8 @@ QString OpcionesHost::Uso()
     return QStringLiteral(
         "Uso: asientos [opciones]\n"
         "  --db RUTA|postgresql://usuario@servidor:puerto/base   base de datos (sin ella: la empresa de demostración)\n"
+        "  --inicializar     crear en la base de --db, vacía, las tablas y la empresa de demostración, y salir\n"
+        "  --sin-demo        con --inicializar: una empresa sin datos en lugar de la de demostración\n"
         "  --user N          usuario (1)\n"
         "  --company N       empresa (1)\n"
         "  --lang N          idioma de los textos: 1 español, 2 inglés\n"

@@ -24,6 +24,8 @@ struct OpcionesHost
     QString desde, hasta;    // --desde/--hasta AAAA-MM-DD
     QString cuenta;          // --cuenta CODIGO
     QString leyenda;         // --leyenda TEXTO (prefix, * as wildcard)
+    bool inicializar = false; // --inicializar: create the schema and a company, and end
+    bool sinDemo = false;     // --sin-demo: an empty company instead of the demo
     bool ayuda = false;
     bool version = false;
     QString error;           // a bad command line

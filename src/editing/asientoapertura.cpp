@@ -105,6 +105,7 @@ qint32 AsientoApertura::HacerAsientoApertura()
     const bool cierra = sumas.debe == sumas.haber;
 
     AsientoDatos datos(*m_datos.conexion(), m_datos.librosSistema());
+    datos.FijarUsuario(m_datos.usuario);
     CabezalDatos &d = datos.Cabezal();
     d.Empresa = m_datos.idEmpresa();
     d.Usuario = m_datos.usuario;
@@ -150,6 +151,8 @@ void AsientoApertura::ConvertirApertura()
                 return;
         }
         AsientoDatos datos(*m_datos.conexion(), m_datos.librosSistema());
+        datos.FijarUsuario(m_datos.usuario);
+    datos.FijarUsuario(m_datos.usuario);
         if (!datos.CargarAsiento(c.AsiID))
             throw ErrorBaseDatos(datos.ultimoError());
         CabezalDatos &d = datos.Cabezal();

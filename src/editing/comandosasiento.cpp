@@ -26,7 +26,9 @@ ComandosAsiento::ComandosAsiento(DatosDocumento &datos, AsientosGrilla &asientos
 
 AsientoDatos ComandosAsiento::nuevoAsientoDatos() const
 {
-    return AsientoDatos(*m_datos.conexion(), m_datos.librosSistema());
+    AsientoDatos datos(*m_datos.conexion(), m_datos.librosSistema());
+    datos.FijarUsuario(m_datos.usuario);
+    return datos;
 }
 
 // The stored entry as it is now; a failure to read it is the command's error.

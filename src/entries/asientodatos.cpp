@@ -1,4 +1,5 @@
 #include "asientodatos.h"
+#include "historialasiento.h"
 #include "modeloasiento.h"
 
 #include "store/valoressql.h"
@@ -179,8 +180,13 @@ bool AsientoDatos::Grabar(Sello sello)
     const QDateTime nuevo = SelloNuevo(m_cabezal.FechaModificado, sello);
     try {
         Transaccion tx(*m_conexion);
+        const QJsonObject antes = HistorialAsiento::LeerGuardado(*m_conexion, m_cabezal.AsiID);
         if (!actualizarCabezal(m_cabezal.AsiID, nuevo))
             return false;
+        const QJsonObject despues = HistorialAsiento::LeerGuardado(*m_conexion, m_cabezal.AsiID);
+        const bool cambiaEstado = antes.value(QStringLiteral("Estado")) != despues.value(QStringLiteral("Estado"));
+        HistorialAsiento::Registrar(*m_conexion, m_cabezal.AsiID, autor(), nuevo,
+                                    cambiaEstado ? HistorialAsiento::kEstado : HistorialAsiento::kCambio, antes, despues);
         tx.Confirmar();
     } catch (const ErrorBaseDatos &e) {
         return fallar(Resultado::ErrorBase, e.descripcion());
@@ -224,6 +230,7 @@ qint32 AsientoDatos::GrabarTodo()
     qint32 id = m_cabezal.AsiID;
     try {
         Transaccion tx(*m_conexion);
+        QJsonObject antes;
         if (id <= 0) {
             id = qint32(m_conexion->Insertar(
                 QStringLiteral("Insert Into cceAsientos (AsiEmpresa, AsiEstado, AsiFechaAsiento, AsiFechaModificado, AsiFechaEstado,"
@@ -234,10 +241,14 @@ qint32 AsientoDatos::GrabarTodo()
                 QStringLiteral("AsiID")));
             if (id <= 0)
                 throw ErrorBaseDatos(QStringLiteral("el motor no dio el número del asiento nuevo"));
-        } else if (!actualizarCabezal(id, nuevo)) {
-            return 0;
+        } else {
+            antes = HistorialAsiento::LeerGuardado(*m_conexion, id);
+            if (!actualizarCabezal(id, nuevo))
+                return 0;
         }
         escribirLineas(id);
+        HistorialAsiento::Registrar(*m_conexion, id, autor(), nuevo, antes.isEmpty() ? HistorialAsiento::kAlta : HistorialAsiento::kCambio,
+                                    antes, HistorialAsiento::LeerGuardado(*m_conexion, id));
         tx.Confirmar();
     } catch (const ErrorBaseDatos &e) {
         fallar(Resultado::ErrorBase, e.descripcion());
@@ -267,6 +278,8 @@ QString AsientoDatos::EnviarPapelera(qint32 asiID, qint16 monedaContabilidad, co
         const qint32 empresa = qint32(rs->Entero(QStringLiteral("AsiEmpresa")));
         rs->Cerrar();
 
+        // The audit rows of the entries sent to the trash, written once all of them are.
+        QList<std::pair<qint32, QJsonObject>> antes{{asiID, HistorialAsiento::LeerGuardado(*m_conexion, asiID)}};
         QVariantList valores{sello(nuevo), sello(nuevo), asiID};
         const QString condicion = condicionSello(m_conexion->motor(), selloLeido, valores);
         const int cambiadas = m_conexion->Ejecutar(
@@ -287,12 +300,17 @@ QString AsientoDatos::EnviarPapelera(qint32 asiID, qint16 monedaContabilidad, co
             for (; !cierres->Fin(); cierres->MoverSiguiente())
                 ids << cierres->Texto(QStringLiteral("AsiID"));
             cierres->Cerrar();
-            for (const QString &id : ids)
+            for (const QString &id : ids) {
+                antes.append({id.toInt(), HistorialAsiento::LeerGuardado(*m_conexion, id.toInt())});
                 m_conexion->Ejecutar(QStringLiteral("Update cceAsientos Set AsiEstado = 9, AsiFechaEstado = ?, AsiFechaModificado = ?"
                                                     " Where AsiID = ?"),
                                      {sello(nuevo), sello(nuevo), id.toInt()});
+            }
             cambiados << ids;
         }
+        for (const auto &[id, previo] : std::as_const(antes))
+            HistorialAsiento::Registrar(*m_conexion, id, autor(), nuevo, HistorialAsiento::kPapelera, previo,
+                                        HistorialAsiento::LeerGuardado(*m_conexion, id));
         tx.Confirmar();
     } catch (const ErrorBaseDatos &e) {
         fallar(Resultado::ErrorBase, e.descripcion());
@@ -306,8 +324,12 @@ bool AsientoDatos::EliminarDefinitivo(qint32 asiID)
     m_resultado = Resultado::Bien;
     try {
         Transaccion tx(*m_conexion);
+        const QJsonObject antes = HistorialAsiento::LeerGuardado(*m_conexion, asiID);
         m_conexion->Ejecutar(QStringLiteral("Delete From cceAsientoCuenta Where ACuIDAsiento = ?"), {asiID});
         m_conexion->Ejecutar(QStringLiteral("Delete From cceAsientos Where AsiID = ?"), {asiID});
+        if (!antes.isEmpty())
+            HistorialAsiento::Registrar(*m_conexion, asiID, autor(), SelloNuevo(QDateTime()), HistorialAsiento::kEliminacion,
+                                        antes, {});
         tx.Confirmar();
     } catch (const ErrorBaseDatos &e) {
         return fallar(Resultado::ErrorBase, e.descripcion());

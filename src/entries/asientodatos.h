@@ -71,6 +71,8 @@ bool AsientoVerificado(Conexion &conexion, qint32 asiID);
 // transaction, header and lines together or nothing, and it is a compare-and-set on the
 // modification stamp: the update names the stamp that was read, and when no row changes the
 // write is refused (Modificado) and nothing is written. Two users racing can never both win.
+// Each write also leaves its row in the audit trail and its live notice to other sessions,
+// in the same transaction.
 class AsientoDatos
 {
 public:
@@ -80,6 +82,8 @@ public:
     explicit AsientoDatos(Conexion &conexion, const LibrosSistema &libros = {});
 
     void SetConexion(Conexion &conexion) { m_conexion = &conexion; }
+    // The user who makes the writes, for the audit trail; 0: the entry's own user.
+    void FijarUsuario(qint16 usuario) { m_usuario = usuario; }
     void FijarLibrosSistema(const LibrosSistema &libros) { m_libros = libros; }
 
     // Loads the stored header and lines (lines in the order they were entered).
@@ -127,8 +131,10 @@ private:
     bool actualizarCabezal(qint32 asiID, const QDateTime &nuevo);
     void escribirLineas(qint32 asiID);
     bool fallar(Resultado r, const QString &error);
+    qint16 autor() const { return m_usuario ? m_usuario : m_cabezal.Usuario; }
 
     Conexion *m_conexion = nullptr;
+    qint16 m_usuario = 0;
     LibrosSistema m_libros;
     CabezalDatos m_cabezal;
     QVector<LineaDatos> m_lineas;

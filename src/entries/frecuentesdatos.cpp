@@ -225,6 +225,7 @@ qint32 FrecuentesDatos::Registrar(const MovimientoFrecuente &m, const QDate &fec
                 throw ErrorBaseDatos(QStringLiteral("El asiento agendado ya fue registrado en esa fecha."));
         }
         AsientoDatos datos(m_conexion, libros);
+        datos.FijarUsuario(usuario);
         CabezalDatos &d = datos.Cabezal();
         d.Empresa = m.Empresa;
         d.Usuario = usuario;

@@ -1,8 +1,34 @@
 #include "servicioconexion.h"
 
-#include "store/conexionqt.h"
+#include "store/archivoregular.h"
+#include "store/basedelprograma.h"
 
+#include <QMutex>
+#include <QSet>
 #include <QSettings>
+
+namespace {
+
+// The settings file is read only when it is a regular file or missing: reading a FIFO
+// would hang the start-up and a link may lead anywhere. A refused file reads as empty (the
+// defaults) and is reported once, not on every setting read from it.
+bool ajustesLegibles(const QString &ruta)
+{
+    QString motivo;
+    if (ArchivoRegularOAusente(ruta, &motivo))
+        return true;
+    static QMutex mutex;
+    static QSet<QString> avisados;
+    const QMutexLocker bloqueo(&mutex);
+    if (!avisados.contains(ruta)) {
+        avisados.insert(ruta);
+        qWarning("Se ignora el archivo de ajustes %s: no es un archivo común (%s); se usan los valores por omisión",
+                 qPrintable(ruta), qPrintable(motivo));
+    }
+    return false;
+}
+
+} // namespace
 
 ServicioConexion::ServicioConexion(AjustesConexion ajustes)
     : m_ajustes(std::move(ajustes))
@@ -14,7 +40,7 @@ QString ServicioConexion::leer(const QString &clave) const
     const auto forzado = m_ajustes.forzados.constFind(clave);
     if (forzado != m_ajustes.forzados.constEnd())
         return *forzado;
-    if (m_ajustes.archivoAjustes.isEmpty())
+    if (m_ajustes.archivoAjustes.isEmpty() || !ajustesLegibles(m_ajustes.archivoAjustes))
         return {};
     const QSettings archivo(m_ajustes.archivoAjustes, QSettings::IniFormat);
     return archivo.value(clave).toString();
@@ -70,7 +96,7 @@ std::unique_ptr<Conexion> ServicioConexion::AbrirConexion(const QString &claveSe
     if (direccion.isEmpty())
         direccion = leer(QStringLiteral("BaseDatos"));
     try {
-        return ConexionQt::Abrir(DireccionBD::Leer(direccion));
+        return AbrirBaseDelPrograma(direccion);
     } catch (const ErrorBaseDatos &e) {
         m_ultimoError = e.descripcion();
         return nullptr;

@@ -352,9 +352,11 @@ qint64 GeneradorDemo::tasaDe(int moneda, const QDate &fecha) const
     }
 }
 
-void GeneradorDemo::insertarConfiguracion()
+// What every company needs before its first entry: the system parameters and books, the
+// company itself, the currencies, the account types and an administrator who may do
+// everything and authorise.
+void insertarBasicos(Conexion &c, const QDate &hoy, const char *empresa)
 {
-    Conexion &c = m_conexion;
     InsertarEnBloques(c, "genParametros", "ParNombre, ParValor, ParTexto", {
         {texto("defBDDateCharSQLs"), kSinNumero, texto("'")}, {texto("defBDDateFormat"), kSinNumero, texto("yyyy-mm-dd")},
         {texto("sis_Multiusuario"), 1, kSinTexto}, {texto("sis_LibroAsientoResumen"), Demo::kLibroResumen, kSinTexto},
@@ -363,15 +365,14 @@ void GeneradorDemo::insertarConfiguracion()
         {texto("sis_LibroAsientoPrimeraApertura"), Demo::kLibroPrimeraApertura, kSinTexto},
     });
     InsertarEnBloques(c, "genLibros", "LibCodigo, LibNombre, LibDelSistema", {
-        {Demo::kLibroDiario, texto("Diario"), 0}, {2, texto("Compras"), 0}, {3, texto("Ventas"), 0},
-        {4, texto("Caja y Bancos"), 0}, {5, texto("Sueldos"), 0}, {Demo::kLibroResumen, texto("Resumen"), 1},
+        {Demo::kLibroDiario, texto("Diario"), 0}, {Demo::kLibroResumen, texto("Resumen"), 1},
         {Demo::kLibroApertura, texto("Apertura"), 1}, {Demo::kLibroCierre, texto("Cierre"), 1},
         {Demo::kLibroADC, texto("Diferencias de cambio"), 1}, {Demo::kLibroPrimeraApertura, texto("Primera apertura"), 1},
     });
     InsertarEnBloques(c, "cceEmpresas", "EmpID, EmpNombre, EmpMostrarCodigoCta, EmpMonedaContabilidad, EmpValoresUsuarioYAuroriza,"
                                " EmpTipoTCComprobantes, EmpFCierreEjercicio, EmpClase, EmpPrms, EmpFechaCotizacion", {
-        {Demo::kEmpresa, texto("Ferretería El Tornillo S.R.L."), 1, Demo::kMonedaPesos, texto("01"), Demo::kTipoCotizacion,
-         Conexion::ValorFecha(QDate(m_hoy.year() - 1, 12, 31)), 1, texto("cfg:1|lib:1"), 1},
+        {Demo::kEmpresa, texto(empresa), 1, Demo::kMonedaPesos, texto("01"), Demo::kTipoCotizacion,
+         Conexion::ValorFecha(QDate(hoy.year() - 1, 12, 31)), 1, texto("cfg:1|lib:1"), 1},
     });
     // Euros without masks take the defaults; the indexed unit is no trading currency.
     InsertarEnBloques(c, "genMonedas", "MonID, MonSimbolo, MonNombre, MonCotizaEn, MonRedondeo, MonFormatoCotizacion, MonTipo", {
@@ -385,6 +386,19 @@ void GeneradorDemo::insertarConfiguracion()
         {1, texto("Activo"), 1, 1}, {2, texto("Pasivo"), -1, 1}, {3, texto("Patrimonio"), -1, 1},
         {4, texto("Ingresos"), -1, 1}, {5, texto("Egresos"), 1, 1},
     });
+    InsertarEnBloques(c, "segUsuarios", "UsuID, UsuNombre", {{Demo::kUsuarioAdministrador, texto("Administrador")}});
+    InsertarEnBloques(c, "segPermisos", "PerUsuario, PerEmpresa, PerModulo, PerLetras, PerAutoriza", {
+        {Demo::kUsuarioAdministrador, Demo::kEmpresa, texto(Demo::kModulo), texto("AMEQ"), 1},
+    });
+}
+
+void GeneradorDemo::insertarConfiguracion()
+{
+    Conexion &c = m_conexion;
+    insertarBasicos(c, m_hoy, "Ferretería El Tornillo S.R.L.");
+    InsertarEnBloques(c, "genLibros", "LibCodigo, LibNombre, LibDelSistema", {
+        {2, texto("Compras"), 0}, {3, texto("Ventas"), 0}, {4, texto("Caja y Bancos"), 0}, {5, texto("Sueldos"), 0},
+    });
     InsertarEnBloques(c, "cceProyectos", "ProCodigo, ProAbreviacion, ProNombre", {
         {1, texto("OBRA1"), texto("Obra edificio Rambla")}, {2, texto("TIENDA"), texto("Local de venta")},
         {3, texto("WEB"), texto("Tienda en línea")},
@@ -393,12 +407,11 @@ void GeneradorDemo::insertarConfiguracion()
         {1, texto("ADM"), texto("Administración")}, {2, texto("VTA"), texto("Ventas")}, {3, texto("DEP"), texto("Depósito")},
     });
     InsertarEnBloques(c, "segUsuarios", "UsuID, UsuNombre", {
-        {Demo::kUsuarioAdministrador, texto("Administrador")}, {Demo::kUsuarioConsulta, texto("Consulta")},
-        {Demo::kUsuarioSinPermisos, texto("Invitado")}, {Demo::kUsuarioContador, texto("Contadora")},
+        {Demo::kUsuarioConsulta, texto("Consulta")}, {Demo::kUsuarioSinPermisos, texto("Invitado")},
+        {Demo::kUsuarioContador, texto("Contadora")},
     });
     const QVariant modulo = texto(Demo::kModulo);
     InsertarEnBloques(c, "segPermisos", "PerUsuario, PerEmpresa, PerModulo, PerLetras, PerAutoriza", {
-        {Demo::kUsuarioAdministrador, Demo::kEmpresa, modulo, texto("AMEQ"), 1},
         {Demo::kUsuarioConsulta, Demo::kEmpresa, modulo, texto("Q"), 0},
         {Demo::kUsuarioSinPermisos, Demo::kEmpresa, modulo, texto(""), 0},
         {Demo::kUsuarioContador, Demo::kEmpresa, modulo, texto("amqe"), 1},
@@ -809,4 +822,12 @@ void CrearBaseDemo(Conexion &conexion, const QDate &hoy)
 {
     CrearEsquema(conexion);
     GeneradorDemo(conexion, hoy).Generar();
+}
+
+void CrearBaseVacia(Conexion &conexion, const QDate &hoy)
+{
+    Transaccion tx(conexion);
+    CrearEsquema(conexion);
+    insertarBasicos(conexion, hoy, "Mi empresa");
+    tx.Confirmar();
 }

@@ -34,3 +34,7 @@ constexpr const char *kModulo = "PasajeAsientos";
 // Creates the schema and fills it. hoy anchors every date: the quotations cover the two
 // years before it and the entries fall within them.
 void CrearBaseDemo(Conexion &conexion, const QDate &hoy);
+
+// The schema and one company with no accounts and no entries: the system books, the
+// currencies and an administrator (user 1) who may do everything.
+void CrearBaseVacia(Conexion &conexion, const QDate &hoy);

@@ -7,10 +7,11 @@
 
 
 
-ErrorBaseDatos::ErrorBaseDatos(const QString &descripcion, int numero)
+ErrorBaseDatos::ErrorBaseDatos(const QString &descripcion, int numero, Causa causa)
     : std::runtime_error(descripcion.toStdString())
     , m_descripcion(descripcion)
     , m_numero(numero)
+    , m_causa(causa)
 {
 }
 

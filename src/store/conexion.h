@@ -6,6 +6,7 @@
 #include <QVariant>
 #include <QVariantList>
 
+#include <functional>
 #include <memory>
 #include <stdexcept>
 
@@ -18,14 +19,20 @@ enum class Motor { SQLite, PostgreSQL };
 class ErrorBaseDatos : public std::runtime_error
 {
 public:
-    explicit ErrorBaseDatos(const QString &descripcion, int numero = -1);
+    // What kind of failure it was, where the caller acts on it: another session holds the
+    // rows (nothing was written; trying again later may work), or the server went away.
+    enum class Causa { Otra, Ocupada, ConexionPerdida };
+
+    explicit ErrorBaseDatos(const QString &descripcion, int numero = -1, Causa causa = Causa::Otra);
 
     QString descripcion() const { return m_descripcion; }
     int numero() const { return m_numero; }
+    Causa causa() const { return m_causa; }
 
 private:
     QString m_descripcion;
     int m_numero = -1;
+    Causa m_causa = Causa::Otra;
 };
 
 // A forward-only result set: read front to back once.
@@ -79,6 +86,22 @@ public:
     virtual void Confirmar() = 0;
     virtual void Deshacer() = 0;
     virtual void Cerrar() = 0;
+
+    // Live notices between sessions (PostgreSQL LISTEN/NOTIFY). Escuchar calls aviso with
+    // the payload of every notice another session sends on the channel, from the event
+    // loop; answers false where the engine has no notices. Avisar sends one as part of the
+    // current transaction: it reaches the listeners only if the transaction is confirmed.
+    virtual bool Escuchar(const QString &canal, std::function<void(const QString &carga)> aviso)
+    {
+        Q_UNUSED(canal)
+        Q_UNUSED(aviso)
+        return false;
+    }
+    virtual void Avisar(const QString &canal, const QString &carga)
+    {
+        Q_UNUSED(canal)
+        Q_UNUSED(carga)
+    }
 
     // Values to bind for date and stamp columns, in the form the engine stores them.
     static QVariant ValorFecha(const QDate &fecha);

@@ -5,6 +5,7 @@
 
 #include <QAtomicInt>
 #include <QFileInfo>
+#include <QUrl>
 #include <QSqlDriver>
 #include <QSqlError>
 #include <QSqlQuery>
@@ -28,6 +29,27 @@ int numeroError(const QSqlError &e)
     bool ok = false;
     const int n = e.nativeErrorCode().toInt(&ok);
     return ok ? n : -1;
+}
+
+// SQLite answers busy (5) or locked (6) when another connection holds the file past the
+// busy timeout; PostgreSQL answers lock_not_available past lock_timeout, a deadlock or a
+// serialization failure. In every case the statement, and so the transaction, wrote nothing.
+bool esOcupada(const QSqlError &e, Motor motor)
+{
+    const QString codigo = e.nativeErrorCode();
+    if (motor == Motor::SQLite)
+        return codigo == QLatin1String("5") || codigo == QLatin1String("6");
+    return codigo == QLatin1String("55P03") || codigo == QLatin1String("40P01") || codigo == QLatin1String("40001");
+}
+
+ErrorBaseDatos errorDeMotor(const QSqlError &e, Motor motor)
+{
+    if (esOcupada(e, motor))
+        return ErrorBaseDatos(QStringLiteral("Otro usuario está grabando en la base de datos en este momento; se esperó %1 segundos"
+                                             " y no se hizo ningún cambio. Vuelva a intentarlo en unos instantes.")
+                                  .arg(ConexionQt::kEsperaBloqueo),
+                              numeroError(e), ErrorBaseDatos::Causa::Ocupada);
+    return ErrorBaseDatos(textoError(e), numeroError(e));
 }
 
 class RecordsetQt final : public Recordset
@@ -96,7 +118,8 @@ private:
             return;
         m_fin = true;
         if (m_query.lastError().isValid())
-            throw ErrorBaseDatos(textoError(m_query.lastError()), numeroError(m_query.lastError()));
+            throw errorDeMotor(m_query.lastError(), m_query.driver() && m_query.driver()->dbmsType() == QSqlDriver::PostgreSQL
+                                                        ? Motor::PostgreSQL : Motor::SQLite);
     }
 
     QSqlQuery m_query;
@@ -107,9 +130,10 @@ private:
 
 } // namespace
 
-ConexionQt::ConexionQt(Motor motor, const QString &nombre)
+ConexionQt::ConexionQt(Motor motor, const QString &nombre, const DireccionBD &direccion)
     : m_motor(motor)
     , m_nombre(nombre)
+    , m_direccion(direccion)
 {
 }
 
@@ -117,6 +141,30 @@ ConexionQt::~ConexionQt()
 {
     Cerrar();
 }
+
+namespace {
+
+// Opens the SQLite file and reads its catalogue once: SQLite opens anything lazily, so a
+// file that is not a database is refused here and not at the first query.
+bool abrirSqlite(QSqlDatabase &db, const QString &archivo, const QString &opciones, QSqlError &error)
+{
+    db.setDatabaseName(archivo);
+    db.setConnectOptions(opciones);
+    if (!db.open()) {
+        error = db.lastError();
+        return false;
+    }
+    QSqlQuery q(db);
+    if (!q.exec(QStringLiteral("Select count(*) From sqlite_master"))) {
+        error = q.lastError();
+        q = QSqlQuery();
+        db.close();
+        return false;
+    }
+    return true;
+}
+
+} // namespace
 
 std::unique_ptr<ConexionQt> ConexionQt::Abrir(const DireccionBD &direccion, bool crearArchivo)
 {
@@ -130,14 +178,32 @@ std::unique_ptr<ConexionQt> ConexionQt::Abrir(const DireccionBD &direccion, bool
     if (esSqlite && !crearArchivo && !QFileInfo::exists(direccion.archivo))
         throw ErrorBaseDatos(QStringLiteral("no existe el archivo %1").arg(direccion.archivo));
 
-    std::unique_ptr<ConexionQt> c(new ConexionQt(direccion.motor, nombre));
+    std::unique_ptr<ConexionQt> c(new ConexionQt(direccion.motor, nombre, direccion));
     QSqlDatabase db = QSqlDatabase::addDatabase(esSqlite ? QStringLiteral("QSQLITE") : QStringLiteral("QPSQL"), nombre);
     if (!db.isValid())
         throw ErrorBaseDatos(QStringLiteral("no está instalado el controlador %1").arg(db.driverName()));
+    db.setNumericalPrecisionPolicy(QSql::HighPrecision);
 
     if (esSqlite) {
-        db.setDatabaseName(direccion.archivo);
-        db.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=5000"));
+        const QString espera = QStringLiteral("QSQLITE_BUSY_TIMEOUT=%1").arg(kEsperaBloqueo * 1000);
+        QSqlError error;
+        const QFileInfo info(direccion.archivo);
+        const bool escribible = !info.exists() || (info.isWritable() && QFileInfo(info.absolutePath()).isWritable());
+        bool abierta = escribible && abrirSqlite(db, direccion.archivo, espera, error);
+        // A file the user may only read is opened read-only; a read-only file in
+        // write-ahead mode whose folder is read-only too cannot get its shared-memory
+        // file, and is read as an unchanging file instead.
+        if (!abierta && info.exists()) {
+            c->m_soloLectura = true;
+            abierta = abrirSqlite(db, direccion.archivo, espera + QStringLiteral(";QSQLITE_OPEN_READONLY"), error);
+            if (!abierta) {
+                const QString uri = QStringLiteral("file:%1?immutable=1")
+                                        .arg(QString::fromUtf8(QUrl::toPercentEncoding(info.absoluteFilePath(), "/")));
+                abierta = abrirSqlite(db, uri, espera + QStringLiteral(";QSQLITE_OPEN_READONLY;QSQLITE_OPEN_URI"), error);
+            }
+        }
+        if (!abierta)
+            throw ErrorBaseDatos(textoError(error), numeroError(error));
     } else {
         db.setDatabaseName(direccion.base);
         db.setHostName(direccion.servidor);
@@ -149,21 +215,29 @@ std::unique_ptr<ConexionQt> ConexionQt::Abrir(const DireccionBD &direccion, bool
         if (!direccion.esquema.isEmpty())
             opciones += QStringLiteral(";options=-csearch_path=") + direccion.esquema;
         db.setConnectOptions(opciones);
-    }
-    db.setNumericalPrecisionPolicy(QSql::HighPrecision);
-
-    if (!db.open())
-        throw ErrorBaseDatos(textoError(db.lastError()), numeroError(db.lastError()));
-
-    // SQLite opens anything lazily; read the catalogue once so that a file that is not a
-    // database is refused here and not at the first query.
-    if (esSqlite) {
-        QSqlQuery q(db);
-        if (!q.exec(QStringLiteral("Select count(*) From sqlite_master")))
-            throw ErrorBaseDatos(textoError(q.lastError()), numeroError(q.lastError()));
-        q.exec(QStringLiteral("PRAGMA journal_mode=WAL"));
+        if (!db.open())
+            throw ErrorBaseDatos(textoError(db.lastError()), numeroError(db.lastError()));
     }
     return c;
+}
+
+void ConexionQt::ModoCompartido()
+{
+    m_compartido = true;
+    aplicarModo();
+}
+
+void ConexionQt::aplicarModo()
+{
+    if (!m_compartido)
+        return;
+    QSqlQuery q(QSqlDatabase::database(m_nombre, false));
+    if (m_motor == Motor::SQLite) {
+        if (!m_soloLectura)
+            q.exec(QStringLiteral("PRAGMA journal_mode=WAL"));
+    } else if (!q.exec(QStringLiteral("SET lock_timeout = %1").arg(kEsperaBloqueo * 1000))) {
+        throw ErrorBaseDatos(textoError(q.lastError()), numeroError(q.lastError()));
+    }
 }
 
 bool ConexionQt::abierta() const
@@ -171,49 +245,100 @@ bool ConexionQt::abierta() const
     return QSqlDatabase::contains(m_nombre) && QSqlDatabase::database(m_nombre, false).isOpen();
 }
 
-static QSqlQuery preparar(const QString &nombre, Motor motor, const QString &sql, const QVariantList &valores)
+// Whether a PostgreSQL error means the session is gone (server restarted, connection cut):
+// the failed statement is probed with a trivial one, which fails again, without an error
+// code of the SQL kind, only when there is no session to run it in.
+bool ConexionQt::conexionCaida(const QSqlError &error)
 {
-    QSqlDatabase db = QSqlDatabase::database(nombre, false);
+    if (m_motor != Motor::PostgreSQL)
+        return false;
+    QSqlDatabase db = QSqlDatabase::database(m_nombre, false);
     if (!db.isOpen())
-        throw ErrorBaseDatos(QStringLiteral("La conexión no está abierta."), 3704);
+        return true;
+    const QString codigo = error.nativeErrorCode();
+    if (codigo.startsWith(QLatin1String("08")) || codigo.startsWith(QLatin1String("57P0")))
+        return true;
+    if (!codigo.isEmpty())
+        return false;
+    QSqlQuery sonda(db);
+    if (sonda.exec(QStringLiteral("SELECT 1")))
+        return false;
+    const QString codigoSonda = sonda.lastError().nativeErrorCode();
+    return codigoSonda.isEmpty() || codigoSonda.startsWith(QLatin1String("08")) || codigoSonda.startsWith(QLatin1String("57P0"));
+}
 
-    const QString enviado = AdaptarSQL(sql, motor);
+// Opens the session again after the server dropped it, with the same settings and notices.
+// Any transaction that was open is lost with the old session.
+void ConexionQt::reconectar()
+{
+    m_nivel = 0;
+    QSqlDatabase db = QSqlDatabase::database(m_nombre, false);
+    db.close();
+    if (!db.open())
+        throw ErrorBaseDatos(QStringLiteral("Se perdió la conexión con el servidor de la base de datos y no se pudo restablecer: %1")
+                                 .arg(textoError(db.lastError())),
+                             numeroError(db.lastError()), ErrorBaseDatos::Causa::ConexionPerdida);
+    aplicarModo();
+    suscribir();
+}
+
+QSqlQuery ConexionQt::preparar(const QString &sql, const QVariantList &valores, bool lectura)
+{
+    const QString enviado = AdaptarSQL(sql, m_motor);
     qCDebug(lcSql).noquote() << "construido:" << sql;
     qCDebug(lcSql).noquote() << "enviado:   " << enviado;
 
-    QSqlQuery q(db);
-    q.setForwardOnly(true);
-    bool ok;
-    if (valores.isEmpty()) {
-        ok = q.exec(enviado);
-    } else {
-        ok = q.prepare(enviado);
-        if (ok) {
-            for (const QVariant &v : valores)
-                q.addBindValue(v);
-            ok = q.exec();
+    for (int intento = 0;; ++intento) {
+        QSqlDatabase db = QSqlDatabase::database(m_nombre, false);
+        QSqlError error;
+        if (db.isOpen()) {
+            QSqlQuery q(db);
+            q.setForwardOnly(true);
+            bool ok;
+            if (valores.isEmpty()) {
+                ok = q.exec(enviado);
+            } else {
+                ok = q.prepare(enviado);
+                if (ok) {
+                    for (const QVariant &v : valores)
+                        q.addBindValue(v);
+                    ok = q.exec();
+                }
+            }
+            if (ok)
+                return q;
+            error = q.lastError();
+        } else if (m_motor != Motor::PostgreSQL || !QSqlDatabase::contains(m_nombre)) {
+            throw ErrorBaseDatos(QStringLiteral("La conexión no está abierta."), 3704);
         }
+        if (!conexionCaida(error))
+            throw errorDeMotor(error, m_motor);
+        // The server dropped the session. A read outside a transaction is tried once more
+        // on a new session; a write is not: the user is told it was not made.
+        const bool enTransaccion = m_nivel > 0;
+        reconectar();
+        if (!lectura || enTransaccion || intento > 0)
+            throw ErrorBaseDatos(QStringLiteral("Se perdió la conexión con el servidor de la base de datos y el cambio no se grabó."
+                                                " La conexión ya se restableció: vuelva a intentarlo."),
+                                 numeroError(error), ErrorBaseDatos::Causa::ConexionPerdida);
     }
-    if (!ok)
-        throw ErrorBaseDatos(textoError(q.lastError()), numeroError(q.lastError()));
-    return q;
 }
 
 std::unique_ptr<Recordset> ConexionQt::Abrir(const QString &sql, const QVariantList &valores)
 {
-    return std::make_unique<RecordsetQt>(preparar(m_nombre, m_motor, sql, valores));
+    return std::make_unique<RecordsetQt>(preparar(sql, valores, true));
 }
 
 int ConexionQt::Ejecutar(const QString &sql, const QVariantList &valores)
 {
-    QSqlQuery q = preparar(m_nombre, m_motor, sql, valores);
+    QSqlQuery q = preparar(sql, valores, false);
     return q.numRowsAffected();
 }
 
 qint64 ConexionQt::Insertar(const QString &sql, const QVariantList &valores, const QString &columnaId)
 {
     if (m_motor == Motor::PostgreSQL) {
-        QSqlQuery q = preparar(m_nombre, m_motor, sql + QStringLiteral(" RETURNING ") + columnaId, valores);
+        QSqlQuery q = preparar(sql + QStringLiteral(" RETURNING ") + columnaId, valores, false);
         if (!q.next())
             throw ErrorBaseDatos(QStringLiteral("el motor no devolvió el identificador nuevo"));
         const qint64 id = q.value(0).toLongLong();
@@ -221,52 +346,76 @@ qint64 ConexionQt::Insertar(const QString &sql, const QVariantList &valores, con
         } // read to the end, or the next statement loses its result
         return id;
     }
-    QSqlQuery q = preparar(m_nombre, m_motor, sql, valores);
+    QSqlQuery q = preparar(sql, valores, false);
     return q.lastInsertId().toLongLong();
 }
 
 void ConexionQt::Comenzar()
 {
     QSqlDatabase db = QSqlDatabase::database(m_nombre, false);
-    if (m_nivel > 0) {
-        QSqlQuery q(db);
-        if (!q.exec(QStringLiteral("SAVEPOINT t%1").arg(m_nivel)))
-            throw ErrorBaseDatos(textoError(q.lastError()), numeroError(q.lastError()));
-    } else if (!db.transaction()) {
-        throw ErrorBaseDatos(textoError(db.lastError()), numeroError(db.lastError()));
+    if (!db.isOpen() && m_motor == Motor::PostgreSQL && QSqlDatabase::contains(m_nombre))
+        reconectar();
+    QSqlQuery q(db);
+    bool ok;
+    if (m_nivel > 0)
+        ok = q.exec(QStringLiteral("SAVEPOINT t%1").arg(m_nivel));
+    else if (m_motor == Motor::SQLite && !m_soloLectura)
+        // The write lock is taken at the start: a transaction that read first and wrote
+        // later could not wait for another writer, it would fail at once.
+        ok = q.exec(QStringLiteral("BEGIN IMMEDIATE"));
+    else
+        ok = q.exec(QStringLiteral("BEGIN"));
+    if (!ok) {
+        if (m_nivel == 0 && conexionCaida(q.lastError())) {
+            reconectar();
+            QSqlQuery otra(QSqlDatabase::database(m_nombre, false));
+            if (!otra.exec(QStringLiteral("BEGIN")))
+                throw errorDeMotor(otra.lastError(), m_motor);
+        } else {
+            throw errorDeMotor(q.lastError(), m_motor);
+        }
     }
     ++m_nivel;
 }
 
 void ConexionQt::Confirmar()
 {
-    QSqlDatabase db = QSqlDatabase::database(m_nombre, false);
+    QSqlQuery q(QSqlDatabase::database(m_nombre, false));
     if (m_nivel > 1) {
         --m_nivel;
-        QSqlQuery q(db);
         if (!q.exec(QStringLiteral("RELEASE SAVEPOINT t%1").arg(m_nivel)))
-            throw ErrorBaseDatos(textoError(q.lastError()), numeroError(q.lastError()));
+            throw errorDeMotor(q.lastError(), m_motor);
         return;
     }
-    if (!db.commit())
-        throw ErrorBaseDatos(textoError(db.lastError()), numeroError(db.lastError()));
+    if (!q.exec(QStringLiteral("COMMIT"))) {
+        const QSqlError error = q.lastError();
+        q = QSqlQuery();
+        if (conexionCaida(error)) {
+            reconectar();
+            throw ErrorBaseDatos(QStringLiteral("Se perdió la conexión con el servidor de la base de datos y el cambio no se grabó."
+                                                " La conexión ya se restableció: vuelva a intentarlo."),
+                                 numeroError(error), ErrorBaseDatos::Causa::ConexionPerdida);
+        }
+        throw errorDeMotor(error, m_motor);
+    }
     m_nivel = 0;
 }
 
 void ConexionQt::Deshacer()
 {
-    QSqlDatabase db = QSqlDatabase::database(m_nombre, false);
+    QSqlQuery q(QSqlDatabase::database(m_nombre, false));
     if (m_nivel > 1) {
         --m_nivel;
-        QSqlQuery q(db);
         if (!q.exec(QStringLiteral("ROLLBACK TO SAVEPOINT t%1").arg(m_nivel))
             || !q.exec(QStringLiteral("RELEASE SAVEPOINT t%1").arg(m_nivel)))
-            throw ErrorBaseDatos(textoError(q.lastError()), numeroError(q.lastError()));
+            throw errorDeMotor(q.lastError(), m_motor);
         return;
     }
+    if (m_nivel == 0)
+        return; // the session that held it is gone, and the transaction with it
     m_nivel = 0;
-    if (!db.rollback())
-        throw ErrorBaseDatos(textoError(db.lastError()), numeroError(db.lastError()));
+    if (!q.exec(QStringLiteral("ROLLBACK")))
+        throw errorDeMotor(q.lastError(), m_motor);
 }
 
 void ConexionQt::Cerrar()
@@ -279,4 +428,39 @@ void ConexionQt::Cerrar()
         db.close();
     }
     QSqlDatabase::removeDatabase(m_nombre);
+}
+
+void ConexionQt::suscribir()
+{
+    if (m_motor != Motor::PostgreSQL)
+        return;
+    QSqlDriver *driver = QSqlDatabase::database(m_nombre, false).driver();
+    for (const auto &aviso : std::as_const(m_avisos))
+        if (!driver->subscribedToNotifications().contains(aviso.first))
+            driver->subscribeToNotification(aviso.first);
+}
+
+bool ConexionQt::Escuchar(const QString &canal, std::function<void(const QString &carga)> aviso)
+{
+    if (m_motor != Motor::PostgreSQL)
+        return false;
+    m_avisos.append({canal, aviso});
+    // The driver outlives a reconnection, so the signal is connected once; the subscription
+    // itself is made again on every new session.
+    QSqlDriver *driver = QSqlDatabase::database(m_nombre, false).driver();
+    QObject::connect(driver, &QSqlDriver::notification, driver,
+                     [canal, aviso](const QString &nombre, QSqlDriver::NotificationSource origen, const QVariant &carga) {
+                         if (nombre == canal && origen == QSqlDriver::OtherSource)
+                             aviso(carga.toString());
+                     });
+    suscribir();
+    return true;
+}
+
+void ConexionQt::Avisar(const QString &canal, const QString &carga)
+{
+    if (m_motor != Motor::PostgreSQL)
+        return;
+    auto rs = Abrir(QStringLiteral("Select pg_notify(?, ?)"), {canal, carga});
+    rs->Cerrar();
 }

@@ -13,8 +13,18 @@ public:
     ~ConexionQt() override;
 
     // Opens the database; throws ErrorBaseDatos with the reason when it cannot.
-    // A SQLite file that does not exist is refused unless crearArchivo is true.
+    // A SQLite file that does not exist is refused unless crearArchivo is true. Nothing is
+    // written to the database: a file the user cannot write is opened for reading only.
     static std::unique_ptr<ConexionQt> Abrir(const DireccionBD &direccion, bool crearArchivo = false);
+
+    // Settings for working beside other sessions, applied once the database is known to
+    // be this program's: SQLite goes to write-ahead logging (readers never wait for a
+    // writer), PostgreSQL waits at most kEsperaBloqueo for a row another session holds.
+    void ModoCompartido();
+    bool soloLectura() const { return m_soloLectura; }
+
+    // Seconds a write waits for another session before it gives up with Causa::Ocupada.
+    static constexpr int kEsperaBloqueo = 5;
 
     Motor motor() const override { return m_motor; }
     bool abierta() const override;
@@ -28,10 +38,24 @@ public:
     void Deshacer() override;
     void Cerrar() override;
 
+    bool Escuchar(const QString &canal, std::function<void(const QString &carga)> aviso) override;
+    void Avisar(const QString &canal, const QString &carga) override;
+
 private:
-    ConexionQt(Motor motor, const QString &nombre);
+    ConexionQt(Motor motor, const QString &nombre, const DireccionBD &direccion);
+
+    QSqlQuery preparar(const QString &sql, const QVariantList &valores, bool lectura);
+    ErrorBaseDatos errorDe(const QSqlError &error) const;
+    bool conexionCaida(const QSqlError &error);
+    void reconectar();
+    void aplicarModo();
+    void suscribir();
 
     Motor m_motor;
     QString m_nombre;
+    DireccionBD m_direccion;
     int m_nivel = 0; // transactions open, the outermost one and its savepoints
+    bool m_soloLectura = false;
+    bool m_compartido = false;
+    QList<std::pair<QString, std::function<void(const QString &)>>> m_avisos;
 };

@@ -98,6 +98,13 @@ const char *const kTablas[] = {
     " PerLetras VARCHAR(20), PerAutoriza INTEGER NOT NULL DEFAULT 0,"
     " PRIMARY KEY (PerUsuario, PerEmpresa, PerModulo))",
 
+    // Every write of an entry, kept for good: who, when, what (alta, cambio, estado,
+    // papelera, eliminacion) and the header and lines before and after, as JSON text.
+    // Not tied to cceAsientos, so that an entry deleted for good keeps its history.
+    "CREATE TABLE IF NOT EXISTS cceAsientosHistorial ("
+    " HisID {id}, HisAsiento INTEGER NOT NULL, HisEmpresa INTEGER, HisUsuario INTEGER, HisMomento {momento} NOT NULL,"
+    " HisOperacion VARCHAR(20) NOT NULL, HisAntes TEXT, HisDespues TEXT)",
+
     // Per-user settings by section and key.
     "CREATE TABLE IF NOT EXISTS genConfigUsuario ("
     " CfuUsuario INTEGER NOT NULL, CfuSeccion VARCHAR(60) NOT NULL, CfuClave VARCHAR(60) NOT NULL,"
@@ -117,6 +124,7 @@ const char *const kIndices[] = {
     "CREATE INDEX IF NOT EXISTS ixCueEmpresaNombre ON cceCuentas (CueIDEmpresa, CueNombre)",
     "CREATE INDEX IF NOT EXISTS ixCMoPar ON genCotizacionesMoneda (CMoMoneda, CMoCotizaEn, CMoTipoCotizacion, CMoFecha)",
     "CREATE INDEX IF NOT EXISTS ixComEmpresaFecha ON cceComprobantes (ComIDEmpresa, ComFecha)",
+    "CREATE INDEX IF NOT EXISTS ixHisAsiento ON cceAsientosHistorial (HisAsiento, HisID)",
     "CREATE INDEX IF NOT EXISTS ixMFLMovimiento ON genMovimientosFrecuentesLineas (MFLIDMovimiento, MFLOrden)",
 };
 
@@ -138,6 +146,51 @@ QStringList SentenciasEsquema(Motor motor)
     for (const char *indice : kIndices)
         sentencias << QString::fromLatin1(indice);
     return sentencias;
+}
+
+QStringList TablasEsquema()
+{
+    QStringList nombres;
+    for (const char *tabla : kTablas) {
+        const QString s = QString::fromLatin1(tabla).section(QLatin1String("EXISTS "), 1);
+        nombres << s.left(s.indexOf(QLatin1Char(' '))).trimmed();
+    }
+    return nombres;
+}
+
+QStringList TablasDeLaBase(Conexion &conexion)
+{
+    auto rs = conexion.motor() == Motor::PostgreSQL
+                  ? conexion.Abrir(QStringLiteral("Select table_name From information_schema.tables Where table_schema = current_schema()"))
+                  : conexion.Abrir(QStringLiteral("Select name From sqlite_master Where type = 'table' And name Not Like 'sqlite!_%' Escape '!'"));
+    QStringList tablas;
+    for (; !rs->Fin(); rs->MoverSiguiente())
+        tablas << rs->Campo(0).toString().toLower();
+    rs->Cerrar();
+    return tablas;
+}
+
+EstadoEsquema ExaminarEsquema(Conexion &conexion)
+{
+    const QStringList tablas = TablasDeLaBase(conexion);
+    if (tablas.isEmpty())
+        return EstadoEsquema::Vacia;
+    return tablas.contains(QStringLiteral("cceasientos")) && tablas.contains(QStringLiteral("cceasientocuenta"))
+               ? EstadoEsquema::DelPrograma : EstadoEsquema::Ajena;
+}
+
+void CompletarEsquema(Conexion &conexion)
+{
+    // Tables added after the first version, with their indexes; a database that lacks some
+    // other table is damaged, and is left for its errors to show.
+    const QStringList tablas = TablasDeLaBase(conexion);
+    if (tablas.contains(QStringLiteral("cceasientoshistorial")))
+        return;
+    Transaccion tx(conexion);
+    for (const QString &s : SentenciasEsquema(conexion.motor()))
+        if (s.contains(QLatin1String("cceAsientosHistorial")))
+            conexion.Ejecutar(s);
+    tx.Confirmar();
 }
 
 void CrearEsquema(Conexion &conexion)

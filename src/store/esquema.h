@@ -8,3 +8,13 @@
 // for either engine. Creating them again is harmless (IF NOT EXISTS).
 QStringList SentenciasEsquema(Motor motor);
 void CrearEsquema(Conexion &conexion);
+
+// The names of the schema's tables, as written in the statements.
+QStringList TablasEsquema();
+
+// What a database holds: nothing at all, this program's tables, or tables of something else.
+enum class EstadoEsquema { Vacia, DelPrograma, Ajena };
+EstadoEsquema ExaminarEsquema(Conexion &conexion);
+
+// Adds the tables that a database made by an earlier version of the program lacks.
+void CompletarEsquema(Conexion &conexion);

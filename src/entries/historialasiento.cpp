@@ -1,0 +1,179 @@
+#include "historialasiento.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+
+#include <cmath>
+
+namespace HistorialAsiento {
+
+namespace {
+
+double cuatroDecimales(double v)
+{
+    return std::round(v * 10000.0) / 10000.0;
+}
+
+QJsonValue entero(const Recordset &rs, const QString &campo)
+{
+    return rs.EsNulo(campo) ? QJsonValue() : QJsonValue(rs.Entero(campo));
+}
+
+QJsonValue numero(const Recordset &rs, const QString &campo)
+{
+    return rs.EsNulo(campo) ? QJsonValue() : QJsonValue(cuatroDecimales(rs.Numero(campo)));
+}
+
+QJsonValue momento(const Recordset &rs, const QString &campo)
+{
+    const QDateTime t = FechaHoraDeValor(rs.Campo(campo));
+    return t.isValid() ? QJsonValue(t.toString(QStringLiteral("yyyy-MM-dd hh:mm:ss.zzz"))) : QJsonValue();
+}
+
+QString texto(const QJsonObject &o)
+{
+    return o.isEmpty() ? QString() : QString::fromUtf8(QJsonDocument(o).toJson(QJsonDocument::Compact));
+}
+
+QJsonObject objeto(const QVariant &v)
+{
+    if (v.isNull())
+        return {};
+    return QJsonDocument::fromJson(v.toString().toUtf8()).object();
+}
+
+QString nombreDe(Conexion &conexion, qint16 usuario)
+{
+    auto rs = conexion.Abrir(QStringLiteral("Select UsuNombre From segUsuarios Where UsuID = ?"), {usuario});
+    const QString nombre = rs->Fin() ? QString() : rs->Campo(0).toString().trimmed();
+    rs->Cerrar();
+    return nombre;
+}
+
+} // namespace
+
+QJsonObject LeerGuardado(Conexion &conexion, qint32 asiID)
+{
+    auto rs = conexion.Abrir(QStringLiteral("Select * From cceAsientos Where AsiID = ?"), {asiID});
+    if (rs->Fin())
+        return {};
+    QJsonObject o;
+    o.insert(QStringLiteral("AsiID"), asiID);
+    o.insert(QStringLiteral("Empresa"), entero(*rs, QStringLiteral("AsiEmpresa")));
+    o.insert(QStringLiteral("Estado"), entero(*rs, QStringLiteral("AsiEstado")));
+    o.insert(QStringLiteral("Fecha"), FechaDeValor(rs->Campo(QStringLiteral("AsiFechaAsiento"))).toString(Qt::ISODate));
+    o.insert(QStringLiteral("Leyenda"), rs->Campo(QStringLiteral("AsiLeyenda")).toString());
+    o.insert(QStringLiteral("Libro"), entero(*rs, QStringLiteral("AsiTipo")));
+    o.insert(QStringLiteral("Autoriza"), entero(*rs, QStringLiteral("AsiUsuarioVerificador")));
+    o.insert(QStringLiteral("Usuario"), entero(*rs, QStringLiteral("AsiUsuario")));
+    o.insert(QStringLiteral("FechaModificado"), momento(*rs, QStringLiteral("AsiFechaModificado")));
+    o.insert(QStringLiteral("FechaEstado"), momento(*rs, QStringLiteral("AsiFechaEstado")));
+    rs->Cerrar();
+
+    QJsonArray lineas;
+    rs = conexion.Abrir(QStringLiteral("Select * From cceAsientoCuenta Where ACuIDAsiento = ? Order By ACuOrden, ACuID"), {asiID});
+    for (; !rs->Fin(); rs->MoverSiguiente()) {
+        QJsonObject l;
+        l.insert(QStringLiteral("Orden"), entero(*rs, QStringLiteral("ACuOrden")));
+        l.insert(QStringLiteral("Cuenta"), entero(*rs, QStringLiteral("ACuCuenta")));
+        l.insert(QStringLiteral("Proyecto"), entero(*rs, QStringLiteral("ACuProyecto")));
+        l.insert(QStringLiteral("Departamento"), entero(*rs, QStringLiteral("ACuDepartamento")));
+        l.insert(QStringLiteral("Debe"), numero(*rs, QStringLiteral("ACuDebe")));
+        l.insert(QStringLiteral("Haber"), numero(*rs, QStringLiteral("AcuHaber")));
+        l.insert(QStringLiteral("ImporteMC"), numero(*rs, QStringLiteral("ACuImporteMC")));
+        lineas.append(l);
+    }
+    rs->Cerrar();
+    o.insert(QStringLiteral("Lineas"), lineas);
+    return o;
+}
+
+void Registrar(Conexion &conexion, qint32 asiID, qint16 usuario, const QDateTime &momento, const char *operacion,
+               const QJsonObject &antes, const QJsonObject &despues)
+{
+    const QJsonObject &alguno = despues.isEmpty() ? antes : despues;
+    const qint64 empresa = alguno.value(QStringLiteral("Empresa")).toInteger();
+    auto textoONulo = [](const QJsonObject &o) { return o.isEmpty() ? QVariant(QMetaType(QMetaType::QString)) : QVariant(texto(o)); };
+    conexion.Ejecutar(QStringLiteral("Insert Into cceAsientosHistorial (HisAsiento, HisEmpresa, HisUsuario, HisMomento, HisOperacion,"
+                                     " HisAntes, HisDespues) Values (?, ?, ?, ?, ?, ?, ?)"),
+                      {asiID, empresa, usuario, Conexion::ValorFechaHora(momento), QString::fromLatin1(operacion),
+                       textoONulo(antes), textoONulo(despues)});
+    conexion.Avisar(QString::fromLatin1(kCanal), QStringLiteral("%1|%2|%3").arg(asiID).arg(empresa).arg(usuario));
+}
+
+QList<Fila> Leer(Conexion &conexion, qint32 asiID)
+{
+    auto rs = conexion.Abrir(QStringLiteral("Select h.*, u.UsuNombre From cceAsientosHistorial h"
+                                            " Left Join segUsuarios u On u.UsuID = h.HisUsuario"
+                                            " Where h.HisAsiento = ? Order By h.HisID"),
+                             {asiID});
+    QList<Fila> filas;
+    for (; !rs->Fin(); rs->MoverSiguiente()) {
+        Fila f;
+        f.momento = FechaHoraDeValor(rs->Campo(QStringLiteral("HisMomento")));
+        f.usuario = rs->EsNulo(QStringLiteral("HisUsuario")) ? 0 : qint16(rs->Entero(QStringLiteral("HisUsuario")));
+        f.nombreUsuario = rs->Campo(QStringLiteral("UsuNombre")).toString().trimmed();
+        f.operacion = rs->Campo(QStringLiteral("HisOperacion")).toString().trimmed();
+        f.antes = objeto(rs->Campo(QStringLiteral("HisAntes")));
+        f.despues = objeto(rs->Campo(QStringLiteral("HisDespues")));
+        filas.append(f);
+    }
+    rs->Cerrar();
+    return filas;
+}
+
+UltimoCambio Ultimo(Conexion &conexion, qint32 asiID)
+{
+    UltimoCambio u;
+    auto rs = conexion.Abrir(QStringLiteral("Select HisUsuario, HisMomento, HisOperacion From cceAsientosHistorial"
+                                            " Where HisAsiento = ? Order By HisID Desc Limit 1"),
+                             {asiID});
+    if (rs->Fin())
+        return u;
+    u.hay = true;
+    u.usuario = rs->EsNulo(QStringLiteral("HisUsuario")) ? 0 : qint16(rs->Entero(QStringLiteral("HisUsuario")));
+    u.momento = FechaHoraDeValor(rs->Campo(QStringLiteral("HisMomento")));
+    u.operacion = rs->Campo(QStringLiteral("HisOperacion")).toString().trimmed();
+    rs->Cerrar();
+    u.nombreUsuario = nombreDe(conexion, u.usuario);
+    return u;
+}
+
+QStringList Diferencias(const QJsonObject &antes, const QJsonObject &despues)
+{
+    QStringList cambios;
+    static const char *const kCampos[][2] = {{"Estado", "Estado"}, {"Fecha", "Fecha"}, {"Leyenda", "Leyenda"},
+                                            {"Libro", "Libro"}, {"Autoriza", "Autoriza"}};
+    auto mostrar = [](const QJsonValue &v) {
+        if (v.isNull() || v.isUndefined())
+            return QStringLiteral("(nada)");
+        if (v.isString())
+            return QLatin1Char('"') + v.toString() + QLatin1Char('"');
+        return QString::number(v.toDouble(), 'f', v.toDouble() == std::floor(v.toDouble()) ? 0 : 2);
+    };
+    for (const auto &[clave, nombre] : kCampos) {
+        const QJsonValue a = antes.value(QLatin1String(clave));
+        const QJsonValue d = despues.value(QLatin1String(clave));
+        if (a != d)
+            cambios << QStringLiteral("%1: %2 → %3").arg(QLatin1String(nombre), mostrar(a), mostrar(d));
+    }
+    const QJsonArray la = antes.value(QStringLiteral("Lineas")).toArray();
+    const QJsonArray ld = despues.value(QStringLiteral("Lineas")).toArray();
+    auto linea = [&mostrar](const QJsonObject &l) {
+        const bool debe = !l.value(QStringLiteral("Debe")).isNull();
+        return QStringLiteral("cuenta %1 %2 %3").arg(l.value(QStringLiteral("Cuenta")).toInteger())
+            .arg(debe ? QStringLiteral("debe") : QStringLiteral("haber"))
+            .arg(mostrar(l.value(debe ? QStringLiteral("Debe") : QStringLiteral("Haber"))));
+    };
+    if (la != ld) {
+        for (const QJsonValue &v : la)
+            if (!ld.contains(v))
+                cambios << QStringLiteral("− ") + linea(v.toObject());
+        for (const QJsonValue &v : ld)
+            if (!la.contains(v))
+                cambios << QStringLiteral("+ ") + linea(v.toObject());
+    }
+    return cambios;
+}
+
+} // namespace HistorialAsiento

@@ -1,0 +1,61 @@
+#pragma once
+
+#include "store/conexion.h"
+
+#include <QDateTime>
+#include <QJsonObject>
+#include <QList>
+#include <QString>
+
+// The audit trail of entries: every write of an entry leaves one row, in the same
+// transaction as the write, with who made it, when, what kind of write it was, and the
+// entry as stored before and after it. Rows are never changed or deleted.
+namespace HistorialAsiento {
+
+// Kinds of write, as stored in HisOperacion.
+inline constexpr const char *kAlta = "alta";
+inline constexpr const char *kCambio = "cambio";
+inline constexpr const char *kEstado = "estado";
+inline constexpr const char *kPapelera = "papelera";
+inline constexpr const char *kEliminacion = "eliminacion";
+
+// Channel of the live notices of writes; the payload is "AsiID|empresa|usuario".
+inline constexpr const char *kCanal = "asientos_cambiados";
+
+// The stored entry, header and lines, as a JSON object; empty when there is no such entry.
+// Amounts are kept to four decimals, as the columns keep them.
+QJsonObject LeerGuardado(Conexion &conexion, qint32 asiID);
+
+// Appends the row of one write and sends the live notice; part of the caller's transaction.
+void Registrar(Conexion &conexion, qint32 asiID, qint16 usuario, const QDateTime &momento, const char *operacion,
+               const QJsonObject &antes, const QJsonObject &despues);
+
+// One row as the history shows it.
+struct Fila
+{
+    QDateTime momento;
+    qint16 usuario = 0;
+    QString nombreUsuario;   // empty when the user is not in segUsuarios
+    QString operacion;
+    QJsonObject antes, despues;
+};
+
+// An entry's history, oldest first.
+QList<Fila> Leer(Conexion &conexion, qint32 asiID);
+
+// The last write of an entry made by someone, for the "changed by another user" mark.
+struct UltimoCambio
+{
+    bool hay = false;
+    qint16 usuario = 0;
+    QString nombreUsuario;
+    QDateTime momento;
+    QString operacion;
+};
+UltimoCambio Ultimo(Conexion &conexion, qint32 asiID);
+
+// What changed between before and after, in words: one line per header field that
+// changed, and the lines added, removed or changed.
+QStringList Diferencias(const QJsonObject &antes, const QJsonObject &despues);
+
+} // namespace HistorialAsiento
