@@ -83,6 +83,12 @@ public:
     void RecargarAsiento(qint32 asiID, int cabezal);
     // Loads a stored entry into the grid with its header at fila.
     void CargarAsiento(qint32 asiID, int fila);
+    // Before a stored entry is opened: when another session wrote it after the grid read
+    // it, its rows are replaced by the entry as stored now (Releida), or taken out of the
+    // grid when it was deleted or sent to the trash (Quitada, and the user is told). Throws
+    // ErrorBaseDatos when the store cannot be read.
+    enum class Vigencia { Vigente, Releida, Quitada };
+    Vigencia ReleerSiCambio(int cabezal);
 
 private:
     AsientoDatos nuevoAsientoDatos() const;

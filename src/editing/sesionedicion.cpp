@@ -92,6 +92,18 @@ bool SesionEdicion::EntrarEdicion(int fila)
         const int cabezal = m_asientos.FilaCabezalDe(fila);
         if (cabezal < 0)
             return false;
+        // An entry another session wrote since it was read is read again first, so the
+        // user edits what is stored and the write is not refused as stale.
+        const int desplazamiento = fila - cabezal;
+        switch (m_comandos.ReleerSiCambio(cabezal)) {
+        case ComandosAsiento::Vigencia::Vigente:
+            break;
+        case ComandosAsiento::Vigencia::Releida:
+            fila = std::min(cabezal + desplazamiento, m_asientos.UltimaFilaAsiento(cabezal));
+            break;
+        case ComandosAsiento::Vigencia::Quitada:
+            return false;
+        }
         m_asientos.TomarAsientoDeFila(cabezal);
         const CabezalAsiento &c = m_asientos.Cabezal;
         if (m_asientos.EsFilaCabezal(fila))

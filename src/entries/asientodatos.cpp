@@ -174,9 +174,21 @@ bool AsientoDatos::actualizarCabezal(qint32 asiID, const QDateTime &nuevo)
     return false;
 }
 
+// A legend longer than its column is refused whole on every engine: PostgreSQL would refuse
+// it and SQLite would keep it, so the same entry would behave differently.
+bool AsientoDatos::leyendaAdmitida()
+{
+    if (m_cabezal.Leyenda.size() <= kLargoLeyenda)
+        return true;
+    return fallar(Resultado::ErrorBase, QStringLiteral("La leyenda tiene %1 caracteres y se admiten hasta %2; no se grabó nada.")
+                                            .arg(m_cabezal.Leyenda.size()).arg(kLargoLeyenda));
+}
+
 bool AsientoDatos::Grabar(Sello sello)
 {
     m_resultado = Resultado::Bien;
+    if (!leyendaAdmitida())
+        return false;
     const QDateTime nuevo = SelloNuevo(m_cabezal.FechaModificado, sello);
     try {
         Transaccion tx(*m_conexion);
@@ -219,6 +231,8 @@ void AsientoDatos::escribirLineas(qint32 asiID)
 qint32 AsientoDatos::GrabarTodo()
 {
     m_resultado = Resultado::Bien;
+    if (!leyendaAdmitida())
+        return 0;
     for (const LineaDatos &l : std::as_const(m_lineas)) {
         if (!std::isfinite(l.Importe) || !std::isfinite(l.ImporteMC)) {
             fallar(Resultado::ErrorBase, QStringLiteral("importe no válido en la cuenta %1").arg(l.Cuenta));

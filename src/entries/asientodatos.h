@@ -7,6 +7,9 @@
 #include <QString>
 #include <QVector>
 
+// Characters the legend column holds (AsiLeyenda, MFrLeyenda) on every engine.
+inline constexpr int kLargoLeyenda = 255;
+
 // The header of a stored entry as the data service reads and writes it.
 struct CabezalDatos
 {
@@ -131,6 +134,7 @@ private:
     bool actualizarCabezal(qint32 asiID, const QDateTime &nuevo);
     void escribirLineas(qint32 asiID);
     bool fallar(Resultado r, const QString &error);
+    bool leyendaAdmitida();
     qint16 autor() const { return m_usuario ? m_usuario : m_cabezal.Usuario; }
 
     Conexion *m_conexion = nullptr;

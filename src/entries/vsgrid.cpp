@@ -44,6 +44,12 @@ QPixmap dibujarIcono(const QString &clave)
         p.setPen(QPen(QColor(0xc6, 0x28, 0x28), 2));
         p.drawLine(QPointF(8, 4), QPointF(8, 9.5));
         p.drawPoint(QPointF(8, 12.5));
+    } else if (clave == QLatin1String("modificado")) {
+        // Written by another session since it was read: an orange sheet with a bold mark.
+        papel(QColor(0xe6, 0x51, 0x00), QColor(0xff, 0xe0, 0xb2));
+        p.setPen(QPen(QColor(0xe6, 0x51, 0x00), 2.5));
+        p.drawLine(QPointF(8, 3.5), QPointF(8, 9.5));
+        p.drawPoint(QPointF(8, 12.5));
     } else if (clave == QLatin1String("edicion")) {
         papel(QColor(0x4a, 0x14, 0x8c), QColor(0xf3, 0xe5, 0xf5));
         p.setPen(QPen(QColor(0x4a, 0x14, 0x8c), 2.5));
@@ -109,6 +115,8 @@ QVariant ModeloGrilla::data(const QModelIndex &indice, int rol) const
     }
     case Qt::DecorationRole:
         return col == 0 && !m_g.Fila(fila).imagen.isEmpty() ? QVariant(IconoEstado(m_g.Fila(fila).imagen)) : QVariant();
+    case Qt::ToolTipRole:
+        return m_ayuda ? QVariant(m_ayuda(fila, col)) : QVariant();
     case Qt::UserRole:
         return c.dato;
     default:

@@ -6,6 +6,8 @@
 #include <QStyledItemDelegate>
 #include <QTableView>
 
+#include <functional>
+
 // The grid's model: a thin adapter over a Grilla (row 0 of the Grilla is the header). It
 // follows the Grilla through ObservadorGrilla; a fill with redraw off arrives as one reset.
 class ModeloGrilla final : public QAbstractTableModel, public ObservadorGrilla
@@ -22,6 +24,8 @@ public:
 
     Grilla &grilla() const { return m_g; }
     static QIcon IconoEstado(const QString &clave);
+    // The tooltip of a cell (grid row and column); none when not set.
+    void FijarAyuda(std::function<QString(int fila, int columna)> ayuda) { m_ayuda = std::move(ayuda); }
 
     void AntesDeInsertar(int fila, int cantidad) override;
     void DespuesDeInsertar() override;
@@ -37,6 +41,7 @@ signals:
 
 private:
     Grilla &m_g;
+    std::function<QString(int, int)> m_ayuda;
     int m_filas = 0;   // rows as the views know them; changes only inside begin/end pairs
 };
 

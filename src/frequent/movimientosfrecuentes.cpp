@@ -53,7 +53,7 @@ void MovimientosFrecuentes::crearControles()
     tNombre->setMaxLength(120);
     tLeyenda = new QLineEdit(this);
     tLeyenda->setObjectName(QStringLiteral("tLeyenda"));
-    tLeyenda->setMaxLength(255);
+    tLeyenda->setMaxLength(kLargoLeyenda);
     cfLibro = new QComboBox(this);
     cfLibro->setObjectName(QStringLiteral("cfLibro"));
     chkAgendar = new QCheckBox(QStringLiteral("&Agendar cada mes desde"), this);

@@ -1,6 +1,7 @@
 // The document's menus, links and keys, wired to the edit session and the entry commands.
 #include "lumingasiento.h"
 
+#include "dialogohistorial.h"
 #include "idioma.h"
 #include "lumhiperlink.h"
 #include "lumtoomenu.h"
@@ -8,6 +9,7 @@
 #include "paneledicion.h"
 #include "editing/asientoapertura.h"
 #include "editing/comandosasiento.h"
+#include "editing/sesion.h"
 #include "editing/frecuentesrecientes.h"
 #include "entries/frecuentesdatos.h"
 #include "editing/sesionedicion.h"
@@ -125,7 +127,25 @@ void lumIngAsiento::conectarComandos()
             m_datos.Error(1932, DetalleError(e.numero(), e.descripcion()));
         }
     });
+    connect(m_menus->accion(QStringLiteral("MnuEdiHistorial")), &QAction::triggered, this, [this] { MostrarHistorial(); });
     conectarSalidas();
+}
+
+// The history of the current row's entry, in a window of its own that does not stop the
+// document.
+void lumIngAsiento::MostrarHistorial()
+{
+    const int cabezal = m_asientos.FilaCabezalDe(m_vsGrid->FilaActual());
+    const qint32 id = cabezal >= 0 ? m_asientos.IdDeFila(cabezal) : 0;
+    if (id <= 0 || !m_datos.conexion())
+        return;
+    try {
+        auto *dialogo = new DialogoHistorial(id, HistorialAsiento::Leer(*m_datos.conexion(), id), FormatoQtDeFecha(m_datos.formatoFecha), this);
+        dialogo->setAttribute(Qt::WA_DeleteOnClose);
+        dialogo->open();
+    } catch (const ErrorBaseDatos &e) {
+        m_datos.Error(1916, DetalleError(e.numero(), e.descripcion()));
+    }
 }
 
 void lumIngAsiento::ClickEnlace(lumHiperLink *enlace, QMenu *menu)
@@ -174,6 +194,8 @@ void lumIngAsiento::PrepararMenuEdicion()
           std::pair{"MnuEdiAddCta", m}, std::pair{"MnuEdiSaveNormal", m}, std::pair{"MnuUnificarTCCta", m},
           std::pair{"MnuUnificarTCMC", m}, std::pair{"MnuEdiLibro", m}})
         m_menus->accion(QString::fromLatin1(accion))->setEnabled(permitido);
+    const int filaCabezal = m_asientos.FilaCabezalDe(fila);
+    m_menus->accion(QStringLiteral("MnuEdiHistorial"))->setEnabled(filaCabezal >= 0 && m_asientos.IdDeFila(filaCabezal) > 0);
     m_menus->MnuEdiTC->menuAction()->setEnabled(m);
 
     // The opening-balance commands offer what can be done: making it while there is none,

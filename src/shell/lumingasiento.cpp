@@ -8,6 +8,7 @@
 #include "pvprevia.h"
 #include "currency/catalogomonedas.h"
 #include "editing/asientoapertura.h"
+#include "editing/cambiosajenos.h"
 #include "editing/comandosasiento.h"
 #include "editing/sesionedicion.h"
 #include "search/busquedaasientos.h"
@@ -157,6 +158,13 @@ void lumIngAsiento::crearControles()
     m_busqueda = std::make_unique<BusquedaAsientos>(m_datos, m_asientos, *m_panel, busquedaCuentas(), this);
     m_apertura = std::make_unique<AsientoApertura>(m_datos, m_asientos, *m_comandos, *m_panel);
     m_apertura->alCambiar = [this](bool existe) { MostrarAvisoApertura(existe); };
+    m_cambiosAjenos = std::make_unique<CambiosAjenos>(m_datos, m_asientos, [this] {
+        const int fijas = m_grilla.FilasFijas();
+        const int primera = m_vsGrid->rowAt(0);
+        const int ultima = m_vsGrid->rowAt(m_vsGrid->viewport()->height() - 1);
+        return std::pair{primera < 0 ? fijas : primera + fijas, ultima < 0 ? m_grilla.Filas() - 1 : ultima + fijas};
+    });
+    m_vsGrid->modelo()->FijarAyuda([this](int fila, int columna) { return columna == 0 ? m_cambiosAjenos->Aviso(fila) : QString(); });
     m_apertura->ayuda = [this] {
         if (m_entorno.host)
             m_entorno.host->Navegar(ComandoHost::kAyudaSaldosIniciales, QString());
@@ -300,6 +308,7 @@ void lumIngAsiento::iniciarSinTrampa()
     }
     AcomodarPantalla();
     ConfigUsuario(false);
+    m_cambiosAjenos->Iniciar();
     m_estado = Estado::Listo;
     if (m_host.PedidoAsientoApertura && !m_apertura->ExisteAsientoApertura())
         ArmarComandoDiferido(QStringLiteral("1"));

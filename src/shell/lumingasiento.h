@@ -19,6 +19,7 @@ class SelectorArchivo;
 class pvPrevia;
 struct GrillaEnPantalla;
 class BusquedaAsientos;
+class CambiosAjenos;
 class ComandosAsiento;
 class MenusDocumento;
 class PanelEdicion;
@@ -149,6 +150,7 @@ private:
     ExportacionGrilla &exportacion();
     void ClickEnlace(lumHiperLink *enlace, QMenu *menu);
     void PrepararMenuEdicion();
+    void MostrarHistorial();
     void MenuEdicionEnCelda();
     void ArmarComandoDiferido(const QString &comando);
     void tmShowASI_Timer();
@@ -210,6 +212,7 @@ private:
     std::unique_ptr<SesionEdicion> m_edicion;
     std::unique_ptr<BusquedaAsientos> m_busqueda;
     std::unique_ptr<AsientoApertura> m_apertura;
+    std::unique_ptr<CambiosAjenos> m_cambiosAjenos;
     pvPrevia *m_pvPrevia = nullptr;
     std::unique_ptr<ImpresionGrilla> m_impresion;
     std::unique_ptr<SelectorArchivo> m_selectorPropio;

@@ -39,6 +39,7 @@ MenusDocumento::MenusDocumento(QWidget *dueno)
     agregar(MnuEdicion, "MnuEdiSaveNormal", "Grabar", 1023);
     agregar(MnuEdicion, "MnuEdiCopy", "Copiar Asiento", 1024);
     agregar(MnuEdicion, "MnuEdiHide", "Ocultar Asiento", 1025);
+    agregar(MnuEdicion, "MnuEdiHistorial", "Historial");
     MnuEdiTC = menu("MnuEdiTC", QStringLiteral("Unificar Tasa de Cambio"));
     MnuEdicion->addMenu(MnuEdiTC);
     agregar(MnuEdiTC, "MnuUnificarTCCta", "a la moneda de la cuenta", 1101);

@@ -4,6 +4,7 @@
 #include "currency/catalogomonedas.h"
 #include "editing/datosdocumento.h"
 #include "editing/sesionedicion.h"
+#include "entries/asientodatos.h"
 #include "entries/grilla.h"
 #include "entries/vsgrid.h"
 #include "lineeditor/campofecha.h"
@@ -55,6 +56,7 @@ void PanelEdicion::crearCampos()
     odDate->setObjectName(QStringLiteral("odDate"));
     tLeyenda = new QLineEdit(picCabezal);
     tLeyenda->setObjectName(QStringLiteral("tLeyenda"));
+    tLeyenda->setMaxLength(kLargoLeyenda);
     cfTipo = new QComboBox(picCabezal);
     cfTipo->setObjectName(QStringLiteral("cfTipo"));
     cfAutoriza = new QComboBox(picCabezal);

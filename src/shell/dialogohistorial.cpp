@@ -1,0 +1,95 @@
+#include "dialogohistorial.h"
+
+#include <QDialogButtonBox>
+#include <QHeaderView>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QLabel>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QTableWidget>
+#include <QVBoxLayout>
+
+DialogoHistorial::DialogoHistorial(qint32 asiID, const QList<HistorialAsiento::Fila> &filas, const QString &formatoFecha,
+                                   QWidget *padre)
+    : QDialog(padre)
+    , m_filas(filas)
+{
+    setObjectName(QStringLiteral("DialogoHistorial"));
+    setWindowTitle(QStringLiteral("Historial del asiento %1").arg(asiID));
+    auto *capa = new QVBoxLayout(this);
+    if (filas.isEmpty())
+        capa->addWidget(new QLabel(QStringLiteral("El asiento no tiene cambios registrados."), this));
+
+    m_tabla = new QTableWidget(int(filas.size()), 4, this);
+    m_tabla->setObjectName(QStringLiteral("tablaHistorial"));
+    m_tabla->setHorizontalHeaderLabels({QStringLiteral("Fecha y hora"), QStringLiteral("Usuario"), QStringLiteral("Operación"),
+                                        QStringLiteral("Cambios")});
+    m_tabla->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    m_tabla->setSelectionBehavior(QAbstractItemView::SelectRows);
+    m_tabla->setSelectionMode(QAbstractItemView::SingleSelection);
+    m_tabla->verticalHeader()->hide();
+    m_tabla->horizontalHeader()->setStretchLastSection(true);
+    const QString formato = formatoFecha + QStringLiteral(" hh:mm:ss");
+    for (int i = 0; i < filas.size(); ++i) {
+        const HistorialAsiento::Fila &f = filas[i];
+        const QString usuario = f.nombreUsuario.isEmpty() ? QString::number(f.usuario) : f.nombreUsuario;
+        const QStringList cambios = HistorialAsiento::Diferencias(f.antes, f.despues);
+        const QString resumen = f.antes.isEmpty() ? QStringLiteral("%1 líneas").arg(f.despues.value(QStringLiteral("Lineas")).toArray().size())
+                              : f.despues.isEmpty() ? QStringLiteral("borrado con sus %1 líneas").arg(f.antes.value(QStringLiteral("Lineas")).toArray().size())
+                                                    : cambios.join(QStringLiteral("; "));
+        const QStringList celdas{f.momento.toString(formato), usuario, NombreOperacion(f.operacion), resumen};
+        for (int c = 0; c < celdas.size(); ++c)
+            m_tabla->setItem(i, c, new QTableWidgetItem(celdas[c]));
+    }
+    m_tabla->resizeColumnsToContents();
+    capa->addWidget(m_tabla, 2);
+
+    m_detalle = new QPlainTextEdit(this);
+    m_detalle->setObjectName(QStringLiteral("detalleHistorial"));
+    m_detalle->setReadOnly(true);
+    capa->addWidget(m_detalle, 1);
+
+    auto *botones = new QDialogButtonBox(QDialogButtonBox::Close, this);
+    botones->button(QDialogButtonBox::Close)->setText(QStringLiteral("Cerrar"));
+    connect(botones, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    capa->addWidget(botones);
+
+    connect(m_tabla, &QTableWidget::currentCellChanged, this, [this](int fila) { mostrarDetalle(fila); });
+    if (!filas.isEmpty())
+        m_tabla->setCurrentCell(int(filas.size()) - 1, 0);
+    m_tabla->setFocus();
+    resize(760, 420);
+}
+
+QString DialogoHistorial::NombreOperacion(const QString &operacion)
+{
+    if (operacion == QLatin1String(HistorialAsiento::kAlta))
+        return QStringLiteral("Alta");
+    if (operacion == QLatin1String(HistorialAsiento::kCambio))
+        return QStringLiteral("Cambio");
+    if (operacion == QLatin1String(HistorialAsiento::kEstado))
+        return QStringLiteral("Cambio de estado");
+    if (operacion == QLatin1String(HistorialAsiento::kPapelera))
+        return QStringLiteral("A la papelera");
+    if (operacion == QLatin1String(HistorialAsiento::kEliminacion))
+        return QStringLiteral("Eliminado");
+    return operacion;
+}
+
+// The selected write: its changes in words, then the entry as it was before and after.
+void DialogoHistorial::mostrarDetalle(int fila)
+{
+    if (fila < 0 || fila >= m_filas.size()) {
+        m_detalle->clear();
+        return;
+    }
+    const HistorialAsiento::Fila &f = m_filas[fila];
+    QStringList texto = HistorialAsiento::Diferencias(f.antes, f.despues);
+    auto json = [](const QJsonObject &o, const QString &sinNada) {
+        return o.isEmpty() ? sinNada : QString::fromUtf8(QJsonDocument(o).toJson(QJsonDocument::Indented));
+    };
+    texto << QString() << QStringLiteral("Antes:") << json(f.antes, QStringLiteral("(no existía)")) << QStringLiteral("Después:")
+          << json(f.despues, QStringLiteral("(ya no existe)"));
+    m_detalle->setPlainText(texto.join(QLatin1Char('\n')));
+}

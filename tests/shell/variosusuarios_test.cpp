@@ -1,0 +1,216 @@
+// Two accountants on one database, each with a document of their own on a connection of its
+// own: what one writes is marked at once in the other's grid and read again when opened,
+// racing saves leave one winner, and every write leaves its audit row.
+#include "escenario.h"
+
+#include "editing/cambiosajenos.h"
+#include "entries/historialasiento.h"
+#include "entries/modeloasiento.h"
+#include "entries/vistas.h"
+#include "lineeditor/campocalculadora.h"
+#include "shell/dialogohistorial.h"
+#include "shell/menusdocumento.h"
+#include "store/basedemo.h"
+
+#include <QAction>
+#include <QComboBox>
+#include <QDeadlineTimer>
+#include <QLineEdit>
+#include <QTableWidget>
+
+namespace {
+
+class VariosUsuarios : public Escenario
+{
+protected:
+    // The second accountant's document on the same database.
+    void abrirOtro()
+    {
+        m_hostB.base = QStringLiteral("x?psidusuario=%1|psidempresa=1|psckey=lum01|pskeyinit=%1|pstempdir=")
+                           .arg(Demo::kUsuarioContador)
+                       + m_carpetaB.path();
+        EntornoDocumento d;
+        d.host = &m_hostB;
+        d.mensajes = &m_mensajesB;
+        d.busquedaCuentas = &m_busqueda;
+        d.ajustes.archivoAjustes = m_carpetaB.filePath(QStringLiteral("b.ini"));
+        d.ajustes.baseDatos = m_base.direccion();
+        m_otro = std::make_unique<lumIngAsiento>(std::move(d));
+        m_otro->resize(1000, 420);
+        m_otro->show();
+        m_otro->Iniciar();
+        ASSERT_EQ(m_otro->estado(), lumIngAsiento::Estado::Listo);
+    }
+
+    static int filaEn(lumIngAsiento &doc, qint32 id)
+    {
+        for (int r = doc.grilla().FilasFijas(); r < doc.grilla().Filas(); ++r)
+            if (doc.asientos().EsFilaCabezal(r) && doc.grilla().Dato(r, 0).toInt() == id)
+                return r;
+        return -1;
+    }
+
+    // Opens the entry's first line in a document with Enter, as a user does.
+    static void abrirEn(lumIngAsiento &doc, qint32 id)
+    {
+        QApplication::setActiveWindow(&doc);
+        doc.grid()->FijarFilaActual(filaEn(doc, id));
+        doc.grid()->setFocus();
+        QTest::keyClick(doc.grid(), Qt::Key_Return);
+    }
+
+    // Types a new legend and accepts the open line with Enter in its amount; an entry
+    // without an authoriser is given the first one offered.
+    static void cambiarLeyendaYAceptar(lumIngAsiento &doc, const QString &leyenda)
+    {
+        doc.campoLeyenda()->selectAll();
+        QTest::keyClicks(doc.campoLeyenda(), leyenda);
+        QTest::keyClick(doc.editor()->campo(lumERAsiento::kImporte), Qt::Key_Return);
+        if (auto *autoriza = doc.findChild<QComboBox *>(QStringLiteral("cfAutoriza")); QApplication::focusWidget() == autoriza) {
+            autoriza->setCurrentIndex(0);
+            QTest::keyClick(autoriza, Qt::Key_Return);
+            QTest::keyClick(doc.editor()->campo(lumERAsiento::kImporte), Qt::Key_Return);
+        }
+    }
+
+    // Waits, as the user's screen does, until the entry's header row is marked.
+    static bool esperarMarca(lumIngAsiento &doc, qint32 id, int milisegundos)
+    {
+        QDeadlineTimer plazo(milisegundos);
+        while (!plazo.hasExpired()) {
+            QTest::qWait(20);
+            const int r = filaEn(doc, id);
+            if (r >= 0 && doc.grilla().Fila(r).imagen == QLatin1String(CambiosAjenos::kImagen))
+                return true;
+        }
+        return false;
+    }
+
+    static QString ayuda(lumIngAsiento &doc, int fila)
+    {
+        const QAbstractItemModel *m = doc.grid()->model();
+        return m->data(m->index(fila - doc.grilla().FilasFijas(), 0), Qt::ToolTipRole).toString();
+    }
+
+    QStringList operaciones(qint32 id)
+    {
+        QStringList l;
+        for (const HistorialAsiento::Fila &f : HistorialAsiento::Leer(m_base.conexion(), id))
+            l << QStringLiteral("%1:%2").arg(f.operacion).arg(f.usuario);
+        return l;
+    }
+
+    qint32 asientoDePrueba()
+    {
+        const qint32 id = asientoAlFinal(EstadoAsiento::kRegistrado, QStringLiteral("Leyenda original"),
+                                         {{"1.1.01", true, 250.0}, {"4.1.01", false, 250.0}}, Demo::kLibroDiario);
+        EXPECT_FALSE(CargarAsientoEnGrilla(m_otro->asientos(), *m_otro->proceso().conexion, id, m_otro->grilla().Filas() - 1));
+        return id;
+    }
+
+    QTemporaryDir m_carpetaB;
+    HostDePrueba m_hostB;
+    MensajesGuionados m_mensajesB;
+    std::unique_ptr<lumIngAsiento> m_otro;
+};
+
+TEST_P(VariosUsuarios, UnCambioDeOtroSeMarcaSeReleeAlAbrirloYQuedaEnElHistorial)
+{
+    abrirOtro();
+    const qint32 id = asientoDePrueba();
+    ASSERT_GT(filaEn(*m_otro, id), 0);
+    ASSERT_EQ(m_otro->grilla().Fila(filaEn(*m_otro, id)).imagen, QStringLiteral("asiento"));
+
+    // The administrator changes the legend in the first document.
+    abrirEn(*m_doc, id);
+    ASSERT_GT(m_doc->FilaEdicion(), 0);
+    cambiarLeyendaYAceptar(*m_doc, QStringLiteral("Cambiada por el administrador"));
+    ASSERT_EQ(m_doc->FilaEdicion(), 0);
+    ASSERT_EQ(enBase(id).cabezal.value(2), QStringLiteral("Cambiada por el administrador"));
+
+    // The accountant's grid marks the entry within a poll, saying who changed it.
+    ASSERT_TRUE(esperarMarca(*m_otro, id, 3 * CambiosAjenos::kIntervaloMs));
+    const QString aviso = ayuda(*m_otro, filaEn(*m_otro, id));
+    EXPECT_TRUE(aviso.startsWith(QStringLiteral("Modificado por Administrador el "))) << aviso.toStdString();
+    EXPECT_TRUE(ayuda(*m_otro, filaEn(*m_otro, id) + 1).isEmpty());
+    // The administrator's own grid is not marked for its own write.
+    EXPECT_EQ(m_doc->grilla().Fila(filaDe(id)).imagen, QStringLiteral("asiento"));
+
+    // Opening it reads it again: the new legend is on screen and the change is not refused.
+    abrirEn(*m_otro, id);
+    ASSERT_GT(m_otro->FilaEdicion(), 0);
+    EXPECT_EQ(m_otro->campoLeyenda()->text(), QStringLiteral("Cambiada por el administrador"));
+    cambiarLeyendaYAceptar(*m_otro, QStringLiteral("Cambiada por la contadora"));
+    EXPECT_EQ(m_otro->FilaEdicion(), 0);
+    EXPECT_TRUE(m_mensajesB.mostrados.isEmpty()) << m_mensajesB.mostrados.join(QLatin1Char('\n')).toStdString();
+    EXPECT_EQ(enBase(id).cabezal.value(2), QStringLiteral("Cambiada por la contadora"));
+    EXPECT_TRUE(ayuda(*m_otro, filaEn(*m_otro, id)).isEmpty());
+
+    EXPECT_EQ(operaciones(id), (QStringList{QStringLiteral("alta:0"), QStringLiteral("cambio:%1").arg(Demo::kUsuarioAdministrador),
+                                            QStringLiteral("cambio:%1").arg(Demo::kUsuarioContador)}));
+
+    // The history, from the entry menu, shows the three writes, oldest first.
+    m_otro->grid()->FijarFilaActual(filaEn(*m_otro, id));
+    m_otro->menus().accion(QStringLiteral("MnuEdiHistorial"))->trigger();
+    auto *dialogo = m_otro->findChild<DialogoHistorial *>();
+    ASSERT_NE(dialogo, nullptr);
+    auto *tabla = dialogo->findChild<QTableWidget *>(QStringLiteral("tablaHistorial"));
+    ASSERT_EQ(tabla->rowCount(), 3);
+    EXPECT_EQ(tabla->item(1, 1)->text(), QStringLiteral("Administrador"));
+    EXPECT_EQ(tabla->item(2, 1)->text(), QStringLiteral("Contadora"));
+    EXPECT_EQ(tabla->item(2, 2)->text(), QStringLiteral("Cambio"));
+    EXPECT_TRUE(tabla->item(2, 3)->text().contains(QStringLiteral("Cambiada por la contadora"))) << tabla->item(2, 3)->text().toStdString();
+    dialogo->close();
+}
+
+TEST_P(VariosUsuarios, DosGrabanElMismoAsientoAbiertoYGanaElPrimero)
+{
+    abrirOtro();
+    const qint32 id = asientoDePrueba();
+    // Both open the entry before either writes.
+    abrirEn(*m_doc, id);
+    abrirEn(*m_otro, id);
+    ASSERT_GT(m_doc->FilaEdicion(), 0);
+    ASSERT_GT(m_otro->FilaEdicion(), 0);
+    QApplication::setActiveWindow(m_doc.get());
+    ASSERT_GT(m_doc->FilaEdicion(), 0);
+    ASSERT_GT(m_otro->FilaEdicion(), 0);
+
+    cambiarLeyendaYAceptar(*m_doc, QStringLiteral("Gana el primero"));
+    EXPECT_TRUE(m_mensajes.mostrados.isEmpty()) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
+    QApplication::setActiveWindow(m_otro.get());
+    cambiarLeyendaYAceptar(*m_otro, QStringLiteral("Llega tarde"));
+    QApplication::processEvents();
+
+    EXPECT_TRUE(m_mensajesB.mostrados.contains(QStringLiteral("error: Registro modificado con anterioridad.")))
+        << m_mensajesB.mostrados.join(QLatin1Char('\n')).toStdString();
+    EXPECT_EQ(enBase(id).cabezal.value(2), QStringLiteral("Gana el primero"));
+    EXPECT_EQ(operaciones(id), (QStringList{QStringLiteral("alta:0"), QStringLiteral("cambio:%1").arg(Demo::kUsuarioAdministrador)}));
+}
+
+TEST_P(VariosUsuarios, UnaLeyendaMasLargaQueLaColumnaNoSeEscribe)
+{
+    const qint32 id = asientoAlFinal(EstadoAsiento::kRegistrado, QStringLiteral("Corta"), {{"1.1.01", true, 10.0}, {"4.1.01", false, 10.0}},
+                                     Demo::kLibroDiario);
+    // The field takes no more than the column holds, whatever is typed or pasted.
+    abrirEn(*m_doc, id);
+    ASSERT_GT(m_doc->FilaEdicion(), 0);
+    m_doc->campoLeyenda()->setText(QString(300, QLatin1Char('x')));
+    EXPECT_EQ(m_doc->campoLeyenda()->text().size(), kLargoLeyenda);
+    cambiarLeyendaYAceptar(*m_doc, QString(300, QLatin1Char('y')));
+    EXPECT_EQ(enBase(id).cabezal.value(2), QString(kLargoLeyenda, QLatin1Char('y')));
+
+    // Below the screen, a longer legend is refused whole on both engines.
+    AsientoDatos datos(m_base.conexion());
+    ASSERT_TRUE(datos.CargarAsiento(id));
+    datos.Cabezal().Leyenda = QString(kLargoLeyenda + 1, QLatin1Char('z'));
+    EXPECT_EQ(datos.GrabarTodo(), 0);
+    EXPECT_TRUE(datos.ultimoError().contains(QStringLiteral("255"))) << datos.ultimoError().toStdString();
+    EXPECT_FALSE(datos.Grabar());
+    EXPECT_EQ(enBase(id).cabezal.value(2), QString(kLargoLeyenda, QLatin1Char('y')));
+}
+
+INSTANTIATE_TEST_SUITE_P(Motores, VariosUsuarios, ::testing::ValuesIn(MotoresDePrueba()),
+                         [](const ::testing::TestParamInfo<Motor> &i) { return NombreMotor(i.param).toStdString(); });
+
+} // namespace
