@@ -1,0 +1,197 @@
+// Creating a database from the command line, as a newcomer does: the tables and a company
+// in an empty database, nothing changed in one that has tables, and a database the user
+// may only read still opened.
+#include "comun/basesprueba.h"
+
+#include "store/basedemo.h"
+#include "store/conexionqt.h"
+#include "store/esquema.h"
+
+#include <QCryptographicHash>
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+namespace {
+
+struct Salida
+{
+    int estado = -1;
+    QString salida;
+    QString errores;
+};
+
+Salida correr(const QStringList &argumentos, const QString &home, const QStringList &antes = {})
+{
+    QProcess p;
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert(QStringLiteral("HOME"), home);
+    env.remove(QStringLiteral("DISPLAY"));
+    p.setProcessEnvironment(env);
+    const QStringList todo = antes + QStringList{QStringLiteral(ASIENTOS_PROGRAMA)} + argumentos;
+    p.start(todo.first(), todo.mid(1));
+    p.waitForFinished(120000);
+    return {p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1, QString::fromUtf8(p.readAllStandardOutput()),
+            QString::fromUtf8(p.readAllStandardError())};
+}
+
+QByteArray huella(const QString &archivo)
+{
+    QFile f(archivo);
+    return f.open(QIODevice::ReadOnly) ? QCryptographicHash::hash(f.readAll(), QCryptographicHash::Sha1) : QByteArray();
+}
+
+qint64 contar(Conexion &c, const char *sql)
+{
+    auto rs = c.Abrir(QString::fromLatin1(sql));
+    return rs->Campo(0).toLongLong();
+}
+
+class Inicializar : public ::testing::TestWithParam<Motor>
+{
+protected:
+    QTemporaryDir m_carpeta;
+};
+
+TEST_P(Inicializar, CreaLaBaseUnaVezYDespuesNoCambiaNada)
+{
+    BaseDePrueba vacia(GetParam(), BaseDePrueba::Contenido::Vacia);
+    const QString db = GetParam() == Motor::SQLite ? m_carpeta.filePath(QStringLiteral("nueva.sqlite")) : vacia.direccion();
+
+    Salida s = correr({QStringLiteral("--db"), db, QStringLiteral("--inicializar")}, m_carpeta.path());
+    ASSERT_EQ(s.estado, 0) << s.errores.toStdString();
+    EXPECT_TRUE(s.salida.contains(QStringLiteral("creada con la empresa de demostración"))) << s.salida.toStdString();
+    auto conexion = ConexionQt::Abrir(DireccionBD::Leer(db));
+    const qint64 asientos = contar(*conexion, "Select Count(*) From cceAsientos");
+    const qint64 lineas = contar(*conexion, "Select Count(*) From cceAsientoCuenta");
+    EXPECT_GT(asientos, 100);
+    EXPECT_TRUE(s.salida.contains(QString::number(asientos))) << s.salida.toStdString();
+    const QStringList tablas = TablasEsquema();
+    for (const QString &t : tablas)
+        EXPECT_GE(contar(*conexion, qPrintable(QStringLiteral("Select Count(*) From ") + t)), 0) << t.toStdString();
+
+    s = correr({QStringLiteral("--db"), db, QStringLiteral("--inicializar")}, m_carpeta.path());
+    EXPECT_EQ(s.estado, 0);
+    EXPECT_TRUE(s.salida.contains(QStringLiteral("ya tiene las tablas"))) << s.salida.toStdString();
+    EXPECT_EQ(contar(*conexion, "Select Count(*) From cceAsientos"), asientos);
+    EXPECT_EQ(contar(*conexion, "Select Count(*) From cceAsientoCuenta"), lineas);
+    conexion->Cerrar();
+
+    // A password given in the address is not repeated in the report.
+    if (GetParam() == Motor::PostgreSQL) {
+        QString conClave = db;
+        conClave.replace(QStringLiteral("postgresql://postgres@"), QStringLiteral("postgresql://postgres:nodecir@"));
+        s = correr({QStringLiteral("--db"), conClave, QStringLiteral("--inicializar")}, m_carpeta.path());
+        EXPECT_FALSE((s.salida + s.errores).contains(QStringLiteral("nodecir"))) << s.salida.toStdString();
+    }
+}
+
+TEST_P(Inicializar, SinDemoUnaEmpresaVaciaQueElAdministradorPuedeUsar)
+{
+    BaseDePrueba vacia(GetParam(), BaseDePrueba::Contenido::Vacia);
+    const QString db = GetParam() == Motor::SQLite ? m_carpeta.filePath(QStringLiteral("vacia.sqlite")) : vacia.direccion();
+    const Salida s = correr({QStringLiteral("--db"), db, QStringLiteral("--inicializar"), QStringLiteral("--sin-demo")}, m_carpeta.path());
+    ASSERT_EQ(s.estado, 0) << s.errores.toStdString();
+    auto c = ConexionQt::Abrir(DireccionBD::Leer(db));
+    EXPECT_EQ(contar(*c, "Select Count(*) From cceAsientos"), 0);
+    EXPECT_EQ(contar(*c, "Select Count(*) From cceEmpresas"), 1);
+    EXPECT_EQ(contar(*c, "Select Count(*) From genLibros Where LibDelSistema = 1"), 5);
+    EXPECT_GE(contar(*c, "Select Count(*) From genMonedas"), 2);
+    EXPECT_EQ(contar(*c, "Select Count(*) From segPermisos Where PerUsuario = 1 And PerLetras = 'AMEQ' And PerAutoriza = 1"), 1);
+    EXPECT_EQ(contar(*c, "Select Count(*) From genParametros Where ParNombre = 'sis_Multiusuario' And ParValor = 1"), 1);
+    c->Cerrar();
+
+    // The empty company opens: the command-line export finds nothing and says so without failing.
+    const Salida e = correr({QStringLiteral("--db"), db, QStringLiteral("--exportar"), m_carpeta.filePath(QStringLiteral("x.csv")),
+                             QStringLiteral("--vista"), QStringLiteral("1")},
+                            m_carpeta.path());
+    EXPECT_EQ(e.estado, 0) << e.errores.toStdString();
+}
+
+TEST(InicializarLinea, PedidosMalosYBasesAjenasNoCambianNada)
+{
+    QTemporaryDir carpeta;
+    EXPECT_EQ(correr({QStringLiteral("--inicializar")}, carpeta.path()).estado, 2);
+    EXPECT_EQ(correr({QStringLiteral("--db"), carpeta.filePath(QStringLiteral("a.sqlite")), QStringLiteral("--sin-demo")}, carpeta.path()).estado, 2);
+    EXPECT_FALSE(QFile::exists(carpeta.filePath(QStringLiteral("a.sqlite"))));
+
+    // Another program's SQLite file: refused by both the creation and the program, and left
+    // byte for byte as it was, in its own journal mode.
+    const QString ajena = carpeta.filePath(QStringLiteral("ajena.db"));
+    {
+        auto c = ConexionQt::Abrir(DireccionBD::Leer(ajena), true);
+        c->Ejecutar(QStringLiteral("Create Table notas (a TEXT)"));
+        c->Ejecutar(QStringLiteral("Insert Into notas Values ('hola')"));
+        c->Cerrar();
+    }
+    const QByteArray antes = huella(ajena);
+    Salida s = correr({QStringLiteral("--db"), ajena, QStringLiteral("--inicializar")}, carpeta.path());
+    EXPECT_EQ(s.estado, 1);
+    EXPECT_TRUE(s.errores.contains(QStringLiteral("no es de este programa"))) << s.errores.toStdString();
+    s = correr({QStringLiteral("--db"), ajena, QStringLiteral("--exportar"), carpeta.filePath(QStringLiteral("x.csv")),
+                QStringLiteral("--vista"), QStringLiteral("1")},
+               carpeta.path());
+    EXPECT_EQ(s.estado, 1);
+    EXPECT_EQ(huella(ajena), antes);
+    EXPECT_FALSE(QFile::exists(ajena + QStringLiteral("-wal")));
+    auto c = ConexionQt::Abrir(DireccionBD::Leer(ajena));
+    auto rs = c->Abrir(QStringLiteral("PRAGMA journal_mode"));
+    EXPECT_EQ(rs->Campo(0).toString(), QStringLiteral("delete"));
+}
+
+// A database in write-ahead mode in a folder its user may only read: it opens, for reading,
+// and is left unchanged. As root the program runs as nobody, to whom the folder is read-only.
+TEST(InicializarLinea, UnaBaseDeSoloLecturaSeAbre)
+{
+    QTemporaryDir carpeta;
+    QFile::setPermissions(carpeta.path(), QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner
+                                              | QFileDevice::ReadOther | QFileDevice::ExeOther | QFileDevice::ReadGroup
+                                              | QFileDevice::ExeGroup);
+    const QString dir = carpeta.filePath(QStringLiteral("libros"));
+    const QString salidas = carpeta.filePath(QStringLiteral("salidas"));
+    QDir().mkpath(dir);
+    QDir().mkpath(salidas);
+    const QString db = dir + QStringLiteral("/libros.sqlite");
+    ASSERT_EQ(correr({QStringLiteral("--db"), db, QStringLiteral("--inicializar")}, carpeta.path()).estado, 0);
+    {
+        auto c = ConexionQt::Abrir(DireccionBD::Leer(db));
+        auto rs = c->Abrir(QStringLiteral("PRAGMA journal_mode"));
+        ASSERT_EQ(rs->Campo(0).toString(), QStringLiteral("wal"));
+    }
+    ASSERT_FALSE(QFile::exists(db + QStringLiteral("-shm")));
+    // Another user has it open and has written to it: its log and shared-memory files are
+    // there, and not writable by the reader either.
+    auto otro = ConexionQt::Abrir(DireccionBD::Leer(db));
+    otro->ModoCompartido();
+    otro->Ejecutar(QStringLiteral("Update cceEmpresas Set EmpNombre = EmpNombre"));
+    ASSERT_TRUE(QFile::exists(db + QStringLiteral("-shm")));
+    const QByteArray antes = huella(db);
+    const auto soloLectura = QFileDevice::ReadOwner | QFileDevice::ExeOwner | QFileDevice::ReadGroup | QFileDevice::ExeGroup
+                           | QFileDevice::ReadOther | QFileDevice::ExeOther;
+    QFile::setPermissions(db, QFileDevice::ReadOwner | QFileDevice::ReadGroup | QFileDevice::ReadOther);
+    QFile::setPermissions(dir, soloLectura);
+    QFile::setPermissions(salidas, soloLectura | QFileDevice::WriteOther | QFileDevice::WriteOwner);
+    QStringList como;
+    if (geteuid() == 0)
+        como = {QStringLiteral("/usr/sbin/runuser"), QStringLiteral("-u"), QStringLiteral("nobody"), QStringLiteral("--")};
+
+    const QString csv = salidas + QStringLiteral("/mes.csv");
+    const Salida s = correr({QStringLiteral("--db"), db, QStringLiteral("--exportar"), csv, QStringLiteral("--mes"),
+                             QDate::currentDate().toString(QStringLiteral("yyyy-MM"))},
+                            salidas, como);
+    QFile::setPermissions(dir, soloLectura | QFileDevice::WriteOwner);
+    EXPECT_EQ(s.estado, 0) << s.errores.toStdString();
+    EXPECT_TRUE(s.errores.isEmpty() || !s.errores.contains(QStringLiteral("No se pudo"))) << s.errores.toStdString();
+    EXPECT_TRUE(QFile::exists(csv));
+    EXPECT_EQ(huella(db), antes);
+}
+
+INSTANTIATE_TEST_SUITE_P(Motores, Inicializar, ::testing::ValuesIn(MotoresDePrueba()),
+                         [](const ::testing::TestParamInfo<Motor> &i) { return NombreMotor(i.param).toStdString(); });
+
+} // namespace
