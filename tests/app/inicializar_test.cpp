@@ -26,14 +26,16 @@ struct Salida
     QString errores;
 };
 
-Salida correr(const QStringList &argumentos, const QString &home, const QStringList &antes = {})
+// antes: what runs the program (another user); programa: a copy of it that user may reach.
+Salida correr(const QStringList &argumentos, const QString &home, const QStringList &antes = {},
+              const QString &programa = QStringLiteral(ASIENTOS_PROGRAMA))
 {
     QProcess p;
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert(QStringLiteral("HOME"), home);
     env.remove(QStringLiteral("DISPLAY"));
     p.setProcessEnvironment(env);
-    const QStringList todo = antes + QStringList{QStringLiteral(ASIENTOS_PROGRAMA)} + argumentos;
+    const QStringList todo = antes + QStringList{programa} + argumentos;
     p.start(todo.first(), todo.mid(1));
     p.waitForFinished(120000);
     return {p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1, QString::fromUtf8(p.readAllStandardOutput()),
@@ -177,13 +179,18 @@ TEST(InicializarLinea, UnaBaseDeSoloLecturaSeAbre)
     QFile::setPermissions(dir, soloLectura);
     QFile::setPermissions(salidas, soloLectura | QFileDevice::WriteOther | QFileDevice::WriteOwner);
     QStringList como;
-    if (geteuid() == 0)
+    QString programa = QStringLiteral(ASIENTOS_PROGRAMA);
+    if (geteuid() == 0) {
         como = {QStringLiteral("/usr/sbin/runuser"), QStringLiteral("-u"), QStringLiteral("nobody"), QStringLiteral("--")};
+        // The build folder may be out of that user's reach.
+        programa = carpeta.filePath(QStringLiteral("asientos"));
+        ASSERT_TRUE(QFile::copy(QStringLiteral(ASIENTOS_PROGRAMA), programa));
+    }
 
     const QString csv = salidas + QStringLiteral("/mes.csv");
     const Salida s = correr({QStringLiteral("--db"), db, QStringLiteral("--exportar"), csv, QStringLiteral("--mes"),
                              QDate::currentDate().toString(QStringLiteral("yyyy-MM"))},
-                            salidas, como);
+                            salidas, como, programa);
     QFile::setPermissions(dir, soloLectura | QFileDevice::WriteOwner);
     EXPECT_EQ(s.estado, 0) << s.errores.toStdString();
     EXPECT_TRUE(s.errores.isEmpty() || !s.errores.contains(QStringLiteral("No se pudo"))) << s.errores.toStdString();
