@@ -1,5 +1,6 @@
 #include "fixtureasientos.h"
 
+#include "comun/sinesperar.h"
 #include "entries/vsgrid.h"
 
 #include <QAbstractItemModelTester>
@@ -261,23 +262,6 @@ TEST(DisenoGrilla, UnDiscoLlenoDejaElArchivoAnterior)
         EXPECT_EQ(todasLasFilas(leida), todasLasFilas(original));
     }
     EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files), QStringList{QStringLiteral("lg1a.tgr")}); // no temporary left
-}
-
-// Runs the call on another thread. One still waiting after two seconds (on a FIFO) fails
-// the test and is let go by opening the FIFO to write, as often as it waits.
-template <typename Llamada>
-auto sinQuedarseEsperando(const QString &fifo, Llamada llamada)
-{
-    auto resultado = std::async(std::launch::async, llamada);
-    if (resultado.wait_for(std::chrono::seconds(2)) == std::future_status::timeout) {
-        ADD_FAILURE() << "se quedó esperando en " << fifo.toStdString();
-        do {
-            const int fd = ::open(QFile::encodeName(fifo).constData(), O_WRONLY | O_NONBLOCK);
-            if (fd >= 0)
-                ::close(fd);
-        } while (resultado.wait_for(std::chrono::milliseconds(50)) == std::future_status::timeout);
-    }
-    return resultado.get();
 }
 
 // A link (to a file here or in another folder), a FIFO or a folder in the layout's place

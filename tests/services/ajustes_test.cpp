@@ -1,3 +1,4 @@
+#include "comun/sinesperar.h"
 #include "services/servicioconexion.h"
 
 #include <QDir>
@@ -23,23 +24,6 @@ void guardarAviso(QtMsgType tipo, const QMessageLogContext &, const QString &tex
 {
     if (tipo == QtWarningMsg)
         avisos << texto;
-}
-
-// Runs the call on another thread. One still waiting after two seconds (on a FIFO) fails
-// the test and is let go by opening the FIFO to write, as often as it waits.
-template <typename Llamada>
-auto sinQuedarseEsperando(const QString &fifo, Llamada llamada)
-{
-    auto resultado = std::async(std::launch::async, llamada);
-    if (resultado.wait_for(std::chrono::seconds(2)) == std::future_status::timeout) {
-        ADD_FAILURE() << "se quedó esperando en " << fifo.toStdString();
-        do {
-            const int fd = ::open(QFile::encodeName(fifo).constData(), O_WRONLY | O_NONBLOCK);
-            if (fd >= 0)
-                ::close(fd);
-        } while (resultado.wait_for(std::chrono::milliseconds(50)) == std::future_status::timeout);
-    }
-    return resultado.get();
 }
 
 // Only a regular settings file (or none) is read. A link to a good one, a FIFO or a folder
