@@ -24,11 +24,14 @@ void CambiosAjenos::Iniciar()
         return;
     // The connection may outlive this document; a notice after it is gone is dropped.
     const QPointer<CambiosAjenos> yo(this);
-    if (!conexion->Escuchar(QString::fromLatin1(HistorialAsiento::kCanal), [yo](const QString &carga) {
-            if (yo)
-                yo->recibir(carga);
-        }))
-        m_sondeo.start();
+    const bool conAvisos = conexion->Escuchar(QString::fromLatin1(HistorialAsiento::kCanal), [yo](const QString &carga) {
+        if (yo)
+            yo->recibir(carga);
+    });
+    // With notices the look at the entries on screen is only a fallback, slower: it catches
+    // what was written while the server was away, and its query brings a dropped session
+    // back, with its notices.
+    m_sondeo.start(conAvisos ? kIntervaloConAvisosMs : kIntervaloMs);
 }
 
 // A notice "AsiID|empresa|usuario": the entry's header rows in the grid, wherever they are.

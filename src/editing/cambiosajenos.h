@@ -13,7 +13,8 @@
 // Marks, in the grid, the entries that another session wrote after the grid read them: the
 // header row's state picture becomes kImagen and its tooltip says who and when. PostgreSQL
 // tells of every write at once (a notice sent with the write); on SQLite the stamps of the
-// entries on screen are compared with the stored ones every kIntervaloMs. An entry opened
+// entries on screen are compared with the stored ones every kIntervaloMs (on PostgreSQL
+// too, every kIntervaloConAvisosMs, for what the notices could not bring). An entry opened
 // for editing is read again first (ComandosAsiento::ReleerSiCambio), which clears its mark.
 class CambiosAjenos : public QObject
 {
@@ -22,6 +23,7 @@ public:
     using FilasVisibles = std::function<std::pair<int, int>()>;
 
     static constexpr int kIntervaloMs = 1000;
+    static constexpr int kIntervaloConAvisosMs = 10000;
     static constexpr const char *kImagen = "modificado";
 
     CambiosAjenos(DatosDocumento &datos, AsientosGrilla &asientos, FilasVisibles filasVisibles, QObject *padre = nullptr);

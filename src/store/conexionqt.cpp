@@ -430,14 +430,23 @@ void ConexionQt::Cerrar()
     QSqlDatabase::removeDatabase(m_nombre);
 }
 
+// Notices reach every session of the server's database; the schema worked in is part of
+// the channel, so books kept in two schemas of one database do not hear each other.
+QString ConexionQt::canal(const QString &nombre) const
+{
+    if (m_direccion.esquema.isEmpty())
+        return nombre;
+    return nombre + QLatin1Char('_') + m_direccion.esquema.toLower();
+}
+
 void ConexionQt::suscribir()
 {
     if (m_motor != Motor::PostgreSQL)
         return;
     QSqlDriver *driver = QSqlDatabase::database(m_nombre, false).driver();
     for (const auto &aviso : std::as_const(m_avisos))
-        if (!driver->subscribedToNotifications().contains(aviso.first))
-            driver->subscribeToNotification(aviso.first);
+        if (!driver->subscribedToNotifications().contains(canal(aviso.first)))
+            driver->subscribeToNotification(canal(aviso.first));
 }
 
 bool ConexionQt::Escuchar(const QString &canal, std::function<void(const QString &carga)> aviso)
@@ -449,8 +458,9 @@ bool ConexionQt::Escuchar(const QString &canal, std::function<void(const QString
     // itself is made again on every new session.
     QSqlDriver *driver = QSqlDatabase::database(m_nombre, false).driver();
     QObject::connect(driver, &QSqlDriver::notification, driver,
-                     [canal, aviso](const QString &nombre, QSqlDriver::NotificationSource origen, const QVariant &carga) {
-                         if (nombre == canal && origen == QSqlDriver::OtherSource)
+                     [propio = this->canal(canal), aviso](const QString &nombre, QSqlDriver::NotificationSource origen,
+                                                          const QVariant &carga) {
+                         if (nombre == propio && origen == QSqlDriver::OtherSource)
                              aviso(carga.toString());
                      });
     suscribir();
@@ -461,6 +471,6 @@ void ConexionQt::Avisar(const QString &canal, const QString &carga)
 {
     if (m_motor != Motor::PostgreSQL)
         return;
-    auto rs = Abrir(QStringLiteral("Select pg_notify(?, ?)"), {canal, carga});
+    auto rs = Abrir(QStringLiteral("Select pg_notify(?, ?)"), {this->canal(canal), carga});
     rs->Cerrar();
 }

@@ -50,6 +50,7 @@ private:
     void reconectar();
     void aplicarModo();
     void suscribir();
+    QString canal(const QString &nombre) const;
 
     Motor m_motor;
     QString m_nombre;
