@@ -376,8 +376,8 @@ qint32 AsientoDeSaldosIniciales(Conexion &c, qint16 estado)
         return qint32(rs->Entero(QStringLiteral("CueID")));
     };
     LineaDatos debe{cuenta("1.1.01"), 0, 0, true, 5000, 1, 5000};
-    LineaDatos haber{cuenta("3.1.01"), 0, 0, false, estado == EstadoAsiento::kInconcluso ? 4000 : 5000, 1,
-                     estado == EstadoAsiento::kInconcluso ? 4000 : 5000};
+    const double credito = estado == EstadoAsiento::kInconcluso ? 4000 : 5000;
+    LineaDatos haber{cuenta("3.1.01"), 0, 0, false, credito, 1, credito};
     datos.Lineas() = {debe, haber};
     return datos.GrabarTodo();
 }
