@@ -690,8 +690,13 @@ bool ComandosAsiento::AplicarTC(bool bMonedaCuenta, double tasa, qint16 moneda)
 
 void ComandosAsiento::RecargarAsiento(qint32 asiID, int cabezal)
 {
-    m_grilla.QuitarFilas(cabezal, m_asientos.UltimaFilaAsiento(cabezal) - cabezal + 1);
+    // The entry as stored goes in above the rows shown, which are taken out only once it is
+    // there: when the store cannot be read, the grid keeps the entry as it was.
+    const int viejas = m_asientos.UltimaFilaAsiento(cabezal) - cabezal + 1;
+    const int antes = m_grilla.Filas();
     CargarAsiento(asiID, cabezal);
+    if (m_grilla.Filas() > antes)
+        m_grilla.QuitarFilas(cabezal + (m_grilla.Filas() - antes), viejas);
 }
 
 ComandosAsiento::Vigencia ComandosAsiento::ReleerSiCambio(int cabezal)

@@ -2,8 +2,10 @@
 
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QLocale>
 
 #include <cmath>
+#include <functional>
 
 namespace HistorialAsiento {
 
@@ -71,11 +73,14 @@ QJsonObject LeerGuardado(Conexion &conexion, qint32 asiID)
     rs->Cerrar();
 
     QJsonArray lineas;
-    rs = conexion.Abrir(QStringLiteral("Select * From cceAsientoCuenta Where ACuIDAsiento = ? Order By ACuOrden, ACuID"), {asiID});
+    rs = conexion.Abrir(QStringLiteral("Select l.*, c.CueCodigo From cceAsientoCuenta l Left Join cceCuentas c On c.CueID = l.ACuCuenta"
+                                       " Where l.ACuIDAsiento = ? Order By l.ACuOrden, l.ACuID"),
+                        {asiID});
     for (; !rs->Fin(); rs->MoverSiguiente()) {
         QJsonObject l;
         l.insert(QStringLiteral("Orden"), entero(*rs, QStringLiteral("ACuOrden")));
         l.insert(QStringLiteral("Cuenta"), entero(*rs, QStringLiteral("ACuCuenta")));
+        l.insert(QStringLiteral("Codigo"), rs->Campo(QStringLiteral("CueCodigo")).toString().trimmed());
         l.insert(QStringLiteral("Proyecto"), entero(*rs, QStringLiteral("ACuProyecto")));
         l.insert(QStringLiteral("Departamento"), entero(*rs, QStringLiteral("ACuDepartamento")));
         l.insert(QStringLiteral("Debe"), numero(*rs, QStringLiteral("ACuDebe")));
@@ -142,28 +147,47 @@ UltimoCambio Ultimo(Conexion &conexion, qint32 asiID)
 QStringList Diferencias(const QJsonObject &antes, const QJsonObject &despues)
 {
     QStringList cambios;
-    static const char *const kCampos[][2] = {{"Estado", "Estado"}, {"Fecha", "Fecha"}, {"Leyenda", "Leyenda"},
-                                            {"Libro", "Libro"}, {"Autoriza", "Autoriza"}};
-    auto mostrar = [](const QJsonValue &v) {
-        if (v.isNull() || v.isUndefined())
+    const QLocale local;
+    auto importe = [&local](const QJsonValue &v) { return local.toString(v.toDouble(), 'f', 2); };
+    auto estado = [](const QJsonValue &v) {
+        switch (v.toInt(-1)) {
+        case 0:
+            return QStringLiteral("Borrador");
+        case 1:
+            return QStringLiteral("Registrado");
+        case 2:
+            return QStringLiteral("Inconcluso");
+        case 9:
+            return QStringLiteral("En la papelera");
+        default:
             return QStringLiteral("(nada)");
-        if (v.isString())
-            return QLatin1Char('"') + v.toString() + QLatin1Char('"');
-        return QString::number(v.toDouble(), 'f', v.toDouble() == std::floor(v.toDouble()) ? 0 : 2);
+        }
     };
-    for (const auto &[clave, nombre] : kCampos) {
-        const QJsonValue a = antes.value(QLatin1String(clave));
-        const QJsonValue d = despues.value(QLatin1String(clave));
+    // A book or an authoriser of 0 is none, as an empty column is.
+    auto codigo = [](const QJsonValue &v) { return v.toInt(0) == 0 ? QStringLiteral("(ninguno)") : QString::number(v.toInt()); };
+    auto texto = [](const QJsonValue &v) { return v.isString() ? QLatin1Char('"') + v.toString() + QLatin1Char('"') : QStringLiteral("(nada)"); };
+    struct Campo
+    {
+        const char *clave, *nombre;
+        std::function<QString(const QJsonValue &)> mostrar;
+    };
+    const Campo campos[] = {{"Estado", "Estado", estado}, {"Fecha", "Fecha", texto}, {"Leyenda", "Leyenda", texto},
+                            {"Libro", "Libro", codigo}, {"Autoriza", "Autoriza", codigo}};
+    for (const Campo &c : campos) {
+        const QString a = c.mostrar(antes.value(QLatin1String(c.clave)));
+        const QString d = c.mostrar(despues.value(QLatin1String(c.clave)));
         if (a != d)
-            cambios << QStringLiteral("%1: %2 → %3").arg(QLatin1String(nombre), mostrar(a), mostrar(d));
+            cambios << QStringLiteral("%1: %2 → %3").arg(QLatin1String(c.nombre), a, d);
     }
     const QJsonArray la = antes.value(QStringLiteral("Lineas")).toArray();
     const QJsonArray ld = despues.value(QStringLiteral("Lineas")).toArray();
-    auto linea = [&mostrar](const QJsonObject &l) {
+    auto linea = [&importe](const QJsonObject &l) {
         const bool debe = !l.value(QStringLiteral("Debe")).isNull();
-        return QStringLiteral("cuenta %1 %2 %3").arg(l.value(QStringLiteral("Cuenta")).toInteger())
-            .arg(debe ? QStringLiteral("debe") : QStringLiteral("haber"))
-            .arg(mostrar(l.value(debe ? QStringLiteral("Debe") : QStringLiteral("Haber"))));
+        const QString cuenta = l.value(QStringLiteral("Codigo")).toString();
+        return QStringLiteral("cuenta %1 %2 %3")
+            .arg(cuenta.isEmpty() ? QString::number(l.value(QStringLiteral("Cuenta")).toInteger()) : cuenta,
+                 debe ? QStringLiteral("debe") : QStringLiteral("haber"),
+                 importe(l.value(debe ? QStringLiteral("Debe") : QStringLiteral("Haber"))));
     };
     if (la != ld) {
         for (const QJsonValue &v : la)

@@ -45,8 +45,8 @@ bool esOcupada(const QSqlError &e, Motor motor)
 ErrorBaseDatos errorDeMotor(const QSqlError &e, Motor motor)
 {
     if (esOcupada(e, motor))
-        return ErrorBaseDatos(QStringLiteral("Otro usuario está grabando en la base de datos en este momento; se esperó %1 segundos"
-                                             " y no se hizo ningún cambio. Vuelva a intentarlo en unos instantes.")
+        return ErrorBaseDatos(QStringLiteral("La base de datos está ocupada por otro usuario: se esperó %1 segundos y la operación"
+                                             " no se hizo, sin cambiar nada. Vuelva a intentarlo en unos instantes.")
                                   .arg(ConexionQt::kEsperaBloqueo),
                               numeroError(e), ErrorBaseDatos::Causa::Ocupada);
     return ErrorBaseDatos(textoError(e), numeroError(e));
@@ -176,7 +176,9 @@ std::unique_ptr<ConexionQt> ConexionQt::Abrir(const DireccionBD &direccion, bool
 
     const bool esSqlite = direccion.motor == Motor::SQLite;
     if (esSqlite && !crearArchivo && !QFileInfo::exists(direccion.archivo))
-        throw ErrorBaseDatos(QStringLiteral("no existe el archivo %1").arg(direccion.archivo));
+        throw ErrorBaseDatos(QStringLiteral("no existe el archivo %1. Para crear en él la base de datos ejecute"
+                                            " «asientos --db %1 --inicializar».")
+                                 .arg(direccion.archivo));
 
     std::unique_ptr<ConexionQt> c(new ConexionQt(direccion.motor, nombre, direccion));
     QSqlDatabase db = QSqlDatabase::addDatabase(esSqlite ? QStringLiteral("QSQLITE") : QStringLiteral("QPSQL"), nombre);

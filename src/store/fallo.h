@@ -14,6 +14,9 @@ struct Fallo
 // The detail line of an error display: number, " - ", description.
 inline QString DetalleError(int numero, const QString &descripcion)
 {
+    // An error with no number of its own (one the program raised) shows its text alone.
+    if (numero < 0)
+        return descripcion;
     return QString::number(numero) + QStringLiteral(" - ") + descripcion;
 }
 

@@ -156,7 +156,8 @@ TEST_F(Documento, FallasDeArranqueVanAlHost)
          QStringLiteral("lumcod:main_Error<prm>[prmErrDesc]:=No coinciden los tipos</prm>")},
         {usuario(1), noHay,
          QStringLiteral("lumcod:main_Error<prm>[prmErrDesc]:=Error al iniciar la conexión a los datos, error: no existe el archivo ")
-             + noHay + QStringLiteral("</prm>")},
+             + noHay + QStringLiteral(". Para crear en él la base de datos ejecute «asientos --db ") + noHay
+             + QStringLiteral(" --inicializar».</prm>")},
     };
     for (const Caso &c : casos) {
         m_host.comandos.clear();

@@ -4,6 +4,7 @@
 #include "escenario.h"
 
 #include "editing/cambiosajenos.h"
+#include "editing/comandosasiento.h"
 #include "entries/historialasiento.h"
 #include "entries/modeloasiento.h"
 #include "entries/vistas.h"
@@ -208,6 +209,23 @@ TEST_P(VariosUsuarios, UnaLeyendaMasLargaQueLaColumnaNoSeEscribe)
     EXPECT_TRUE(datos.ultimoError().contains(QStringLiteral("255"))) << datos.ultimoError().toStdString();
     EXPECT_FALSE(datos.Grabar());
     EXPECT_EQ(enBase(id).cabezal.value(2), QString(kLargoLeyenda, QLatin1Char('y')));
+}
+
+// Reading an entry again when the store cannot be read (the server gone, a table missing)
+// leaves the entry on screen as it was, with the error said once.
+TEST_P(VariosUsuarios, UnaReleidaQueFallaDejaElAsientoEnLaGrilla)
+{
+    const qint32 id = asientoAlFinal(EstadoAsiento::kRegistrado, QStringLiteral("Sigue a la vista"),
+                                     {{"1.1.01", true, 10.0}, {"4.1.01", false, 10.0}}, Demo::kLibroDiario);
+    const QStringList antes = filasVistas(id);
+    ASSERT_EQ(antes.size(), 3);
+    m_base.conexion().Ejecutar(QStringLiteral("Alter Table cceAsientoCuenta Rename To cceAsientoCuentaFuera"));
+    m_doc->comandos().RecargarAsiento(id, filaDe(id));
+    m_base.conexion().Ejecutar(QStringLiteral("Alter Table cceAsientoCuentaFuera Rename To cceAsientoCuenta"));
+    EXPECT_EQ(filasVistas(id), antes);
+    EXPECT_EQ(m_mensajes.mostrados.size(), 1);
+    EXPECT_TRUE(m_mensajes.mostrados.value(0).startsWith(QStringLiteral("error: Error al cargar el asiento.")))
+        << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
 }
 
 INSTANTIATE_TEST_SUITE_P(Motores, VariosUsuarios, ::testing::ValuesIn(MotoresDePrueba()),

@@ -9,6 +9,7 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QJsonArray>
+#include <QJsonObject>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -448,7 +449,7 @@ TEST_P(Multiusuario, EscrituraTrabadaEsperaYNoEscribeNada)
     EXPECT_LE(esperado, ConexionQt::kEsperaBloqueo * 1000 + 2000);
     EXPECT_EQ(b.ultimoResultado(), Resultado::ErrorBase);
     EXPECT_EQ(espia.causa, Causa::Ocupada);
-    EXPECT_TRUE(b.ultimoError().contains(QStringLiteral("Otro usuario"))) << b.ultimoError().toStdString();
+    EXPECT_TRUE(b.ultimoError().contains(QStringLiteral("ocupada por otro usuario"))) << b.ultimoError().toStdString();
     EXPECT_FALSE(b.ultimoError().contains(QStringLiteral("locked"), Qt::CaseInsensitive));
     EXPECT_FALSE(b.ultimoError().contains(QStringLiteral("lock timeout"), Qt::CaseInsensitive));
     EXPECT_EQ(valor(*uno, QStringLiteral("Select AsiLeyenda From cceAsientos Where AsiID = ?"), {id}).toString(), QStringLiteral("original"));
@@ -576,6 +577,31 @@ TEST_F(MultiusuarioPostgreSQL, AvisosDeEscriturasDeOtrasSesiones)
     const qint32 tercero = Nuevo(ultimo, QStringLiteral("tras reconectar"), 5);
     esperar(3);
     EXPECT_EQ(recibidos.mid(2), QStringList{QStringLiteral("%1|1|3").arg(tercero)});
+}
+
+// What the history shows of a write: state names, no change between an empty authoriser
+// and 0, lines by account code with their amounts.
+TEST(HistorialEnPalabras, DiferenciasLegibles)
+{
+    auto linea = [](const char *codigo, bool debe, double importe) {
+        QJsonObject l{{QStringLiteral("Cuenta"), 7}, {QStringLiteral("Codigo"), QString::fromLatin1(codigo)},
+                      {QStringLiteral("Debe"), debe ? QJsonValue(importe) : QJsonValue()},
+                      {QStringLiteral("Haber"), debe ? QJsonValue() : QJsonValue(importe)}};
+        return l;
+    };
+    const QJsonObject antes{{QStringLiteral("Estado"), 0}, {QStringLiteral("Leyenda"), QStringLiteral("a")},
+                            {QStringLiteral("Autoriza"), QJsonValue()},
+                            {QStringLiteral("Lineas"), QJsonArray{linea("1.1.01", true, 68500), linea("4.1.01", false, 68500)}}};
+    QJsonObject despues = antes;
+    despues.insert(QStringLiteral("Estado"), 1);
+    despues.insert(QStringLiteral("Autoriza"), 0);
+    despues.insert(QStringLiteral("Lineas"), QJsonArray{linea("1.1.01", true, 70000.5), linea("4.1.01", false, 68500)});
+    const QLocale l;
+    EXPECT_EQ(HistorialAsiento::Diferencias(antes, despues),
+              (QStringList{QStringLiteral("Estado: Borrador → Registrado"),
+                           QStringLiteral("− cuenta 1.1.01 debe ") + l.toString(68500.0, 'f', 2),
+                           QStringLiteral("+ cuenta 1.1.01 debe ") + l.toString(70000.5, 'f', 2)}));
+    EXPECT_TRUE(HistorialAsiento::Diferencias(antes, antes).isEmpty());
 }
 
 } // namespace
