@@ -19,20 +19,27 @@ std::ostream &operator<<(std::ostream &os, const AsientoEnBase &a)
 Escenario::Escenario()
     : m_base(GetParam(), BaseDePrueba::Contenido::Demo)
 {
-    m_host.base = QStringLiteral("x?psidusuario=1|psidempresa=1|psckey=lum01|pskeyinit=1|pstempdir=") + m_carpeta.path();
-    EntornoDocumento d;
-    d.host = &m_host;
-    d.mensajes = &m_mensajes;
-    d.busquedaCuentas = &m_busqueda;
-    d.ajustes.archivoAjustes = m_carpeta.filePath(QStringLiteral("a.ini"));
-    d.ajustes.baseDatos = m_base.direccion();
-    m_doc = std::make_unique<lumIngAsiento>(std::move(d));
-    // Shorter than a month of entries: the grid scrolls.
-    m_doc->resize(1000, 420);
-    m_doc->show();
-    m_doc->Iniciar();
+    m_doc = Documento(m_host, m_mensajes, m_carpeta, 1);
     QApplication::setActiveWindow(m_doc.get());
     QApplication::processEvents();
+}
+
+std::unique_ptr<lumIngAsiento> Escenario::Documento(HostDePrueba &host, MensajesGuionados &mensajes, const QTemporaryDir &carpeta,
+                                                    int usuario)
+{
+    host.base = QStringLiteral("x?psidusuario=%1|psidempresa=1|psckey=lum01|pskeyinit=%1|pstempdir=").arg(usuario) + carpeta.path();
+    EntornoDocumento d;
+    d.host = &host;
+    d.mensajes = &mensajes;
+    d.busquedaCuentas = &m_busqueda;
+    d.ajustes.archivoAjustes = carpeta.filePath(QStringLiteral("a.ini"));
+    d.ajustes.baseDatos = m_base.direccion();
+    auto doc = std::make_unique<lumIngAsiento>(std::move(d));
+    // Shorter than a month of entries: the grid scrolls.
+    doc->resize(1000, 420);
+    doc->show();
+    doc->Iniciar();
+    return doc;
 }
 
 void Escenario::escribir(QWidget *w, const QString &t)

@@ -51,6 +51,11 @@ class Escenario : public ::testing::TestWithParam<Motor>
 protected:
     Escenario();
 
+    // A started document of the user on this test's database, with its own host, messages
+    // and layout folder.
+    std::unique_ptr<lumIngAsiento> Documento(HostDePrueba &host, MensajesGuionados &mensajes, const QTemporaryDir &carpeta,
+                                             int usuario);
+
     void enter(QWidget *w) { QTest::keyClick(w, Qt::Key_Return); }
     // Escape in the line editor leaves edit mode once the key's event is over.
     void escape(QWidget *w)

@@ -27,19 +27,7 @@ protected:
     // The second accountant's document on the same database.
     void abrirOtro()
     {
-        m_hostB.base = QStringLiteral("x?psidusuario=%1|psidempresa=1|psckey=lum01|pskeyinit=%1|pstempdir=")
-                           .arg(Demo::kUsuarioContador)
-                       + m_carpetaB.path();
-        EntornoDocumento d;
-        d.host = &m_hostB;
-        d.mensajes = &m_mensajesB;
-        d.busquedaCuentas = &m_busqueda;
-        d.ajustes.archivoAjustes = m_carpetaB.filePath(QStringLiteral("b.ini"));
-        d.ajustes.baseDatos = m_base.direccion();
-        m_otro = std::make_unique<lumIngAsiento>(std::move(d));
-        m_otro->resize(1000, 420);
-        m_otro->show();
-        m_otro->Iniciar();
+        m_otro = Documento(m_hostB, m_mensajesB, m_carpetaB, Demo::kUsuarioContador);
         ASSERT_EQ(m_otro->estado(), lumIngAsiento::Estado::Listo);
     }
 
