@@ -12,6 +12,7 @@
 #include "shell/dialogohistorial.h"
 #include "shell/menusdocumento.h"
 #include "store/basedemo.h"
+#include "store/conexionqt.h"
 
 #include <QAction>
 #include <QComboBox>
@@ -214,6 +215,28 @@ TEST_P(VariosUsuarios, UnaReleidaQueFallaDejaElAsientoEnLaGrilla)
     EXPECT_EQ(m_mensajes.mostrados.size(), 1);
     EXPECT_TRUE(m_mensajes.mostrados.value(0).startsWith(QStringLiteral("error: Error al cargar el asiento.")))
         << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
+}
+
+// A write that waits too long for another session is refused with a clear message and the
+// edit stays open with what was typed, to be accepted again once the other one is done.
+TEST_P(VariosUsuarios, UnaGrabacionQueEsperaDemasiadoNoPierdeLoEscrito)
+{
+    const qint32 id = asientoAlFinal(EstadoAsiento::kRegistrado, QStringLiteral("Antes del bloqueo"),
+                                     {{"1.1.01", true, 10.0}, {"4.1.01", false, 10.0}}, Demo::kLibroDiario);
+    abrirEn(*m_doc, id);
+    ASSERT_GT(m_doc->FilaEdicion(), 0);
+    auto otra = ConexionQt::Abrir(DireccionBD::Leer(m_base.direccion()));
+    otra->Comenzar();
+    otra->Ejecutar(QStringLiteral("Update cceAsientos Set AsiLeyenda = AsiLeyenda Where AsiID = ?"), {id});
+    cambiarLeyendaYAceptar(*m_doc, QStringLiteral("Escrita durante el bloqueo"));
+    otra->Deshacer();
+    ASSERT_EQ(m_mensajes.mostrados.size(), 1);
+    EXPECT_EQ(m_mensajes.mostrados[0], QStringLiteral("error: Error al grabar el asiento."));
+    EXPECT_TRUE(m_mensajes.detalles.value(0).startsWith(QStringLiteral("La base de datos está ocupada por otro usuario")))
+        << m_mensajes.detalles.join(QLatin1Char('\n')).toStdString();
+    EXPECT_EQ(enBase(id).cabezal.value(2), QStringLiteral("Antes del bloqueo"));
+    EXPECT_GT(m_doc->FilaEdicion(), 0);
+    EXPECT_EQ(m_doc->campoLeyenda()->text(), QStringLiteral("Escrita durante el bloqueo"));
 }
 
 INSTANTIATE_TEST_SUITE_P(Motores, VariosUsuarios, ::testing::ValuesIn(MotoresDePrueba()),
