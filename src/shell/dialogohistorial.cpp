@@ -52,13 +52,15 @@ DialogoHistorial::DialogoHistorial(qint32 asiID, const QList<HistorialAsiento::F
 
     auto *botones = new QDialogButtonBox(QDialogButtonBox::Close, this);
     botones->button(QDialogButtonBox::Close)->setText(QStringLiteral("Cerrar"));
+    // The list takes the keys from the start: arrows move through the writes, Escape closes.
+    botones->button(QDialogButtonBox::Close)->setAutoDefault(false);
     connect(botones, &QDialogButtonBox::rejected, this, &QDialog::reject);
     capa->addWidget(botones);
 
     connect(m_tabla, &QTableWidget::currentCellChanged, this, [this](int fila) { mostrarDetalle(fila); });
     if (!filas.isEmpty())
         m_tabla->setCurrentCell(int(filas.size()) - 1, 0);
-    m_tabla->setFocus();
+    setFocusProxy(m_tabla);
     resize(760, 420);
 }
 
