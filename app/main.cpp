@@ -4,7 +4,6 @@
 #include "export/exportacionlinea.h"
 #include "services/servicioconexion.h"
 #include "shell/idioma.h"
-#include "store/basedemo.h"
 #include "store/basedelprograma.h"
 
 #include <QApplication>
@@ -29,13 +28,9 @@ QString BaseDemo(const QString &carpeta, QString &error)
         return ruta;
     const QString provisoria = ruta + QStringLiteral(".nueva");
     QFile::remove(provisoria);
-    try {
-        auto conexion = ConexionQt::Abrir(DireccionBD::Leer(provisoria), true);
-        CrearBaseDemo(*conexion, QDate::currentDate());
-        conexion->Ejecutar(QStringLiteral("PRAGMA journal_mode=DELETE"));
-        conexion->Cerrar();
-    } catch (const ErrorBaseDatos &e) {
-        error = e.descripcion();
+    const Inicializacion r = InicializarBase(provisoria, true, QDate::currentDate());
+    if (r.resultado != Inicializacion::Resultado::Creada) {
+        error = r.informe;
         QFile::remove(provisoria);
         return {};
     }

@@ -72,24 +72,14 @@ int CambiosAjenos::Revisar(QList<int> cabezales)
     }
     if (porId.isEmpty())
         return 0;
-    QStringList ids;
-    for (auto it = porId.cbegin(); it != porId.cend(); ++it)
-        ids << QString::number(it.key());
     int marcadas = 0;
     try {
-        QHash<qint32, std::pair<qint16, QDateTime>> guardados;
-        auto rs = conexion->Abrir(QStringLiteral("Select AsiID, AsiEstado, AsiFechaModificado From cceAsientos Where AsiID In (%1)")
-                                      .arg(ids.join(QLatin1Char(','))));
-        for (; !rs->Fin(); rs->MoverSiguiente())
-            guardados.insert(qint32(rs->Entero(QStringLiteral("AsiID"))),
-                             {qint16(rs->Entero(QStringLiteral("AsiEstado"))), FechaHoraDeValor(rs->Campo(QStringLiteral("AsiFechaModificado")))});
-        rs->Cerrar();
+        const QHash<qint32, SelloGuardado> guardados = LeerSellos(*conexion, porId.keys());
         for (auto it = porId.cbegin(); it != porId.cend(); ++it) {
-            const auto guardado = guardados.constFind(it.key());
-            const bool existe = guardado != guardados.cend();
-            if (existe && guardado->first != EstadoAsiento::kPapelera && guardado->second == g.Dato(it.value(), 4).toDateTime())
+            const SelloGuardado guardado = guardados.value(it.key());
+            if (guardado.Vigente(g.Dato(it.value(), 4).toDateTime()))
                 continue;
-            m_avisos.insert(it.key(), textoAviso(it.key(), existe, existe ? guardado->first : qint16(0)));
+            m_avisos.insert(it.key(), textoAviso(it.key(), guardado.existe, guardado.estado));
             g.FijarImagen(it.value(), QString::fromLatin1(kImagen));
             ++marcadas;
         }
@@ -101,14 +91,14 @@ int CambiosAjenos::Revisar(QList<int> cabezales)
 
 QString CambiosAjenos::textoAviso(qint32 id, bool existe, qint16 estado) const
 {
-    const HistorialAsiento::UltimoCambio u = HistorialAsiento::Ultimo(*m_datos.conexion(), id);
+    const std::optional<HistorialAsiento::Fila> u = HistorialAsiento::Ultimo(*m_datos.conexion(), id);
     const QString que = !existe ? QStringLiteral("Eliminado") : estado == EstadoAsiento::kPapelera ? QStringLiteral("Enviado a la papelera")
                                                                                                 : QStringLiteral("Modificado");
-    if (!u.hay)
+    if (!u)
         return QStringLiteral("%1 por otro usuario. Se vuelve a leer al abrirlo.").arg(que);
-    const QString quien = u.nombreUsuario.isEmpty() ? QStringLiteral("el usuario %1").arg(u.usuario) : u.nombreUsuario;
+    const QString quien = u->nombreUsuario.isEmpty() ? QStringLiteral("el usuario %1").arg(u->usuario) : u->nombreUsuario;
     return QStringLiteral("%1 por %2 el %3 a las %4. Se vuelve a leer al abrirlo.")
-        .arg(que, quien, u.momento.toString(FormatoQtDeFecha(m_datos.formatoFecha)), u.momento.toString(QStringLiteral("hh:mm:ss")));
+        .arg(que, quien, u->momento.toString(FormatoQtDeFecha(m_datos.formatoFecha)), u->momento.toString(QStringLiteral("hh:mm:ss")));
 }
 
 QString CambiosAjenos::Aviso(int fila) const

@@ -704,14 +704,10 @@ ComandosAsiento::Vigencia ComandosAsiento::ReleerSiCambio(int cabezal)
     const qint32 id = m_asientos.IdDeFila(cabezal);
     if (id <= 0)
         return Vigencia::Vigente;
-    auto rs = m_datos.conexion()->Abrir(QStringLiteral("Select AsiEstado, AsiFechaModificado From cceAsientos Where AsiID = ?"), {id});
-    const bool existe = !rs->Fin();
-    const qint16 estado = existe ? qint16(rs->Entero(QStringLiteral("AsiEstado"))) : 0;
-    const QDateTime sello = existe ? FechaHoraDeValor(rs->Campo(QStringLiteral("AsiFechaModificado"))) : QDateTime();
-    rs->Cerrar();
-    if (existe && estado != EstadoAsiento::kPapelera && sello == m_grilla.Dato(cabezal, 4).toDateTime())
+    const SelloGuardado guardado = LeerSellos(*m_datos.conexion(), {id}).value(id);
+    if (guardado.Vigente(m_grilla.Dato(cabezal, 4).toDateTime()))
         return Vigencia::Vigente;
-    if (!existe || estado == EstadoAsiento::kPapelera) {
+    if (!guardado.existe || guardado.estado == EstadoAsiento::kPapelera) {
         m_grilla.QuitarFilas(cabezal, m_asientos.UltimaFilaAsiento(cabezal) - cabezal + 1);
         m_datos.Error(1916, DetalleError(id, QStringLiteral("Otro usuario eliminó el asiento o lo envió a la papelera.")));
         return Vigencia::Quitada;

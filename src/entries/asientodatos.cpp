@@ -58,6 +58,28 @@ QString TextoDeCuenta(Conexion &conexion, qint32 cuenta, bool mostrarCodigo)
     return TextoCuenta(rs->Texto(QStringLiteral("CueCodigo")).trimmed(), rs->Texto(QStringLiteral("CueNombre")).trimmed(), mostrarCodigo);
 }
 
+bool SelloGuardado::Vigente(const QDateTime &leido) const
+{
+    return existe && estado != EstadoAsiento::kPapelera && sello == leido;
+}
+
+QHash<qint32, SelloGuardado> LeerSellos(Conexion &conexion, const QList<qint32> &ids)
+{
+    QHash<qint32, SelloGuardado> sellos;
+    if (ids.isEmpty())
+        return sellos;
+    QStringList lista;
+    for (qint32 id : ids)
+        lista << QString::number(id);
+    auto rs = conexion.Abrir(QStringLiteral("Select AsiID, AsiEstado, AsiFechaModificado From cceAsientos Where AsiID In (%1)")
+                                 .arg(lista.join(QLatin1Char(','))));
+    for (; !rs->Fin(); rs->MoverSiguiente())
+        sellos.insert(qint32(rs->Entero(QStringLiteral("AsiID"))),
+                      {true, qint16(rs->Entero(QStringLiteral("AsiEstado"))), FechaHoraDeValor(rs->Campo(QStringLiteral("AsiFechaModificado")))});
+    rs->Cerrar();
+    return sellos;
+}
+
 bool AsientoVerificado(Conexion &conexion, qint32 asiID)
 {
     auto rs = conexion.Abrir(QStringLiteral("Select AsiVerificado from cceAsientos Where AsiID = ") + QString::number(asiID));

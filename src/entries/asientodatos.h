@@ -4,6 +4,7 @@
 
 #include <QDate>
 #include <QDateTime>
+#include <QHash>
 #include <QString>
 #include <QVector>
 
@@ -66,6 +67,20 @@ SumasEnCentesimos SumarEnCentesimos(const QVector<LineaDatos> &lineas);
 // An account as the lists show it ("code - name", or the name alone); its id as text when
 // there is no such account. Throws ErrorBaseDatos.
 QString TextoDeCuenta(Conexion &conexion, qint32 cuenta, bool mostrarCodigo);
+
+// An entry's state and stamp as stored now, against which a copy read earlier is checked.
+struct SelloGuardado
+{
+    bool existe = false;
+    qint16 estado = 0;
+    QDateTime sello;
+    // Whether a copy read with the stamp leido still is the entry as stored: not written
+    // since, not deleted, not in the trash.
+    bool Vigente(const QDateTime &leido) const;
+};
+// The stored state and stamp of each entry asked for; an entry that no longer exists is left
+// out (its SelloGuardado is the default one). Throws ErrorBaseDatos.
+QHash<qint32, SelloGuardado> LeerSellos(Conexion &conexion, const QList<qint32> &ids);
 
 // Whether the entry is verified (AsiVerificado 1 or 2): its authoriser may not change.
 bool AsientoVerificado(Conexion &conexion, qint32 asiID);

@@ -6,6 +6,7 @@
 
 #include <cmath>
 #include <functional>
+#include <optional>
 
 namespace HistorialAsiento {
 
@@ -42,14 +43,6 @@ QJsonObject objeto(const QVariant &v)
     if (v.isNull())
         return {};
     return QJsonDocument::fromJson(v.toString().toUtf8()).object();
-}
-
-QString nombreDe(Conexion &conexion, qint16 usuario)
-{
-    auto rs = conexion.Abrir(QStringLiteral("Select UsuNombre From segUsuarios Where UsuID = ?"), {usuario});
-    const QString nombre = rs->Fin() ? QString() : rs->Campo(0).toString().trimmed();
-    rs->Cerrar();
-    return nombre;
 }
 
 } // namespace
@@ -106,11 +99,14 @@ void Registrar(Conexion &conexion, qint32 asiID, qint16 usuario, const QDateTime
     conexion.Avisar(QString::fromLatin1(kCanal), QStringLiteral("%1|%2|%3").arg(asiID).arg(empresa).arg(usuario));
 }
 
-QList<Fila> Leer(Conexion &conexion, qint32 asiID)
+namespace {
+
+// An entry's rows, with the user's name: oldest first, or only the newest.
+QList<Fila> leerFilas(Conexion &conexion, qint32 asiID, bool soloUltima)
 {
     auto rs = conexion.Abrir(QStringLiteral("Select h.*, u.UsuNombre From cceAsientosHistorial h"
-                                            " Left Join segUsuarios u On u.UsuID = h.HisUsuario"
-                                            " Where h.HisAsiento = ? Order By h.HisID"),
+                                            " Left Join segUsuarios u On u.UsuID = h.HisUsuario Where h.HisAsiento = ?")
+                                 + (soloUltima ? QStringLiteral(" Order By h.HisID Desc Limit 1") : QStringLiteral(" Order By h.HisID")),
                              {asiID});
     QList<Fila> filas;
     for (; !rs->Fin(); rs->MoverSiguiente()) {
@@ -127,21 +123,17 @@ QList<Fila> Leer(Conexion &conexion, qint32 asiID)
     return filas;
 }
 
-UltimoCambio Ultimo(Conexion &conexion, qint32 asiID)
+} // namespace
+
+QList<Fila> Leer(Conexion &conexion, qint32 asiID)
 {
-    UltimoCambio u;
-    auto rs = conexion.Abrir(QStringLiteral("Select HisUsuario, HisMomento, HisOperacion From cceAsientosHistorial"
-                                            " Where HisAsiento = ? Order By HisID Desc Limit 1"),
-                             {asiID});
-    if (rs->Fin())
-        return u;
-    u.hay = true;
-    u.usuario = rs->EsNulo(QStringLiteral("HisUsuario")) ? 0 : qint16(rs->Entero(QStringLiteral("HisUsuario")));
-    u.momento = FechaHoraDeValor(rs->Campo(QStringLiteral("HisMomento")));
-    u.operacion = rs->Campo(QStringLiteral("HisOperacion")).toString().trimmed();
-    rs->Cerrar();
-    u.nombreUsuario = nombreDe(conexion, u.usuario);
-    return u;
+    return leerFilas(conexion, asiID, false);
+}
+
+std::optional<Fila> Ultimo(Conexion &conexion, qint32 asiID)
+{
+    const QList<Fila> filas = leerFilas(conexion, asiID, true);
+    return filas.isEmpty() ? std::nullopt : std::optional<Fila>(filas.first());
 }
 
 QStringList Diferencias(const QJsonObject &antes, const QJsonObject &despues)

@@ -7,6 +7,8 @@
 #include <QList>
 #include <QString>
 
+#include <optional>
+
 // The audit trail of entries: every write of an entry leaves one row, in the same
 // transaction as the write, with who made it, when, what kind of write it was, and the
 // entry as stored before and after it. Rows are never changed or deleted.
@@ -43,16 +45,9 @@ struct Fila
 // An entry's history, oldest first.
 QList<Fila> Leer(Conexion &conexion, qint32 asiID);
 
-// The last write of an entry made by someone, for the "changed by another user" mark.
-struct UltimoCambio
-{
-    bool hay = false;
-    qint16 usuario = 0;
-    QString nombreUsuario;
-    QDateTime momento;
-    QString operacion;
-};
-UltimoCambio Ultimo(Conexion &conexion, qint32 asiID);
+// The last write of an entry, for the "changed by another user" mark; none when the entry
+// has no history.
+std::optional<Fila> Ultimo(Conexion &conexion, qint32 asiID);
 
 // What changed between before and after, in words: one line per header field that
 // changed, and the lines added, removed or changed.

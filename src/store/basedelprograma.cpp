@@ -17,7 +17,8 @@ std::unique_ptr<ConexionQt> AbrirBaseDelPrograma(const QString &direccion)
 {
     auto conexion = ConexionQt::Abrir(DireccionBD::Leer(direccion));
     const QString visible = DireccionVisible(direccion);
-    switch (ExaminarEsquema(*conexion)) {
+    QStringList tablas;
+    switch (ExaminarEsquema(*conexion, &tablas)) {
     case EstadoEsquema::Vacia:
         throw ErrorBaseDatos(QStringLiteral("La base de datos %1 está vacía: no tiene las tablas del programa. Para crearlas con la"
                                             " empresa de demostración ejecute «asientos --db %1 --inicializar», o agregue"
@@ -31,7 +32,7 @@ std::unique_ptr<ConexionQt> AbrirBaseDelPrograma(const QString &direccion)
         break;
     }
     if (!conexion->soloLectura())
-        CompletarEsquema(*conexion);
+        CompletarEsquema(*conexion, tablas);
     conexion->ModoCompartido();
     return conexion;
 }

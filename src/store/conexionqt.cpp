@@ -34,6 +34,14 @@ int numeroError(const QSqlError &e)
 // SQLite answers busy (5) or locked (6) when another connection holds the file past the
 // busy timeout; PostgreSQL answers lock_not_available past lock_timeout, a deadlock or a
 // serialization failure. In every case the statement, and so the transaction, wrote nothing.
+// A write the server dropped with its session, told once the session is back.
+ErrorBaseDatos cambioNoGrabado(const QSqlError &e)
+{
+    return ErrorBaseDatos(QStringLiteral("Se perdió la conexión con el servidor de la base de datos y el cambio no se grabó."
+                                         " La conexión ya se restableció: vuelva a intentarlo."),
+                          numeroError(e), ErrorBaseDatos::Causa::ConexionPerdida);
+}
+
 bool esOcupada(const QSqlError &e, Motor motor)
 {
     const QString codigo = e.nativeErrorCode();
@@ -320,9 +328,7 @@ QSqlQuery ConexionQt::preparar(const QString &sql, const QVariantList &valores, 
         const bool enTransaccion = m_nivel > 0;
         reconectar();
         if (!lectura || enTransaccion || intento > 0)
-            throw ErrorBaseDatos(QStringLiteral("Se perdió la conexión con el servidor de la base de datos y el cambio no se grabó."
-                                                " La conexión ya se restableció: vuelva a intentarlo."),
-                                 numeroError(error), ErrorBaseDatos::Causa::ConexionPerdida);
+            throw cambioNoGrabado(error);
     }
 }
 
@@ -394,9 +400,7 @@ void ConexionQt::Confirmar()
         q = QSqlQuery();
         if (conexionCaida(error)) {
             reconectar();
-            throw ErrorBaseDatos(QStringLiteral("Se perdió la conexión con el servidor de la base de datos y el cambio no se grabó."
-                                                " La conexión ya se restableció: vuelva a intentarlo."),
-                                 numeroError(error), ErrorBaseDatos::Causa::ConexionPerdida);
+            throw cambioNoGrabado(error);
         }
         throw errorDeMotor(error, m_motor);
     }
@@ -446,16 +450,16 @@ void ConexionQt::suscribir()
     if (m_motor != Motor::PostgreSQL)
         return;
     QSqlDriver *driver = QSqlDatabase::database(m_nombre, false).driver();
-    for (const auto &aviso : std::as_const(m_avisos))
-        if (!driver->subscribedToNotifications().contains(canal(aviso.first)))
-            driver->subscribeToNotification(canal(aviso.first));
+    for (const QString &nombre : std::as_const(m_canales))
+        if (!driver->subscribedToNotifications().contains(canal(nombre)))
+            driver->subscribeToNotification(canal(nombre));
 }
 
 bool ConexionQt::Escuchar(const QString &canal, std::function<void(const QString &carga)> aviso)
 {
     if (m_motor != Motor::PostgreSQL)
         return false;
-    m_avisos.append({canal, aviso});
+    m_canales.append(canal);
     // The driver outlives a reconnection, so the signal is connected once; the subscription
     // itself is made again on every new session.
     QSqlDriver *driver = QSqlDatabase::database(m_nombre, false).driver();

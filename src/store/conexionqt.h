@@ -58,5 +58,5 @@ private:
     int m_nivel = 0; // transactions open, the outermost one and its savepoints
     bool m_soloLectura = false;
     bool m_compartido = false;
-    QList<std::pair<QString, std::function<void(const QString &)>>> m_avisos;
+    QStringList m_canales; // channels listened to, subscribed again on every new session
 };

@@ -158,7 +158,7 @@ QStringList TablasEsquema()
     return nombres;
 }
 
-QStringList TablasDeLaBase(Conexion &conexion)
+static QStringList TablasDeLaBase(Conexion &conexion)
 {
     auto rs = conexion.motor() == Motor::PostgreSQL
                   ? conexion.Abrir(QStringLiteral("Select table_name From information_schema.tables Where table_schema = current_schema()"))
@@ -170,20 +170,21 @@ QStringList TablasDeLaBase(Conexion &conexion)
     return tablas;
 }
 
-EstadoEsquema ExaminarEsquema(Conexion &conexion)
+EstadoEsquema ExaminarEsquema(Conexion &conexion, QStringList *tablasLeidas)
 {
     const QStringList tablas = TablasDeLaBase(conexion);
+    if (tablasLeidas)
+        *tablasLeidas = tablas;
     if (tablas.isEmpty())
         return EstadoEsquema::Vacia;
     return tablas.contains(QStringLiteral("cceasientos")) && tablas.contains(QStringLiteral("cceasientocuenta"))
                ? EstadoEsquema::DelPrograma : EstadoEsquema::Ajena;
 }
 
-void CompletarEsquema(Conexion &conexion)
+void CompletarEsquema(Conexion &conexion, const QStringList &tablas)
 {
     // Tables added after the first version, with their indexes; a database that lacks some
     // other table is damaged, and is left for its errors to show.
-    const QStringList tablas = TablasDeLaBase(conexion);
     if (tablas.contains(QStringLiteral("cceasientoshistorial")))
         return;
     Transaccion tx(conexion);

@@ -14,7 +14,9 @@ QStringList TablasEsquema();
 
 // What a database holds: nothing at all, this program's tables, or tables of something else.
 enum class EstadoEsquema { Vacia, DelPrograma, Ajena };
-EstadoEsquema ExaminarEsquema(Conexion &conexion);
+// tablas, when given, receives the tables found (names in lower case).
+EstadoEsquema ExaminarEsquema(Conexion &conexion, QStringList *tablas = nullptr);
 
-// Adds the tables that a database made by an earlier version of the program lacks.
-void CompletarEsquema(Conexion &conexion);
+// Adds the tables that a database made by an earlier version of the program lacks; tablas
+// are those it holds, as ExaminarEsquema found them.
+void CompletarEsquema(Conexion &conexion, const QStringList &tablas);
