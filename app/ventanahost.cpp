@@ -1,5 +1,7 @@
 #include "ventanahost.h"
 
+#include <QCloseEvent>
+
 #include "services/serviciomensajesqt.h"
 #include "shell/lumingasiento.h"
 
@@ -54,6 +56,15 @@ VentanaHost::VentanaHost(const OpcionesHost &opciones, const QString &baseDatos,
 
     m_documento = new lumIngAsiento(std::move(entorno), m_centro);
     m_centro->addWidget(m_documento);
+}
+
+void VentanaHost::closeEvent(QCloseEvent *evento)
+{
+    if (m_documento && !m_documento->PuedeCerrar()) {
+        evento->ignore();
+        return;
+    }
+    QMainWindow::closeEvent(evento);
 }
 
 VentanaHost::~VentanaHost()

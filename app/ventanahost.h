@@ -24,6 +24,8 @@ public:
     VentanaHost(const OpcionesHost &opciones, const QString &baseDatos, const QString &archivoAjustes,
                 const QString &carpetaDatos, bool desatendido);
     ~VentanaHost() override;
+    // Closing the window ends an edit first; the window stays when the user goes back to it.
+    void closeEvent(QCloseEvent *evento) override;
 
     QString BaseHRef() const override { return m_baseHRef; }
     void Navegar(const QString &direccion, const QString &marco) override;

@@ -17,6 +17,11 @@ public:
     // Rounds to four decimals, halves away from zero, on the value as written (1.00005 is
     // 1.0001 even though its binary double is slightly less).
     static Importe DesdeDouble(double valor);
+    // As DesdeDouble, false (and resultado untouched) for a value that is not finite or does
+    // not fit the type: such a value is refused, never taken as 0.
+    static bool DesdeDoubleComprobado(double valor, Importe &resultado);
+    // The largest amount the type holds, in units (about 922 billion million).
+    static constexpr double kMaximo = 922337203685477.0;
     // Reads "1234.5", "-0.25" (a point as decimal separator, no grouping); false when the
     // text is no number or does not fit.
     static bool DesdeTexto(const QString &texto, Importe &resultado);
@@ -30,6 +35,15 @@ public:
     Importe operator-() const { return DesdeDiezmilesimos(-m_n); }
     Importe &operator+=(Importe o) { m_n += o.m_n; return *this; }
     Importe &operator-=(Importe o) { m_n -= o.m_n; return *this; }
+    // Adds o unless the sum would leave the type's range; false (and nothing added) then.
+    bool SumarComprobado(Importe o)
+    {
+        qint64 suma = 0;
+        if (__builtin_add_overflow(m_n, o.m_n, &suma))
+            return false;
+        m_n = suma;
+        return true;
+    }
     auto operator<=>(const Importe &) const = default;
     bool esCero() const { return m_n == 0; }
     Importe abs() const { return DesdeDiezmilesimos(m_n < 0 ? -m_n : m_n); }

@@ -61,12 +61,17 @@ bool BuscarCotizacion(Conexion &conexion, qint16 iMoneda, qint16 iCotizaEn, qint
 }
 
 Importe BuscarTipoCambio(Conexion &conexion, qint16 iMonedaOrigen, qint16 iMonedaDestino, qint16 iTipoCotizacion,
-                         const QDate &dFecha, QDate &dFechaCotizacion, const ReglasCotizacion &reglas)
+                         const QDate &dFecha, QDate &dFechaCotizacion, const ReglasCotizacion &reglas, bool *encontrada)
 {
     const QDate efectiva = FechaEfectivaCotizacion(dFecha, reglas);
     Importe tasa = Importe::DesdeDouble(1);
-    if (BuscarCotizacion(conexion, iMonedaOrigen, iMonedaDestino, iTipoCotizacion, efectiva, dFechaCotizacion, tasa, reglas))
+    if (encontrada)
+        *encontrada = false;
+    if (BuscarCotizacion(conexion, iMonedaOrigen, iMonedaDestino, iTipoCotizacion, efectiva, dFechaCotizacion, tasa, reglas)) {
+        if (encontrada)
+            *encontrada = true;
         return tasa;
+    }
 
     qint16 cotizaA = 0;
     qint16 cotizaB = 0;
@@ -102,6 +107,8 @@ Importe BuscarTipoCambio(Conexion &conexion, qint16 iMonedaOrigen, qint16 iMoned
     }
     if (!hallada)
         dFechaCotizacion = efectiva;
+    if (encontrada)
+        *encontrada = hallada;
     // A cross rate, like the fallback of 1, is cut to three decimals by printing it with the
     // mask "#.000" and reading it back.
     return Importe::DesdeDouble(RedondearConMascara(cruzada, QStringLiteral("#.000")));

@@ -1,7 +1,11 @@
 #include "asientoapertura.h"
 
+#include "currency/catalogomonedas.h"
+#include "currency/mascara.h"
+#include "currency/tipocambio.h"
 #include "services/ocupado.h"
 #include "services/serviciomensajes.h"
+#include "store/valoressql.h"
 
 #include <QStringList>
 
@@ -45,6 +49,13 @@ void AsientoApertura::MnuEdiAPA()
     try {
         if (ActualizarExisteApertura())
             return;
+        // One made already and not finished (incomplete or a draft): it is shown to be
+        // finished instead of making another.
+        if (const qint32 pendiente = m_comandos.saldosIniciales().OtroAsientoApertura(); pendiente > 0) {
+            MostrarAsiento(pendiente);
+            m_datos.Informar(1960);
+            return;
+        }
         if (m_datos.mensajes->Preguntar(m_datos.texto(1827), ServicioMensajes::Botones::SiNo, QStringLiteral("ATENCIÓN"))
             != ServicioMensajes::Respuesta::Si)
             return;
@@ -58,6 +69,53 @@ void AsientoApertura::MnuEdiAPA()
     } catch (const ErrorBaseDatos &e) {
         m_datos.Error(1930, DetalleError(e.numero(), e.descripcion()));
     }
+}
+
+void AsientoApertura::MostrarAsiento(qint32 asiID)
+{
+    Grilla &g = m_asientos.grilla();
+    for (int r = g.FilasFijas(); r < g.Filas(); ++r) {
+        if (m_asientos.EsFilaCabezal(r) && m_asientos.IdDeFila(r) == asiID) {
+            m_pantalla.SeleccionarFila(r);
+            return;
+        }
+    }
+    const int fila = g.Filas() - 1;
+    m_comandos.CargarAsiento(asiID, fila);
+    m_pantalla.SeleccionarFila(fila);
+}
+
+// Values at the quotation of the opening-balance date the foreign balances stored without
+// their value in the accounting currency. False, after naming the account, when a currency
+// has no quotation for that date: a balance is never booked at a rate of 1 it does not have.
+bool AsientoApertura::valorarSaldosExtranjeros(QVector<LineaDatos> &lineas, const QVector<qint16> &monedas)
+{
+    const qint16 mc = m_datos.empresa.monedaContabilidad;
+    ReglasCotizacion reglas;
+    reglas.delimitador = m_datos.parametros().delimitadorFecha;
+    reglas.patronFecha = m_datos.parametros().formatoFecha;
+    reglas.fechaCotizacion = m_datos.empresa.fechaCotizacion;
+    const QString mascaraMC = m_datos.monedas().DatoMoneda(0, 4).toString();
+    for (int i = 0; i < lineas.size(); ++i) {
+        LineaDatos &l = lineas[i];
+        if (monedas.value(i) == 0 || l.ImporteMC != 0 || l.Importe == 0)
+            continue;
+        bool hallada = false;
+        QDate fecha;
+        const double tasa = BuscarTipoCambio(*m_datos.conexion(), monedas.value(i), mc, m_datos.empresa.tipoTCComprobantes,
+                                             m_datos.fechaAsientoApertura, fecha, reglas, &hallada)
+                                .aDouble();
+        if (!hallada || !(tasa > 0)) {
+            QString texto = m_datos.texto(1959);
+            texto.replace(QLatin1String("[p]"), TextoDeCuenta(*m_datos.conexion(), l.Cuenta, true));
+            texto.replace(QLatin1String("[p1]"), FormatoFechaSuite(m_datos.fechaAsientoApertura, QTime(0, 0), m_datos.formatoFecha));
+            m_datos.mensajes->MostrarError(texto, m_datos.texto(1000), QString());
+            return false;
+        }
+        l.Tasa = tasa;
+        l.ImporteMC = RedondearConMascara(l.Importe * tasa, mascaraMC);
+    }
+    return true;
 }
 
 bool AsientoApertura::AbrirCuentas(const QString &lista)
@@ -92,32 +150,45 @@ qint32 AsientoApertura::HacerAsientoApertura()
     if (haySaldos && !AbrirCuentas(cerradas))
         return 0;
     const Ocupado ocupado;
-    const QVector<LineaDatos> lineas = haySaldos ? saldos.LineasDeSaldos(m_datos.empresa.clase, m_datos.empresa.monedaContabilidad)
-                                                 : QVector<LineaDatos>();
+    QVector<qint16> monedas;
+    QVector<LineaDatos> lineas = haySaldos ? saldos.LineasDeSaldos(m_datos.empresa.clase, m_datos.empresa.monedaContabilidad, &monedas)
+                                           : QVector<LineaDatos>();
     if (lineas.isEmpty()) {
         if (m_datos.Preguntar(1855) && ayuda)
             ayuda();
         return 0;
     }
-    // Registered when the balances balance, to the cent; otherwise incomplete, so that it is
-    // finished by hand and only then counts as the opening-balance entry.
-    const SumasEnCentesimos sumas = SumarEnCentesimos(lineas);
-    const bool cierra = sumas.debe == sumas.haber;
+    if (!valorarSaldosExtranjeros(lineas, monedas))
+        return 0;
 
     AsientoDatos datos(*m_datos.conexion(), m_datos.librosSistema());
     datos.FijarUsuario(m_datos.usuario);
     CabezalDatos &d = datos.Cabezal();
     d.Empresa = m_datos.idEmpresa();
+    datos.Lineas() = lineas;
+    // Registered when the balances balance; otherwise incomplete, so that it is finished by
+    // hand and only then counts as the opening-balance entry.
+    const bool cierra = datos.Balance().cierra;
     d.Usuario = m_datos.usuario;
     d.Estado = cierra ? EstadoAsiento::kRegistrado : EstadoAsiento::kInconcluso;
     d.FechaCambioEstado = AsientoDatos::SelloNuevo(QDateTime());
     d.Fecha = m_datos.fechaAsientoApertura;
     d.Leyenda = m_datos.texto(1095);
     d.Libro = m_datos.librosSistema().primeraApertura;
-    datos.Lineas() = lineas;
     const qint32 id = cierra ? datos.GrabarApertura() : datos.GrabarTodo();
-    if (id <= 0)
+    if (id <= 0) {
+        // Another session made it meanwhile, or the store refused it: nothing was written.
+        if (datos.ultimoNumero() == 1837) {
+            m_datos.Advertir(1835);
+            ActualizarExisteApertura();
+            return 0;
+        }
+        if (datos.ultimoNumero() != 0) {
+            m_datos.Error(datos.ultimoNumero());
+            return 0;
+        }
         throw ErrorBaseDatos(datos.ultimoError());
+    }
     return id;
 }
 
@@ -152,7 +223,6 @@ void AsientoApertura::ConvertirApertura()
         }
         AsientoDatos datos(*m_datos.conexion(), m_datos.librosSistema());
         datos.FijarUsuario(m_datos.usuario);
-    datos.FijarUsuario(m_datos.usuario);
         if (!datos.CargarAsiento(c.AsiID))
             throw ErrorBaseDatos(datos.ultimoError());
         CabezalDatos &d = datos.Cabezal();
@@ -166,8 +236,7 @@ void AsientoApertura::ConvertirApertura()
         }
         if (!esApertura) {
             // Only a balanced entry can become it: it is registered as it becomes it.
-            const SumasEnCentesimos sumas = SumarEnCentesimos(datos.Lineas());
-            if (sumas.debe != sumas.haber || sumas.debe == 0) {
+            if (!datos.Balance().cierra) {
                 m_datos.Informar(1952);
                 return;
             }
@@ -200,11 +269,11 @@ void AsientoApertura::ConvertirApertura()
             d.Libro = libro->second;
         }
         if (!datos.Grabar(AsientoDatos::Sello::SegundosEnteros)) {
-            if (datos.ultimoResultado() == AsientoDatos::Resultado::Modificado) {
-                m_datos.Error(1820);
-                return;
-            }
-            throw ErrorBaseDatos(datos.ultimoError());
+            if (datos.ultimoNumero() == 0)
+                throw ErrorBaseDatos(datos.ultimoError());
+            m_datos.Error(datos.ultimoNumero());
+            ActualizarExisteApertura();
+            return;
         }
         m_asientos.grilla().FijarRedibujar(false);
         m_comandos.RecargarAsiento(c.AsiID, cabezal);

@@ -28,12 +28,19 @@ public:
     std::function<void()> ayuda;
 
     // The menu command: with the add right and no such entry yet, question 1827, then the
-    // entry is made and shown after the last row.
+    // entry is made and shown after the last row. One made and not finished yet is shown
+    // instead, with 1960.
     void MnuEdiAPA();
+    // Selects the entry's header row, loading the entry after the last row when it is not
+    // shown.
+    void MostrarAsiento(qint32 asiID);
     // Makes the entry from the accounts' balances, registered when they balance (incomplete
     // otherwise, to be finished by hand). Accounts closed on or after the opening-balance
     // date are opened first, after the user agrees. Answers the new entry's id; 0 when none
-    // was made (1835 it exists already; 1855 no account has a balance; the user declined).
+    // was made (1835 it exists already; 1855 no account has a balance; 1959 a foreign
+    // balance stored without its accounting-currency value and no quotation to value it;
+    // the user declined). A foreign balance without that value is valued at the quotation
+    // of the opening-balance date.
     qint32 HacerAsientoApertura();
     // With accounts to open, asks (OK/Cancel) and opens them; false when the user cancels.
     bool AbrirCuentas(const QString &lista);
@@ -45,6 +52,7 @@ public:
     void ConvertirApertura();
 
 private:
+    bool valorarSaldosExtranjeros(QVector<LineaDatos> &lineas, const QVector<qint16> &monedas);
     SaldosIniciales saldosIniciales() const;
     qint16 libroNormal() const;
 

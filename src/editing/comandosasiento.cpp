@@ -40,6 +40,25 @@ AsientoDatos ComandosAsiento::asientoGuardado(qint32 asiID) const
     return datos;
 }
 
+// Tells why the data service refused a write. A failure of the database is thrown, for the
+// command to tell with its own text and the detail.
+void ComandosAsiento::decirRechazo(const AsientoDatos &datos) const
+{
+    const int numero = datos.ultimoNumero();
+    if (numero == 0)
+        throw ErrorBaseDatos(datos.ultimoError());
+    m_datos.Error(numero, numero == 1957 ? datos.ultimoError() : QString());
+}
+
+// The state a balanced entry is stored in when it becomes complete: registered, or a draft
+// when the user keeps new entries as drafts or when it is dated after today.
+qint16 ComandosAsiento::estadoCompleto(const QDate &fecha) const
+{
+    if (m_datos.asiSaveB || fecha > QDate::currentDate())
+        return EstadoAsiento::kBorrador;
+    return EstadoAsiento::kRegistrado;
+}
+
 // The entry of the grid's current row becomes the current entry; answers its header row,
 // -1 when the row belongs to no entry.
 int ComandosAsiento::tomarAsientoDeFilaActual()
@@ -77,18 +96,22 @@ void ComandosAsiento::RegistrarAsiento()
         m_pantalla.SeleccionarFila(filaActual);
         m_asientos.ResetCabezal();
     };
-    if (cabezal < 0 || c.AsiEstado >= EstadoAsiento::kInconcluso) {
-        const bool incompleto = cabezal >= 0 && c.AsiEstado == EstadoAsiento::kInconcluso;
+    bool debeMenor = false, cierra = false;
+    double mc = 0, me = 0;
+    if (cabezal >= 0)
+        m_asientos.CierreAsiento(debeMenor, mc, me, cierra);
+    if (cabezal < 0 || c.AsiEstado > EstadoAsiento::kInconcluso) {
         terminar();
-        if (incompleto)
-            m_datos.Informar(1952);
+        return;
+    }
+    // An incomplete entry is registered once it balances; until then Grabar says why not.
+    if (c.AsiEstado == EstadoAsiento::kInconcluso && !cierra) {
+        terminar();
+        m_datos.Informar(1952);
         return;
     }
     if (c.AsiID <= 0) {
         // Never stored: storing it is registering it.
-        bool debeMenor = false, cierra = false;
-        double mc = 0, me = 0;
-        m_asientos.CierreAsiento(debeMenor, mc, me, cierra);
         GrabarAsientoCompleto(cierra);
         terminar();
         return;
@@ -96,8 +119,7 @@ void ComandosAsiento::RegistrarAsiento()
     try {
         if (c.AsiFechaAsiento > QDate::currentDate() && c.AsiEstado == EstadoAsiento::kBorrador) {
             if (m_datos.Preguntar(1807)) {
-                if (CrearMovimientoFrecuente(true))
-                    EliminarDefinitivo(c.AsiID);
+                AgendarEnLugarDelAsiento();
                 m_grilla.FijarRedibujar(true);
                 m_asientos.ResetCabezal();
                 return;
@@ -110,7 +132,11 @@ void ComandosAsiento::RegistrarAsiento()
             m_grilla.FijarRedibujar(false);
         }
         AsientoDatos datos = asientoGuardado(c.AsiID);
-        const bool otraApertura = c.AsiEstado != EstadoAsiento::kRegistrado && c.AsiTipo != 0
+        const bool eraInconcluso = c.AsiEstado == EstadoAsiento::kInconcluso;
+        qint16 nuevo = c.AsiEstado == EstadoAsiento::kRegistrado ? EstadoAsiento::kBorrador : EstadoAsiento::kRegistrado;
+        if (eraInconcluso)
+            nuevo = c.AsiFechaAsiento > QDate::currentDate() ? EstadoAsiento::kBorrador : EstadoAsiento::kRegistrado;
+        const bool otraApertura = nuevo == EstadoAsiento::kRegistrado && c.AsiTipo != 0
                                && c.AsiTipo == m_datos.librosSistema().primeraApertura && saldosIniciales().ExisteAsientoApertura();
         if (datos.Cabezal().FechaModificado != c.AsiFechaModificado) {
             m_datos.Error(1820);
@@ -121,16 +147,17 @@ void ComandosAsiento::RegistrarAsiento()
             m_grilla.FijarRedibujar(true);
             m_datos.Error(1811);
         } else {
-            datos.Cabezal().Estado = c.AsiEstado == EstadoAsiento::kRegistrado ? EstadoAsiento::kBorrador : EstadoAsiento::kRegistrado;
+            datos.Cabezal().Estado = nuevo;
             datos.Cabezal().FechaCambioEstado = AsientoDatos::SelloNuevo(QDateTime());
             if (datos.Grabar()) {
                 c.AsiFechaModificado = datos.Cabezal().FechaModificado;
                 c.AsiEstado = datos.Cabezal().Estado;
                 m_asientos.ActualizarCabezalFila(cabezal, c.AsiFechaModificado, c.AsiEstado);
-            } else if (datos.ultimoResultado() == AsientoDatos::Resultado::Modificado) {
-                m_datos.Error(1820);
+                // The proposal of a missing line goes with the incomplete state.
+                if (eraInconcluso)
+                    RecargarAsiento(c.AsiID, cabezal);
             } else {
-                throw ErrorBaseDatos(datos.ultimoError());
+                decirRechazo(datos);
             }
         }
     } catch (const ErrorBaseDatos &e) {
@@ -268,11 +295,8 @@ bool ComandosAsiento::GrabarCabezal()
         d.Libro = c.AsiTipo;
         d.Autoriza = c.AsiUsuarioVerificador;
         if (!datos.Grabar()) {
-            if (datos.ultimoResultado() == AsientoDatos::Resultado::Modificado) {
-                m_datos.Error(1820);
-                return false;
-            }
-            throw ErrorBaseDatos(datos.ultimoError());
+            decirRechazo(datos);
+            return false;
         }
         c.AsiFechaModificado = d.FechaModificado;
         c.AsiEstado = d.Estado;
@@ -360,11 +384,8 @@ bool ComandosAsiento::GrabarAsientoCompleto(bool asientoCierra)
         }
         const qint32 id = esApertura ? datos.GrabarApertura() : datos.GrabarTodo();
         if (id <= 0) {
-            if (datos.ultimoResultado() == AsientoDatos::Resultado::Modificado) {
-                m_datos.Error(1820);
-                return false;
-            }
-            throw ErrorBaseDatos(datos.ultimoError());
+            decirRechazo(datos);
+            return false;
         }
         c.AsiID = id;
         c.AsiEstado = d.Estado;
@@ -434,16 +455,32 @@ bool ComandosAsiento::PuedeModificarApertura()
     return true;
 }
 
-bool ComandosAsiento::EliminarDefinitivo(qint32 asiID)
+bool ComandosAsiento::AgendarEnLugarDelAsiento()
 {
+    const CabezalAsiento &c = m_asientos.Cabezal;
+    const qint32 id = c.AsiID;
+    const QDateTime sello = c.AsiFechaModificado;
+    if (id <= 0 || !m_datos.conexion())
+        return false;
     Ocupado ocupado;
-    AsientoDatos datos = nuevoAsientoDatos();
-    if (!datos.EliminarDefinitivo(asiID)) {
-        m_datos.Error(1921, datos.ultimoError());
+    try {
+        // The template and the deletion go together: when the entry changed since it was
+        // read, neither is kept.
+        Transaccion tx(*m_datos.conexion());
+        if (CrearMovimientoFrecuente(true) <= 0)
+            return false;
+        AsientoDatos datos = nuevoAsientoDatos();
+        if (!datos.EliminarDefinitivo(id, sello)) {
+            decirRechazo(datos);
+            return false;
+        }
+        tx.Confirmar();
+    } catch (const ErrorBaseDatos &e) {
+        m_datos.Error(1921, DetalleError(e.numero(), e.descripcion()));
         return false;
     }
     m_grilla.FijarRedibujar(false);
-    m_asientos.QuitarAsientoDeGrilla(asiID);
+    m_asientos.QuitarAsientoDeGrilla(id);
     m_grilla.FijarRedibujar(true);
     return true;
 }
@@ -504,16 +541,18 @@ void ComandosAsiento::EliminarAsiento(bool porFila)
                     if (it != lineas.end())
                         lineas.erase(it);
                     // An entry that no longer balances is incomplete: it cannot stay
-                    // registered, nor be registered again, until it balances.
-                    const SumasEnCentesimos sumas = SumarEnCentesimos(lineas);
-                    if (sumas.debe != sumas.haber || sumas.debe == 0)
-                        datos.Cabezal().Estado = EstadoAsiento::kInconcluso;
-                    datos.Cabezal().FechaCambioEstado = AsientoDatos::SelloNuevo(QDateTime());
+                    // registered, nor be registered again, until it balances. An incomplete
+                    // one that balances without the line is complete again.
+                    qint16 &estado = datos.Cabezal().Estado;
+                    const qint16 antes = estado;
+                    if (!datos.Balance().cierra)
+                        estado = EstadoAsiento::kInconcluso;
+                    else if (estado == EstadoAsiento::kInconcluso)
+                        estado = estadoCompleto(datos.Cabezal().Fecha);
+                    if (estado != antes)
+                        datos.Cabezal().FechaCambioEstado = AsientoDatos::SelloNuevo(QDateTime());
                     if (datos.GrabarTodo() <= 0) {
-                        if (datos.ultimoResultado() == AsientoDatos::Resultado::Modificado)
-                            m_datos.Error(1820);
-                        else
-                            throw ErrorBaseDatos(datos.ultimoError());
+                        decirRechazo(datos);
                     } else {
                         m_grilla.FijarRedibujar(false);
                         RecargarAsiento(c.AsiID, cabezal);
@@ -532,10 +571,8 @@ void ComandosAsiento::EliminarAsiento(bool porFila)
             for (const QString &id : ids.split(QLatin1Char(','), Qt::SkipEmptyParts))
                 m_asientos.QuitarAsientoDeGrilla(id.toInt());
             m_grilla.FijarRedibujar(true);
-            if (ids.isEmpty() && datos.ultimoResultado() == AsientoDatos::Resultado::Modificado)
-                m_datos.Error(1820);
-            else if (ids.isEmpty() && datos.ultimoResultado() == AsientoDatos::Resultado::ErrorBase)
-                throw ErrorBaseDatos(datos.ultimoError());
+            if (ids.isEmpty() && datos.ultimoResultado() != AsientoDatos::Resultado::Bien)
+                decirRechazo(datos);
         }
     } catch (const ErrorBaseDatos &e) {
         m_datos.Error(porFila ? 1919 : 1918, DetalleError(e.numero(), e.descripcion()));
@@ -575,8 +612,11 @@ void ComandosAsiento::CopiarAsiento()
             return;
         }
         const qint32 copia = datos.GrabarTodo();
-        if (copia <= 0)
-            throw ErrorBaseDatos(datos.ultimoError());
+        if (copia <= 0) {
+            decirRechazo(datos);
+            m_asientos.ResetCabezal();
+            return;
+        }
         CargarAsiento(copia, m_grilla.Filas() - 1);
         m_pantalla.SeleccionarFila(m_grilla.Filas() - 1);
     } catch (const ErrorBaseDatos &e) {
@@ -672,19 +712,44 @@ bool ComandosAsiento::AplicarTC(bool bMonedaCuenta, double tasa, qint16 moneda)
     m_grilla.FijarRedibujar(true);
     if (cambiadas == 0 || c.AsiID <= 0)
         return cambiadas > 0;
-    datos.Lineas() = m_asientos.LineasParaGrabar();
     const qint32 id = c.AsiID;
+    auto comoEstaba = [&] {
+        m_grilla.FijarRedibujar(false);
+        RecargarAsiento(id, cabezal);
+        m_grilla.FijarRedibujar(true);
+    };
+    // Lines of other currencies (an exchange difference in pesos) keep their amounts, so the
+    // new rate can leave the entry short on one side: it is then kept only as incomplete,
+    // when the user agrees.
+    bool debeMenor = false, cierra = false;
+    double mc = 0, me = 0;
+    m_asientos.CierreAsiento(debeMenor, mc, me, cierra);
+    CabezalDatos &d = datos.Cabezal();
+    if (!cierra && d.Estado != EstadoAsiento::kInconcluso) {
+        const QVector<LineaDatos> nuevas = m_asientos.LineasParaGrabar();
+        Importe debe, haber;
+        for (const LineaDatos &l : nuevas)
+            (l.AlDebe ? debe : haber) += Importe::DesdeDouble(l.ImporteMC);
+        const Mascara mascaraMC(m_datos.monedas().DatoMoneda(0, 4).toString());
+        QString pregunta = m_datos.texto(1958);
+        pregunta.replace(QLatin1String("[p1]"), mascaraMC.Formatear(debe.aDouble()));
+        pregunta.replace(QLatin1String("[p2]"), mascaraMC.Formatear(haber.aDouble()));
+        if (m_datos.mensajes->Preguntar(pregunta, ServicioMensajes::Botones::SiNo) != ServicioMensajes::Respuesta::Si) {
+            comoEstaba();
+            return false;
+        }
+        d.Estado = EstadoAsiento::kInconcluso;
+        d.FechaCambioEstado = AsientoDatos::SelloNuevo(QDateTime());
+    } else if (cierra && d.Estado == EstadoAsiento::kInconcluso) {
+        d.Estado = estadoCompleto(d.Fecha);
+        d.FechaCambioEstado = AsientoDatos::SelloNuevo(QDateTime());
+    }
+    datos.Lineas() = m_asientos.LineasParaGrabar();
     const bool bien = datos.GrabarTodo() > 0;
     // The entry is read again: the amounts as stored, or as they were when the write failed.
-    m_grilla.FijarRedibujar(false);
-    RecargarAsiento(id, cabezal);
-    m_grilla.FijarRedibujar(true);
-    if (!bien) {
-        if (datos.ultimoResultado() == AsientoDatos::Resultado::Modificado)
-            m_datos.Error(1820);
-        else
-            throw ErrorBaseDatos(datos.ultimoError());
-    }
+    comoEstaba();
+    if (!bien)
+        decirRechazo(datos);
     return bien;
 }
 

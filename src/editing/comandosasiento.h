@@ -55,8 +55,10 @@ public:
     // Deletes the current entry (to the trash), or with porFila the current line of it; a
     // row deletion of the header row or of the only line deletes the entry.
     void EliminarAsiento(bool porFila);
-    // Deletes an entry for good and takes its rows from the grid.
-    bool EliminarDefinitivo(qint32 asiID);
+    // The current entry (dated in the future) becomes a scheduled frequent entry and is
+    // deleted for good, both or neither: refused with 1820 when it changed since it was
+    // read. Its rows leave the grid.
+    bool AgendarEnLugarDelAsiento();
     // Stores a copy of the current entry (after question 1806) and shows it last.
     void CopiarAsiento();
     // Takes the current entry's rows from the grid; the store keeps it.
@@ -67,7 +69,9 @@ public:
     // accounting currency's.
     void UnificarTC(bool bMonedaCuenta);
     // Applies a factor (accounting units per unit) to the current entry's lines in moneda
-    // and stores a stored entry again. Throws ErrorBaseDatos when the write fails.
+    // and stores a stored entry again. A rate that leaves a complete entry unbalanced is
+    // kept only as incomplete, after question 1958 (No: nothing changes). Throws
+    // ErrorBaseDatos when the write fails.
     bool AplicarTC(bool bMonedaCuenta, double tasa, qint16 moneda);
 
     // The book an entry moved off a system book gets: the company's default book, else the
@@ -94,6 +98,8 @@ private:
     AsientoDatos nuevoAsientoDatos() const;
     AsientoDatos asientoGuardado(qint32 asiID) const;
     int tomarAsientoDeFilaActual();
+    void decirRechazo(const AsientoDatos &datos) const;
+    qint16 estadoCompleto(const QDate &fecha) const;
     bool libroParaApertura(CabezalDatos &d, bool &esApertura);
 
     DatosDocumento &m_datos;

@@ -20,8 +20,8 @@ SesionEdicion::SesionEdicion(DatosDocumento &datos, AsientosGrilla &asientos, Co
 
 void SesionEdicion::NuevoAsiento()
 {
-    if (m_filaEdicion > 0)
-        SalirEdicion();
+    if (m_filaEdicion > 0 && !SalirEdicion())
+        return;
     m_vista.SeleccionarFila(m_grilla.Filas() - 1);
     EntrarEdicion(m_grilla.Filas() - 1);
 }
@@ -110,6 +110,7 @@ bool SesionEdicion::EntrarEdicion(int fila)
             fila = cabezal + 1 <= m_asientos.UltimaFilaAsiento(cabezal) ? cabezal + 1 : cabezal;
         m_filaEdicion = fila;
         m_escrituraRechazada = false;
+        m_inalterable = false;
 
         if (c.AsiID > 0 && c.AsiTipo != 0 && c.AsiTipo == m_datos.librosSistema().primeraApertura
             && !m_comandos.PuedeModificarApertura()) {
@@ -164,8 +165,8 @@ void SesionEdicion::cargarLineaEnEditor(int fila)
 void SesionEdicion::AgregarCuenta()
 {
     // Leaving an edit re-reads that entry and leaves its header row current.
-    if (m_filaEdicion > 0)
-        SalirEdicion();
+    if (m_filaEdicion > 0 && !SalirEdicion())
+        return;
     const int cabezal = m_asientos.FilaCabezalDe(m_vista.FilaActual());
     if (cabezal < 0)
         return;
@@ -340,7 +341,7 @@ void SesionEdicion::AceptarLinea()
     // anything of it is written, so no header change goes through without its lines.
     if (c.AsiID > 0 && m_comandos.HayCuentasCerradasEnGrilla(c.AsiFechaAsiento)) {
         m_datos.Error(1811);
-        m_escrituraRechazada = true;
+        m_inalterable = true;
         return;
     }
     for (RegistroLinea &l : lineas)
@@ -385,7 +386,7 @@ void SesionEdicion::AceptarLinea()
     m_asientos.CierreAsiento(debeMenor, mc, me, cierra);
     if (cierra) {
         escrito = m_comandos.GrabarAsientoCompleto(true);
-        m_pendiente = false;
+        m_pendiente = !escrito;
         if (!escrito) {
             // The message is shown once; the edit stays open with what was typed, and
             // leaving it shows the entry as stored.
@@ -397,8 +398,7 @@ void SesionEdicion::AceptarLinea()
     }
 
     if (escrito && c.AsiFechaAsiento > QDate::currentDate() && m_datos.Preguntar(1807)) {
-        const qint32 id = c.AsiID;
-        if (m_comandos.CrearMovimientoFrecuente(true) && m_comandos.EliminarDefinitivo(id)) {
+        if (m_comandos.AgendarEnLugarDelAsiento()) {
             // The entry's rows are gone from the grid: no row of it is left to tidy up.
             c.FilaCabezal = -1;
             m_filaEdicion = 0;
@@ -413,7 +413,17 @@ void SesionEdicion::AceptarLinea()
         return;
     }
     // Still unbalanced: the next line is typed below, with the missing amount proposed.
-    const int ultima = m_asientos.UltimaFilaAsiento(c.FilaCabezal);
+    abrirLineaNueva();
+}
+
+// Opens a new row after the current entry's last line for the next line, with the missing
+// amount proposed below it.
+void SesionEdicion::abrirLineaNueva()
+{
+    const CabezalAsiento &c = m_asientos.Cabezal;
+    int ultima = m_asientos.UltimaFilaAsiento(c.FilaCabezal);
+    for (; ultima > c.FilaCabezal && m_asientos.EsFilaDiferencia(ultima); --ultima)
+        m_grilla.QuitarFila(ultima);
     m_grilla.InsertarFila(ultima + 1);
     m_grilla.FijarDato(ultima + 1, 0, c.AsiID);
     m_grilla.FijarDato(ultima + 1, 1, QString()); // a line row with no account yet
@@ -426,66 +436,156 @@ void SesionEdicion::AceptarLinea()
 }
 
 // A stored entry whose header the user changed without accepting a line: the changes are
-// written as the header alone, unless a write of this edit was refused. What was only
-// proposed (the default book) is no change, and a date that cannot be read is left as
-// stored.
-void SesionEdicion::guardarCabezalCambiado()
+// written as the header alone. What was only proposed (the default book) is no change, and a
+// date that cannot be read is left as stored. False when the write was refused (it said why).
+bool SesionEdicion::guardarCabezalCambiado()
 {
     CabezalAsiento &c = m_asientos.Cabezal;
-    // After a refusal the edit ends as it began: nothing of it is written.
-    if (m_escrituraRechazada)
-        return;
     const ValoresCabezal v = m_vista.LeerCabezal();
     const QDate fecha = v.fecha.isValid() && v.fechaHabilitada ? v.fecha : m_abiertos.fecha;
     const bool cambiado = fecha != m_abiertos.fecha || v.leyenda.trimmed() != m_abiertos.leyenda.trimmed()
                        || (!m_libroFijo && v.libro != m_abiertos.libro)
                        || (m_vista.ConAutoriza() && v.autoriza != m_abiertos.autoriza);
     if (!cambiado)
-        return;
+        return true;
     if (fecha != c.AsiFechaAsiento && m_comandos.HayCuentasCerradasEnGrilla(fecha)) {
         m_datos.Error(1821);
-        return;
+        return false;
     }
-    c.AsiFechaAsiento = fecha;
-    c.AsiLeyenda = v.leyenda.trimmed();
+    CabezalAsiento nuevo = c;
+    nuevo.AsiFechaAsiento = fecha;
+    nuevo.AsiLeyenda = v.leyenda.trimmed();
     if (!m_libroFijo)
-        c.AsiTipo = v.libro;
+        nuevo.AsiTipo = v.libro;
     if (m_vista.ConAutoriza())
-        c.AsiUsuarioVerificador = v.autoriza;
-    if (!m_comandos.GrabarCabezal())
-        m_escrituraRechazada = true;
+        nuevo.AsiUsuarioVerificador = v.autoriza;
+    const CabezalAsiento antes = c;
+    c = nuevo;
+    if (m_comandos.GrabarCabezal()) {
+        m_abiertos = v;
+        m_abiertos.fecha = fecha;
+        return true;
+    }
+    // Refused: the entry keeps what it had; the screen keeps what was typed.
+    const int fila = c.FilaCabezal;
+    c = antes;
+    c.FilaCabezal = fila;
+    return false;
 }
 
-void SesionEdicion::SalirEdicion()
+bool SesionEdicion::LineaSinAceptar() const
+{
+    const std::optional<ValorLinea> debe = m_vista.LineaDelEditor(true);
+    const std::optional<ValorLinea> haber = m_vista.LineaDelEditor(false);
+    if (!debe && !haber)
+        return false;
+    if (debe && haber)
+        return true; // a line with both accounts is no row's yet
+    const ValorLinea &v = debe ? *debe : *haber;
+    const RegistroLinea fila = m_asientos.LineaDeFila(m_filaEdicion);
+    if (fila.lCta <= 0 || m_asientos.EsFilaDiferencia(m_filaEdicion))
+        return true;
+    auto distintos = [](double a, double b) { return Importe::DesdeDouble(a) != Importe::DesdeDouble(b); };
+    const bool extranjera = v.iMon != m_datos.empresa.monedaContabilidad && v.iMon >= 1;
+    return fila.lCta != v.lCta || fila.bEsAlDebe != debe.has_value() || fila.iPry != v.iPry || fila.iDep != v.iDep
+        || distintos(fila.dImporte, v.dImporte) || (extranjera && distintos(fila.dImporteMC, v.dImporteMC));
+}
+
+SesionEdicion::Decision SesionEdicion::decidir(Salida salida) const
+{
+    if (salida == Salida::Cierre)
+        return Decision::Grabar;
+    switch (m_datos.mensajes->Preguntar(m_datos.texto(1956), ServicioMensajes::Botones::SiNoCancelar)) {
+    case ServicioMensajes::Respuesta::Si:
+        return Decision::Grabar;
+    case ServicioMensajes::Respuesta::No:
+        return Decision::Descartar;
+    default:
+        return Decision::Volver;
+    }
+}
+
+// Writes what the edit changed and is not stored: the accepted lines (incomplete when they
+// do not balance) or a stored entry's header. False when the write was refused (it said why);
+// escrito tells whether the whole entry was written.
+bool SesionEdicion::escribirAlSalir(bool &escrito)
+{
+    CabezalAsiento &c = m_asientos.Cabezal;
+    if (c.FilaCabezal < 0)
+        return true;
+    if (!m_pendiente)
+        return c.AsiID <= 0 || guardarCabezalCambiado();
+    // The row being typed is no line yet; without it the entry is what was accepted.
+    if (m_grilla.Dato(m_filaEdicion, 1).toString().isEmpty() && !m_asientos.EsFilaCabezal(m_filaEdicion)) {
+        m_grilla.QuitarFila(m_filaEdicion);
+        m_filaEdicion = c.FilaCabezal;
+    }
+    bool debeMenor = false, cierra = false;
+    double mc = 0, me = 0;
+    m_asientos.CierreAsiento(debeMenor, mc, me, cierra);
+    escrito = m_comandos.GrabarAsientoCompleto(cierra);
+    m_pendiente = !escrito;
+    return escrito;
+}
+
+bool SesionEdicion::SalirEdicion(Salida salida)
 {
     if (m_filaEdicion <= 0)
-        return;
-    CabezalAsiento &c = m_asientos.Cabezal;
-    bool escrito = false;
-    if (!m_pendiente && c.AsiID > 0 && c.FilaCabezal >= 0)
-        guardarCabezalCambiado();
-    if (m_pendiente && c.FilaCabezal >= 0) {
-        // The row being typed is no line yet; without it the entry is what was accepted.
-        if (m_grilla.Dato(m_filaEdicion, 1).toString().isEmpty() && !m_asientos.EsFilaCabezal(m_filaEdicion)) {
-            m_grilla.QuitarFila(m_filaEdicion);
-            m_filaEdicion = c.FilaCabezal;
+        return true;
+    // An entry that cannot change at all was said so (1811): nothing of the edit can be
+    // stored, so there is nothing to ask; it is shown as stored.
+    if (m_inalterable) {
+        terminarEdicion(m_asientos.Cabezal.AsiID > 0);
+        return true;
+    }
+    if (salida != Salida::Escape && LineaSinAceptar()) {
+        switch (decidir(salida)) {
+        case Decision::Volver:
+            m_vista.MostrarEditor(m_filaEdicion, true);
+            return false;
+        case Decision::Descartar:
+            break;
+        case Decision::Grabar:
+            AceptarLinea();
+            if (m_filaEdicion <= 0)
+                return true; // accepted and written: the edit is over
+            // Refused (it said why, and the line is still typed), or its write was refused.
+            if ((LineaSinAceptar() || m_escrituraRechazada) && salida != Salida::Cierre)
+                return false;
+            break;
         }
-        bool debeMenor = false, cierra = false;
-        double mc = 0, me = 0;
-        m_asientos.CierreAsiento(debeMenor, mc, me, cierra);
-        escrito = m_comandos.GrabarAsientoCompleto(cierra);
-        m_escrituraRechazada = m_escrituraRechazada || !escrito;
-        m_pendiente = false;
+    }
+    bool escrito = false;
+    for (;;) {
+        if (!m_escrituraRechazada && escribirAlSalir(escrito))
+            break;
+        m_escrituraRechazada = true;
+        if (salida == Salida::Cierre)
+            break;
+        const Decision d = decidir(salida);
+        if (d == Decision::Descartar)
+            break;
+        if (d == Decision::Volver) {
+            // Everything typed stays on screen, the edit open.
+            if (m_filaEdicion == m_asientos.Cabezal.FilaCabezal)
+                abrirLineaNueva();
+            else
+                m_vista.MostrarEditor(m_filaEdicion, true);
+            return false;
+        }
+        m_escrituraRechazada = false; // once more
     }
     // A stored entry is shown as stored: what was written, or, after a refusal, as it was.
-    terminarEdicion(escrito || c.AsiID > 0);
+    terminarEdicion(escrito || m_asientos.Cabezal.AsiID > 0);
+    return true;
 }
 
 bool SesionEdicion::SalirEdicionEnLaFila()
 {
     const qint32 id = m_asientos.IdDeFila(m_filaEdicion);
     const QString clave = m_grilla.Dato(m_filaEdicion, 1).toString();
-    SalirEdicion();
+    if (!SalirEdicion())
+        return false;
     if (id <= 0 || clave.isEmpty() || clave == AsientosGrilla::kClaveDiferencia)
         return false;
     const int cabezal = m_asientos.FilaCabezalDe(m_vista.FilaActual());
@@ -530,6 +630,7 @@ void SesionEdicion::terminarEdicion(bool recargar)
     m_libroFijo = false;
     m_nombreLibroFijo.clear();
     m_escrituraRechazada = false;
+    m_inalterable = false;
     m_asientos.ResetCabezal();
     // The entry just left stays the current row, in view.
     if (seleccion < m_grilla.FilasFijas() || seleccion >= m_grilla.Filas())

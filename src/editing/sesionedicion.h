@@ -33,12 +33,26 @@ public:
     // for a currency is settled by questions 1832 and 1833. A balanced entry dated in the
     // future may become a scheduled frequent entry instead (1807).
     void AceptarLinea();
+    // How an edit is left.
+    enum class Salida {
+        Comando, // a command, a view, another entry, closing the window: nothing typed is lost
+        Escape,  // the user's way to drop the line being typed
+        Cierre   // the document goes away and can ask nothing: what can be stored is
+    };
     // Ends the edit: lines accepted and not yet written are written (incomplete when they do
-    // not balance); a stored entry is shown as stored.
-    void SalirEdicion();
+    // not balance); a stored entry is shown as stored. Typed work is never dropped unasked:
+    // with a line typed and not accepted (except on Escape), or after a write of this edit
+    // was refused, question 1956 chooses to store it (the line is accepted as Enter would
+    // do, then the entry written), to discard it, or to go back to the edit with everything
+    // as typed. Answers whether the edit ended; false leaves it open.
+    bool SalirEdicion(Salida salida = Salida::Comando);
     // As SalirEdicion, with the edited line as the current row again once the entry has
-    // been re-read; false when that row was no stored line (then the entry's header row is).
+    // been re-read; false when that row was no stored line (then the entry's header row is)
+    // or the edit stays open.
     bool SalirEdicionEnLaFila();
+    // Whether the line editor holds a line the entry does not have: an account typed on a
+    // new row, or a stored line changed and not accepted.
+    bool LineaSinAceptar() const;
     // Opens a new line at the end of the current row's entry.
     void AgregarCuenta();
     // Opens a new entry on the placeholder row.
@@ -56,7 +70,11 @@ private:
     bool reglaTasas(RegistroLinea &linea);
     void escribirLinea(int fila, const RegistroLinea &linea);
     void terminarEdicion(bool recargar);
-    void guardarCabezalCambiado();
+    bool guardarCabezalCambiado();
+    bool escribirAlSalir(bool &escrito);
+    void abrirLineaNueva();
+    enum class Decision { Grabar, Descartar, Volver };
+    Decision decidir(Salida salida) const;
     QString nombreLibro(qint16 libro) const;
 
     DatosDocumento &m_datos;
@@ -70,5 +88,6 @@ private:
     bool m_pendiente = false;          // lines accepted since the entry was last written
     bool m_libroFijo = false;          // the entry's book cannot change here (a system book)
     QString m_nombreLibroFijo;         // and its name
-    bool m_escrituraRechazada = false; // a write was refused; leaving re-reads the entry
+    bool m_escrituraRechazada = false; // a write was refused; leaving asks what becomes of the edit
+    bool m_inalterable = false;        // the entry may not change at all (1811); leaving re-reads it
 };

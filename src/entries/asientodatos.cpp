@@ -2,6 +2,8 @@
 #include "historialasiento.h"
 #include "modeloasiento.h"
 
+#include "currency/catalogomonedas.h"
+#include "currency/mascara.h"
 #include "store/valoressql.h"
 
 #include <QSet>
@@ -206,6 +208,152 @@ bool AsientoDatos::leyendaAdmitida()
                                             .arg(m_cabezal.Leyenda.size()).arg(kLargoLeyenda));
 }
 
+int AsientoDatos::ultimoNumero() const
+{
+    switch (m_resultado) {
+    case Resultado::Modificado:
+        return 1820;
+    case Resultado::Descuadrado:
+        return 1957;
+    case Resultado::AperturaDuplicada:
+        return 1837;
+    case Resultado::FueraDeRango:
+        return 1937;
+    case Resultado::Bien:
+    case Resultado::NoExiste:
+    case Resultado::ErrorBase:
+        break;
+    }
+    return 0;
+}
+
+// The company's opening-balance book: the one the caller gave, else the system parameter.
+qint16 AsientoDatos::libroApertura()
+{
+    if (m_libros.primeraApertura != 0)
+        return m_libros.primeraApertura;
+    auto rs = m_conexion->Abrir(QStringLiteral("Select ParValor From genParametros Where ParNombre = 'sis_LibroAsientoPrimeraApertura'"));
+    const qint16 libro = rs->Fin() || rs->EsNulo(QStringLiteral("ParValor")) ? 0 : qint16(rs->Entero(QStringLiteral("ParValor")));
+    rs->Cerrar();
+    m_libros.primeraApertura = libro;
+    return libro;
+}
+
+// Writes into the opening-balance book are taken one company at a time. SQLite's write
+// transaction already holds the whole file; on PostgreSQL a lock of the transaction, keyed
+// by the company, makes a second session wait until the first one ends and then see its
+// entry.
+void AsientoDatos::bloquearEmpresa(qint32 empresa)
+{
+    if (m_conexion->motor() != Motor::PostgreSQL)
+        return;
+    constexpr int kClaveApertura = 4404;
+    auto rs = m_conexion->Abrir(QStringLiteral("Select pg_advisory_xact_lock(%1, %2)").arg(kClaveApertura).arg(empresa));
+    rs->Cerrar();
+}
+
+ResultadoBalance AsientoDatos::balanceDe(const QVector<LineaBalance> &lineas, qint32 empresa)
+{
+    qint16 monedaContabilidad = 0;
+    auto rs = m_conexion->Abrir(QStringLiteral("Select EmpMonedaContabilidad From cceEmpresas Where EmpID = ?"), {empresa});
+    if (!rs->Fin() && !rs->EsNulo(QStringLiteral("EmpMonedaContabilidad")))
+        monedaContabilidad = qint16(rs->Entero(QStringLiteral("EmpMonedaContabilidad")));
+    rs->Cerrar();
+    CatalogoMonedas monedas;
+    if (!monedas.CargarMonedas(*m_conexion))
+        throw ErrorBaseDatos(QStringLiteral("no se pudieron leer las monedas"));
+    monedas.FijarMonedaContabilidad(monedaContabilidad);
+    QHash<qint16, Mascara> mascaras;
+    return CalcularBalance(lineas, monedaContabilidad, [&](qint16 moneda) -> const Mascara & {
+        auto it = mascaras.find(moneda);
+        if (it == mascaras.end())
+            it = mascaras.insert(moneda, Mascara(monedas.DatoMoneda(moneda, 4).toString()));
+        return *it;
+    });
+}
+
+ResultadoBalance AsientoDatos::Balance()
+{
+    QVector<LineaBalance> lineas;
+    QHash<qint32, qint16> monedaDe;
+    for (const LineaDatos &l : std::as_const(m_lineas)) {
+        if (!monedaDe.contains(l.Cuenta)) {
+            auto rs = m_conexion->Abrir(QStringLiteral("Select CueMoneda From cceCuentas Where CueID = ?"), {l.Cuenta});
+            monedaDe.insert(l.Cuenta, rs->Fin() || rs->EsNulo(QStringLiteral("CueMoneda")) ? 0 : qint16(rs->Entero(QStringLiteral("CueMoneda"))));
+            rs->Cerrar();
+        }
+        lineas.append({l.AlDebe, monedaDe.value(l.Cuenta), Importe::DesdeDouble(l.ImporteMC), Importe::DesdeDouble(l.Importe)});
+    }
+    qint32 empresa = m_cabezal.Empresa;
+    if (empresa == 0 && m_cabezal.AsiID > 0) {
+        auto rs = m_conexion->Abrir(QStringLiteral("Select AsiEmpresa From cceAsientos Where AsiID = ?"), {m_cabezal.AsiID});
+        empresa = rs->Fin() ? 0 : qint32(rs->Entero(QStringLiteral("AsiEmpresa")));
+        rs->Cerrar();
+    }
+    return balanceDe(lineas, empresa);
+}
+
+// The rules of the books over the entry as it now stands in this transaction. libroAnterior
+// is the book it had before this write (-1 for a new entry).
+bool AsientoDatos::reglasDelLibro(qint32 asiID, qint16 libroAnterior)
+{
+    auto rs = m_conexion->Abrir(QStringLiteral("Select AsiEmpresa, AsiEstado, AsiTipo From cceAsientos Where AsiID = ?"), {asiID});
+    if (rs->Fin())
+        return true;
+    const qint32 empresa = qint32(rs->Entero(QStringLiteral("AsiEmpresa")));
+    const qint16 estado = qint16(rs->Entero(QStringLiteral("AsiEstado")));
+    const qint16 libro = rs->EsNulo(QStringLiteral("AsiTipo")) ? 0 : qint16(rs->Entero(QStringLiteral("AsiTipo")));
+    rs->Cerrar();
+
+    if (estado == EstadoAsiento::kRegistrado) {
+        QVector<LineaBalance> lineas;
+        rs = m_conexion->Abrir(QStringLiteral("Select l.ACuDebe, l.AcuHaber, l.ACuImporteMC, c.CueMoneda From cceAsientoCuenta l"
+                                              " Left Join cceCuentas c On c.CueID = l.ACuCuenta Where l.ACuIDAsiento = ?"),
+                               {asiID});
+        for (; !rs->Fin(); rs->MoverSiguiente()) {
+            LineaBalance l;
+            l.alDebe = rs->EsNulo(QStringLiteral("AcuHaber"));
+            l.moneda = rs->EsNulo(QStringLiteral("CueMoneda")) ? 0 : qint16(rs->Entero(QStringLiteral("CueMoneda")));
+            l.mc = Importe::DesdeDouble(rs->Numero(QStringLiteral("ACuImporteMC")));
+            const QString propio = l.alDebe ? QStringLiteral("ACuDebe") : QStringLiteral("AcuHaber");
+            l.me = rs->EsNulo(propio) ? Importe() : Importe::DesdeDouble(rs->Numero(propio));
+            lineas.append(l);
+        }
+        rs->Cerrar();
+        const ResultadoBalance b = balanceDe(lineas, empresa);
+        if (!b.cierra)
+            return fallar(Resultado::Descuadrado, QStringLiteral("debe %1, haber %2").arg(b.debeMC.aTexto(), b.haberMC.aTexto()));
+    }
+
+    const qint16 apertura = libroApertura();
+    if (apertura == 0 || libro != apertura || estado == EstadoAsiento::kPapelera)
+        return true;
+    rs = m_conexion->Abrir(QStringLiteral("Select AsiEstado From cceAsientos Where AsiEmpresa = ? And AsiTipo = ? And AsiEstado <> 9"
+                                          " And AsiID <> ?"),
+                           {empresa, apertura, asiID});
+    int otros = 0;
+    int otrosRegistrados = 0;
+    for (; !rs->Fin(); rs->MoverSiguiente()) {
+        ++otros;
+        otrosRegistrados += rs->Entero(QStringLiteral("AsiEstado")) == EstadoAsiento::kRegistrado ? 1 : 0;
+    }
+    rs->Cerrar();
+    const bool entra = libroAnterior != apertura;
+    if ((entra && otros > 0) || (estado == EstadoAsiento::kRegistrado && otrosRegistrados > 0))
+        return fallar(Resultado::AperturaDuplicada, QStringLiteral("la empresa ya tiene su asiento de saldos iniciales"));
+    return true;
+}
+
+bool AsientoDatos::importesEnRango()
+{
+    for (const LineaDatos &l : std::as_const(m_lineas)) {
+        Importe i;
+        if (!Importe::DesdeDoubleComprobado(l.Importe, i) || !Importe::DesdeDoubleComprobado(l.ImporteMC, i))
+            return fallar(Resultado::FueraDeRango, QStringLiteral("importe no válido en la cuenta %1").arg(l.Cuenta));
+    }
+    return true;
+}
+
 bool AsientoDatos::Grabar(Sello sello)
 {
     m_resultado = Resultado::Bien;
@@ -214,8 +362,12 @@ bool AsientoDatos::Grabar(Sello sello)
     const QDateTime nuevo = SelloNuevo(m_cabezal.FechaModificado, sello);
     try {
         Transaccion tx(*m_conexion);
+        if (m_cabezal.Libro != 0 && m_cabezal.Libro == libroApertura())
+            bloquearEmpresa(m_cabezal.Empresa);
         const QJsonObject antes = HistorialAsiento::LeerGuardado(*m_conexion, m_cabezal.AsiID);
         if (!actualizarCabezal(m_cabezal.AsiID, nuevo))
+            return false;
+        if (!reglasDelLibro(m_cabezal.AsiID, qint16(antes.value(QStringLiteral("Libro")).toInt())))
             return false;
         const QJsonObject despues = HistorialAsiento::LeerGuardado(*m_conexion, m_cabezal.AsiID);
         const bool cambiaEstado = antes.value(QStringLiteral("Estado")) != despues.value(QStringLiteral("Estado"));
@@ -253,19 +405,15 @@ void AsientoDatos::escribirLineas(qint32 asiID)
 qint32 AsientoDatos::GrabarTodo()
 {
     m_resultado = Resultado::Bien;
-    if (!leyendaAdmitida())
+    if (!leyendaAdmitida() || !importesEnRango())
         return 0;
-    for (const LineaDatos &l : std::as_const(m_lineas)) {
-        if (!std::isfinite(l.Importe) || !std::isfinite(l.ImporteMC)) {
-            fallar(Resultado::ErrorBase, QStringLiteral("importe no válido en la cuenta %1").arg(l.Cuenta));
-            return 0;
-        }
-    }
     const QDateTime nuevo = SelloNuevo(m_cabezal.FechaModificado);
     const QVariant libro = m_cabezal.Libro ? QVariant(m_cabezal.Libro) : nulo(QMetaType::Int);
     qint32 id = m_cabezal.AsiID;
     try {
         Transaccion tx(*m_conexion);
+        if (m_cabezal.Libro != 0 && m_cabezal.Libro == libroApertura())
+            bloquearEmpresa(m_cabezal.Empresa);
         QJsonObject antes;
         if (id <= 0) {
             id = qint32(m_conexion->Insertar(
@@ -283,6 +431,8 @@ qint32 AsientoDatos::GrabarTodo()
                 return 0;
         }
         escribirLineas(id);
+        if (!reglasDelLibro(id, antes.isEmpty() ? qint16(-1) : qint16(antes.value(QStringLiteral("Libro")).toInt())))
+            return 0;
         HistorialAsiento::Registrar(*m_conexion, id, autor(), nuevo, antes.isEmpty() ? HistorialAsiento::kAlta : HistorialAsiento::kCambio,
                                     antes, HistorialAsiento::LeerGuardado(*m_conexion, id));
         tx.Confirmar();
@@ -348,6 +498,10 @@ QString AsientoDatos::EnviarPapelera(qint32 asiID, qint16 monedaContabilidad, co
             HistorialAsiento::Registrar(*m_conexion, id, autor(), nuevo, HistorialAsiento::kPapelera, previo,
                                         HistorialAsiento::LeerGuardado(*m_conexion, id));
         tx.Confirmar();
+        if (m_cabezal.AsiID == asiID) {
+            m_cabezal.Estado = EstadoAsiento::kPapelera;
+            m_cabezal.FechaModificado = nuevo;
+        }
     } catch (const ErrorBaseDatos &e) {
         fallar(Resultado::ErrorBase, e.descripcion());
         return {};
@@ -355,11 +509,17 @@ QString AsientoDatos::EnviarPapelera(qint32 asiID, qint16 monedaContabilidad, co
     return cambiados.join(QLatin1Char(','));
 }
 
-bool AsientoDatos::EliminarDefinitivo(qint32 asiID)
+bool AsientoDatos::EliminarDefinitivo(qint32 asiID, const QDateTime &selloLeido)
 {
     m_resultado = Resultado::Bien;
     try {
         Transaccion tx(*m_conexion);
+        // The stamp is compared by an update that changes nothing: it also holds the row
+        // until the deletion is committed.
+        QVariantList valores{asiID};
+        const QString condicion = condicionSello(m_conexion->motor(), selloLeido, valores);
+        if (m_conexion->Ejecutar(QStringLiteral("Update cceAsientos Set AsiEstado = AsiEstado Where AsiID = ?") + condicion, valores) != 1)
+            return fallar(Resultado::Modificado, QStringLiteral("Registro modificado con anterioridad."));
         const QJsonObject antes = HistorialAsiento::LeerGuardado(*m_conexion, asiID);
         m_conexion->Ejecutar(QStringLiteral("Delete From cceAsientoCuenta Where ACuIDAsiento = ?"), {asiID});
         m_conexion->Ejecutar(QStringLiteral("Delete From cceAsientos Where AsiID = ?"), {asiID});

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "entries/reglabalance.h"
 #include "store/conexion.h"
 
 #include <QDate>
@@ -85,16 +86,26 @@ QHash<qint32, SelloGuardado> LeerSellos(Conexion &conexion, const QList<qint32> 
 // Whether the entry is verified (AsiVerificado 1 or 2): its authoriser may not change.
 bool AsientoVerificado(Conexion &conexion, qint32 asiID);
 
-// The entry data service: every write of an entry goes through here. A write is one
-// transaction, header and lines together or nothing, and it is a compare-and-set on the
-// modification stamp: the update names the stamp that was read, and when no row changes the
-// write is refused (Modificado) and nothing is written. Two users racing can never both win.
-// Each write also leaves its row in the audit trail and its live notice to other sessions,
-// in the same transaction.
+// The entry data service: every write of an entry goes through here, and here the books'
+// rules hold whatever command writes. A write is one transaction, header and lines together
+// or nothing, and it is a compare-and-set on the modification stamp: the update (or the
+// deletion) names the stamp that was read, and when no row matches the write is refused
+// (Modificado) and nothing is written. Two users racing can never both win. Inside the same
+// transaction, once written, the entry is checked as stored:
+// - a registered entry balances (CalcularBalance over its stored lines, the accounts'
+//   currencies and masks): else Descuadrado;
+// - the company keeps one opening-balance entry: an entry that comes into the
+//   opening-balance book beside another one out of the trash, or is registered there beside
+//   another registered one, is refused (AperturaDuplicada). The check runs under a lock on
+//   the company (the write lock of SQLite, a row lock on PostgreSQL), so two sessions cannot
+//   both pass it;
+// - every amount fits the amount type (FueraDeRango).
+// A refused write leaves both tables as they were. Each write also leaves its row in the
+// audit trail and its live notice to other sessions, in the same transaction.
 class AsientoDatos
 {
 public:
-    enum class Resultado { Bien, Modificado, NoExiste, ErrorBase };
+    enum class Resultado { Bien, Modificado, NoExiste, ErrorBase, Descuadrado, AperturaDuplicada, FueraDeRango };
 
     AsientoDatos() = default;
     explicit AsientoDatos(Conexion &conexion, const LibrosSistema &libros = {});
@@ -112,6 +123,9 @@ public:
     // True when an account of the loaded lines is closed at the date (closing date on or
     // after it).
     bool HayCuentasCerradas(const QDate &fecha);
+    // The balance test of the loaded lines, with their accounts' currencies and masks as
+    // stored, by the rule the write checks. Throws ErrorBaseDatos.
+    ResultadoBalance Balance();
 
     // How precise a new stamp is: to the millisecond, or in whole seconds (as a change of an
     // entry's book writes it).
@@ -131,14 +145,18 @@ public:
     // closing of the year it opens): they belong together. Answers the ids changed, joined
     // by ","; empty when none (stamp changed, or no such entry).
     QString EnviarPapelera(qint32 asiID, qint16 monedaContabilidad, const QDateTime &sello);
-    // Deletes header and lines for good, in one transaction.
-    bool EliminarDefinitivo(qint32 asiID);
+    // Deletes header and lines for good, in one transaction, when the entry still carries
+    // the stamp read (Modificado otherwise, and nothing is deleted).
+    bool EliminarDefinitivo(qint32 asiID, const QDateTime &selloLeido);
     // For the opening-balance entry: 1 when exchange-difference entries dated after it
     // exist, 2 when a year closing after it exists, 0 when it may still change.
     int EstadoApertura(qint32 asiID, const QDate &fecha, qint32 empresa, qint16 monedaContabilidad);
 
     Resultado ultimoResultado() const { return m_resultado; }
     QString ultimoError() const { return m_error; }
+    // The catalogue text that tells the user why the last write was refused; 0 for a
+    // failure of the database, which the command tells with its own text and the detail.
+    int ultimoNumero() const;
 
     // The stamp for a write that follows one read as anterior: now, to the millisecond or in
     // whole seconds, and always later than anterior (a whole second later at least, when
@@ -148,6 +166,11 @@ public:
 private:
     bool actualizarCabezal(qint32 asiID, const QDateTime &nuevo);
     void escribirLineas(qint32 asiID);
+    qint16 libroApertura();
+    void bloquearEmpresa(qint32 empresa);
+    bool reglasDelLibro(qint32 asiID, qint16 libroAnterior);
+    bool importesEnRango();
+    ResultadoBalance balanceDe(const QVector<LineaBalance> &lineas, qint32 empresa);
     bool fallar(Resultado r, const QString &error);
     bool leyendaAdmitida();
     qint16 autor() const { return m_usuario ? m_usuario : m_cabezal.Usuario; }

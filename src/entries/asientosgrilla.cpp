@@ -34,14 +34,18 @@ QString AsientosGrilla::mascaraImporte(qint16 moneda)
     return m_ctx.monedas ? m_ctx.monedas->DatoMoneda(moneda, 4).toString() : QStringLiteral("#,##0.00");
 }
 
+const Mascara &AsientosGrilla::mascaraLeida(const QString &mascara)
+{
+    auto it = m_mascaras.find(mascara);
+    if (it == m_mascaras.end())
+        it = m_mascaras.insert(mascara, Mascara(mascara));
+    return *it;
+}
+
 int AsientosGrilla::decimalesMostrados(const QString &mascara)
 {
-    auto it = m_decimales.find(mascara);
-    if (it == m_decimales.end()) {
-        const Mascara m(mascara);
-        it = m_decimales.insert(mascara, m.valida() ? m.decimales() : -1);
-    }
-    return *it;
+    const Mascara &m = mascaraLeida(mascara);
+    return m.valida() ? m.decimales() : -1;
 }
 
 bool AsientosGrilla::tieneTexto(int fila, int columna) const

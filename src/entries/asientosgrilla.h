@@ -4,6 +4,7 @@
 #include "grilla.h"
 #include "modeloasiento.h"
 
+#include "currency/mascara.h"
 #include "store/conexion.h"
 #include "store/fallo.h"
 
@@ -181,10 +182,11 @@ private:
     // The decimals a mask shows, looked up once per mask; -1 for a mask with no digit
     // characters (a blank one), which shows every decimal there is.
     int decimalesMostrados(const QString &mascara);
+    const Mascara &mascaraLeida(const QString &mascara);
 
     Grilla &m_g;
     ContextoAsientos &m_ctx;
     int m_relleno = -1;
     QFont m_fuenteRelleno;
-    QHash<QString, int> m_decimales; // decimalesMostrados of each mask met
+    QHash<QString, Mascara> m_mascaras; // each mask met, read once
 };

@@ -4,21 +4,14 @@
 #include "currency/catalogomonedas.h"
 #include "currency/importe.h"
 #include "currency/mascara.h"
+#include "entries/reglabalance.h"
 
 #include <algorithm>
 #include <cmath>
 
 void AsientosGrilla::CierreAsiento(bool &bDebeMenor, double &cDiferenciaMC, double &cDiferenciaME, bool &bCierra)
 {
-    Importe debeMC, haberMC, debeME, haberME;
-    int lineasDebe = 0;
-    int lineasHaber = 0;
-    qint16 monedaExtranjera = 0;
-    bool unaSolaMoneda = true; // every line is in the same foreign currency
-    bDebeMenor = false;
-    cDiferenciaMC = 0;
-    cDiferenciaME = 0;
-
+    QVector<LineaBalance> lineas;
     const int cabezal = Cabezal.FilaCabezal;
     for (int r = cabezal + 1; r >= m_g.FilasFijas() && r < m_g.Filas(); ++r) {
         if (EsFilaCabezal(r) || !m_g.Dato(r, 0).isValid() || m_g.Dato(r, 0).toInt() != Cabezal.AsiID)
@@ -26,55 +19,19 @@ void AsientosGrilla::CierreAsiento(bool &bDebeMenor, double &cDiferenciaMC, doub
         const QString clave = m_g.Dato(r, 1).toString();
         if (clave.isEmpty() || clave == kClaveDiferencia)
             continue;
-        const qint16 moneda = qint16(CampoDeClave(clave, 3));
-        const bool debe = tieneTexto(r, 2);
-        if (debe) {
-            debeMC += Importe::DesdeDouble(m_g.Valor(r, 2));
-            ++lineasDebe;
-        } else {
-            haberMC += Importe::DesdeDouble(m_g.Valor(r, 3));
-            ++lineasHaber;
-        }
-        if (moneda != 0 && moneda != m_ctx.monedaContabilidad) {
-            unaSolaMoneda = unaSolaMoneda && (monedaExtranjera == 0 || monedaExtranjera == moneda);
-            monedaExtranjera = moneda;
-            (debe ? debeME : haberME) += Importe::DesdeDouble(m_g.Valor(r, 5));
-        } else {
-            unaSolaMoneda = false;
-        }
+        LineaBalance l;
+        l.alDebe = tieneTexto(r, 2);
+        l.moneda = qint16(CampoDeClave(clave, 3));
+        l.mc = Importe::DesdeDouble(m_g.Valor(r, l.alDebe ? 2 : 3));
+        l.me = Importe::DesdeDouble(m_g.Valor(r, 5));
+        lineas.append(l);
     }
-
-    // The sums are compared as the user sees them, printed with the currency's amount mask,
-    // so differences below the mask's last decimal do not count. A mask with digits prints
-    // two sums alike exactly when they round alike to its decimals, which is cheaper to ask;
-    // any other mask is printed: a blank one shows every decimal and lets no difference pass.
-    auto igualesImpresos = [this](qint16 moneda, Importe a, Importe b) {
-        const QString mascara = mascaraImporte(moneda);
-        const int decimales = decimalesMostrados(mascara);
-        if (decimales >= 0)
-            return a.RedondeadoA(std::min(decimales, 4)) == b.RedondeadoA(std::min(decimales, 4));
-        const Mascara m(mascara);
-        return m.Formatear(a.aDouble()) == m.Formatear(b.aDouble());
-    };
-    // The foreign amounts must balance too when every line is in one foreign currency. An
-    // entry that mixes currencies (dollars paid with pesos, the opening-balance entry) adds
-    // amounts of different currencies there, which cannot balance: the accounting currency
-    // alone decides it.
-    const bool compararME = unaSolaMoneda && monedaExtranjera != 0;
-    bCierra = lineasDebe > 0 && lineasHaber > 0 && igualesImpresos(0, debeMC, haberMC)
-           && (!compararME || igualesImpresos(monedaExtranjera, debeME, haberME));
-    if (bCierra)
-        return;
-    if (debeMC < haberMC) {
-        bDebeMenor = true;
-        cDiferenciaMC = (haberMC - debeMC).aDouble();
-    } else if (debeMC > haberMC) {
-        bDebeMenor = false;
-        cDiferenciaMC = (debeMC - haberMC).aDouble();
-    } else {
-        bDebeMenor = debeME <= haberME;
-        cDiferenciaME = compararME ? (debeME - haberME).abs().aDouble() : 0;
-    }
+    const ResultadoBalance b = CalcularBalance(lineas, m_ctx.monedaContabilidad, 
+                                               [this](qint16 m) -> const Mascara & { return mascaraLeida(mascaraImporte(m)); });
+    bCierra = b.cierra;
+    bDebeMenor = b.debeMenor;
+    cDiferenciaMC = b.diferenciaMC.aDouble();
+    cDiferenciaME = b.diferenciaME.aDouble();
 }
 
 double AsientosGrilla::BuscarTCMonedaCuenta(qint16 iMoneda) const

@@ -235,9 +235,10 @@ qint32 FrecuentesDatos::Registrar(const MovimientoFrecuente &m, const QDate &fec
         d.Autoriza = m.Autoriza;
         // A future entry waits as a draft until its day, as every entry does.
         const bool borradorHastaSuDia = borrador || fecha > QDate::currentDate();
-        d.Estado = m.Cierra() ? (borradorHastaSuDia ? EstadoAsiento::kBorrador : EstadoAsiento::kRegistrado) : EstadoAsiento::kInconcluso;
-        d.FechaCambioEstado = AsientoDatos::SelloNuevo(QDateTime());
         datos.Lineas() = m.Lineas;
+        d.Estado = datos.Balance().cierra ? (borradorHastaSuDia ? EstadoAsiento::kBorrador : EstadoAsiento::kRegistrado)
+                                          : EstadoAsiento::kInconcluso;
+        d.FechaCambioEstado = AsientoDatos::SelloNuevo(QDateTime());
         if (datos.HayCuentasCerradas(fecha))
             throw ErrorBaseDatos(QStringLiteral("Hay cuentas cerradas a la fecha %1.").arg(fecha.toString(QStringLiteral("dd/MM/yyyy"))));
         const qint32 id = datos.GrabarTodo();

@@ -60,7 +60,7 @@ void SaldosIniciales::AbrirCuentas(const QString &cuentas)
                         + cuentas + QStringLiteral(")"));
 }
 
-QVector<LineaDatos> SaldosIniciales::LineasDeSaldos(quint8 clase, qint16 monedaContabilidad)
+QVector<LineaDatos> SaldosIniciales::LineasDeSaldos(quint8 clase, qint16 monedaContabilidad, QVector<qint16> *monedas)
 {
     const QString sql = QStringLiteral("Select cueID, CueSaldo, CueSaldoMConta, CueMoneda, CueFechaCerrada, TCuSigno ")
                       + QStringLiteral(" From cceCuentas, sisTipoCuenta ")
@@ -84,11 +84,14 @@ QVector<LineaDatos> SaldosIniciales::LineasDeSaldos(quint8 clase, qint16 monedaC
         LineaDatos l;
         l.Cuenta = qint32(rs->Entero(QStringLiteral("cueID")));
         l.AlDebe = (conSigno > 0 ? 1 : -1) * signoTipo > 0;
-        l.ImporteMC = std::abs(saldoMC != 0 ? saldoMC : saldo);
+        // A foreign balance is never taken as if it were in the accounting currency.
+        l.ImporteMC = std::abs(saldoMC != 0 || propia ? (saldoMC != 0 ? saldoMC : saldo) : 0.0);
         l.Importe = propia ? l.ImporteMC : std::abs(saldo);
         l.Tasa = l.Importe != 0 ? l.ImporteMC / l.Importe : 0;
         l.Orden = qint16(lineas.size() + 1);
         lineas.append(l);
+        if (monedas)
+            monedas->append(propia ? qint16(0) : qint16(moneda));
     }
     rs->Cerrar();
     return lineas;

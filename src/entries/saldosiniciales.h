@@ -33,8 +33,11 @@ public:
     // credit), so the line goes to the debit when the balance's sign times TCuSigno is
     // positive and to the credit when it is negative: an asset of 100 is a debit, an asset
     // of -100 (an overdrawn account) a credit, a liability of 100 a credit. An account
-    // without a currency, or in the accounting currency, has one amount.
-    QVector<LineaDatos> LineasDeSaldos(quint8 clase, qint16 monedaContabilidad);
+    // without a currency, or in the accounting currency, has one amount. monedas, when
+    // given, gets each line's foreign currency (0 for the accounting one); a foreign balance
+    // stored without its value in the accounting currency comes with ImporteMC 0, to be
+    // valued by the caller.
+    QVector<LineaDatos> LineasDeSaldos(quint8 clase, qint16 monedaContabilidad, QVector<qint16> *monedas = nullptr);
 
 private:
     Conexion &m_conexion;

@@ -44,8 +44,8 @@ void lumIngAsiento::conectarComandos()
     // The banner's links: "aquí" makes the opening-balance entry once the click is over,
     // "Necesito ayuda" opens its help page.
     connect(lMsgASI1, &QLabel::linkActivated, this, [this](const QString &enlace) {
-        if (FilaEdicion() > 0)
-            m_edicion->SalirEdicion();
+        if (!TerminarEdicion())
+            return;
         if (enlace == QLatin1String("aqui"))
             ArmarComandoDiferido(QStringLiteral("1"));
         else
@@ -59,7 +59,7 @@ void lumIngAsiento::conectarComandos()
     connect(m_vsGrid, &vsGrid::FilaActualCambiada, this, &lumIngAsiento::vsGrid_FilaActual);
     connect(m_vsGrid->horizontalHeader(), &QHeaderView::sectionClicked, this, [this] {
         if (FilaEdicion() > 0) {
-            m_edicion->SalirEdicion();
+            TerminarEdicion();
             return;
         }
         SeleccionarFila(m_grilla.FilasFijas());
@@ -88,8 +88,11 @@ void lumIngAsiento::conectarComandos()
     // was none yet.
     auto alElegir = [this](const char *accion, auto funcion, bool sobreUnaLinea = false) {
         connect(m_menus->accion(QString::fromLatin1(accion)), &QAction::triggered, this, [this, funcion, sobreUnaLinea] {
-            if (FilaEdicion() > 0 && !m_edicion->SalirEdicionEnLaFila() && sobreUnaLinea)
-                return;
+            if (FilaEdicion() > 0) {
+                const bool enLaFila = m_edicion->SalirEdicionEnLaFila();
+                if (FilaEdicion() > 0 || (!enLaFila && sobreUnaLinea))
+                    return;
+            }
             funcion();
             // Deleting, registering or converting may make or unmake the opening-balance entry.
             m_apertura->ActualizarExisteApertura();
@@ -151,7 +154,8 @@ void lumIngAsiento::MostrarHistorial()
 void lumIngAsiento::ClickEnlace(lumHiperLink *enlace, QMenu *menu)
 {
     if (FilaEdicion() > 0) {
-        m_edicion->SalirEdicion();
+        if (!TerminarEdicion())
+            return;
         setFocus();
     }
     if (enlace == hlCargar)
@@ -302,8 +306,8 @@ void lumIngAsiento::CargarFrecuentesRecientes()
         a->setObjectName(QStringLiteral("MnuAFrRecientes"));
         a->setData(id);
         connect(a, &QAction::triggered, this, [this, id = id] {
-            if (FilaEdicion() > 0)
-                m_edicion->SalirEdicion();
+            if (!TerminarEdicion())
+                return;
             RegistrarFrecuente(id);
         });
         m_menus->MnuAFrRecientes.append(a);
@@ -320,14 +324,15 @@ bool lumIngAsiento::eventFilter(QObject *objeto, QEvent *evento)
 {
     // A click on the banner ends an edit, as a click elsewhere above the grid does.
     if ((objeto == picASI || objeto == lMsgASI1) && evento->type() == QEvent::MouseButtonPress && FilaEdicion() > 0)
-        m_edicion->SalirEdicion();
+        TerminarEdicion();
     return QWidget::eventFilter(objeto, evento);
 }
 
 void lumIngAsiento::Buscar(bool mostrarDialogo)
 {
     if (FilaEdicion() > 0) {
-        m_edicion->SalirEdicion();
+        if (!TerminarEdicion())
+            return;
         setFocus();
     }
     const auto resultado = m_busqueda->Buscar(mostrarDialogo);

@@ -72,6 +72,9 @@ void lumIngAsiento::CargarVistaInicial()
 
 void lumIngAsiento::CargarAsientos(const QString &sql)
 {
+    // The grid is filled anew: an entry being edited is finished first, or nothing happens.
+    if (!TerminarEdicion())
+        return;
     MostrarVista();
     if (!m_datos.conexion())
         return;
@@ -169,7 +172,7 @@ void lumIngAsiento::GuardarDisenoGrilla()
     if (ruta.isEmpty())
         return;
     if (FilaEdicion() > 0)
-        m_edicion->SalirEdicion();
+        m_edicion->SalirEdicion(SesionEdicion::Salida::Cierre);
     QDir().mkpath(QFileInfo(ruta).absolutePath());
     QString error;
     if (!m_grilla.Guardar(ruta, &error))
@@ -179,8 +182,8 @@ void lumIngAsiento::GuardarDisenoGrilla()
 void lumIngAsiento::OrdenarCuentasGrilla()
 {
     // Reordering moves rows under the open line editor: the edit is finished first.
-    if (FilaEdicion() > 0)
-        m_edicion->SalirEdicion();
+    if (!TerminarEdicion())
+        return;
     ActualizarContexto();
     m_grilla.FijarRedibujar(false);
     for (int r = m_grilla.FilasFijas(); r < m_grilla.Filas(); ++r) {
@@ -204,7 +207,7 @@ void lumIngAsiento::SeleccionarFila(int fila)
 void lumIngAsiento::vsGrid_Click()
 {
     if (FilaEdicion() > 0) {
-        m_edicion->SalirEdicion();
+        TerminarEdicion();
         return;
     }
     const int fila = m_vsGrid->FilaActual();
@@ -250,7 +253,7 @@ void lumIngAsiento::vsGrid_KeyDown(int tecla, Qt::KeyboardModifiers modificadore
 void lumIngAsiento::vsGrid_KeyPress(int ascii, bool *atendida)
 {
     if (ascii == 27 && FilaEdicion() > 0) {
-        m_edicion->SalirEdicion();
+        m_edicion->SalirEdicion(SesionEdicion::Salida::Escape);
         *atendida = true;
         return;
     }

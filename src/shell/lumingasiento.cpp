@@ -60,7 +60,7 @@ lumIngAsiento::lumIngAsiento(EntornoDocumento entorno, QWidget *padre)
 lumIngAsiento::~lumIngAsiento()
 {
     if (m_edicion->FilaEdicion() > 0)
-        m_edicion->SalirEdicion();
+        m_edicion->SalirEdicion(SesionEdicion::Salida::Cierre);
     // Only a document that got as far as loading the user's layout writes it back: one that
     // stopped on the way would replace the user's grid with an empty one.
     if (!m_host.PrefijoUsuario.isEmpty() && m_estado == Estado::Listo)
@@ -186,6 +186,11 @@ ServicioBusquedaCuentas &lumIngAsiento::busquedaCuentas() const
 int lumIngAsiento::FilaEdicion() const
 {
     return m_edicion->FilaEdicion();
+}
+
+bool lumIngAsiento::TerminarEdicion()
+{
+    return FilaEdicion() <= 0 || m_edicion->SalirEdicion();
 }
 
 lumERAsiento *lumIngAsiento::editor() const

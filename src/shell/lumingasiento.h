@@ -100,6 +100,12 @@ public:
     // The save dialog the exports ask (null: the platform's).
     void FijarSelectorArchivo(SelectorArchivo *selector);
     int FilaEdicion() const;
+    // Ends an edit before something else happens: false when the user chose to go back to
+    // it (question 1956 for typed work), and then nothing else should happen. True when no
+    // entry was edited.
+    bool TerminarEdicion();
+    // Whether the document may close: an edit is ended first, as TerminarEdicion does.
+    bool PuedeCerrar() { return TerminarEdicion(); }
     // The edit area's controls.
     lumERAsiento *editor() const;
     CampoFecha *campoFecha() const;

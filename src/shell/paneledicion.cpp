@@ -16,8 +16,9 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
-#include <QToolTip>
 #include <QVBoxLayout>
+
+#include <utility>
 
 PanelEdicion::PanelEdicion(lumIngAsiento &documento, const DatosDocumento &datos, Grilla &grilla, vsGrid *grid,
                            QWidget *padre)
@@ -100,10 +101,12 @@ void PanelEdicion::conectarEditor()
     }, Qt::QueuedConnection);
     connect(oraEdit, &lumERAsiento::EnabledContenedor, this, [this](bool *si) { m_vsGrid->setEnabled(*si); });
     connect(oraEdit, &lumERAsiento::EditOK, this, [this](bool *) {
-        // An entry of a company whose entries carry an authoriser needs one.
+        // An entry of a company whose entries carry an authoriser needs one: the line waits
+        // in the editor while it is chosen, and Enter on the list then takes it.
         if (ConAutoriza() && cfAutoriza->currentIndex() < 0) {
+            m_datos.Advertir(1953);
+            m_aceptarTrasAutoriza = true;
             cfAutoriza->setFocus();
-            QToolTip::showText(cfAutoriza->mapToGlobal(QPoint(0, cfAutoriza->height())), m_datos.texto(1953), cfAutoriza);
             return;
         }
         m_doc.edicion().AceptarLinea();
@@ -119,7 +122,7 @@ void PanelEdicion::conectarEditor()
         encabezadosDeEdicion(*campo);
         if (*tecla == Qt::Key_Escape) {
             *tecla = 0;
-            QMetaObject::invokeMethod(this, [this] { m_doc.edicion().SalirEdicion(); }, Qt::QueuedConnection);
+            QMetaObject::invokeMethod(this, [this] { m_doc.edicion().SalirEdicion(SesionEdicion::Salida::Escape); }, Qt::QueuedConnection);
         }
     });
     connect(m_vsGrid, &vsGrid::Desplazado, this, &PanelEdicion::colocarEditor);
@@ -199,9 +202,12 @@ void PanelEdicion::AbrirCabezal(const ValoresCabezal &valores)
     lLibroApertura->setText(valores.libroFijo);
     cfTipo->setCurrentIndex(cfTipo->findData(int(valores.libro)));
     if (ConAutoriza()) {
-        cfAutoriza->setCurrentIndex(valores.autoriza ? cfAutoriza->findData(int(valores.autoriza)) : -1);
+        // An entry without one is offered the company's only authoriser.
+        const int elegido = valores.autoriza ? cfAutoriza->findData(int(valores.autoriza)) : (cfAutoriza->count() == 1 ? 0 : -1);
+        cfAutoriza->setCurrentIndex(elegido);
         cfAutoriza->setEnabled(valores.autorizaHabilitado);
     }
+    m_aceptarTrasAutoriza = false;
     tLeyenda->setText(valores.leyenda);
     setVisible(true);
 }
@@ -349,7 +355,7 @@ void PanelEdicion::RestaurarEncabezados()
 bool PanelEdicion::teclaEnCabezal(QObject *objeto, QKeyEvent *evento)
 {
     if (evento->key() == Qt::Key_Escape) {
-        m_doc.edicion().SalirEdicion();
+        m_doc.edicion().SalirEdicion(SesionEdicion::Salida::Escape);
         return true;
     }
     if (evento->key() != Qt::Key_Return && evento->key() != Qt::Key_Enter)
@@ -367,7 +373,17 @@ bool PanelEdicion::teclaEnCabezal(QObject *objeto, QKeyEvent *evento)
         else
             oraEdit->SetFocusCtrl(lumERAsiento::kDebe, 0);
     } else if (objeto == cfAutoriza) {
-        oraEdit->SetFocusCtrl(lumERAsiento::kDebe, 0);
+        // Enter does not pass an empty list: the authoriser is asked for here, not after the
+        // line's amount.
+        if (cfAutoriza->currentIndex() < 0) {
+            m_datos.Advertir(1953);
+            cfAutoriza->setFocus();
+            return true;
+        }
+        if (std::exchange(m_aceptarTrasAutoriza, false))
+            m_doc.edicion().AceptarLinea();
+        else
+            oraEdit->SetFocusCtrl(lumERAsiento::kDebe, 0);
     }
     return true;
 }

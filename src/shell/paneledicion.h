@@ -69,6 +69,7 @@ private:
     Grilla &m_grilla;
     vsGrid *m_vsGrid;
     int m_fila = 0; // the row the editor lies over; 0 when none
+    bool m_aceptarTrasAutoriza = false; // the line waits in the editor for its authoriser
 
     QFrame *picCabezal = nullptr;
     QLabel *lDate = nullptr;

@@ -23,8 +23,8 @@ void lumIngAsiento::conectarSalidas()
     auto alElegir = [this](const char *accion, auto funcion) {
         connect(m_menus->accion(QString::fromLatin1(accion)), &QAction::triggered, this, [this, funcion] {
             // A line being typed is finished first, so what is printed is what is stored.
-            if (FilaEdicion() > 0)
-                m_edicion->SalirEdicion();
+            if (!TerminarEdicion())
+                return;
             funcion();
         });
     };

@@ -213,6 +213,52 @@ TEST_P(Apertura, SeHaceDeLosSaldosUnaSolaVez1827Y1835)
 // Accounts closed on or after the opening-balance date are opened (without their balances)
 // only when the user accepts; one closed the day before stays as it is.
 // However it came to be in that book, one opening-balance entry is all a company gets.
+// A balance in dollars stored without its value in pesos is valued at the quotation of the
+// opening-balance date, never booked as if the dollars were pesos; a currency with no
+// quotation at all stops the entry and names the account.
+TEST_P(Apertura, UnSaldoEnDolaresSinSuValorEnPesosSeValoraALaCotizacion)
+{
+    const QDate dia = m_datos.fechaAsientoApertura;
+    ejecutar(QStringLiteral("Update cceCuentas Set CueFechaCerrada = Null, CueSaldo = 0, CueSaldoMConta = 0"));
+    fijar("CueSaldo = ?, CueSaldoMConta = Null", "1.1.04", {12500});
+    fijar("CueSaldo = ?, CueSaldoMConta = ?", "3.1.01", {500000, 500000});
+    ejecutar(QStringLiteral("Delete From genCotizacionesMoneda Where CMoFecha >= ? And CMoFecha <= ?"),
+             {Conexion::ValorFecha(dia.addDays(-40)), Conexion::ValorFecha(dia)});
+    ejecutar(QStringLiteral("Insert Into genCotizacionesMoneda (CMoFecha, CMoMoneda, CMoCotizaEn, CMoTipoCotizacion, CMoCompra, CMoVenta)"
+                            " Values (?, 2, 1, 1, 40, 41)"),
+             {Conexion::ValorFecha(dia.addDays(-2))});
+    const qint32 id = m_apertura.HacerAsientoApertura();
+    ASSERT_GT(id, 0) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
+    EXPECT_EQ(lineas(id), (QStringList{QStringLiteral("1.1.04|D|12500|500000"), QStringLiteral("3.1.01|H|500000|500000")}));
+    EXPECT_EQ(cabezal(id).left(2), QStringLiteral("1|"));
+
+    // The same balance in a currency nobody quotes.
+    ejecutar(QStringLiteral("Update cceAsientos Set AsiEstado = 9 Where AsiID = ?"), {id});
+    ejecutar(QStringLiteral("Insert Into genMonedas (MonID, MonSimbolo, MonNombre, MonCotizaEn, MonRedondeo, MonFormatoCotizacion, MonTipo)"
+                            " Values (7, 'R$', 'Reales', 1, '#,##0.00', '#,##0.000', 1)"));
+    ejecutar(QStringLiteral("Update cceCuentas Set CueMoneda = 7 Where CueCodigo = '1.1.04'"));
+    m_mensajes.mostrados.clear();
+    EXPECT_EQ(m_apertura.HacerAsientoApertura(), 0);
+    ASSERT_EQ(m_mensajes.mostrados.size(), 1);
+    EXPECT_TRUE(m_mensajes.mostrados[0].startsWith(QStringLiteral("error: 1959"))) << m_mensajes.mostrados[0].toStdString();
+    EXPECT_TRUE(aperturas().isEmpty());
+}
+
+// The banner's "aquí" with an opening-balance entry made and not finished shows that entry
+// instead of refusing: the banner and the command say the same.
+TEST_P(Apertura, ElQueFaltaTerminarSeMuestraEnLugarDeHacerOtro)
+{
+    const qint32 incompleto = asiento(m_datos.fechaAsientoApertura, EstadoAsiento::kInconcluso, Demo::kLibroPrimeraApertura,
+                                      {{"1.1.01", 100}, {"3.1.01", -90}});
+    ASSERT_GT(incompleto, 0);
+    EXPECT_FALSE(m_apertura.ActualizarExisteApertura());
+    m_apertura.MnuEdiAPA();
+    EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("información: 1960")});
+    ASSERT_GE(m_pantalla.fila, m_grilla.FilasFijas());
+    EXPECT_EQ(m_asientos.IdDeFila(m_pantalla.fila), incompleto);
+    EXPECT_EQ(aperturas(), QList<qint32>{incompleto});
+}
+
 TEST_P(Apertura, NuncaDosAsientosDeApertura)
 {
     const QDate dia = m_datos.fechaAsientoApertura;

@@ -28,7 +28,11 @@ public:
     bool ConAutoriza() const override { return true; }
     void AbrirCabezal(const ValoresCabezal &v) override { cabezal = v; }
     ValoresCabezal LeerCabezal() override { return cabezal; }
-    void FijarFecha(const QDate &f) override { fechasFijadas << f; }
+    void FijarFecha(const QDate &f) override
+    {
+        fechasFijadas << f;
+        cabezal.fecha = f; // the field shows it, as the real one does
+    }
     void EnfocarFecha() override { ++enfoquesFecha; }
     void CargarEditor(const QDate &, std::optional<std::pair<bool, double>> d, const std::optional<RegistroLinea> &l) override
     {
@@ -339,7 +343,7 @@ TEST_P(Edicion, UnaCuentaCerradaEnUnAsientoGuardado1815Y1821)
     EXPECT_EQ(m_vista.fechasFijadas, QList<QDate>{fecha});
     EXPECT_EQ(m_vista.enfoquesFecha, 1);
     EXPECT_EQ(grilla(), filas);
-    m_sesion.SalirEdicion();
+    m_sesion.SalirEdicion(SesionEdicion::Salida::Escape);
     EXPECT_EQ(enBase(id, true), antes);
 }
 

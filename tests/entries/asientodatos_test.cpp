@@ -171,7 +171,12 @@ TEST_P(Datos, EliminarDefinitivoBorraCabezalYLineas)
 {
     AsientoDatos a(d.conexion());
     const qint32 id = nuevo(a);
-    ASSERT_TRUE(a.EliminarDefinitivo(id));
+    // A copy read before another write deletes nothing.
+    EXPECT_FALSE(a.EliminarDefinitivo(id, a.Cabezal().FechaModificado.addMSecs(-1)));
+    EXPECT_EQ(a.ultimoResultado(), AsientoDatos::Resultado::Modificado);
+    EXPECT_EQ(a.ultimoNumero(), 1820);
+    EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientoCuenta Where ACuIDAsiento = %1").arg(id)), 3);
+    ASSERT_TRUE(a.EliminarDefinitivo(id, a.Cabezal().FechaModificado));
     EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientos Where AsiID = %1").arg(id)), 0);
     EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientoCuenta Where ACuIDAsiento = %1").arg(id)), 0);
     EXPECT_FALSE(a.CargarAsiento(id));
@@ -183,6 +188,102 @@ TEST(SelloNuevo, SiempreDespuesDelLeido)
     const QDateTime futuro(QDate(2999, 1, 1), QTime(10, 0, 0, 999), Qt::UTC);
     EXPECT_EQ(AsientoDatos::SelloNuevo(futuro), futuro.addMSecs(1));
     EXPECT_GT(AsientoDatos::SelloNuevo(QDateTime()), QDateTime(QDate(2020, 1, 1), QTime(0, 0), Qt::UTC));
+}
+
+// Whatever the caller, the service stores no registered entry whose sides differ as the
+// accounting currency's mask shows them: a new one, a change of its lines, or a header
+// write that registers an incomplete one. Nothing of a refused write is kept.
+TEST_P(Datos, UnAsientoRegistradoSiempreCierra)
+{
+    auto registrado = [&](QVector<LineaDatos> lineas, int estado = 1) {
+        AsientoDatos a(d.conexion());
+        a.Cabezal().Empresa = 1;
+        a.Cabezal().Estado = qint16(estado);
+        a.Cabezal().Fecha = QDate(2026, 5, 4);
+        a.Cabezal().Libro = 1;
+        a.Lineas() = lineas;
+        const qint32 id = a.GrabarTodo();
+        return std::make_pair(id, a.ultimoNumero());
+    };
+    const int antes = contar(QStringLiteral("Select Count(*) From cceAsientos"));
+    const int historial = contar(QStringLiteral("Select Count(*) From cceAsientosHistorial"));
+    EXPECT_EQ(registrado({linea(10, true, 300), linea(22, false, 299.99)}), std::make_pair(0, 1957));
+    EXPECT_EQ(registrado({linea(10, true, 300), linea(22, true, 300)}), std::make_pair(0, 1957)) << "one side only";
+    EXPECT_EQ(registrado({}), std::make_pair(0, 1957)) << "no lines";
+    // Dollars on both sides balance in pesos but not in dollars.
+    EXPECT_EQ(registrado({linea(11, true, 10, 400), linea(11, false, 11, 400)}), std::make_pair(0, 1957));
+    EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientos")), antes);
+    EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientosHistorial")), historial);
+
+    // Below the mask's last decimal the sides are equal; an incomplete entry may differ.
+    EXPECT_GT(registrado({linea(10, true, 300.004), linea(22, false, 300)}).first, 0);
+    EXPECT_GT(registrado({linea(11, true, 10, 410), linea(11, false, 10, 410)}).first, 0);
+    const qint32 inconcluso = registrado({linea(10, true, 300), linea(22, false, 200)}, 2).first;
+    ASSERT_GT(inconcluso, 0);
+
+    // Registering the incomplete one by its header alone is refused; its lines as they are.
+    AsientoDatos a(d.conexion());
+    ASSERT_TRUE(a.CargarAsiento(inconcluso));
+    EXPECT_FALSE(a.Balance().cierra);
+    a.Cabezal().Estado = 1;
+    EXPECT_FALSE(a.Grabar());
+    EXPECT_EQ(a.ultimoResultado(), AsientoDatos::Resultado::Descuadrado);
+    EXPECT_EQ(contar(QStringLiteral("Select AsiEstado From cceAsientos Where AsiID = %1").arg(inconcluso)), 2);
+
+    // Completing its lines registers it; taking one away again while registered is refused.
+    a.Lineas()[1].Importe = a.Lineas()[1].ImporteMC = 300;
+    EXPECT_TRUE(a.Balance().cierra);
+    EXPECT_EQ(a.GrabarTodo(), inconcluso);
+    a.Lineas().removeLast();
+    EXPECT_EQ(a.GrabarTodo(), 0);
+    EXPECT_EQ(a.ultimoNumero(), 1957);
+    EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientoCuenta Where ACuIDAsiento = %1").arg(inconcluso)), 2);
+
+    // An amount the type cannot hold is refused, not taken as 0.
+    EXPECT_EQ(registrado({linea(10, true, 1e16), linea(22, false, 1e16)}), std::make_pair(0, 1937));
+}
+
+// The company has one opening-balance entry: a second one is refused whether it is made
+// new, moved into the book, or registered beside an unfinished one; once the first is in the
+// trash, another may be made. The book comes from the system parameters when the caller
+// does not name it.
+TEST_P(Datos, UnSoloAsientoDeAperturaPorEmpresa)
+{
+    constexpr qint16 kApertura = 94;
+    d.conexion().Ejecutar(QStringLiteral("Insert Into genLibros (LibCodigo, LibNombre, LibDelSistema) Values (94, 'Apertura', 1)"));
+    d.conexion().Ejecutar(QStringLiteral("Delete From genParametros Where ParNombre = 'sis_LibroAsientoPrimeraApertura'"));
+    d.conexion().Ejecutar(QStringLiteral("Insert Into genParametros (ParNombre, ParValor) Values ('sis_LibroAsientoPrimeraApertura', 94)"));
+    auto escribir = [&](qint16 libro, int estado) {
+        AsientoDatos a(d.conexion());
+        a.Cabezal().Empresa = 1;
+        a.Cabezal().Estado = qint16(estado);
+        a.Cabezal().Fecha = QDate(2026, 1, 1);
+        a.Cabezal().Libro = libro;
+        a.Lineas() = {linea(10, true, 50), linea(22, false, 50)};
+        const qint32 id = a.GrabarTodo();
+        return id > 0 ? id : -a.ultimoNumero();
+    };
+    const qint32 primero = escribir(kApertura, 2);
+    ASSERT_GT(primero, 0);
+    EXPECT_EQ(escribir(kApertura, 1), -1837);
+    EXPECT_EQ(escribir(kApertura, 2), -1837);
+
+    const qint32 comun = escribir(1, 1);
+    AsientoDatos mover(d.conexion());
+    ASSERT_TRUE(mover.CargarAsiento(comun));
+    mover.Cabezal().Libro = kApertura;
+    EXPECT_FALSE(mover.Grabar());
+    EXPECT_EQ(mover.ultimoNumero(), 1837);
+
+    // The unfinished one itself may still change and be registered.
+    AsientoDatos a(d.conexion());
+    ASSERT_TRUE(a.CargarAsiento(primero));
+    a.Cabezal().Estado = 1;
+    EXPECT_TRUE(a.Grabar()) << a.ultimoError().toStdString();
+    EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientos Where AsiTipo = 94 And AsiEstado <> 9")), 1);
+
+    EXPECT_FALSE(a.EnviarPapelera(primero, 1, a.Cabezal().FechaModificado).isEmpty());
+    EXPECT_GT(escribir(kApertura, 1), 0);
 }
 
 INSTANTIATE_TEST_SUITE_P(Motores, Datos, ::testing::ValuesIn(MotoresDePrueba()),

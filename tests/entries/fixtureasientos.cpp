@@ -8,6 +8,7 @@ DatosAsientos::DatosAsientos(Motor motor)
     Conexion &c = m_base.conexion();
     c.Ejecutar(QStringLiteral("Insert Into genMonedas (MonID, MonSimbolo, MonCotizaEn, MonRedondeo, MonFormatoCotizacion, MonTipo)"
                               " Values (1, '$', Null, '#,##0.00', '#,##0.000', 1), (2, 'U$S', 1, '#,##0.00', '#,##0.000', 1)"));
+    c.Ejecutar(QStringLiteral("Insert Into cceEmpresas (EmpID, EmpNombre, EmpMonedaContabilidad) Values (1, 'Prueba', 1)"));
     c.Ejecutar(QStringLiteral("Insert Into genLibros (LibCodigo, LibNombre, LibDelSistema) Values (1, 'Diario', 0), (90, 'Resumen', 1)"));
     c.Ejecutar(QStringLiteral("Insert Into cceCuentas (CueID, CueIDEmpresa, CueCodigo, CueNombre, CueMoneda, CueFechaCerrada, CueEsCarpeta)"
                               " Values (10, 1, '1.1.01', 'Caja', 1, Null, 0), (11, 1, '1.1.02', 'Banco U$S', 2, Null, 0),"

@@ -7,7 +7,7 @@
 
 #include <QString>
 
-// A small company to load entries from: pesos (1, "#,##0.00") and dollars (2, amounts
+// A small company (1, keeping its books in pesos) to load entries from: pesos (1, "#,##0.00") and dollars (2, amounts
 // "#,##0.00", rates "#,##0.000"), a few accounts, books 1 "Diario" and 90 (system).
 class DatosAsientos
 {

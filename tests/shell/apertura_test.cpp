@@ -64,16 +64,21 @@ protected:
                 return r;
         return -1;
     }
-    // An entry of the opening-balance book, written straight to the store.
-    void apertura(qint16 estado)
+    // A balanced entry of the opening-balance book, written straight to the store; its id.
+    qint32 apertura(qint16 estado)
     {
         AsientoDatos d(m_base.conexion());
         d.Cabezal() = {0, Demo::kEmpresa, estado, QDate(2024, 1, 1), QStringLiteral("Saldos"), Demo::kLibroPrimeraApertura};
         LineaDatos l;
         l.Cuenta = contar(QStringLiteral("Select CueID From cceCuentas Where CueCodigo = '1.1.01'"));
         l.Importe = l.ImporteMC = 10;
-        d.Lineas() = {l};
-        ASSERT_GT(d.GrabarTodo(), 0);
+        LineaDatos capital = l;
+        capital.Cuenta = contar(QStringLiteral("Select CueID From cceCuentas Where CueCodigo = '3.1.01'"));
+        capital.AlDebe = false;
+        d.Lineas() = {l, capital};
+        const qint32 id = d.GrabarTodo();
+        EXPECT_GT(id, 0) << d.ultimoError().toStdString();
+        return id;
     }
 
     BaseDePrueba m_base;
@@ -148,9 +153,12 @@ TEST_P(AperturaEnDocumento, LaOpcionDeInicioSoloSinAsiento)
 {
     EXPECT_EQ(abrir()->ComandoDiferido(), QString());
     EXPECT_EQ(abrir(QStringLiteral("|pshacerasi=si"))->ComandoDiferido(), QStringLiteral("1"));
-    apertura(EstadoAsiento::kInconcluso);
+    const qint32 id = apertura(EstadoAsiento::kInconcluso);
     EXPECT_EQ(abrir(QStringLiteral("|pshacerasi=si"))->ComandoDiferido(), QStringLiteral("1"));
-    apertura(EstadoAsiento::kRegistrado);
+    AsientoDatos registrar(m_base.conexion());
+    ASSERT_TRUE(registrar.CargarAsiento(id));
+    registrar.Cabezal().Estado = EstadoAsiento::kRegistrado;
+    ASSERT_TRUE(registrar.Grabar()) << registrar.ultimoError().toStdString();
     auto doc = abrir(QStringLiteral("|pshacerasi=si"));
     EXPECT_EQ(doc->ComandoDiferido(), QString());
     EXPECT_FALSE(conAviso(*doc));

@@ -7,6 +7,7 @@
 #include "entries/asientodatos.h"
 #include "entries/vistas.h"
 #include "entries/vsgrid.h"
+#include "shell/idioma.h"
 #include "shell/lumingasiento.h"
 #include "store/basedemo.h"
 
@@ -310,6 +311,121 @@ TEST_P(Grabacion, UnificarLaTasaDeUnaMonedaQueValeMenosQueUnPeso)
     doc->comandos().UnificarTC(true);
     EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientoCuenta Where ACuIDAsiento = %1 And ACuImporteMC = 200"
                                     " And (ACuDebe = 1600 Or AcuHaber = 1600)").arg(id)), 2);
+}
+
+// Two dollar lines booked at different rates and the exchange difference in pesos: one rate
+// for both leaves the sides apart. The entry is never stored registered and unbalanced:
+// the user either keeps it as it was or takes it as incomplete.
+TEST_P(Grabacion, UnificarQueDescuadraNuncaDejaUnRegistradoDescuadrado)
+{
+    AsientoDatos d(m_base.conexion());
+    d.Cabezal().Empresa = 1;
+    d.Cabezal().Estado = 1;
+    d.Cabezal().Fecha = BaseDePrueba::Hoy().addDays(-10);
+    d.Cabezal().Leyenda = QStringLiteral("Dólares con diferencia de cambio");
+    d.Lineas() = {LineaDatos{cuenta("1.1.08"), 0, 0, true, 100, 41, 4100}, LineaDatos{cuenta("1.1.04"), 0, 0, false, 100, 40, 4000},
+                  LineaDatos{cuenta("4.1.01"), 0, 0, false, 100, 1, 100}};
+    const qint32 id = d.GrabarTodo();
+    ASSERT_GT(id, 0) << d.ultimoError().toStdString();
+    auto doc = abrir();
+    mostrarUltimos(*doc);
+    const QString lineas = QStringLiteral("Select Count(*) From cceAsientoCuenta Where ACuIDAsiento = %1 And ACuImporteMC = %2");
+
+    doc->grid()->FijarFilaActual(filaDe(*doc, id) + 1);
+    m_mensajes.ResponderNumero(41);
+    m_mensajes.Responder(ServicioMensajes::Respuesta::No); // keep it as it was
+    doc->comandos().UnificarTC(false);
+    ASSERT_EQ(m_mensajes.mostrados.size(), 2) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
+    EXPECT_TRUE(m_mensajes.mostrados[1].contains(QStringLiteral("no cierra (debe 4.100,00, haber 4.200,00)")))
+        << m_mensajes.mostrados[1].toStdString();
+    EXPECT_EQ(estadoEnBase(id), 1);
+    EXPECT_EQ(contar(lineas.arg(id).arg(4000)), 1);
+    EXPECT_EQ(doc->grilla().Valor(filaDe(*doc, id) + 2, 3), 4000.0) << "the grid shows the entry as stored";
+
+    doc->grid()->FijarFilaActual(filaDe(*doc, id) + 1);
+    m_mensajes.ResponderNumero(41);
+    m_mensajes.Responder(ServicioMensajes::Respuesta::Si); // incomplete until corrected
+    doc->comandos().UnificarTC(false);
+    EXPECT_EQ(estadoEnBase(id), 2);
+    EXPECT_EQ(contar(lineas.arg(id).arg(4100)), 2);
+    EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientos Where AsiEstado = 1 And AsiID = %1").arg(id)), 0);
+
+    // Back to the rates that balance: it is complete again.
+    doc->grid()->FijarFilaActual(filaDe(*doc, id) + 1);
+    m_mensajes.ResponderNumero(40);
+    doc->comandos().UnificarTC(false);
+    EXPECT_EQ(contar(lineas.arg(id).arg(4000)), 2);
+    EXPECT_EQ(estadoEnBase(id), 2) << "4000 + 100 against 4000 still does not balance";
+}
+
+// "Grabar" on an incomplete entry registers it once it balances, and only then; a row
+// deletion that makes it balance makes it complete as well.
+TEST_P(Grabacion, UnInconclusoQueCierraSeRegistra)
+{
+    const qint32 cierra = asiento(BaseDePrueba::Hoy().addDays(-3), 2, 250);
+    const qint32 noCierra = asiento(BaseDePrueba::Hoy().addDays(-3), 2, 250);
+    m_base.conexion().Ejecutar(QStringLiteral("Update cceAsientoCuenta Set AcuHaber = 240, ACuImporteMC = 240 Where ACuIDAsiento = ?"
+                                              " And AcuHaber Is Not Null"),
+                               {noCierra});
+    auto doc = abrir();
+    mostrarUltimos(*doc);
+    doc->grid()->FijarFilaActual(filaDe(*doc, noCierra));
+    doc->comandos().RegistrarAsiento();
+    EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("información: ") + Idioma::resLoad(952)});
+    EXPECT_EQ(estadoEnBase(noCierra), 2);
+
+    doc->grid()->FijarFilaActual(filaDe(*doc, cierra));
+    doc->comandos().RegistrarAsiento();
+    EXPECT_EQ(estadoEnBase(cierra), 1);
+    EXPECT_EQ(doc->grilla().Dato(filaDe(*doc, cierra), 3).toInt(), 1);
+    EXPECT_FALSE(doc->asientos().EsFilaDiferencia(doc->asientos().UltimaFilaAsiento(filaDe(*doc, cierra))))
+        << "no missing line is proposed any more";
+
+    // An extra line of 10 at the credit of a balanced incomplete entry: deleting it leaves it
+    // balanced and registered.
+    AsientoDatos d(m_base.conexion());
+    ASSERT_TRUE(d.CargarAsiento(cierra));
+    LineaDatos extra = d.Lineas().last();
+    extra.Cuenta = cuenta("5.3.01");
+    extra.Importe = extra.ImporteMC = 10;
+    extra.Orden = 0;
+    d.Lineas().append(extra);
+    d.Cabezal().Estado = 2;
+    ASSERT_GT(d.GrabarTodo(), 0) << d.ultimoError().toStdString();
+    doc->comandos().RecargarAsiento(cierra, filaDe(*doc, cierra));
+    const int fila = filaDe(*doc, cierra);
+    int filaExtra = -1;
+    for (int r = fila + 1; r <= doc->asientos().UltimaFilaAsiento(fila); ++r)
+        if (doc->asientos().LineaDeFila(r).lCta == extra.Cuenta && !doc->asientos().LineaDeFila(r).bEsAlDebe)
+            filaExtra = r;
+    ASSERT_GT(filaExtra, 0);
+    doc->grid()->FijarFilaActual(filaExtra);
+    m_mensajes.Responder(ServicioMensajes::Respuesta::Si); // 1805
+    doc->comandos().EliminarAsiento(true);
+    EXPECT_EQ(estadoEnBase(cierra), 1);
+}
+
+// A draft dated in the future that another user changed after it was shown: choosing
+// "Grabar" and scheduling it neither makes the template nor deletes the other user's entry.
+TEST_P(Grabacion, AgendarUnaCopiaViejaNoBorraElCambioDeOtro)
+{
+    const qint32 id = asiento(BaseDePrueba::Hoy().addDays(20), 0, 300);
+    auto doc = abrir();
+    mostrarUltimos(*doc);
+    ASSERT_GT(filaDe(*doc, id), 0);
+    AsientoDatos otro(m_base.conexion());
+    ASSERT_TRUE(otro.CargarAsiento(id));
+    otro.Cabezal().Leyenda = QStringLiteral("Cambio de la otra usuaria");
+    ASSERT_TRUE(otro.Grabar());
+    const int plantillas = contar(QStringLiteral("Select Count(*) From genMovimientosFrecuentes"));
+
+    doc->grid()->FijarFilaActual(filaDe(*doc, id));
+    m_mensajes.Responder(ServicioMensajes::Respuesta::Si); // 1807: schedule it
+    doc->comandos().RegistrarAsiento();
+    EXPECT_EQ(m_mensajes.mostrados.last(), QStringLiteral("error: Registro modificado con anterioridad."));
+    EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientos Where AsiID = %1 And AsiLeyenda = 'Cambio de la otra usuaria'").arg(id)), 1);
+    EXPECT_EQ(contar(QStringLiteral("Select Count(*) From genMovimientosFrecuentes")), plantillas);
+    EXPECT_GT(filaDe(*doc, id), 0);
 }
 
 INSTANTIATE_TEST_SUITE_P(Motores, Grabacion, ::testing::ValuesIn(MotoresDePrueba()),

@@ -15,6 +15,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <barrier>
 #include <iostream>
 #include <optional>
@@ -285,7 +286,8 @@ TEST_P(Multiusuario, CadaEscrituraDejaUnaFilaDeHistorial)
 
     EXPECT_EQ(a.EnviarPapelera(id, 1, a.Cabezal().FechaModificado), QString::number(id));
     unaFilaMas(HistorialAsiento::kPapelera, 4);
-    ASSERT_TRUE(a.EliminarDefinitivo(id));
+    EXPECT_FALSE(viejo.EliminarDefinitivo(id, viejo.Cabezal().FechaModificado));
+    ASSERT_TRUE(a.EliminarDefinitivo(id, a.Cabezal().FechaModificado));
     unaFilaMas(HistorialAsiento::kEliminacion, 5);
 
     const QList<HistorialAsiento::Fila> filas = HistorialAsiento::Leer(c, id);
@@ -412,6 +414,69 @@ TEST_P(Multiusuario, CarreraDeDosSesionesUnSoloGanador)
     EXPECT_EQ(otros, 0);
     EXPECT_EQ(perdidas, 0);
     EXPECT_EQ(filasHistorial(base.conexion(), id), historialInicial + kVueltas);
+}
+
+// Two sessions make the company's opening-balance entry at the same moment, over and over:
+// each time one of them is stored and the other is refused, so the company never has two.
+TEST_P(Multiusuario, DosSesionesNuncaHacenDosAsientosDeApertura)
+{
+    constexpr int kVueltas = 20;
+    constexpr qint16 kLibroApertura = 97;
+    BaseDePrueba base(GetParam(), BaseDePrueba::Contenido::Esquema);
+    base.conexion().Ejecutar(QStringLiteral("Insert Into genParametros (ParNombre, ParValor) Values ('sis_LibroAsientoPrimeraApertura', 97)"));
+    base.conexion().Ejecutar(QStringLiteral("Insert Into cceEmpresas (EmpID, EmpNombre, EmpMonedaContabilidad) Values (?, 'Prueba', 1)"),
+                             {Demo::kEmpresa});
+    std::vector<std::array<Resultado, 2>> resultados(kVueltas);
+    std::vector<std::array<std::optional<Causa>, 2>> causas(kVueltas);
+    std::vector<int> vivos(kVueltas);
+    std::barrier paso(2);
+    QString fallo[2];
+    const QString direccion = base.direccion();
+    auto sesion = [&](int lado) {
+        try {
+            auto c = AbrirBaseDelPrograma(direccion);
+            Espia espia(*c);
+            for (int v = 0; v < kVueltas; ++v) {
+                AsientoDatos a(espia);
+                a.Cabezal().Empresa = Demo::kEmpresa;
+                a.Cabezal().Estado = 1;
+                a.Cabezal().Fecha = QDate(2026, 1, 1);
+                a.Cabezal().Leyenda = QStringLiteral("Saldos iniciales %1").arg(lado);
+                a.Cabezal().Libro = kLibroApertura;
+                a.Lineas() = {linea(22, true, 100 + v), linea(11, false, 100 + v)};
+                paso.arrive_and_wait();
+                espia.causa.reset();
+                const qint32 id = a.GrabarTodo();
+                resultados[v][lado] = a.ultimoResultado();
+                causas[v][lado] = espia.causa;
+                paso.arrive_and_wait();
+                if (lado == 0) {
+                    vivos[v] = valor(*c, QStringLiteral("Select Count(*) From cceAsientos Where AsiTipo = 97 And AsiEstado <> 9")).toInt();
+                    c->Ejecutar(QStringLiteral("Update cceAsientos Set AsiEstado = 9 Where AsiTipo = 97"));
+                }
+                paso.arrive_and_wait();
+                Q_UNUSED(id)
+            }
+        } catch (const std::exception &e) {
+            fallo[lado] = QString::fromUtf8(e.what());
+            paso.arrive_and_drop();
+        }
+    };
+    std::thread uno(sesion, 0), dos(sesion, 1);
+    uno.join();
+    dos.join();
+    ASSERT_TRUE(fallo[0].isEmpty() && fallo[1].isEmpty()) << fallo[0].toStdString() << " / " << fallo[1].toStdString();
+    for (int v = 0; v < kVueltas; ++v) {
+        SCOPED_TRACE(v);
+        EXPECT_EQ(vivos[v], 1);
+        const int ganaron = (resultados[v][0] == Resultado::Bien) + (resultados[v][1] == Resultado::Bien);
+        EXPECT_EQ(ganaron, 1);
+        for (int lado : {0, 1}) {
+            if (resultados[v][lado] != Resultado::Bien)
+                EXPECT_TRUE(resultados[v][lado] == Resultado::AperturaDuplicada
+                            || (GetParam() == Motor::SQLite && causas[v][lado] == Causa::Ocupada));
+        }
+    }
 }
 
 // One session holds the entry (SQLite: a write under way; PostgreSQL: the row locked); a

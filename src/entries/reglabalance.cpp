@@ -1,0 +1,57 @@
+#include "reglabalance.h"
+
+#include "currency/mascara.h"
+
+#include <algorithm>
+
+namespace {
+
+// Two sums as a mask prints them. A mask with digits prints them alike exactly when they
+// round alike to its decimals; any other mask is printed, and a blank one shows every
+// decimal, so no difference passes.
+bool igualesImpresos(const Mascara &m, Importe a, Importe b)
+{
+    if (m.valida())
+        return a.RedondeadoA(std::min(m.decimales(), 4)) == b.RedondeadoA(std::min(m.decimales(), 4));
+    return m.Formatear(a.aDouble()) == m.Formatear(b.aDouble());
+}
+
+} // namespace
+
+ResultadoBalance CalcularBalance(const QVector<LineaBalance> &lineas, qint16 monedaContabilidad,
+                                 const std::function<const Mascara &(qint16)> &mascaraImporte)
+{
+    ResultadoBalance r;
+    Importe debeME, haberME;
+    int lineasDebe = 0;
+    int lineasHaber = 0;
+    qint16 monedaExtranjera = 0;
+    bool unaSolaMoneda = true; // every line is in the same foreign currency
+    bool enRango = true;
+    for (const LineaBalance &l : lineas) {
+        enRango = enRango && (l.alDebe ? r.debeMC : r.haberMC).SumarComprobado(l.mc);
+        ++(l.alDebe ? lineasDebe : lineasHaber);
+        if (l.moneda != 0 && l.moneda != monedaContabilidad) {
+            unaSolaMoneda = unaSolaMoneda && (monedaExtranjera == 0 || monedaExtranjera == l.moneda);
+            monedaExtranjera = l.moneda;
+            enRango = enRango && (l.alDebe ? debeME : haberME).SumarComprobado(l.me);
+        } else {
+            unaSolaMoneda = false;
+        }
+    }
+    // An entry that mixes currencies (dollars paid with pesos, the opening-balance entry)
+    // would add amounts of different currencies: the accounting currency alone decides it.
+    const bool compararME = unaSolaMoneda && monedaExtranjera != 0;
+    r.cierra = enRango && lineasDebe > 0 && lineasHaber > 0 && igualesImpresos(mascaraImporte(0), r.debeMC, r.haberMC)
+            && (!compararME || igualesImpresos(mascaraImporte(monedaExtranjera), debeME, haberME));
+    if (r.cierra || !enRango)
+        return r;
+    if (r.debeMC != r.haberMC) {
+        r.debeMenor = r.debeMC < r.haberMC;
+        r.diferenciaMC = (r.debeMC - r.haberMC).abs();
+    } else {
+        r.debeMenor = debeME <= haberME;
+        r.diferenciaME = compararME ? (debeME - haberME).abs() : Importe();
+    }
+    return r;
+}

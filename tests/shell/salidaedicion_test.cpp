@@ -1,0 +1,133 @@
+// Every way out of an edit keeps what was typed, stores it, or asks: driven with the keyboard
+// through the real document, checked in the grid and the database.
+#include "escenario.h"
+
+#include "editing/sesionedicion.h"
+#include "entries/vistas.h"
+#include "lineeditor/campocalculadora.h"
+#include "shell/idioma.h"
+#include "shell/menusdocumento.h"
+
+#include <QAction>
+#include <QComboBox>
+#include <QLineEdit>
+
+namespace {
+
+using Respuesta = ServicioMensajes::Respuesta;
+
+class SalidaEdicion : public Escenario
+{
+protected:
+    QString pregunta() const { return QStringLiteral("pregunta: ") + Idioma::resLoad(956); }
+
+    // A new entry with a debit line of "1.1.01" typed and not accepted: no Enter in the amount.
+    void lineaSinAceptar(const QString &importe)
+    {
+        m_doc->edicion().NuevoAsiento();
+        ASSERT_GT(m_doc->FilaEdicion(), 0);
+        escribir(m_doc->campoLeyenda(), QStringLiteral("Escrito y no aceptado"));
+        m_doc->findChild<QComboBox *>(QStringLiteral("cfAutoriza"))->setCurrentIndex(0);
+        lumERAsiento *e = editor();
+        e->SetFocusCtrl(lumERAsiento::kDebe, 0);
+        escribir(e->campoCuenta(true), QStringLiteral("1.1.01"));
+        enter(e->campoCuenta(true));
+        escribir(e->campo(lumERAsiento::kImporte), importe);
+        ASSERT_TRUE(m_doc->edicion().LineaSinAceptar());
+    }
+    int guardados(const QString &leyenda)
+    {
+        return ids(QStringLiteral("AsiLeyenda = '%1'").arg(leyenda)).size();
+    }
+};
+
+// Ctrl+N, a view, the search, closing: each asks first. Cancel goes back with the line as
+// typed; Yes stores it (incomplete: it does not balance); No drops it.
+TEST_P(SalidaEdicion, UnaLineaEscritaNoSePierdeAlIrseDeOtraManera)
+{
+    lineaSinAceptar(QStringLiteral("321"));
+    m_mensajes.Responder(Respuesta::Cancelar);
+    QTest::keyClick(editor()->campo(lumERAsiento::kImporte), Qt::Key_N, Qt::ControlModifier);
+    EXPECT_EQ(m_mensajes.mostrados, QStringList{pregunta()});
+    ASSERT_GT(m_doc->FilaEdicion(), 0);
+    EXPECT_TRUE(m_doc->edicion().LineaSinAceptar());
+    EXPECT_EQ(editor()->campo(lumERAsiento::kImporte)->text(), QStringLiteral("321"));
+
+    m_mensajes.Responder(Respuesta::Cancelar);
+    vista(Vista::kUltimos10);
+    ASSERT_GT(m_doc->FilaEdicion(), 0);
+    m_mensajes.Responder(Respuesta::Cancelar);
+    EXPECT_FALSE(m_doc->PuedeCerrar());
+    ASSERT_GT(m_doc->FilaEdicion(), 0);
+    EXPECT_EQ(guardados(QStringLiteral("Escrito y no aceptado")), 0);
+
+    // Yes on Ctrl+N: the line is taken, the entry stored, and the next entry begins.
+    m_mensajes.Responder(Respuesta::Si);
+    QTest::keyClick(editor()->campo(lumERAsiento::kImporte), Qt::Key_N, Qt::ControlModifier);
+    EXPECT_GT(m_doc->FilaEdicion(), 0);
+    EXPECT_FALSE(m_doc->edicion().LineaSinAceptar());
+    const QList<qint32> guardado = ids(QStringLiteral("AsiLeyenda = 'Escrito y no aceptado'"));
+    ASSERT_EQ(guardado.size(), 1);
+    const AsientoEnBase a = enBase(guardado[0]);
+    EXPECT_EQ(a.cabezal[0], QStringLiteral("2"));
+    ASSERT_EQ(a.lineas.size(), 1);
+    EXPECT_EQ(a.lineas[0][2].toDouble(), 321);
+    EXPECT_GT(filaDe(guardado[0]), 0) << "shown as stored";
+    escape(foco());
+
+    const int antes = m_mensajes.mostrados.size();
+    lineaSinAceptar(QStringLiteral("55"));
+    m_mensajes.Responder(Respuesta::No);
+    EXPECT_TRUE(m_doc->PuedeCerrar());
+    EXPECT_EQ(m_mensajes.mostrados.size(), antes + 1);
+    EXPECT_EQ(m_doc->FilaEdicion(), 0);
+    EXPECT_EQ(guardados(QStringLiteral("Escrito y no aceptado")), 1);
+}
+
+// Escape is the way to drop the line being typed: it asks nothing. Accepted lines are kept
+// as an incomplete entry.
+TEST_P(SalidaEdicion, EscapeDescartaLaLineaSinPreguntar)
+{
+    lineaSinAceptar(QStringLiteral("77"));
+    escape(editor()->campo(lumERAsiento::kImporte));
+    EXPECT_EQ(m_doc->FilaEdicion(), 0);
+    EXPECT_TRUE(m_mensajes.mostrados.isEmpty()) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
+    EXPECT_EQ(guardados(QStringLiteral("Escrito y no aceptado")), 0);
+}
+
+// A write refused because another user saved the entry first: leaving asks, going back keeps
+// the typed legend on screen, discarding shows the entry as stored.
+TEST_P(SalidaEdicion, TrasUnaEscrituraRechazadaLoEscritoQuedaHastaQueElUsuarioElija)
+{
+    vista(Vista::kPrimerMes);
+    const QList<qint32> candidatos = ids(QStringLiteral("AsiEstado = 1 And AsiVerificado Is Null And AsiTipo Between 1 And 5"));
+    qint32 id = 0;
+    for (qint32 c : candidatos)
+        if (filaDe(c) > 0 && id == 0)
+            id = c;
+    ASSERT_GT(id, 0);
+    const AsientoEnBase antes = enBase(id);
+    abrir(filaDe(id));
+    ASSERT_GT(m_doc->FilaEdicion(), 0);
+    m_base.conexion().Ejecutar(QStringLiteral("Update cceAsientos Set AsiFechaModificado = ? Where AsiID = ?"),
+                               {Conexion::ValorFechaHora(QDateTime(QDate(2030, 1, 1), QTime(1, 2, 3), Qt::UTC)), id});
+    escribir(m_doc->campoLeyenda(), QStringLiteral("Leyenda que no se pudo guardar"));
+    m_mensajes.Responder(Respuesta::Cancelar); // 1956: back to the edit
+    escape(m_doc->campoLeyenda());
+    ASSERT_EQ(m_mensajes.mostrados.size(), 2) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
+    EXPECT_EQ(m_mensajes.mostrados[0], QStringLiteral("error: Registro modificado con anterioridad."));
+    EXPECT_EQ(m_mensajes.mostrados[1], pregunta());
+    ASSERT_GT(m_doc->FilaEdicion(), 0);
+    EXPECT_EQ(m_doc->campoLeyenda()->text(), QStringLiteral("Leyenda que no se pudo guardar"));
+
+    m_mensajes.Responder(Respuesta::No); // discard
+    escape(m_doc->campoLeyenda());
+    EXPECT_EQ(m_doc->FilaEdicion(), 0);
+    EXPECT_EQ(enBase(id).cabezal, antes.cabezal);
+    EXPECT_EQ(enBase(id).lineas, antes.lineas);
+}
+
+INSTANTIATE_TEST_SUITE_P(Motores, SalidaEdicion, ::testing::ValuesIn(MotoresDePrueba()),
+                         [](const ::testing::TestParamInfo<Motor> &i) { return NombreMotor(i.param).toStdString(); });
+
+} // namespace
