@@ -94,7 +94,7 @@ void ComandosAsiento::RegistrarAsiento()
         return;
     }
     try {
-        if (c.AsiFechaAsiento > QDate::currentDate() && c.AsiEstado == EstadoAsiento::kBorrador) {
+        if (c.AsiFechaAsiento > m_datos.reloj().Hoy() && c.AsiEstado == EstadoAsiento::kBorrador) {
             if (m_datos.Preguntar(1807)) {
                 if (CrearMovimientoFrecuente(true))
                     EliminarDefinitivo(c.AsiID);
@@ -122,7 +122,7 @@ void ComandosAsiento::RegistrarAsiento()
             m_datos.Error(1811);
         } else {
             datos.Cabezal().Estado = c.AsiEstado == EstadoAsiento::kRegistrado ? EstadoAsiento::kBorrador : EstadoAsiento::kRegistrado;
-            datos.Cabezal().FechaCambioEstado = AsientoDatos::SelloNuevo(QDateTime());
+            datos.Cabezal().FechaCambioEstado = AsientoDatos::SelloNuevo(m_datos.reloj(), QDateTime());
             if (datos.Grabar()) {
                 c.AsiFechaModificado = datos.Cabezal().FechaModificado;
                 c.AsiEstado = datos.Cabezal().Estado;
@@ -150,7 +150,7 @@ void ComandosAsiento::RegistrarListados(qint16 estadoOrigen)
                 continue;
             m_asientos.TomarAsientoDeFila(r);
             CabezalAsiento &c = m_asientos.Cabezal;
-            if (c.AsiFechaAsiento > QDate::currentDate() || c.AsiID <= 0)
+            if (c.AsiFechaAsiento > m_datos.reloj().Hoy() || c.AsiID <= 0)
                 continue;
             // A second opening-balance entry is never registered.
             if (c.AsiTipo != 0 && c.AsiTipo == m_datos.librosSistema().primeraApertura && saldosIniciales().ExisteAsientoApertura()) {
@@ -164,7 +164,7 @@ void ComandosAsiento::RegistrarListados(qint16 estadoOrigen)
                 continue;
             }
             datos.Cabezal().Estado = EstadoAsiento::kRegistrado;
-            datos.Cabezal().FechaCambioEstado = AsientoDatos::SelloNuevo(QDateTime());
+            datos.Cabezal().FechaCambioEstado = AsientoDatos::SelloNuevo(m_datos.reloj(), QDateTime());
             if (!datos.Grabar()) {
                 algunaFalla = true;
                 continue;
@@ -261,9 +261,9 @@ bool ComandosAsiento::GrabarCabezal()
         d.Leyenda = c.AsiLeyenda;
         d.Fecha = c.AsiFechaAsiento;
         // A registered entry moved into the future goes back to draft.
-        if (c.AsiFechaAsiento > QDate::currentDate() && d.Estado == EstadoAsiento::kRegistrado) {
+        if (c.AsiFechaAsiento > m_datos.reloj().Hoy() && d.Estado == EstadoAsiento::kRegistrado) {
             d.Estado = EstadoAsiento::kBorrador;
-            d.FechaCambioEstado = AsientoDatos::SelloNuevo(QDateTime());
+            d.FechaCambioEstado = AsientoDatos::SelloNuevo(m_datos.reloj(), QDateTime());
         }
         d.Libro = c.AsiTipo;
         d.Autoriza = c.AsiUsuarioVerificador;
@@ -301,7 +301,7 @@ bool ComandosAsiento::GrabarAsientoCompleto(bool asientoCierra)
             d.Empresa = m_datos.idEmpresa();
             d.Usuario = m_datos.usuario;
             d.Estado = estado;
-            d.FechaCambioEstado = AsientoDatos::SelloNuevo(QDateTime());
+            d.FechaCambioEstado = AsientoDatos::SelloNuevo(m_datos.reloj(), QDateTime());
         } else {
             if (!datos.CargarAsiento(c.AsiID))
                 throw ErrorBaseDatos(datos.ultimoError());
@@ -320,7 +320,7 @@ bool ComandosAsiento::GrabarAsientoCompleto(bool asientoCierra)
                 estado = d.Estado;
             if (estado != d.Estado) {
                 d.Estado = estado;
-                d.FechaCambioEstado = AsientoDatos::SelloNuevo(QDateTime());
+                d.FechaCambioEstado = AsientoDatos::SelloNuevo(m_datos.reloj(), QDateTime());
             }
         }
         bool esApertura = false;
@@ -337,9 +337,9 @@ bool ComandosAsiento::GrabarAsientoCompleto(bool asientoCierra)
         d.Autoriza = c.AsiUsuarioVerificador;
         // A registered entry dated in the future is a draft until its day, as a header
         // moved into the future makes it.
-        if (d.Fecha > QDate::currentDate() && d.Estado == EstadoAsiento::kRegistrado) {
+        if (d.Fecha > m_datos.reloj().Hoy() && d.Estado == EstadoAsiento::kRegistrado) {
             d.Estado = EstadoAsiento::kBorrador;
-            d.FechaCambioEstado = AsientoDatos::SelloNuevo(QDateTime());
+            d.FechaCambioEstado = AsientoDatos::SelloNuevo(m_datos.reloj(), QDateTime());
         }
         datos.Lineas() = m_asientos.LineasParaGrabar();
         if (datos.HayCuentasCerradas(d.Fecha)) {
@@ -508,7 +508,7 @@ void ComandosAsiento::EliminarAsiento(bool porFila)
                     const SumasEnCentesimos sumas = SumarEnCentesimos(lineas);
                     if (sumas.debe != sumas.haber || sumas.debe == 0)
                         datos.Cabezal().Estado = EstadoAsiento::kInconcluso;
-                    datos.Cabezal().FechaCambioEstado = AsientoDatos::SelloNuevo(QDateTime());
+                    datos.Cabezal().FechaCambioEstado = AsientoDatos::SelloNuevo(m_datos.reloj(), QDateTime());
                     if (datos.GrabarTodo() <= 0) {
                         if (datos.ultimoResultado() == AsientoDatos::Resultado::Modificado)
                             m_datos.Error(1820);
@@ -569,7 +569,7 @@ void ComandosAsiento::CopiarAsiento()
             datos.Cabezal().Libro = comun->second;
         }
         datos.Cabezal().Usuario = m_datos.usuario;
-        datos.Cabezal().FechaCambioEstado = AsientoDatos::SelloNuevo(QDateTime()); // the copy's own
+        datos.Cabezal().FechaCambioEstado = AsientoDatos::SelloNuevo(m_datos.reloj(), QDateTime()); // the copy's own
         if (datos.HayCuentasCerradas(datos.Cabezal().Fecha)) {
             m_datos.mensajes->Informar(m_datos.texto(1816));
             return;

@@ -140,10 +140,10 @@ public:
     Resultado ultimoResultado() const { return m_resultado; }
     QString ultimoError() const { return m_error; }
 
-    // The stamp for a write that follows one read as anterior: now, to the millisecond or in
-    // whole seconds, and always later than anterior (a whole second later at least, when
-    // now is not).
-    static QDateTime SelloNuevo(const QDateTime &anterior, Sello sello = Sello::Milisegundos);
+    // The stamp for a write that follows one read as anterior: now by the clock, to the
+    // millisecond or in whole seconds, and always later than anterior (a whole second later
+    // at least, when now is not).
+    static QDateTime SelloNuevo(const Reloj &reloj, const QDateTime &anterior, Sello sello = Sello::Milisegundos);
 
 private:
     bool actualizarCabezal(qint32 asiID, const QDateTime &nuevo);

@@ -1,4 +1,5 @@
 #include "comun/basesprueba.h"
+#include "comun/datosdeprueba.h"
 #include "comun/hostdeprueba.h"
 #include "comun/mensajesguionados.h"
 #include "documentodeprueba.h"
@@ -33,6 +34,7 @@ protected:
         e.mensajes = &m_mensajes;
         e.ajustes.archivoAjustes = m_carpeta.filePath(QStringLiteral("a.ini"));
         e.ajustes.baseDatos = m_base.direccion();
+        e.proceso = ProcesoDePrueba(m_base);
         auto doc = std::make_unique<lumIngAsiento>(std::move(e));
         doc->Iniciar();
         return doc;
@@ -96,7 +98,7 @@ protected:
 
 TEST_P(Grabacion, RegistrarYVolverABorrador)
 {
-    const qint32 id = asiento(QDate::currentDate().addDays(-3), 0, 150);
+    const qint32 id = asiento(BaseDePrueba::Hoy().addDays(-3), 0, 150);
     auto doc = abrir();
     mostrarUltimos(*doc);
     const int fila = filaDe(*doc, id);
@@ -113,7 +115,7 @@ TEST_P(Grabacion, RegistrarYVolverABorrador)
 
 TEST_P(Grabacion, OtroUsuarioGraboAntes)
 {
-    const qint32 id = asiento(QDate::currentDate().addDays(-3), 0, 150);
+    const qint32 id = asiento(BaseDePrueba::Hoy().addDays(-3), 0, 150);
     auto doc = abrir();
     mostrarUltimos(*doc);
     AsientoDatos otro(m_base.conexion());
@@ -130,7 +132,7 @@ TEST_P(Grabacion, OtroUsuarioGraboAntes)
 
 TEST_P(Grabacion, BorradorConFechaFuturaSeAgenda)
 {
-    const qint32 id = asiento(QDate::currentDate().addDays(1), 0, 75);
+    const qint32 id = asiento(BaseDePrueba::Hoy().addDays(1), 0, 75);
     auto doc = abrir();
     mostrarUltimos(*doc);
     doc->grid()->FijarFilaActual(filaDe(*doc, id));
@@ -168,9 +170,9 @@ TEST_P(Grabacion, CuentaCerradaNoSeRegistra)
 
 TEST_P(Grabacion, RegistrarTodosLosBorradores)
 {
-    const qint32 a = asiento(QDate::currentDate().addDays(-2), 0, 10);
-    const qint32 b = asiento(QDate::currentDate().addDays(-1), 0, 20);
-    const qint32 futuro = asiento(QDate::currentDate().addDays(5), 0, 30);
+    const qint32 a = asiento(BaseDePrueba::Hoy().addDays(-2), 0, 10);
+    const qint32 b = asiento(BaseDePrueba::Hoy().addDays(-1), 0, 20);
+    const qint32 futuro = asiento(BaseDePrueba::Hoy().addDays(5), 0, 30);
     auto doc = abrir();
     mostrarUltimos(*doc);
     AsientoDatos otro(m_base.conexion());
@@ -185,7 +187,7 @@ TEST_P(Grabacion, RegistrarTodosLosBorradores)
 
 TEST_P(Grabacion, EliminarAsientoYFila)
 {
-    const qint32 id = asiento(QDate::currentDate().addDays(-2), 1, 40);
+    const qint32 id = asiento(BaseDePrueba::Hoy().addDays(-2), 1, 40);
     auto doc = abrir();
     mostrarUltimos(*doc);
     int fila = filaDe(*doc, id);
@@ -211,7 +213,7 @@ TEST_P(Grabacion, EliminarAsientoYFila)
 
 TEST_P(Grabacion, UnaFilaDeUnAsientoDeCierreNoSeElimina)
 {
-    const qint32 id = asiento(QDate::currentDate().addDays(-2), 1, 40, "1.1.01", Demo::kLibroCierre);
+    const qint32 id = asiento(BaseDePrueba::Hoy().addDays(-2), 1, 40, "1.1.01", Demo::kLibroCierre);
     auto doc = abrir();
     mostrarUltimos(*doc);
     doc->grid()->FijarFilaActual(filaDe(*doc, id) + 1);
@@ -222,7 +224,7 @@ TEST_P(Grabacion, UnaFilaDeUnAsientoDeCierreNoSeElimina)
 
 TEST_P(Grabacion, CopiarYOcultar)
 {
-    const qint32 id = asiento(QDate::currentDate().addDays(-2), 1, 40);
+    const qint32 id = asiento(BaseDePrueba::Hoy().addDays(-2), 1, 40);
     auto doc = abrir();
     mostrarUltimos(*doc);
     const int antes = contar(QStringLiteral("Select Count(*) From cceAsientos"));
