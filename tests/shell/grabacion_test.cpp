@@ -96,6 +96,31 @@ protected:
     MensajesGuionados m_mensajes;
 };
 
+// The views of today and of the last 15 days count from the clock's day, across the ends of
+// months and years.
+TEST_P(Grabacion, LasVistasDeHoyYDeQuinceDiasCuentanDesdeElDiaDelReloj)
+{
+    const QList<int> dias{-15, -14, -1, 0, 1};
+    for (const QDate hoy : {QDate(2028, 2, 29), QDate(2026, 12, 31), QDate(2025, 2, 28)}) {
+        SCOPED_TRACE(hoy.toString(Qt::ISODate).toStdString());
+        m_base.reloj()->Fijar(QDateTime(hoy, QTime(12, 0)));
+        QList<qint32> ids;
+        for (const int d : dias)
+            ids << asiento(hoy.addDays(d), 1, 100 + d);
+        auto doc = abrir();
+        auto vistos = [&](int vista) {
+            doc->ElegirVista(vista);
+            QList<int> r;
+            for (int i = 0; i < ids.size(); ++i)
+                if (filaDe(*doc, ids[i]) > 0)
+                    r << dias[i];
+            return r;
+        };
+        EXPECT_EQ(vistos(Vista::kHoy), QList<int>{0});
+        EXPECT_EQ(vistos(Vista::kUltimos15Dias), (QList<int>{-14, -1, 0}));
+    }
+}
+
 TEST_P(Grabacion, RegistrarYVolverABorrador)
 {
     const qint32 id = asiento(BaseDePrueba::Hoy().addDays(-3), 0, 150);
