@@ -5,6 +5,7 @@
 #include "services/servicioconexion.h"
 #include "shell/idioma.h"
 #include "store/basedelprograma.h"
+#include "store/reloj.h"
 
 #include <QApplication>
 #include <QDir>
@@ -28,7 +29,7 @@ QString BaseDemo(const QString &carpeta, QString &error)
         return ruta;
     const QString provisoria = ruta + QStringLiteral(".nueva");
     QFile::remove(provisoria);
-    const Inicializacion r = InicializarBase(provisoria, true, QDate::currentDate());
+    const Inicializacion r = InicializarBase(provisoria, true, Reloj().Hoy());
     if (r.resultado != Inicializacion::Resultado::Creada) {
         error = r.informe;
         QFile::remove(provisoria);
@@ -134,7 +135,7 @@ int main(int argc, char *argv[])
     }
     if (opciones.inicializar) {
         const QCoreApplication nucleo(argc, argv);
-        const Inicializacion r = InicializarBase(opciones.baseDatos, !opciones.sinDemo, QDate::currentDate());
+        const Inicializacion r = InicializarBase(opciones.baseDatos, !opciones.sinDemo, Reloj().Hoy());
         const bool bien = r.resultado == Inicializacion::Resultado::Creada || r.resultado == Inicializacion::Resultado::YaExistia;
         std::fprintf(bien ? stdout : stderr, "%s\n", qPrintable(r.informe));
         return bien ? 0 : 1;

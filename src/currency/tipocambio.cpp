@@ -23,9 +23,9 @@ QString SqlMonedasCruzadas(qint16 a, qint16 b)
          + QStringLiteral(" And MonID IN (") + NumeroSQL(qint64(a)) + QStringLiteral(", ") + NumeroSQL(qint64(b)) + QStringLiteral(")");
 }
 
-QDate FechaEfectivaCotizacion(const QDate &dFecha, const ReglasCotizacion &reglas)
+QDate FechaEfectivaCotizacion(const QDate &dFecha, const ReglasCotizacion &reglas, const QDate &hoy)
 {
-    QDate d = dFecha == QDate(1900, 1, 1) || !dFecha.isValid() ? reglas.hoy : dFecha;
+    QDate d = dFecha == QDate(1900, 1, 1) || !dFecha.isValid() ? hoy : dFecha;
     if (reglas.fechaCotizacion == 2)
         d = d.addDays(-1);
     else if (reglas.fechaCotizacion == 3)
@@ -63,7 +63,7 @@ bool BuscarCotizacion(Conexion &conexion, qint16 iMoneda, qint16 iCotizaEn, qint
 Importe BuscarTipoCambio(Conexion &conexion, qint16 iMonedaOrigen, qint16 iMonedaDestino, qint16 iTipoCotizacion,
                          const QDate &dFecha, QDate &dFechaCotizacion, const ReglasCotizacion &reglas, bool *encontrada)
 {
-    const QDate efectiva = FechaEfectivaCotizacion(dFecha, reglas);
+    const QDate efectiva = FechaEfectivaCotizacion(dFecha, reglas, conexion.reloj().Hoy());
     Importe tasa = Importe::DesdeDouble(1);
     if (encontrada)
         *encontrada = false;

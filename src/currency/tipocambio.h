@@ -15,7 +15,6 @@ struct ReglasCotizacion
     QString delimitador = QStringLiteral("'");
     QString patronFecha = QStringLiteral("yyyy-mm-dd");
     quint8 fechaCotizacion = 0;
-    QDate hoy = QDate::currentDate();
 };
 
 // The query of the latest direct quotation of a in b on or before the date and the latest
@@ -34,12 +33,13 @@ bool BuscarCotizacion(Conexion &conexion, qint16 iMoneda, qint16 iCotizaEn, qint
 // Units of iMonedaDestino per unit of iMonedaOrigen on dFecha after the date rule: a direct
 // or inverse quotation (four decimals), else a cross rate through a common quoting currency
 // (cut to three decimals), else 1. dFechaCotizacion gets the date of the quotation used, or
-// the date searched on when none was found. hallada, when given, tells whether a quotation
-// was found (false: the 1 is no rate at all).
+// the date searched on when none was found; the empty date is today by the connection's
+// clock. hallada, when given, tells whether a quotation was found (false: the 1 is no rate
+// at all).
 Importe BuscarTipoCambio(Conexion &conexion, qint16 iMonedaOrigen, qint16 iMonedaDestino, qint16 iTipoCotizacion,
                          const QDate &dFecha, QDate &dFechaCotizacion, const ReglasCotizacion &reglas,
                          bool *hallada = nullptr);
 
 // The date a quotation is searched on: the empty date (1 January 1900) is today; then the
 // company's rule.
-QDate FechaEfectivaCotizacion(const QDate &dFecha, const ReglasCotizacion &reglas);
+QDate FechaEfectivaCotizacion(const QDate &dFecha, const ReglasCotizacion &reglas, const QDate &hoy);

@@ -171,7 +171,7 @@ qint32 AsientoApertura::HacerAsientoApertura()
     const bool cierra = datos.Balance().cierra;
     d.Usuario = m_datos.usuario;
     d.Estado = cierra ? EstadoAsiento::kRegistrado : EstadoAsiento::kInconcluso;
-    d.FechaCambioEstado = AsientoDatos::SelloNuevo(QDateTime());
+    d.FechaCambioEstado = AsientoDatos::SelloNuevo(m_datos.reloj(), QDateTime());
     d.Fecha = m_datos.fechaAsientoApertura;
     d.Leyenda = m_datos.texto(1095);
     d.Libro = m_datos.librosSistema().primeraApertura;
@@ -256,7 +256,7 @@ void AsientoApertura::ConvertirApertura()
             d.Fecha = m_datos.fechaAsientoApertura;
             if (d.Estado != EstadoAsiento::kRegistrado) {
                 d.Estado = EstadoAsiento::kRegistrado;
-                d.FechaCambioEstado = AsientoDatos::SelloNuevo(QDateTime());
+                d.FechaCambioEstado = AsientoDatos::SelloNuevo(m_datos.reloj(), QDateTime());
             }
         } else {
             // Back to an ordinary entry of the default book (the first by name without one),

@@ -54,7 +54,7 @@ void ComandosAsiento::decirRechazo(const AsientoDatos &datos) const
 // when the user keeps new entries as drafts or when it is dated after today.
 qint16 ComandosAsiento::estadoCompleto(const QDate &fecha) const
 {
-    if (m_datos.asiSaveB || fecha > QDate::currentDate())
+    if (m_datos.asiSaveB || fecha > m_datos.reloj().Hoy())
         return EstadoAsiento::kBorrador;
     return EstadoAsiento::kRegistrado;
 }
@@ -117,7 +117,7 @@ void ComandosAsiento::RegistrarAsiento()
         return;
     }
     try {
-        if (c.AsiFechaAsiento > QDate::currentDate() && c.AsiEstado == EstadoAsiento::kBorrador) {
+        if (c.AsiFechaAsiento > m_datos.reloj().Hoy() && c.AsiEstado == EstadoAsiento::kBorrador) {
             if (m_datos.Preguntar(1807)) {
                 AgendarEnLugarDelAsiento();
                 m_grilla.FijarRedibujar(true);
@@ -135,7 +135,7 @@ void ComandosAsiento::RegistrarAsiento()
         const bool eraInconcluso = c.AsiEstado == EstadoAsiento::kInconcluso;
         qint16 nuevo = c.AsiEstado == EstadoAsiento::kRegistrado ? EstadoAsiento::kBorrador : EstadoAsiento::kRegistrado;
         if (eraInconcluso)
-            nuevo = c.AsiFechaAsiento > QDate::currentDate() ? EstadoAsiento::kBorrador : EstadoAsiento::kRegistrado;
+            nuevo = c.AsiFechaAsiento > m_datos.reloj().Hoy() ? EstadoAsiento::kBorrador : EstadoAsiento::kRegistrado;
         const bool otraApertura = nuevo == EstadoAsiento::kRegistrado && c.AsiTipo != 0
                                && c.AsiTipo == m_datos.librosSistema().primeraApertura && saldosIniciales().ExisteAsientoApertura();
         if (datos.Cabezal().FechaModificado != c.AsiFechaModificado) {
@@ -148,7 +148,7 @@ void ComandosAsiento::RegistrarAsiento()
             m_datos.Error(1811);
         } else {
             datos.Cabezal().Estado = nuevo;
-            datos.Cabezal().FechaCambioEstado = AsientoDatos::SelloNuevo(QDateTime());
+            datos.Cabezal().FechaCambioEstado = AsientoDatos::SelloNuevo(m_datos.reloj(), QDateTime());
             if (datos.Grabar()) {
                 c.AsiFechaModificado = datos.Cabezal().FechaModificado;
                 c.AsiEstado = datos.Cabezal().Estado;
@@ -177,7 +177,7 @@ void ComandosAsiento::RegistrarListados(qint16 estadoOrigen)
                 continue;
             m_asientos.TomarAsientoDeFila(r);
             CabezalAsiento &c = m_asientos.Cabezal;
-            if (c.AsiFechaAsiento > QDate::currentDate() || c.AsiID <= 0)
+            if (c.AsiFechaAsiento > m_datos.reloj().Hoy() || c.AsiID <= 0)
                 continue;
             // A second opening-balance entry is never registered.
             if (c.AsiTipo != 0 && c.AsiTipo == m_datos.librosSistema().primeraApertura && saldosIniciales().ExisteAsientoApertura()) {
@@ -191,7 +191,7 @@ void ComandosAsiento::RegistrarListados(qint16 estadoOrigen)
                 continue;
             }
             datos.Cabezal().Estado = EstadoAsiento::kRegistrado;
-            datos.Cabezal().FechaCambioEstado = AsientoDatos::SelloNuevo(QDateTime());
+            datos.Cabezal().FechaCambioEstado = AsientoDatos::SelloNuevo(m_datos.reloj(), QDateTime());
             if (!datos.Grabar()) {
                 algunaFalla = true;
                 continue;
@@ -288,9 +288,9 @@ bool ComandosAsiento::GrabarCabezal()
         d.Leyenda = c.AsiLeyenda;
         d.Fecha = c.AsiFechaAsiento;
         // A registered entry moved into the future goes back to draft.
-        if (c.AsiFechaAsiento > QDate::currentDate() && d.Estado == EstadoAsiento::kRegistrado) {
+        if (c.AsiFechaAsiento > m_datos.reloj().Hoy() && d.Estado == EstadoAsiento::kRegistrado) {
             d.Estado = EstadoAsiento::kBorrador;
-            d.FechaCambioEstado = AsientoDatos::SelloNuevo(QDateTime());
+            d.FechaCambioEstado = AsientoDatos::SelloNuevo(m_datos.reloj(), QDateTime());
         }
         d.Libro = c.AsiTipo;
         d.Autoriza = c.AsiUsuarioVerificador;
@@ -325,7 +325,7 @@ bool ComandosAsiento::GrabarAsientoCompleto(bool asientoCierra)
             d.Empresa = m_datos.idEmpresa();
             d.Usuario = m_datos.usuario;
             d.Estado = estado;
-            d.FechaCambioEstado = AsientoDatos::SelloNuevo(QDateTime());
+            d.FechaCambioEstado = AsientoDatos::SelloNuevo(m_datos.reloj(), QDateTime());
         } else {
             if (!datos.CargarAsiento(c.AsiID))
                 throw ErrorBaseDatos(datos.ultimoError());
@@ -344,7 +344,7 @@ bool ComandosAsiento::GrabarAsientoCompleto(bool asientoCierra)
                 estado = d.Estado;
             if (estado != d.Estado) {
                 d.Estado = estado;
-                d.FechaCambioEstado = AsientoDatos::SelloNuevo(QDateTime());
+                d.FechaCambioEstado = AsientoDatos::SelloNuevo(m_datos.reloj(), QDateTime());
             }
         }
         bool esApertura = false;
@@ -361,9 +361,9 @@ bool ComandosAsiento::GrabarAsientoCompleto(bool asientoCierra)
         d.Autoriza = c.AsiUsuarioVerificador;
         // A registered entry dated in the future is a draft until its day, as a header
         // moved into the future makes it.
-        if (d.Fecha > QDate::currentDate() && d.Estado == EstadoAsiento::kRegistrado) {
+        if (d.Fecha > m_datos.reloj().Hoy() && d.Estado == EstadoAsiento::kRegistrado) {
             d.Estado = EstadoAsiento::kBorrador;
-            d.FechaCambioEstado = AsientoDatos::SelloNuevo(QDateTime());
+            d.FechaCambioEstado = AsientoDatos::SelloNuevo(m_datos.reloj(), QDateTime());
         }
         datos.Lineas() = m_asientos.LineasParaGrabar();
         if (datos.HayCuentasCerradas(d.Fecha)) {
@@ -550,7 +550,7 @@ void ComandosAsiento::EliminarAsiento(bool porFila)
                     else if (estado == EstadoAsiento::kInconcluso)
                         estado = estadoCompleto(datos.Cabezal().Fecha);
                     if (estado != antes)
-                        datos.Cabezal().FechaCambioEstado = AsientoDatos::SelloNuevo(QDateTime());
+                        datos.Cabezal().FechaCambioEstado = AsientoDatos::SelloNuevo(m_datos.reloj(), QDateTime());
                     if (datos.GrabarTodo() <= 0) {
                         decirRechazo(datos);
                     } else {
@@ -606,7 +606,7 @@ void ComandosAsiento::CopiarAsiento()
             datos.Cabezal().Libro = comun->second;
         }
         datos.Cabezal().Usuario = m_datos.usuario;
-        datos.Cabezal().FechaCambioEstado = AsientoDatos::SelloNuevo(QDateTime()); // the copy's own
+        datos.Cabezal().FechaCambioEstado = AsientoDatos::SelloNuevo(m_datos.reloj(), QDateTime()); // the copy's own
         if (datos.HayCuentasCerradas(datos.Cabezal().Fecha)) {
             m_datos.mensajes->Informar(m_datos.texto(1816));
             return;
@@ -739,10 +739,10 @@ bool ComandosAsiento::AplicarTC(bool bMonedaCuenta, double tasa, qint16 moneda)
             return false;
         }
         d.Estado = EstadoAsiento::kInconcluso;
-        d.FechaCambioEstado = AsientoDatos::SelloNuevo(QDateTime());
+        d.FechaCambioEstado = AsientoDatos::SelloNuevo(m_datos.reloj(), QDateTime());
     } else if (cierra && d.Estado == EstadoAsiento::kInconcluso) {
         d.Estado = estadoCompleto(d.Fecha);
-        d.FechaCambioEstado = AsientoDatos::SelloNuevo(QDateTime());
+        d.FechaCambioEstado = AsientoDatos::SelloNuevo(m_datos.reloj(), QDateTime());
     }
     datos.Lineas() = m_asientos.LineasParaGrabar();
     const bool bien = datos.GrabarTodo() > 0;

@@ -32,6 +32,7 @@ struct DatosDocumento
 
     // Null until the start-up has opened the connection.
     Conexion *conexion() const { return proceso ? proceso->conexion.get() : nullptr; }
+    const Reloj &reloj() const { return *proceso->reloj; }
     const ParametrosSistema &parametros() const { return proceso->parametros; }
     CatalogoMonedas &monedas() const { return proceso->monedas; }
     qint32 idEmpresa() const { return proceso->IDEmpresa; }

@@ -6,12 +6,14 @@
 
 #include <memory>
 
-// What every document of one process shares: the company chosen, the connection opened by
-// the first document to start, the system parameters and the currency catalogue read over
-// it. The host creates one and hands it to each document it opens.
+// What every document of one process shares: the company chosen, the clock, the connection
+// opened by the first document to start (it reads the same clock), the system parameters
+// and the currency catalogue read over it. The host creates one and hands it to each
+// document it opens.
 struct Proceso
 {
     qint32 IDEmpresa = 0;
+    std::shared_ptr<Reloj> reloj = std::make_shared<Reloj>();
     std::shared_ptr<Conexion> conexion;
     ParametrosSistema parametros;
     CatalogoMonedas monedas;

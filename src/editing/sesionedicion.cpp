@@ -45,7 +45,7 @@ ValoresCabezal SesionEdicion::valoresDelCabezal(int cabezal)
 {
     const CabezalAsiento &c = m_asientos.Cabezal;
     ValoresCabezal v;
-    v.fecha = c.AsiFechaAsiento.isValid() ? c.AsiFechaAsiento : QDate::currentDate();
+    v.fecha = c.AsiFechaAsiento.isValid() ? c.AsiFechaAsiento : m_datos.reloj().Hoy();
     v.fechaHabilitada = !(c.AsiID > 0 && m_comandos.HayCuentasCerradasEnGrilla(c.AsiFechaAsiento));
     auto ofrecido = [this](qint16 libro) {
         return std::any_of(m_libros.begin(), m_libros.end(), [libro](const auto &l) { return l.second == libro; });
@@ -159,7 +159,7 @@ void SesionEdicion::cargarLineaEnEditor(int fila)
             l.dTCambio = tasa;
         linea = l;
     }
-    m_vista.CargarEditor(c.AsiFechaAsiento.isValid() ? c.AsiFechaAsiento : QDate::currentDate(), diferencia, linea);
+    m_vista.CargarEditor(c.AsiFechaAsiento.isValid() ? c.AsiFechaAsiento : m_datos.reloj().Hoy(), diferencia, linea);
 }
 
 void SesionEdicion::AgregarCuenta()
@@ -397,7 +397,7 @@ void SesionEdicion::AceptarLinea()
         m_comandos.GrabarCabezal();
     }
 
-    if (escrito && c.AsiFechaAsiento > QDate::currentDate() && m_datos.Preguntar(1807)) {
+    if (escrito && c.AsiFechaAsiento > m_datos.reloj().Hoy() && m_datos.Preguntar(1807)) {
         if (m_comandos.AgendarEnLugarDelAsiento()) {
             // The entry's rows are gone from the grid: no row of it is left to tidy up.
             c.FilaCabezal = -1;

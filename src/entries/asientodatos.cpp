@@ -36,12 +36,6 @@ QString condicionSello(Motor motor, const QDateTime &leido, QVariantList &valore
     return QStringLiteral(" And AsiFechaModificado = ?");
 }
 
-QDateTime ahora()
-{
-    const QDateTime t = QDateTime::currentDateTime();
-    return QDateTime(t.date(), t.time(), Qt::UTC); // wall-clock, as stamps are kept
-}
-
 } // namespace
 
 SumasEnCentesimos SumarEnCentesimos(const QVector<LineaDatos> &lineas)
@@ -106,10 +100,10 @@ bool AsientoDatos::fallar(Resultado r, const QString &error)
     return false;
 }
 
-QDateTime AsientoDatos::SelloNuevo(const QDateTime &anterior, Sello sello)
+QDateTime AsientoDatos::SelloNuevo(const Reloj &reloj, const QDateTime &anterior, Sello sello)
 {
     const bool enteros = sello == Sello::SegundosEnteros;
-    QDateTime t = ahora();
+    QDateTime t = reloj.Ahora();
     t.setTime(QTime(t.time().hour(), t.time().minute(), t.time().second(), enteros ? 0 : t.time().msec()));
     if (anterior.isValid() && t <= anterior) {
         if (!enteros)
@@ -359,7 +353,7 @@ bool AsientoDatos::Grabar(Sello sello)
     m_resultado = Resultado::Bien;
     if (!leyendaAdmitida())
         return false;
-    const QDateTime nuevo = SelloNuevo(m_cabezal.FechaModificado, sello);
+    const QDateTime nuevo = SelloNuevo(m_conexion->reloj(), m_cabezal.FechaModificado, sello);
     try {
         Transaccion tx(*m_conexion);
         if (m_cabezal.Libro != 0 && m_cabezal.Libro == libroApertura())
@@ -407,7 +401,7 @@ qint32 AsientoDatos::GrabarTodo()
     m_resultado = Resultado::Bien;
     if (!leyendaAdmitida() || !importesEnRango())
         return 0;
-    const QDateTime nuevo = SelloNuevo(m_cabezal.FechaModificado);
+    const QDateTime nuevo = SelloNuevo(m_conexion->reloj(), m_cabezal.FechaModificado);
     const QVariant libro = m_cabezal.Libro ? QVariant(m_cabezal.Libro) : nulo(QMetaType::Int);
     qint32 id = m_cabezal.AsiID;
     try {
@@ -452,7 +446,7 @@ QString AsientoDatos::EnviarPapelera(qint32 asiID, qint16 monedaContabilidad, co
     QStringList cambiados;
     try {
         Transaccion tx(*m_conexion);
-        const QDateTime nuevo = SelloNuevo(selloLeido);
+        const QDateTime nuevo = SelloNuevo(m_conexion->reloj(), selloLeido);
         auto rs = m_conexion->Abrir(QStringLiteral("Select AsiTipo, AsiFechaAsiento, AsiEmpresa From cceAsientos Where AsiID = ?"),
                                     {asiID});
         if (rs->Fin()) {
@@ -524,7 +518,7 @@ bool AsientoDatos::EliminarDefinitivo(qint32 asiID, const QDateTime &selloLeido)
         m_conexion->Ejecutar(QStringLiteral("Delete From cceAsientoCuenta Where ACuIDAsiento = ?"), {asiID});
         m_conexion->Ejecutar(QStringLiteral("Delete From cceAsientos Where AsiID = ?"), {asiID});
         if (!antes.isEmpty())
-            HistorialAsiento::Registrar(*m_conexion, asiID, autor(), SelloNuevo(QDateTime()), HistorialAsiento::kEliminacion,
+            HistorialAsiento::Registrar(*m_conexion, asiID, autor(), SelloNuevo(m_conexion->reloj(), QDateTime()), HistorialAsiento::kEliminacion,
                                         antes, {});
         tx.Confirmar();
     } catch (const ErrorBaseDatos &e) {

@@ -158,10 +158,10 @@ public:
     // failure of the database, which the command tells with its own text and the detail.
     int ultimoNumero() const;
 
-    // The stamp for a write that follows one read as anterior: now, to the millisecond or in
-    // whole seconds, and always later than anterior (a whole second later at least, when
-    // now is not).
-    static QDateTime SelloNuevo(const QDateTime &anterior, Sello sello = Sello::Milisegundos);
+    // The stamp for a write that follows one read as anterior: now by the clock, to the
+    // millisecond or in whole seconds, and always later than anterior (a whole second later
+    // at least, when now is not).
+    static QDateTime SelloNuevo(const Reloj &reloj, const QDateTime &anterior, Sello sello = Sello::Milisegundos);
 
 private:
     bool actualizarCabezal(qint32 asiID, const QDateTime &nuevo);

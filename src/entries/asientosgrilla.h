@@ -33,6 +33,7 @@ struct ContextoAsientos
     qint32 empresa = 0;
     QString delimitadorFecha = QStringLiteral("'");
     QString patronFecha = QStringLiteral("yyyy-mm-dd");
+    std::shared_ptr<const Reloj> reloj = std::make_shared<Reloj>(); // a cleared header's date
 };
 
 // Grid colours, as the suite states them.
@@ -96,7 +97,7 @@ public:
     CabezalAsiento Cabezal;
     bool listo = true;                 // the current-row handler acts only when set
 
-    void ResetCabezal() { ::ResetCabezal(Cabezal); }
+    void ResetCabezal() { ::ResetCabezal(Cabezal, m_ctx.reloj->Ahora()); }
 
     // Rows.
     void FilaCabezalAsiento(const QString &libro);

@@ -85,7 +85,7 @@ qint32 FrecuentesDatos::Guardar(MovimientoFrecuente &m)
                                    Conexion::ValorFecha(m.Fecha), m.Leyenda, m.Libro, m.Autoriza, m.Usuario};
         if (m.MFrID <= 0) {
             QVariantList valores = cabezal;
-            valores << Conexion::ValorFechaHora(AsientoDatos::SelloNuevo(QDateTime()));
+            valores << Conexion::ValorFechaHora(AsientoDatos::SelloNuevo(m_conexion.reloj(), QDateTime()));
             m.MFrID = qint32(m_conexion.Insertar(
                 QStringLiteral("Insert Into genMovimientosFrecuentes (MFrEmpresa, MFrNombre, MFrRecurrencia, MFrFechaProxima, MFrFecha,"
                                " MFrLeyenda, MFrLibro, MFrUsuarioVerificador, MFrUsuario, MFrCreado) Values (?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"),
@@ -234,11 +234,11 @@ qint32 FrecuentesDatos::Registrar(const MovimientoFrecuente &m, const QDate &fec
         d.Libro = m.Libro;
         d.Autoriza = m.Autoriza;
         // A future entry waits as a draft until its day, as every entry does.
-        const bool borradorHastaSuDia = borrador || fecha > QDate::currentDate();
+        const bool borradorHastaSuDia = borrador || fecha > m_conexion.reloj().Hoy();
         datos.Lineas() = m.Lineas;
         d.Estado = datos.Balance().cierra ? (borradorHastaSuDia ? EstadoAsiento::kBorrador : EstadoAsiento::kRegistrado)
                                           : EstadoAsiento::kInconcluso;
-        d.FechaCambioEstado = AsientoDatos::SelloNuevo(QDateTime());
+        d.FechaCambioEstado = AsientoDatos::SelloNuevo(m_conexion.reloj(), QDateTime());
         if (datos.HayCuentasCerradas(fecha))
             throw ErrorBaseDatos(QStringLiteral("Hay cuentas cerradas a la fecha %1.").arg(fecha.toString(QStringLiteral("dd/MM/yyyy"))));
         const qint32 id = datos.GrabarTodo();

@@ -27,7 +27,7 @@ struct CabezalAsiento
 };
 
 // Empties the header: no entry is current.
-void ResetCabezal(CabezalAsiento &c, const QDateTime &ahora = QDateTime::currentDateTime());
+void ResetCabezal(CabezalAsiento &c, const QDateTime &ahora);
 
 // One line as the grid, the line editor and the storage exchange it.
 struct RegistroLinea

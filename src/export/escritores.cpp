@@ -86,14 +86,15 @@ QString CampoCSV(const QString &texto)
 }
 
 std::optional<QString> EscribirHTML(const FuenteDeGrilla &g, const QString &ruta, const QString &titulo,
-                                    const QString &empresa, const QString &edicion, const QString &formatoFecha)
+                                    const QString &empresa, const QString &edicion, const QString &formatoFecha,
+                                    const QDateTime &ahora)
 {
     QSaveFile archivo(ruta);
     if (!archivo.open(QIODevice::WriteOnly))
         return archivo.errorString();
     // A byte-order mark tells a browser the page is UTF-8, so accents show right.
     bool escrito = archivo.write("\xEF\xBB\xBF", 3) == 3;
-    modGridHTML::GridHTMLEnPartes(g, titulo, empresa, edicion, formatoFecha, QDateTime::currentDateTime(),
+    modGridHTML::GridHTMLEnPartes(g, titulo, empresa, edicion, formatoFecha, ahora,
                                   [&](const QString &parte) {
                                       const QByteArray datos = parte.toUtf8();
                                       escrito = escrito && archivo.write(datos) == datos.size();

@@ -37,9 +37,11 @@ std::optional<QString> EscribirCSV(const FuenteDeGrilla &g, const QString &ruta,
 // header dates as dates in the user's date format (suite notation), colours kept.
 std::optional<QString> EscribirLibro(const FuenteDeGrilla &g, const QString &ruta, const QString &formatoFecha,
                                      const AvanceExportacion &avance = {});
-// The grid as an HTML page (modGridHTML), written as it is made.
+// The grid as an HTML page (modGridHTML), written as it is made; ahora is the moment its
+// footer shows.
 std::optional<QString> EscribirHTML(const FuenteDeGrilla &g, const QString &ruta, const QString &titulo,
-                                    const QString &empresa, const QString &edicion, const QString &formatoFecha);
+                                    const QString &empresa, const QString &edicion, const QString &formatoFecha,
+                                    const QDateTime &ahora);
 
 // A field quoted as RFC 4180 asks when it must be.
 QString CampoCSV(const QString &texto);

@@ -96,7 +96,8 @@ std::optional<QString> ExportacionGrilla::Escribir(int formato, const GrillaEnPa
     case CSV:
         return Escritores::EscribirCSV(fuente, ruta, avance);
     default:
-        return Escritores::EscribirHTML(fuente, ruta, g.titulo, entorno.empresa, entorno.edicion, entorno.formatoFecha);
+        return Escritores::EscribirHTML(fuente, ruta, g.titulo, entorno.empresa, entorno.edicion, entorno.formatoFecha,
+                                            entorno.reloj->Ahora());
     }
 }
 

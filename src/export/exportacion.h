@@ -1,8 +1,11 @@
 #pragma once
 
+#include "store/reloj.h"
+
 #include <QString>
 
 #include <functional>
+#include <memory>
 #include <optional>
 
 class Grilla;
@@ -28,6 +31,7 @@ struct EntornoExportacion
     QString formatoFecha;   // the user's date format, suite notation
     QString empresa;        // NombreEmpresa
     QString edicion;        // NombreEdicion
+    std::shared_ptr<const Reloj> reloj = std::make_shared<Reloj>(); // the moment an HTML page shows
 };
 
 // The grid as the document shows it now: its title and the screen's measures.

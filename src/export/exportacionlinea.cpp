@@ -123,6 +123,7 @@ int ExportarDesdeLinea(const PedidoExportacion &pedido, Conexion &conexion, qint
 
     CatalogoMonedas monedas;
     ContextoAsientos ctx;
+    ctx.reloj = conexion.relojCompartido();
     Grilla grilla;
     AsientosGrilla asientos(grilla, ctx);
     QString sql;
@@ -164,7 +165,7 @@ int ExportarDesdeLinea(const PedidoExportacion &pedido, Conexion &conexion, qint
     if (progreso)
         progreso(QStringLiteral("Leyendo los asientos…"));
     const QDate primerDia = pedido.mes.isValid() ? QDate(pedido.mes.year(), pedido.mes.month(), 1) : QDate();
-    if (const auto f = CargarAsientos(asientos, conexion, vista, sql, QDate::currentDate(), primerDia))
+    if (const auto f = CargarAsientos(asientos, conexion, vista, sql, conexion.reloj().Hoy(), primerDia))
         return fallar(texto(f->numeroTexto) + QStringLiteral(" ") + f->detalle);
 
     const int formato = pedido.Formato();
@@ -200,6 +201,7 @@ int ExportarDesdeLinea(const PedidoExportacion &pedido, Conexion &conexion, qint
         entorno.texto = texto;
         entorno.formatoFecha = pedido.formatoFecha;
         entorno.empresa = config.NombreEmpresa;
+        entorno.reloj = conexion.relojCompartido();
         GrillaEnPantalla g;
         g.grilla = &grilla;
         g.titulo = texto(1001);

@@ -14,8 +14,7 @@ namespace modGridHTML {
 
 // formatoFecha: the user's date format in the suite's notation ("dd/mm/yyyy").
 QString GridHTML(const FuenteGrilla &grilla, const QString &titulo, const QString &empresa,
-                 const QString &edicion, const QString &formatoFecha,
-                 const QDateTime &ahora = QDateTime::currentDateTime());
+                 const QString &edicion, const QString &formatoFecha, const QDateTime &ahora);
 // The same page handed over in pieces of about half a million characters, so a page of
 // any size is written without being held whole.
 void GridHTMLEnPartes(const FuenteGrilla &grilla, const QString &titulo, const QString &empresa,

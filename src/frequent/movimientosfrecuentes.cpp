@@ -58,10 +58,10 @@ void MovimientosFrecuentes::crearControles()
     cfLibro->setObjectName(QStringLiteral("cfLibro"));
     chkAgendar = new QCheckBox(QStringLiteral("&Agendar cada mes desde"), this);
     chkAgendar->setObjectName(QStringLiteral("chkAgendar"));
-    odDesde = new CampoFecha(this);
+    odDesde = new CampoFecha(m_datos.proceso->reloj, this);
     odDesde->setObjectName(QStringLiteral("odDesde"));
     odDesde->setDisplayFormat(FormatoQtDeFecha(m_datos.formatoFecha.isEmpty() ? QStringLiteral("dd/mm/yyyy") : m_datos.formatoFecha));
-    odDesde->setDate(QDate::currentDate());
+    odDesde->setDate(m_datos.reloj().Hoy());
     odDesde->setEnabled(false);
     connect(chkAgendar, &QCheckBox::toggled, odDesde, &QWidget::setEnabled);
     connect(odDesde, &CampoFecha::fechaInvalida, this, [this] {
@@ -135,7 +135,7 @@ void MovimientosFrecuentes::prepararEditor()
 {
     oraEdit->FijarContexto(ContextoDeDocumento(m_datos, m_cuentas));
     oraEdit->InitRegistro();
-    oraEdit->setFechaAsiento(chkAgendar->isChecked() ? odDesde->date() : QDate::currentDate());
+    oraEdit->setFechaAsiento(chkAgendar->isChecked() ? odDesde->date() : m_datos.reloj().Hoy());
 }
 
 void MovimientosFrecuentes::colocarEditor()
@@ -281,7 +281,7 @@ void MovimientosFrecuentes::bfOK_Click()
         m.Fecha = proxima;
     m.FechaProxima = proxima;
     if (!m.Fecha.isValid())
-        m.Fecha = chkAgendar->isChecked() ? odDesde->date() : QDate::currentDate();
+        m.Fecha = chkAgendar->isChecked() ? odDesde->date() : m_datos.reloj().Hoy();
     FrecuentesDatos datos(*m_datos.conexion());
     const qint32 id = datos.Guardar(m);
     if (id <= 0) {

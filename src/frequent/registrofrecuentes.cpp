@@ -53,10 +53,10 @@ RegistroFrecuentes::RegistroFrecuentes(const DatosDocumento &datos, ServicioBusq
     lvLineas->setRootIsDecorated(false);
     lvLineas->setFocusPolicy(Qt::NoFocus);
     lvLineas->header()->setSectionResizeMode(0, QHeaderView::Stretch);
-    odFecha = new CampoFecha(this);
+    odFecha = new CampoFecha(m_datos.proceso->reloj, this);
     odFecha->setObjectName(QStringLiteral("odFecha"));
     odFecha->setDisplayFormat(FormatoQtDeFecha(m_datos.formatoFecha.isEmpty() ? QStringLiteral("dd/mm/yyyy") : m_datos.formatoFecha));
-    odFecha->setDate(QDate::currentDate());
+    odFecha->setDate(m_datos.reloj().Hoy());
     odFecha->setMinimumWidth(odFecha->fontMetrics().horizontalAdvance(QStringLiteral("00/00/00000")) + 16);
     connect(odFecha, &CampoFecha::fechaInvalida, this, [this] {
         m_datos.Error(1951);
@@ -130,7 +130,7 @@ void RegistroFrecuentes::llenarLista()
             }
         };
         const QString texto = tBuscar->text().trimmed().toLower();
-        for (const MovimientoFrecuente &m : datos.Vencidos(m_datos.idEmpresa(), QDate::currentDate()))
+        for (const MovimientoFrecuente &m : datos.Vencidos(m_datos.idEmpresa(), m_datos.reloj().Hoy()))
             if (texto.isEmpty() || m.Nombre.toLower().contains(texto))
                 agregar(m, true);
         for (const MovimientoFrecuente &m : datos.Buscar(m_datos.idEmpresa(), texto))
@@ -169,7 +169,7 @@ void RegistroFrecuentes::mostrarLineas()
         if (!m)
             return;
         const QDate vence = lvFrecuentes->currentItem()->data(2, Qt::UserRole).toDate();
-        odFecha->setDate(vence.isValid() && vence <= QDate::currentDate() ? vence : QDate::currentDate());
+        odFecha->setDate(vence.isValid() && vence <= m_datos.reloj().Hoy() ? vence : m_datos.reloj().Hoy());
         const qint16 mc = m_datos.empresa.monedaContabilidad;
         const Mascara importes(m_datos.monedas().DatoMoneda(0, 4).toString());
         for (int i = 0; i < m->Lineas.size(); ++i) {
@@ -261,7 +261,7 @@ QString RegistroFrecuentes::Registrar(qint32 mfrID)
                 m_datos.Error(1912, QStringLiteral("El asiento frecuente %1 ya no existe.").arg(mfrID));
                 return {};
             }
-            const QDate fecha = m->Agendado() && m->FechaProxima.isValid() ? m->FechaProxima : QDate::currentDate();
+            const QDate fecha = m->Agendado() && m->FechaProxima.isValid() ? m->FechaProxima : m_datos.reloj().Hoy();
             const qint32 asiento = registrar(*m, fecha);
             if (asiento <= 0)
                 return {};

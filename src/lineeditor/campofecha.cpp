@@ -6,6 +6,7 @@
 #include <QRegularExpression>
 
 #include <array>
+#include <utility>
 
 namespace {
 
@@ -78,9 +79,15 @@ QString Mostrar(const QDate &fecha, const QString &formato)
 
 } // namespace
 
-CampoFecha::CampoFecha(QWidget *padre)
+CampoFecha::CampoFecha(std::shared_ptr<const Reloj> reloj, QWidget *padre)
     : QLineEdit(padre)
+    , m_reloj(std::move(reloj))
 {
+}
+
+QDate CampoFecha::referencia() const
+{
+    return m_fecha.isValid() ? m_fecha : m_reloj->Hoy();
 }
 
 QDate CampoFecha::LeerFecha(const QString &texto, const QString &formatoQt, const QDate &referencia)
@@ -96,7 +103,7 @@ QDate CampoFecha::LeerFecha(const QString &texto, const QString &formatoQt, cons
         return QLocale().toDate(t, formatoQt);
     }
     int dia = 0, mes = 0;
-    int anio = (referencia.isValid() ? referencia : QDate::currentDate()).year();
+    int anio = referencia.year();
     qsizetype i = 0;
     for (Parte p : orden) {
         if (p == Parte::Anio && partes.size() == 2)
@@ -154,7 +161,7 @@ bool CampoFecha::Aceptar()
         Vaciar();
         return true;
     }
-    const QDate leida = LeerFecha(text(), m_formato, m_fecha);
+    const QDate leida = LeerFecha(text(), m_formato, referencia());
     if (!leida.isValid()) {
         emit fechaInvalida();
         return false;
@@ -196,8 +203,8 @@ void CampoFecha::keyPressEvent(QKeyEvent *evento)
 
 void CampoFecha::moverDias(int dias)
 {
-    QDate base = LeerFecha(text(), m_formato, m_fecha);
+    QDate base = LeerFecha(text(), m_formato, referencia());
     if (!base.isValid())
-        base = m_fecha.isValid() ? m_fecha : QDate::currentDate();
+        base = referencia();
     setDate(base.addDays(dias));
 }

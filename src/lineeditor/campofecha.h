@@ -1,7 +1,11 @@
 #pragma once
 
+#include "store/reloj.h"
+
 #include <QDate>
 #include <QLineEdit>
+
+#include <memory>
 
 // A date field: a plain edit box that reads the whole typed date at once when the text is
 // accepted, instead of correcting each part while it is typed (a spin-box date edit turns
@@ -9,7 +13,8 @@
 //
 // Reading: the parts come in the display format's day/month/year order, separated by any
 // of "/", "-", ".", space, or as digits only ("31122025", "311225", "3112"). A two-digit
-// year means 2000+yy; a missing year is the year of the date shown (today's when none).
+// year means 2000+yy; a missing year is the year of the date shown (today's by the clock
+// the field was given, when none).
 // A format with month names also takes the name as the display format writes it.
 //
 // Accepting: on Enter (through Aceptar(), which the owner calls before it moves the focus),
@@ -27,7 +32,7 @@ class CampoFecha : public QLineEdit
 {
     Q_OBJECT
 public:
-    explicit CampoFecha(QWidget *padre = nullptr);
+    explicit CampoFecha(std::shared_ptr<const Reloj> reloj, QWidget *padre = nullptr);
 
     // The last accepted date; null until one is set or accepted.
     QDate date() const { return m_fecha; }
@@ -49,7 +54,7 @@ public:
     bool Aceptar();
 
     // Reads a whole typed date in the order of the Qt format; a null date when the text is
-    // no date. A missing year is taken from `referencia` (today's when it is null).
+    // no date. A missing year is taken from `referencia`.
     static QDate LeerFecha(const QString &texto, const QString &formatoQt, const QDate &referencia);
 
 signals:
@@ -63,7 +68,10 @@ protected:
 
 private:
     void moverDias(int dias);
+    // The date a typed text is read against: the one shown, else today.
+    QDate referencia() const;
 
+    std::shared_ptr<const Reloj> m_reloj;
     QDate m_fecha;
     QString m_formato = QStringLiteral("dd/MM/yyyy");
     bool m_permitirVacia = false;

@@ -4,6 +4,7 @@
 #include "campocalculadora.h"
 
 #include "currency/catalogomonedas.h"
+#include "currency/importe.h"
 #include "entries/modeloasiento.h"
 #include "services/serviciobusquedacuentas.h"
 #include "services/serviciomensajes.h"
@@ -215,11 +216,10 @@ void lumERAsiento::ConfirmarLinea()
         return Advertir(1851, ocTCambio);
 
     // Each value must fit the four-decimal currency type.
-    constexpr double kMaximo = 922337203685477.5807;
     const std::pair<CampoCalculadora *, bool> tamanos[] = {
         {ocImporte, true}, {ocTCambio, ocTCambio->isEnabled()}, {ocImporteMC, ocImporteMC->isEnabled()}};
     for (const auto &[campo, cuenta] : tamanos) {
-        if (cuenta && std::abs(campo->Valor()) > kMaximo)
+        if (cuenta && std::abs(campo->Valor()) > Importe::kMaximo)
             return Advertir(1937, campo);
     }
     bool cancelar = false;

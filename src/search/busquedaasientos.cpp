@@ -64,7 +64,7 @@ BusquedaAsientos::Resultado BusquedaAsientos::Buscar(bool mostrarDialogo)
     m_pantalla.ActualizarContexto();
     int fila = -1;
     if (const auto fallo = CargarAsientos(m_asientos, *m_datos.conexion(), Vista::kPersonalizada, sql,
-                                          QDate::currentDate(), QDate(), &fila)) {
+                                          m_datos.reloj().Hoy(), QDate(), &fila)) {
         m_datos.Error(1927, fallo->detalle);
         return Resultado::Fallida;
     }

@@ -49,8 +49,8 @@ void frmFind::crearControles(const QList<std::pair<QString, qint16>> &libros)
         return w;
     };
     cfCriterio = new QComboBox(this);
-    odInicio = new CampoFecha(this);
-    odFin = new CampoFecha(this);
+    odInicio = new CampoFecha(m_datos.proceso->reloj, this);
+    odFin = new CampoFecha(m_datos.proceso->reloj, this);
     cfLibro = new QComboBox(this);
     cfEstado = new QComboBox(this);
     tLeyenda = new QLineEdit(this);
@@ -79,7 +79,7 @@ void frmFind::crearControles(const QList<std::pair<QString, qint16>> &libros)
     for (CampoFecha *f : {odInicio, odFin}) {
         f->setDisplayFormat(formato);
         f->setPermitirVacia(true);
-        f->setDate(QDate::currentDate());
+        f->setDate(m_datos.reloj().Hoy());
         f->Vaciar();
         connect(f, &CampoFecha::fechaInvalida, this, [this, f] { avisar(1951, f); });
     }

@@ -81,7 +81,7 @@ void lumIngAsiento::CargarAsientos(const QString &sql)
     ActualizarContexto();
     int fila = -1;
     const auto fallo = ::CargarAsientos(m_asientos, *m_datos.conexion(), hlCargar->Tag.toInt(), sql,
-                                        QDate::currentDate(), m_mesVista, &fila);
+                                        m_datos.reloj().Hoy(), m_mesVista, &fila);
     if (fallo)
         m_datos.MostrarFallo(*fallo);
     SeleccionarFila(fila >= 0 ? fila : m_grilla.FilasFijas());
@@ -108,7 +108,7 @@ void lumIngAsiento::CargarMeses()
     } catch (const ErrorBaseDatos &) {
         // Without the closing dates the months are shown without "(cerrado)".
     }
-    const auto meses = MesesDelMenu(QDate::currentDate(), menor, [](int n) { return Idioma::resLoad(n - 1000); });
+    const auto meses = MesesDelMenu(m_datos.reloj().Hoy(), menor, [](int n) { return Idioma::resLoad(n - 1000); });
     for (int i = 0; i < meses.size() && i < m_menus->MnuViewMItem.size(); ++i) {
         QAction *a = m_menus->MnuViewMItem[i];
         a->setText(meses[i].caption);

@@ -42,6 +42,7 @@ lumIngAsiento::lumIngAsiento(EntornoDocumento entorno, QWidget *padre)
     , m_entorno(std::move(entorno))
 {
     m_datos.proceso = m_entorno.proceso ? m_entorno.proceso : std::make_shared<Proceso>();
+    m_ctx.reloj = m_datos.proceso->reloj;
     m_datos.mensajes = m_entorno.mensajes;
     m_datos.texto = [](int numero) { return Idioma::resLoad(numero - 1000); };
     setObjectName(QStringLiteral("lumIngAsiento"));
@@ -291,6 +292,7 @@ void lumIngAsiento::iniciarSinTrampa()
             EnviarComando(ComandoHost::Error(Idioma::resLoad(905) + servicio.ultimoError()));
             return;
         }
+        conexion->UsarReloj(proceso().reloj);
         proceso().conexion = std::move(conexion);
     }
 
@@ -403,7 +405,7 @@ void lumIngAsiento::GetFechaAsientoApertura()
     if (!proceso().conexion)
         return;
     if (const auto fallo = ::GetFechaAsientoApertura(*proceso().conexion, proceso().parametros, m_datos.empresa,
-                                                      proceso().IDEmpresa, QDate::currentDate(),
+                                                      proceso().IDEmpresa, m_datos.reloj().Hoy(),
                                                       m_datos.fechaAsientoApertura))
         m_datos.MostrarFallo(*fallo);
 }

@@ -53,7 +53,7 @@ void PanelEdicion::crearCampos()
     lAutoriza = etiqueta("lAutoriza");
     lLibroApertura = etiqueta("lLibroApertura");
     lLibroApertura->setVisible(false);
-    odDate = new CampoFecha(picCabezal);
+    odDate = new CampoFecha(m_datos.proceso->reloj, picCabezal);
     odDate->setObjectName(QStringLiteral("odDate"));
     tLeyenda = new QLineEdit(picCabezal);
     tLeyenda->setObjectName(QStringLiteral("tLeyenda"));

@@ -69,6 +69,7 @@ ExportacionGrilla &lumIngAsiento::exportacion()
         e.formatoFecha = m_datos.formatoFecha;
         e.empresa = m_datos.empresa.NombreEmpresa;
         e.edicion = NombreEdicion(m_host.ClaveSesion);
+        e.reloj = m_datos.proceso->reloj;
         m_exportacion = std::make_unique<ExportacionGrilla>(std::move(e));
     }
     return *m_exportacion;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "reloj.h"
+
 #include <QDate>
 #include <QDateTime>
 #include <QString>
@@ -9,6 +11,7 @@
 #include <functional>
 #include <memory>
 #include <stdexcept>
+#include <utility>
 
 // The database connection every part of the document reads and writes through.
 // Errors are reported by throwing ErrorBaseDatos; each operation of the document
@@ -103,9 +106,22 @@ public:
         Q_UNUSED(carga)
     }
 
+    // The clock whatever works over this connection reads "today" and "now" from: the
+    // system's unless another is handed in (the process's, or a test's fixed one).
+    const Reloj &reloj() const { return *m_reloj; }
+    std::shared_ptr<Reloj> relojCompartido() const { return m_reloj; }
+    void UsarReloj(std::shared_ptr<Reloj> reloj)
+    {
+        if (reloj)
+            m_reloj = std::move(reloj);
+    }
+
     // Values to bind for date and stamp columns, in the form the engine stores them.
     static QVariant ValorFecha(const QDate &fecha);
     static QVariant ValorFechaHora(const QDateTime &momento);
+
+private:
+    std::shared_ptr<Reloj> m_reloj = std::make_shared<Reloj>();
 };
 
 // Rolls back unless Confirmar() was called: a write either happens whole or not at all.

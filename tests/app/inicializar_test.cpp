@@ -189,7 +189,7 @@ TEST(InicializarLinea, UnaBaseDeSoloLecturaSeAbre)
 
     const QString csv = salidas + QStringLiteral("/mes.csv");
     const Salida s = correr({QStringLiteral("--db"), db, QStringLiteral("--exportar"), csv, QStringLiteral("--mes"),
-                             QDate::currentDate().toString(QStringLiteral("yyyy-MM"))},
+                             BaseDePrueba::Hoy().toString(QStringLiteral("yyyy-MM"))},
                             salidas, como, programa);
     QFile::setPermissions(dir, soloLectura | QFileDevice::WriteOwner);
     EXPECT_EQ(s.estado, 0) << s.errores.toStdString();

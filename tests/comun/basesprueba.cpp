@@ -36,6 +36,7 @@ BaseDePrueba::BaseDePrueba(Motor motor, Contenido contenido)
         m_direccion = conEsquema(direccionPG(), m_esquema);
         m_conexion = ConexionQt::Abrir(DireccionBD::Leer(m_direccion));
     }
+    m_conexion->UsarReloj(m_reloj);
     if (contenido == Contenido::Esquema)
         CrearEsquema(*m_conexion);
     else if (contenido == Contenido::Demo)
@@ -52,6 +53,13 @@ BaseDePrueba::~BaseDePrueba()
         } catch (const ErrorBaseDatos &) {
         }
     }
+}
+
+std::shared_ptr<Reloj> BaseDePrueba::RelojFijo(const QDate &dia)
+{
+    auto reloj = std::make_shared<Reloj>();
+    reloj->Fijar(QDateTime(dia, QTime(12, 0)));
+    return reloj;
 }
 
 std::vector<Motor> MotoresDePrueba()

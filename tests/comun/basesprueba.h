@@ -19,18 +19,25 @@ public:
     ~BaseDePrueba();
 
     Conexion &conexion() { return *m_conexion; }
+    // The clock of this database's connection, fixed at noon of Hoy(); a test that needs
+    // another day fixes it again, and hands it to every document it opens on the data.
+    std::shared_ptr<Reloj> reloj() const { return m_reloj; }
     // The address another connection (a document) opens the same data with.
     QString direccion() const { return m_direccion; }
     Motor motor() const { return m_motor; }
 
-    // Today as the demo data sees it: fixed, so results do not depend on the day.
+    // Today as the demo data and the clocks of the tests see it: fixed, so results do not
+    // depend on the day the suite runs.
     static QDate Hoy() { return QDate(2026, 11, 23); }
+    // A clock fixed at noon of the day given (Hoy() when none).
+    static std::shared_ptr<Reloj> RelojFijo(const QDate &dia = Hoy());
 
 private:
     Motor m_motor;
     QTemporaryDir m_carpeta;
     QString m_direccion;
     QString m_esquema;
+    std::shared_ptr<Reloj> m_reloj = RelojFijo();
     std::unique_ptr<Conexion> m_conexion;
 };
 

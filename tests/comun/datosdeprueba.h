@@ -1,5 +1,7 @@
 #pragma once
 
+#include "comun/basesprueba.h"
+
 #include "editing/datosdocumento.h"
 #include "store/basedemo.h"
 
@@ -12,6 +14,7 @@
 inline void PrepararDatosDocumento(DatosDocumento &datos, Conexion &conexion, ServicioMensajes &mensajes)
 {
     auto proceso = std::make_shared<Proceso>();
+    proceso->reloj = conexion.relojCompartido();
     proceso->IDEmpresa = Demo::kEmpresa;
     proceso->conexion = std::shared_ptr<Conexion>(&conexion, [](Conexion *) {}); // the database owns it
     bool leida = false;
@@ -25,4 +28,13 @@ inline void PrepararDatosDocumento(DatosDocumento &datos, Conexion &conexion, Se
     datos.usuario = Demo::kUsuarioAdministrador;
     datos.letras = QStringLiteral("AMEQ");
     datos.formatoFecha = QStringLiteral("dd/mm/yyyy");
+}
+
+// The process a test document starts in: it runs on the test database's clock, which the
+// document hands to the connection it opens.
+inline std::shared_ptr<Proceso> ProcesoDePrueba(const BaseDePrueba &base)
+{
+    auto proceso = std::make_shared<Proceso>();
+    proceso->reloj = base.reloj();
+    return proceso;
 }

@@ -30,7 +30,6 @@ protected:
     {
         ReglasCotizacion r;
         r.fechaCotizacion = regla;
-        r.hoy = QDate(2026, 11, 23);
         return BuscarTipoCambio(m_base.conexion(), qint16(origen), qint16(destino), 1, fecha, fechaCotizacion, r);
     }
 

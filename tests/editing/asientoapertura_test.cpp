@@ -43,6 +43,7 @@ protected:
         m_ctx = {&m_datos.monedas(), m_datos.empresa.monedaContabilidad, m_datos.empresa.mostrarCodigoCta, QStringLiteral("dd/mm/yyyy"),
                  m_datos.texto};
         m_ctx.empresa = Demo::kEmpresa;
+        m_ctx.reloj = m_base.reloj();
         PrepararGrillaAsientos(m_grilla, QStringLiteral("<Cuenta|<|>Debe|>Haber|>T. Cambio|>Importe M/E"));
         m_asientos.FilaNuevoAsiento();
         m_apertura.alCambiar = [this](bool existe) { m_avisos << existe; };

@@ -75,6 +75,7 @@ protected:
         m_ctx = {&m_datos.monedas(), m_datos.empresa.monedaContabilidad, m_datos.empresa.mostrarCodigoCta, m_datos.formatoFecha,
                  m_datos.texto};
         m_ctx.empresa = Demo::kEmpresa;
+        m_ctx.reloj = m_base.reloj();
         m_ctx.delimitadorFecha = m_datos.parametros().delimitadorFecha;
         m_ctx.patronFecha = m_datos.parametros().formatoFecha;
         PrepararGrillaAsientos(m_grilla, QStringLiteral("<Cuenta|<|>Debe|>Haber|>T. Cambio|>Importe M/E"));
@@ -413,7 +414,7 @@ TEST_P(Edicion, UnaSegundaTasaParaLaMismaMoneda1832)
 
 TEST_P(Edicion, UnAsientoConFechaFuturaPuedeAgendarse1807)
 {
-    const QDate futura = QDate::currentDate().addDays(10);
+    const QDate futura = BaseDePrueba::Hoy().addDays(10);
     for (const bool agendar : {true, false}) {
         const QString leyenda = agendar ? QStringLiteral("Alquiler agendado") : QStringLiteral("Alquiler adelantado");
         const int frecuentes = contar(QStringLiteral("Select Count(*) From genMovimientosFrecuentes"));
@@ -440,6 +441,43 @@ TEST_P(Edicion, UnAsientoConFechaFuturaPuedeAgendarse1807)
     }
 }
 
+// "After today" is after the clock's day, across the ends of months and years: an entry
+// dated today is registered without a question; one dated tomorrow asks 1807 and, kept,
+// waits as a draft; a registered entry moved to tomorrow asks again and goes back to draft.
+TEST_P(Edicion, DespuesDeHoyEsDespuesDelDiaDelReloj)
+{
+    for (const QDate hoy : {QDate(2028, 2, 29), QDate(2026, 12, 31), QDate(2025, 2, 28)}) {
+        SCOPED_TRACE(hoy.toString(Qt::ISODate).toStdString());
+        m_base.reloj()->Fijar(QDateTime(hoy, QTime(12, 0)));
+        const QString dia = hoy.toString(Qt::ISODate);
+        const QString manana = hoy.addDays(1).toString(Qt::ISODate);
+        const QStringList lineas{QStringLiteral("5.3.01|D|800|800|1|0|0"), QStringLiteral("1.1.01|H|800|800|2|0|0")};
+        m_mensajes.mostrados.clear();
+
+        nuevo(hoy, QStringLiteral("Hoy"));
+        teclear(cuenta("5.3.01", 800), cuenta("1.1.01", 800));
+        const qint32 deHoy = ultimoId();
+        EXPECT_EQ(enBase(deHoy), QStringList{QStringLiteral("1|%1|Hoy|1|0").arg(dia)} + lineas);
+        EXPECT_TRUE(m_mensajes.mostrados.isEmpty()) << m_mensajes.mostrados.join(u'\n').toStdString();
+
+        m_mensajes.Responder(R::No);
+        nuevo(hoy.addDays(1), QStringLiteral("Mañana"));
+        teclear(cuenta("5.3.01", 800), cuenta("1.1.01", 800));
+        EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("pregunta: 1807")});
+        EXPECT_EQ(enBase(ultimoId()), QStringList{QStringLiteral("0|%1|Mañana|1|0").arg(manana)} + lineas);
+
+        m_mensajes.mostrados.clear();
+        m_mensajes.Responder(R::No);
+        const int cabezal = cargar(deHoy);
+        ASSERT_TRUE(m_sesion.EntrarEdicion(cabezal));
+        m_vista.cabezal.fecha = hoy.addDays(1);
+        m_sesion.AceptarLinea();
+        m_sesion.SalirEdicion();
+        EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("pregunta: 1807")});
+        EXPECT_EQ(enBase(deHoy), QStringList{QStringLiteral("0|%1|Hoy|1|0").arg(manana)} + lineas);
+    }
+}
+
 // Every demo entry, opened on its header row and its first line accepted as loaded, is
 // stored as it was; refusals write nothing.
 TEST_P(Edicion, CadaAsientoDeLaDemoAbiertoYAceptadoSinCambiosQuedaIgual)
@@ -453,7 +491,7 @@ TEST_P(Edicion, CadaAsientoDeLaDemoAbiertoYAceptadoSinCambiosQuedaIgual)
         const int cabezal = cargar(id);
         const QStringList filas = grilla(false);
         m_mensajes.mostrados.clear();
-        if (QDate::fromString(antes[0].section(u'|', 1, 1), Qt::ISODate) > QDate::currentDate())
+        if (QDate::fromString(antes[0].section(u'|', 1, 1), Qt::ISODate) > BaseDePrueba::Hoy())
             m_mensajes.Responder(R::No); // 1807: keep it an entry
         if (m_sesion.EntrarEdicion(cabezal)) {
             m_sesion.AceptarLinea();

@@ -183,11 +183,29 @@ TEST_P(Datos, EliminarDefinitivoBorraCabezalYLineas)
     EXPECT_EQ(a.ultimoResultado(), AsientoDatos::Resultado::NoExiste);
 }
 
-TEST(SelloNuevo, SiempreDespuesDelLeido)
+// A new stamp is the clock's now, kept as wall-clock time with UTC as its spec, to the
+// millisecond or in whole seconds, and always later than the stamp read.
+TEST(SelloNuevo, ElAhoraDelRelojYSiempreDespuesDelLeido)
 {
-    const QDateTime futuro(QDate(2999, 1, 1), QTime(10, 0, 0, 999), Qt::UTC);
-    EXPECT_EQ(AsientoDatos::SelloNuevo(futuro), futuro.addMSecs(1));
-    EXPECT_GT(AsientoDatos::SelloNuevo(QDateTime()), QDateTime(QDate(2020, 1, 1), QTime(0, 0), Qt::UTC));
+    using S = AsientoDatos::Sello;
+    Reloj reloj;
+    const QDateTime fijado(QDate(2028, 2, 29), QTime(23, 59, 58, 500), Qt::UTC);
+    reloj.Fijar(fijado);
+    const QDateTime ms = AsientoDatos::SelloNuevo(reloj, QDateTime());
+    EXPECT_EQ(ms.timeSpec(), Qt::UTC);
+    EXPECT_GE(ms, fijado);
+    EXPECT_LT(ms, fijado.addSecs(5));
+    const QDateTime enteros = AsientoDatos::SelloNuevo(reloj, QDateTime(), S::SegundosEnteros);
+    EXPECT_EQ(enteros.time().msec(), 0);
+    EXPECT_GE(enteros, fijado.addMSecs(-500));
+    EXPECT_LT(enteros, fijado.addSecs(5));
+
+    // The clock runs on from the instant fixed: two stamps in a row never go back.
+    EXPECT_LE(ms, AsientoDatos::SelloNuevo(reloj, QDateTime()));
+
+    const QDateTime leido(QDate(2999, 1, 1), QTime(10, 0, 0, 999), Qt::UTC);
+    EXPECT_EQ(AsientoDatos::SelloNuevo(reloj, leido), leido.addMSecs(1));
+    EXPECT_EQ(AsientoDatos::SelloNuevo(reloj, leido, S::SegundosEnteros), QDateTime(QDate(2999, 1, 1), QTime(10, 0, 1), Qt::UTC));
 }
 
 // Whatever the caller, the service stores no registered entry whose sides differ as the

@@ -20,6 +20,8 @@ DatosAsientos::DatosAsientos(Motor motor)
     ctx.monedaContabilidad = 1;
     ctx.mostrarCodigoCta = true;
     ctx.empresa = 1;
+    ctx.reloj = m_base.reloj();
+    asientos.ResetCabezal();
     ctx.formatoFecha = QStringLiteral("dd/mm/yy");
     ctx.texto = [](int n) { return n == 1110 ? QStringLiteral("Nuevo Asiento") : QStringLiteral("#%1").arg(n); };
     PrepararGrillaAsientos(grilla, QStringLiteral("<Cuenta|<|>Debe|>Haber|>T. Cambio|>Importe M/E"));

@@ -172,13 +172,29 @@ TEST_P(Frecuentes, RegistrarSegunCuadreRegistradoBorradorOInconcluso)
     EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientos Where AsiUsuario = 7")), 4);
 
     // Dated after today it waits as a draft, as every entry does.
-    const QDate futura = QDate::currentDate().addDays(20);
+    const QDate futura = BaseDePrueba::Hoy().addDays(20);
     const qint32 futuro = f.Registrar(cierra, futura, 7, libros, false);
     EXPECT_EQ(asiento(futuro).value(0), QStringLiteral("0|%1|Centavos (leyenda)|1").arg(futura.toString(Qt::ISODate)));
 
     // A template without lines writes nothing.
     EXPECT_EQ(f.Registrar(plantilla(QStringLiteral("Vacío"), {}), fecha, 7, libros, false), 0);
     EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientos")), 5);
+}
+
+// A scheduled entry registered on its day is registered; the day after today by the
+// connection's clock it waits as a draft, across the ends of months and years.
+TEST_P(Frecuentes, RegistradoDespuesDeHoyQuedaBorradorSegunElReloj)
+{
+    const MovimientoFrecuente alquiler = plantilla(QStringLiteral("Alquiler"), unPeso);
+    for (const QDate hoy : {QDate(2028, 2, 29), QDate(2026, 12, 31), QDate(2025, 2, 28)}) {
+        d.conexion().relojCompartido()->Fijar(QDateTime(hoy, QTime(12, 0)));
+        for (const QDate fecha : {hoy.addDays(-1), hoy, hoy.addDays(1)}) {
+            const qint32 id = f.Registrar(alquiler, fecha, 7, libros, false);
+            ASSERT_GT(id, 0) << f.ultimoError().toStdString();
+            EXPECT_EQ(asiento(id).value(0), QStringLiteral("%1|%2|Alquiler (leyenda)|1").arg(fecha > hoy ? 0 : 1).arg(fecha.toString(Qt::ISODate)))
+                << "hoy " << hoy.toString(Qt::ISODate).toStdString();
+        }
+    }
 }
 
 TEST_P(Frecuentes, UnAgendadoAvanzaUnMesYLaMismaFechaNoSeRegistraDosVeces)

@@ -110,6 +110,7 @@ TEST_P(VistasEnDemo, CadaVistaCargaLoQueDiceYNuncaLaPapelera)
     monedas.FijarMonedaContabilidad(Demo::kMonedaPesos);
     ContextoAsientos ctx = contexto();
     ctx.empresa = Demo::kEmpresa;
+    ctx.reloj = base.reloj();
     ctx.monedas = &monedas;
     ctx.monedaContabilidad = Demo::kMonedaPesos;
     Grilla g;

@@ -1,3 +1,4 @@
+#include "comun/basesprueba.h"
 #include "lineeditor/campofecha.h"
 
 #include <QApplication>
@@ -18,7 +19,7 @@ protected:
     void SetUp() override
     {
         auto *capa = new QHBoxLayout(&m_ventana);
-        m_campo = new CampoFecha(&m_ventana);
+        m_campo = new CampoFecha(m_reloj, &m_ventana);
         m_campo->setObjectName(QStringLiteral("odDate"));
         m_otro = new QLineEdit(&m_ventana);
         capa->addWidget(m_campo);
@@ -41,6 +42,7 @@ protected:
 
     QWidget *foco() const { return QApplication::focusWidget(); }
 
+    std::shared_ptr<Reloj> m_reloj = BaseDePrueba::RelojFijo();
     QWidget m_ventana;
     CampoFecha *m_campo = nullptr;
     QLineEdit *m_otro = nullptr;
@@ -287,9 +289,44 @@ TEST_F(CampoFechaVentana, ArribaYAbajoCambianElDia)
     }
 }
 
+// A field that shows no date reads a date without a year in the clock's year, and Up and
+// Down move from the clock's day.
+TEST_F(CampoFechaVentana, SinFechaMostradaLaReferenciaEsElDiaDelReloj)
+{
+    struct Caso
+    {
+        QDate hoy;
+        const char *texto; // typed and accepted; none: Up or Down pressed on the empty field
+        Qt::Key tecla;
+        QDate esperada;    // null: refused
+    };
+    const Caso casos[] = {
+        {QDate(2028, 2, 29), "29/2", Qt::Key_Enter, QDate(2028, 2, 29)},
+        {QDate(2025, 2, 28), "29/2", Qt::Key_Enter, QDate()},
+        {QDate(2026, 12, 31), "1/1", Qt::Key_Enter, QDate(2026, 1, 1)},
+        {QDate(2028, 2, 29), nullptr, Qt::Key_Up, QDate(2028, 3, 1)},
+        {QDate(2026, 12, 31), nullptr, Qt::Key_Up, QDate(2027, 1, 1)},
+        {QDate(2025, 3, 1), nullptr, Qt::Key_Down, QDate(2025, 2, 28)},
+    };
+    m_campo->setPermitirVacia(true);
+    for (const Caso &c : casos) {
+        SCOPED_TRACE(c.hoy.toString(Qt::ISODate).toStdString() + " " + (c.texto ? c.texto : "tecla"));
+        m_reloj->Fijar(QDateTime(c.hoy, QTime(12, 0)));
+        escribir(QStringLiteral("dd/MM/yyyy"), QDate(), QString());
+        m_campo->Vaciar();
+        if (c.texto) {
+            QTest::keyClicks(m_campo, QString::fromLatin1(c.texto));
+            EXPECT_EQ(m_campo->Aceptar(), c.esperada.isValid());
+        } else {
+            QTest::keyClick(m_campo, c.tecla);
+        }
+        EXPECT_EQ(m_campo->date(), c.esperada);
+    }
+}
+
 TEST(CampoFecha, FormatoYFechaMostrada)
 {
-    CampoFecha campo;
+    CampoFecha campo(BaseDePrueba::RelojFijo());
     QSignalSpy cambios(&campo, &CampoFecha::dateChanged);
     EXPECT_TRUE(campo.date().isNull());
     campo.setDate(QDate(2026, 3, 4));

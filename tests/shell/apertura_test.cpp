@@ -1,6 +1,7 @@
 // The opening-balance entry in the document: the banner that asks for it, the menu command
 // that makes it, and the start-up option that asks for it at once.
 #include "comun/basesprueba.h"
+#include "comun/datosdeprueba.h"
 #include "comun/hostdeprueba.h"
 #include "comun/mensajesguionados.h"
 
@@ -39,6 +40,7 @@ protected:
         e.mensajes = &m_mensajes;
         e.ajustes.archivoAjustes = m_carpeta.filePath(QStringLiteral("a.ini"));
         e.ajustes.baseDatos = m_base.direccion();
+        e.proceso = ProcesoDePrueba(m_base);
         auto doc = std::make_unique<lumIngAsiento>(std::move(e));
         doc->Iniciar();
         return doc;

@@ -1,4 +1,5 @@
 #include "comun/basesprueba.h"
+#include "comun/datosdeprueba.h"
 #include "comun/hostdeprueba.h"
 #include "comun/mensajesguionados.h"
 #include "documentodeprueba.h"
@@ -74,7 +75,7 @@ protected:
     HostDePrueba m_host;
     MensajesGuionados m_mensajes;
     QHash<QString, QString> m_forzados;
-    std::shared_ptr<Proceso> m_proceso = std::make_shared<Proceso>(); // the documents of one test share it
+    std::shared_ptr<Proceso> m_proceso = ProcesoDePrueba(m_base); // the documents of one test share it
 };
 
 TEST_F(Documento, AdministradorQuedaListoConTodosLosEnlaces)

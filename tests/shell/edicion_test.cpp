@@ -46,7 +46,7 @@ TEST_P(Edicion, UnAsientoNuevoSoloConElTeclado)
     QTest::keyClick(m_doc.get(), Qt::Key_N, Qt::ControlModifier);
     ASSERT_GT(m_doc->FilaEdicion(), 0);
     EXPECT_EQ(foco(), m_doc->campoFecha());
-    m_doc->campoFecha()->setDate(QDate::currentDate().addDays(-1));
+    m_doc->campoFecha()->setDate(BaseDePrueba::Hoy().addDays(-1));
     enter(m_doc->campoFecha());
     EXPECT_EQ(foco(), m_doc->listaLibros());
     enter(m_doc->listaLibros());

@@ -34,6 +34,7 @@ std::unique_ptr<lumIngAsiento> Escenario::Documento(HostDePrueba &host, Mensajes
     d.busquedaCuentas = &m_busqueda;
     d.ajustes.archivoAjustes = carpeta.filePath(QStringLiteral("a.ini"));
     d.ajustes.baseDatos = m_base.direccion();
+    d.proceso = ProcesoDePrueba(m_base);
     auto doc = std::make_unique<lumIngAsiento>(std::move(d));
     // Shorter than a month of entries: the grid scrolls.
     doc->resize(1000, 420);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "comun/basesprueba.h"
+#include "comun/datosdeprueba.h"
 #include "comun/hostdeprueba.h"
 #include "comun/mensajesguionados.h"
 #include "documentodeprueba.h"

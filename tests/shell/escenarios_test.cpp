@@ -117,7 +117,7 @@ TEST_P(Escenarios, DiezAsientosSeguidosConElTecladoEnUnaGrillaMasAltaQueLaVentan
     ASSERT_EQ(nuevos.size(), 10);
     for (int i = 0; i < 10; ++i) {
         const AsientoEnBase a = enBase(nuevos[i]);
-        EXPECT_EQ(a.cabezal.mid(0, 4), (QStringList{QStringLiteral("1"), QDate::currentDate().toString(Qt::ISODate),
+        EXPECT_EQ(a.cabezal.mid(0, 4), (QStringList{QStringLiteral("1"), BaseDePrueba::Hoy().toString(Qt::ISODate),
                                                    QStringLiteral("Venta %1").arg(i + 1), QString::number(Demo::kLibroDiario)}));
         ASSERT_EQ(a.lineas.size(), 2);
         EXPECT_EQ(a.lineas[0].mid(0, 5), (QStringList{QStringLiteral("1.1.01"), QStringLiteral("D"), QString::number((i + 1) * 10),
@@ -334,7 +334,7 @@ TEST_P(Escenarios, AgendarDesdeUnaLineaNoTocaElAsientoSiguiente)
     const QString leyenda = enBase(id).cabezal[2];
 
     abrir(fila);
-    m_doc->campoFecha()->setDate(QDate::currentDate().addDays(10));
+    m_doc->campoFecha()->setDate(BaseDePrueba::Hoy().addDays(10));
     QTest::keyClick(m_doc->campoFecha(), Qt::Key_Tab);
     m_mensajes.Responder(ServicioMensajes::Respuesta::Si); // 1807: schedule it
     aceptarLinea();
@@ -351,7 +351,7 @@ TEST_P(Escenarios, RegistrarUnBorrador)
 {
     vista(Vista::kRecienIngresados);
     const QList<qint32> borradores = ids(QStringLiteral("AsiEstado = 0 And AsiFechaAsiento <= '%1'")
-                                             .arg(QDate::currentDate().toString(Qt::ISODate)));
+                                             .arg(BaseDePrueba::Hoy().toString(Qt::ISODate)));
     ASSERT_FALSE(borradores.isEmpty());
     const qint32 id = borradores.first();
     if (filaDe(id) < 0)
@@ -373,7 +373,7 @@ qint32 AsientoDeSaldosIniciales(Conexion &c, qint16 estado)
     AsientoDatos datos(c);
     datos.Cabezal().Empresa = Demo::kEmpresa;
     datos.Cabezal().Estado = estado;
-    datos.Cabezal().Fecha = QDate(QDate::currentDate().year(), 1, 1);
+    datos.Cabezal().Fecha = QDate(BaseDePrueba::Hoy().year(), 1, 1);
     datos.Cabezal().Leyenda = QStringLiteral("Asiento de Saldos Iniciales");
     datos.Cabezal().Libro = Demo::kLibroPrimeraApertura;
     auto cuenta = [&](const char *codigo) {
@@ -534,7 +534,7 @@ TEST_P(Escenarios, CadaAsientoDeLaDemoAbiertoYAceptadoSinCambiosQuedaIgual)
         m_doc->ElegirVista(Vista::kUltimos5);
         ASSERT_FALSE(CargarAsientoEnGrilla(m_doc->asientos(), *m_doc->proceso().conexion, id, m_doc->grilla().Filas() - 1));
         AsientoEnBase antes = enBase(id);
-        if (QDate::fromString(antes.cabezal[1], Qt::ISODate) > QDate::currentDate())
+        if (QDate::fromString(antes.cabezal[1], Qt::ISODate) > BaseDePrueba::Hoy())
             m_mensajes.Responder(ServicioMensajes::Respuesta::No); // 1807: do not schedule it
         m_mensajes.mostrados.clear();
         aceptarSinCambios(id);

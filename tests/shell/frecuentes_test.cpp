@@ -139,7 +139,7 @@ TEST_P(FrecuentesEnDocumento, UnRecienteSeRegistraSoloConSiYQuedaAlFinalDeLaGril
     EXPECT_EQ(ids(QStringLiteral("AsiID > %1").arg(ultimo)), QList<qint32>{nuevo});
     const AsientoEnBase a = enBase(nuevo);
     const QString estado = QString::number(m_doc->AsiSaveB() ? EstadoAsiento::kBorrador : EstadoAsiento::kRegistrado);
-    EXPECT_EQ(a.cabezal.mid(0, 4), (QStringList{estado, QDate::currentDate().toString(Qt::ISODate), QStringLiteral("Alquiler"),
+    EXPECT_EQ(a.cabezal.mid(0, 4), (QStringList{estado, BaseDePrueba::Hoy().toString(Qt::ISODate), QStringLiteral("Alquiler"),
                                                 QString::number(Demo::kLibroDiario)}));
     EXPECT_EQ(lineas(nuevo), lineas(alquiler, true));
 

@@ -1,4 +1,5 @@
 #include "comun/basesprueba.h"
+#include "comun/datosdeprueba.h"
 #include "comun/hostdeprueba.h"
 #include "comun/mensajesguionados.h"
 #include "documentodeprueba.h"
@@ -34,6 +35,7 @@ protected:
         e.mensajes = &m_mensajes;
         e.ajustes.archivoAjustes = m_carpeta.filePath(QStringLiteral("a.ini"));
         e.ajustes.baseDatos = m_base.direccion();
+        e.proceso = ProcesoDePrueba(m_base);
         auto doc = std::make_unique<lumIngAsiento>(std::move(e));
         doc->Iniciar();
         return doc;
@@ -95,9 +97,34 @@ protected:
     MensajesGuionados m_mensajes;
 };
 
+// The views of today and of the last 15 days count from the clock's day, across the ends of
+// months and years.
+TEST_P(Grabacion, LasVistasDeHoyYDeQuinceDiasCuentanDesdeElDiaDelReloj)
+{
+    const QList<int> dias{-15, -14, -1, 0, 1};
+    for (const QDate hoy : {QDate(2028, 2, 29), QDate(2026, 12, 31), QDate(2025, 2, 28)}) {
+        SCOPED_TRACE(hoy.toString(Qt::ISODate).toStdString());
+        m_base.reloj()->Fijar(QDateTime(hoy, QTime(12, 0)));
+        QList<qint32> ids;
+        for (const int d : dias)
+            ids << asiento(hoy.addDays(d), 1, 100 + d);
+        auto doc = abrir();
+        auto vistos = [&](int vista) {
+            doc->ElegirVista(vista);
+            QList<int> r;
+            for (int i = 0; i < ids.size(); ++i)
+                if (filaDe(*doc, ids[i]) > 0)
+                    r << dias[i];
+            return r;
+        };
+        EXPECT_EQ(vistos(Vista::kHoy), QList<int>{0});
+        EXPECT_EQ(vistos(Vista::kUltimos15Dias), (QList<int>{-14, -1, 0}));
+    }
+}
+
 TEST_P(Grabacion, RegistrarYVolverABorrador)
 {
-    const qint32 id = asiento(QDate::currentDate().addDays(-3), 0, 150);
+    const qint32 id = asiento(BaseDePrueba::Hoy().addDays(-3), 0, 150);
     auto doc = abrir();
     mostrarUltimos(*doc);
     const int fila = filaDe(*doc, id);
@@ -114,7 +141,7 @@ TEST_P(Grabacion, RegistrarYVolverABorrador)
 
 TEST_P(Grabacion, OtroUsuarioGraboAntes)
 {
-    const qint32 id = asiento(QDate::currentDate().addDays(-3), 0, 150);
+    const qint32 id = asiento(BaseDePrueba::Hoy().addDays(-3), 0, 150);
     auto doc = abrir();
     mostrarUltimos(*doc);
     AsientoDatos otro(m_base.conexion());
@@ -131,7 +158,7 @@ TEST_P(Grabacion, OtroUsuarioGraboAntes)
 
 TEST_P(Grabacion, BorradorConFechaFuturaSeAgenda)
 {
-    const qint32 id = asiento(QDate::currentDate().addDays(1), 0, 75);
+    const qint32 id = asiento(BaseDePrueba::Hoy().addDays(1), 0, 75);
     auto doc = abrir();
     mostrarUltimos(*doc);
     doc->grid()->FijarFilaActual(filaDe(*doc, id));
@@ -169,9 +196,9 @@ TEST_P(Grabacion, CuentaCerradaNoSeRegistra)
 
 TEST_P(Grabacion, RegistrarTodosLosBorradores)
 {
-    const qint32 a = asiento(QDate::currentDate().addDays(-2), 0, 10);
-    const qint32 b = asiento(QDate::currentDate().addDays(-1), 0, 20);
-    const qint32 futuro = asiento(QDate::currentDate().addDays(5), 0, 30);
+    const qint32 a = asiento(BaseDePrueba::Hoy().addDays(-2), 0, 10);
+    const qint32 b = asiento(BaseDePrueba::Hoy().addDays(-1), 0, 20);
+    const qint32 futuro = asiento(BaseDePrueba::Hoy().addDays(5), 0, 30);
     auto doc = abrir();
     mostrarUltimos(*doc);
     AsientoDatos otro(m_base.conexion());
@@ -186,7 +213,7 @@ TEST_P(Grabacion, RegistrarTodosLosBorradores)
 
 TEST_P(Grabacion, EliminarAsientoYFila)
 {
-    const qint32 id = asiento(QDate::currentDate().addDays(-2), 1, 40);
+    const qint32 id = asiento(BaseDePrueba::Hoy().addDays(-2), 1, 40);
     auto doc = abrir();
     mostrarUltimos(*doc);
     int fila = filaDe(*doc, id);
@@ -212,7 +239,7 @@ TEST_P(Grabacion, EliminarAsientoYFila)
 
 TEST_P(Grabacion, UnaFilaDeUnAsientoDeCierreNoSeElimina)
 {
-    const qint32 id = asiento(QDate::currentDate().addDays(-2), 1, 40, "1.1.01", Demo::kLibroCierre);
+    const qint32 id = asiento(BaseDePrueba::Hoy().addDays(-2), 1, 40, "1.1.01", Demo::kLibroCierre);
     auto doc = abrir();
     mostrarUltimos(*doc);
     doc->grid()->FijarFilaActual(filaDe(*doc, id) + 1);
@@ -223,7 +250,7 @@ TEST_P(Grabacion, UnaFilaDeUnAsientoDeCierreNoSeElimina)
 
 TEST_P(Grabacion, CopiarYOcultar)
 {
-    const qint32 id = asiento(QDate::currentDate().addDays(-2), 1, 40);
+    const qint32 id = asiento(BaseDePrueba::Hoy().addDays(-2), 1, 40);
     auto doc = abrir();
     mostrarUltimos(*doc);
     const int antes = contar(QStringLiteral("Select Count(*) From cceAsientos"));
