@@ -147,7 +147,7 @@ private:
         m_sellosAntes = sellosEnGrilla(c);
         m_historialAntes = ultimoHistorial();
         m_pendienteAntes = c.pendiente;
-        m_leyendaAntes = editando(c) ? c.doc->campoLeyenda()->text() : QString();
+        m_leyendaEdicion = editando(c) ? c.doc->campoLeyenda()->text() : QString();
         m_idAntes = editando(c) ? idEditado(c) : -1;
         QApplication::setActiveWindow(c.doc.get());
 
@@ -271,7 +271,8 @@ private:
     void linea(Contador &c, const char *codigo, bool debe, const QString &importe, bool aceptar)
     {
         lumERAsiento *e = c.doc->editor();
-        anotar(c, QStringLiteral("  línea %1 %2 %3%4").arg(QLatin1String(debe ? "debe" : "haber"), QLatin1String(codigo), importe,
+        anotar(c, QStringLiteral("  línea %1 %2 %3%4").arg(QLatin1String(debe ? "debe" : "haber"), QLatin1String(codigo),
+                                                            importe.isEmpty() ? QStringLiteral("(importe propuesto)") : importe,
                                                             QLatin1String(aceptar ? " Enter" : " (sin Enter)")));
         if (!debe) {
             if (!e->campoCuenta(true)->text().isEmpty()) {
@@ -284,14 +285,16 @@ private:
         enter(e->campoCuenta(debe));
         if (!editando(c))
             return;
-        escribir(e->campo(lumERAsiento::kImporte), importe);
+        if (!importe.isEmpty())
+            escribir(e->campo(lumERAsiento::kImporte), importe);
         if (aceptar) {
             aceptarLinea(c);
             return;
         }
         // What the amount field holds: the proposed difference when nothing was typed.
-        c.pendiente = Contador::Pendiente{idEditado(c), c.doc->campoLeyenda()->text(), QString::fromLatin1(codigo),
-                                          QLocale().toDouble(e->campo(lumERAsiento::kImporte)->text())};
+        const double enCampo = QLocale().toDouble(e->campo(lumERAsiento::kImporte)->text());
+        if (enCampo != 0)
+            c.pendiente = Contador::Pendiente{idEditado(c), c.doc->campoLeyenda()->text(), QString::fromLatin1(codigo), enCampo};
     }
 
     // Lines of a new or open entry: balanced in pesos, balanced with a foreign line, or
@@ -306,14 +309,14 @@ private:
             if (editando(c))
                 linea(c, cuentaEnPesos(), false, importe, !sinEnter);
             break;
-        case 1:
-            // The credit in pesos takes the proposed difference, what the foreign line is worth.
-            linea(c, cuentaExtranjera(), moneda(50), QLocale().toString(1 + al(300)), true);
-            if (editando(c)) {
-                const QString propuesto = c.doc->editor()->campo(lumERAsiento::kImporte)->text();
-                linea(c, cuentaEnPesos(), !c.doc->editor()->CuentaIngresadaAlDebe() && moneda(50), propuesto, !sinEnter);
-            }
+        case 1: {
+            // The other side in pesos takes the proposed difference, what the foreign line is worth.
+            const bool debe = moneda(50);
+            linea(c, cuentaExtranjera(), debe, QLocale().toString(1 + al(300)), true);
+            if (editando(c))
+                linea(c, cuentaEnPesos(), !debe, QString(), !sinEnter);
             break;
+        }
         default:
             linea(c, cuentaEnPesos(), moneda(50), importe, !sinEnter);
             break;
@@ -416,6 +419,7 @@ private:
             const QString leyenda = QStringLiteral("Cambiada %1-%2").arg(m_semilla).arg(n);
             anotar(c, QStringLiteral("  leyenda \"%1\" y Enter en el importe").arg(leyenda));
             escribir(c.doc->campoLeyenda(), leyenda);
+            m_leyendaEdicion = leyenda;
             if (c.pendiente)
                 c.pendiente->leyenda = leyenda;
             aceptarLinea(c);
@@ -468,13 +472,29 @@ private:
         }
     }
 
+    // A link of the document's top bar, clicked: it ends an open edit and shows its menu.
+    void clicEnlace(Contador &c, const char *enlace)
+    {
+        QTest::mouseClick(c.doc->findChild<QWidget *>(QString::fromLatin1(enlace)), Qt::LeftButton);
+    }
+    // The item of the menu shown, chosen; the menu closes.
+    static void elegirItem(QAction *item)
+    {
+        item->trigger();
+        if (QWidget *menu = QApplication::activePopupWidget())
+            menu->close();
+        QApplication::processEvents();
+    }
+
     void cambiarVista(Contador &c)
     {
         static const int vistas[] = {Vista::kRecienIngresados, Vista::kUltimos10, Vista::kHoy, Vista::kUltimos15Dias, Vista::kPrimerMes,
                                      Vista::kPrimerMes + 1};
         const int v = vistas[al(6)];
-        anotar(c, QStringLiteral("vista %1").arg(v));
-        c.doc->ElegirVista(v);
+        anotar(c, QStringLiteral("Ver > vista %1").arg(v));
+        clicEnlace(c, "hlCargar");
+        const MenusDocumento &m = c.doc->menus();
+        elegirItem(v >= Vista::kPrimerMes ? m.MnuViewMItem[v - Vista::kPrimerMes] : m.MnuVieitem[v]);
     }
 
     void cerrar(Contador &c)
@@ -494,27 +514,30 @@ private:
         c.pendiente.reset();
     }
 
-    // An entry command of the menu, on the open entry or, with none, on a row of an entry:
-    // its header row or one of its lines.
+    // An entry command of its menu: on a row of an entry (its header row or one of its
+    // lines) chosen first, or with an entry open, from the menu (the link ends the edit)
+    // or, as the document also allows, with the edit still open.
     void comando(Contador &c, const char *accion, bool enCabezal, bool soloExtranjeras = false)
     {
+        const char *enlace = qstrcmp(accion, "MnuSaveEnBorrador") == 0 ? "hlOpSave" : "hlRegistro";
         if (!editando(c)) {
             QList<int> filas = cabezales(c);
-            if (soloExtranjeras) {
+            if (soloExtranjeras)
                 filas.removeIf([&](int r) { return !conMonedaExtranjera(c, r); });
-            }
             if (filas.isEmpty())
                 return;
-            int fila = filas[al(int(filas.size()))];
-            if (!enCabezal)
-                fila += 1 + al(std::max(1, c.doc->asientos().UltimaFilaAsiento(fila) - fila));
+            const int cabezal = filas[al(int(filas.size()))];
+            const int fila = enCabezal ? cabezal : cabezal + 1 + al(std::max(1, c.doc->asientos().UltimaFilaAsiento(cabezal) - cabezal));
             c.doc->grid()->FijarFilaActual(fila);
-            anotar(c, QStringLiteral("%1 en la fila %2 del asiento %3").arg(QLatin1String(accion)).arg(fila).arg(c.doc->asientos().IdDeFila(filas.contains(fila) ? fila : c.doc->asientos().FilaCabezalDe(fila))));
+            anotar(c, QStringLiteral("%1 en la fila %2 del asiento %3").arg(QLatin1String(accion)).arg(fila).arg(c.doc->asientos().IdDeFila(cabezal)));
+            clicEnlace(c, enlace);
+        } else if (moneda(50)) {
+            anotar(c, QStringLiteral("%1 con el asiento %2 abierto, desde el menú").arg(QLatin1String(accion)).arg(idEditado(c)));
+            clicEnlace(c, enlace);
         } else {
             anotar(c, QStringLiteral("%1 con el asiento %2 abierto").arg(QLatin1String(accion)).arg(idEditado(c)));
         }
-        c.doc->menus().accion(QString::fromLatin1(accion))->trigger();
-        QApplication::processEvents();
+        elegirItem(c.doc->menus().accion(QString::fromLatin1(accion)));
     }
 
     static bool conMonedaExtranjera(Contador &c, int cabezal)
@@ -580,6 +603,8 @@ private:
             return true;
         if (m_fallas.isEmpty())
             m_fallas << QStringLiteral("(el fallo de arriba)");
+        if (m_actor && m_actor->mensajes.mostrados.size() > m_mostradosAntes)
+            m_fallas << QStringLiteral("%1 vio en el paso: %2").arg(m_actor->nombre, m_actor->mensajes.mostrados.mid(m_mostradosAntes).join(QStringLiteral(" / ")));
         ADD_FAILURE() << "semilla " << m_semilla << ", paso " << n << ":\n  " << m_fallas.join(QStringLiteral("\n  ")).toStdString()
                       << "\nPara repetirla: ASIENTOS_ALEATORIO_SEMILLA=" << m_semilla << " ASIENTOS_ALEATORIO_PASOS=" << n
                       << "\nPasos:\n" << m_pasos.join(QLatin1Char('\n')).toStdString();
@@ -611,10 +636,14 @@ private:
 
     // 2. No stale copy is written over a newer entry. Each history row of the step is the
     // acting accountant's; the first write of an entry starts from the copy that document
-    // held, unless the step opened the entry (which reads it again); and each entry's rows
-    // still chain, one row per committed write, up to the entry as stored.
+    // held, unless the step read the entry again (opening an entry reads it, and so does
+    // ending its edit); and each entry's rows still chain, one row per committed write, up
+    // to the entry as stored.
     void revisarHistorial()
     {
+        QSet<qint32> releidos = m_abiertos;
+        if (m_idAntes > 0 && !(m_actor->doc && editando(*m_actor) && idEditado(*m_actor) == m_idAntes))
+            releidos.insert(m_idAntes);
         auto rs = m_base.conexion().Abrir(QStringLiteral("Select HisID, HisAsiento, HisUsuario, HisAntes From cceAsientosHistorial"
                                                          " Where HisID > ? Order By HisID"),
                                           {m_historialAntes});
@@ -630,7 +659,7 @@ private:
             const QJsonObject antes = QJsonDocument::fromJson(rs->Campo(QStringLiteral("HisAntes")).toString().toUtf8()).object();
             const QString leido = m_sellosAntes.value(id);
             const QString guardado = antes.value(QStringLiteral("FechaModificado")).toString();
-            if (!antes.isEmpty() && !leido.isEmpty() && leido != guardado && !m_abiertos.contains(id))
+            if (!antes.isEmpty() && !leido.isEmpty() && leido != guardado && !releidos.contains(id))
                 m_fallas << QStringLiteral("%1 escribió el asiento %2 desde la copia de %3 sobre la guardada de %4")
                                 .arg(m_actor->nombre).arg(id).arg(leido, guardado);
         }
@@ -659,7 +688,7 @@ private:
         if (!m_pendienteAntes)
             return;
         const Contador::Pendiente p = *m_pendienteAntes;
-        const bool sigue = c.doc && editando(c) && idEditado(c) == m_idAntes && c.doc->campoLeyenda()->text() == m_leyendaAntes;
+        const bool sigue = c.doc && editando(c) && idEditado(c) == m_idAntes && c.doc->campoLeyenda()->text() == m_leyendaEdicion;
         if (sigue)
             return;
         c.pendiente.reset();
@@ -687,6 +716,15 @@ private:
         }
     }
 
+    // An entry's writes, oldest first, as "operation:user".
+    QString operaciones(qint32 id)
+    {
+        QStringList l;
+        for (const HistorialAsiento::Fila &f : HistorialAsiento::Leer(m_base.conexion(), id))
+            l << QStringLiteral("%1:%2").arg(f.operacion).arg(f.usuario);
+        return l.join(QLatin1Char(' '));
+    }
+
     // 2. Every stored entry a document shows, once the document has been told of other
     // sessions' writes, is marked as changed or is the entry as stored: state, date, book,
     // stamp and lines (account, side, amount in the accounting currency).
@@ -697,6 +735,7 @@ private:
         c.vigia->Revisar(cabezales(c));
         const int editado = editando(c) ? a.FilaCabezalDe(c.doc->FilaEdicion()) : -1;
         QHash<qint32, QStringList> vistos;
+        QHash<qint32, QString> imagenes;
         for (int r : cabezales(c)) {
             if (r == editado || g.Fila(r).imagen == QLatin1String(CambiosAjenos::kImagen))
                 continue;
@@ -714,6 +753,7 @@ private:
             }
             lineas.sort();
             vistos.insert(id, filas + lineas);
+            imagenes.insert(id, g.Fila(r).imagen);
         }
         if (vistos.isEmpty())
             return;
@@ -746,8 +786,9 @@ private:
             lineas.sort();
             const QStringList enBase = guardados.value(it.key()) + lineas;
             if (enBase != it.value())
-                m_fallas << QStringLiteral("%1 muestra el asiento %2 sin marca y distinto del guardado:\n    grilla %3\n    base   %4")
-                                .arg(c.nombre).arg(it.key()).arg(it.value().join(QLatin1Char(' ')), enBase.join(QLatin1Char(' ')));
+                m_fallas << QStringLiteral("%1 muestra el asiento %2 sin marca (imagen \"%6\") y distinto del guardado:\n    grilla %3\n    base   %4\n    historial %5")
+                                .arg(c.nombre).arg(it.key()).arg(it.value().join(QLatin1Char(' ')), enBase.join(QLatin1Char(' ')),
+                                                                 operaciones(it.key()), imagenes.value(it.key()));
         }
     }
 
@@ -771,7 +812,7 @@ private:
     QHash<qint32, QString> m_sellosAntes;
     qint64 m_historialAntes = 0;
     std::optional<Contador::Pendiente> m_pendienteAntes;
-    QString m_leyendaAntes;
+    QString m_leyendaEdicion; // of the entry open at the start, as this step left it
     qint32 m_idAntes = -1;
 };
 
