@@ -153,8 +153,9 @@ private:
 
         const qsizetype lineas = m_pasos.size();
         elegir(c, otro, n);
+        // A grid with nothing the step could act on shows another view instead.
         if (m_pasos.size() == lineas)
-            anotar(c, QStringLiteral("(nada que hacer)"));
+            cambiarVista(c);
     }
 
     void elegir(Contador &c, Contador &otro, int n)
