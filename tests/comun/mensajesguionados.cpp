@@ -2,10 +2,12 @@
 
 #include <gtest/gtest.h>
 
-ServicioMensajes::Respuesta MensajesGuionados::Preguntar(const QString &texto, Botones, const QString &titulo)
+ServicioMensajes::Respuesta MensajesGuionados::Preguntar(const QString &texto, Botones botones, const QString &titulo)
 {
     mostrados << QStringLiteral("pregunta: ") + texto;
     titulosPreguntas << titulo;
+    if (m_respuestas.isEmpty() && m_alPreguntar)
+        return m_alPreguntar(botones);
     if (m_respuestas.isEmpty()) {
         ADD_FAILURE() << "pregunta sin respuesta preparada: " << texto.toStdString();
         return Respuesta::No;
@@ -34,6 +36,8 @@ bool MensajesGuionados::PedirNumero(const QString &texto, const QString &titulo,
 {
     mostrados << QStringLiteral("pedido: ") + texto + QStringLiteral(" [") + titulo + QStringLiteral("] ")
                      + QString::number(valor, 'f', 3);
+    if (m_numeros.isEmpty() && m_alPedirNumero)
+        m_numeros.append(m_alPedirNumero());
     if (m_numeros.isEmpty() || !m_numeros.first().has_value()) {
         if (!m_numeros.isEmpty())
             m_numeros.removeFirst();

@@ -27,16 +27,21 @@ Escenario::Escenario()
 std::unique_ptr<lumIngAsiento> Escenario::Documento(HostDePrueba &host, MensajesGuionados &mensajes, const QTemporaryDir &carpeta,
                                                     int usuario)
 {
+    return DocumentoIniciado(m_base, host, mensajes, m_busqueda, carpeta, usuario);
+}
+
+std::unique_ptr<lumIngAsiento> DocumentoIniciado(const BaseDePrueba &base, HostDePrueba &host, MensajesGuionados &mensajes,
+                                                 ServicioBusquedaCuentas &busqueda, const QTemporaryDir &carpeta, int usuario)
+{
     host.base = QStringLiteral("x?psidusuario=%1|psidempresa=1|psckey=lum01|pskeyinit=%1|pstempdir=").arg(usuario) + carpeta.path();
     EntornoDocumento d;
     d.host = &host;
     d.mensajes = &mensajes;
-    d.busquedaCuentas = &m_busqueda;
+    d.busquedaCuentas = &busqueda;
     d.ajustes.archivoAjustes = carpeta.filePath(QStringLiteral("a.ini"));
-    d.ajustes.baseDatos = m_base.direccion();
-    d.proceso = ProcesoDePrueba(m_base);
+    d.ajustes.baseDatos = base.direccion();
+    d.proceso = ProcesoDePrueba(base);
     auto doc = std::make_unique<lumIngAsiento>(std::move(d));
-    // Shorter than a month of entries: the grid scrolls.
     doc->resize(1000, 420);
     doc->show();
     doc->Iniciar();

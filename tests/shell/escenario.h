@@ -34,6 +34,11 @@ public:
     }
 };
 
+// A started document of the user on the test database, on its clock, with its own host, messages
+// and layout folder, in a window shorter than a month of entries (the grid scrolls).
+std::unique_ptr<lumIngAsiento> DocumentoIniciado(const BaseDePrueba &base, HostDePrueba &host, MensajesGuionados &mensajes,
+                                                 ServicioBusquedaCuentas &busqueda, const QTemporaryDir &carpeta, int usuario);
+
 // A stored entry as the database holds it: the header's columns and its lines, as text, so
 // two snapshots compare whole.
 struct AsientoEnBase
