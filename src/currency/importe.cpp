@@ -68,14 +68,6 @@ Importe Importe::DesdeDouble(double valor)
     return i;
 }
 
-bool Importe::DesdeDoubleComprobado(double valor, Importe &resultado)
-{
-    if (!std::isfinite(valor) || std::fabs(valor) > kMaximo)
-        return false;
-    resultado = DesdeDouble(valor);
-    return true;
-}
-
 bool Importe::DesdeTexto(const QString &texto, Importe &resultado)
 {
     const QString t = texto.trimmed();

@@ -17,11 +17,10 @@ public:
     // Rounds to four decimals, halves away from zero, on the value as written (1.00005 is
     // 1.0001 even though its binary double is slightly less).
     static Importe DesdeDouble(double valor);
-    // As DesdeDouble, false (and resultado untouched) for a value that is not finite or does
-    // not fit the type: such a value is refused, never taken as 0.
-    static bool DesdeDoubleComprobado(double valor, Importe &resultado);
-    // The largest amount the type holds, in units (about 922 billion million).
-    static constexpr double kMaximo = 922337203685477.0;
+    // The largest amount a line may carry: amounts pass through doubles (and SQLite keeps
+    // them as REAL), in which every ten-thousandth reads back as itself only below 2^37,
+    // about 137 billion. A larger one would be stored as another number.
+    static constexpr double kMaximoLinea = 100000000000.0;
     // Reads "1234.5", "-0.25" (a point as decimal separator, no grouping); false when the
     // text is no number or does not fit.
     static bool DesdeTexto(const QString &texto, Importe &resultado);

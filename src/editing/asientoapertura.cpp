@@ -120,15 +120,21 @@ bool AsientoApertura::valorarSaldosExtranjeros(QVector<LineaDatos> &lineas, cons
 
 bool AsientoApertura::AbrirCuentas(const QString &lista)
 {
+    if (!PreguntarAbrirCuentas(lista))
+        return false;
+    if (!lista.isEmpty())
+        m_comandos.saldosIniciales().AbrirCuentas(lista);
+    return true;
+}
+
+bool AsientoApertura::PreguntarAbrirCuentas(const QString &lista)
+{
     if (lista.isEmpty())
         return true;
     const QString texto = QStringLiteral("Existen cuentas que están cerradas con fecha posterior o igual a la fecha del asiento"
                                          " de saldos iniciales.\r\rLas mismas serán abiertas.");
-    if (m_datos.mensajes->Preguntar(texto, ServicioMensajes::Botones::AceptarCancelar, QStringLiteral("Atención"))
-        != ServicioMensajes::Respuesta::Si)
-        return false;
-    m_comandos.saldosIniciales().AbrirCuentas(lista);
-    return true;
+    return m_datos.mensajes->Preguntar(texto, ServicioMensajes::Botones::AceptarCancelar, QStringLiteral("Atención"))
+        == ServicioMensajes::Respuesta::Si;
 }
 
 qint32 AsientoApertura::HacerAsientoApertura()
@@ -141,25 +147,28 @@ qint32 AsientoApertura::HacerAsientoApertura()
         return 0;
     }
     const QString cerradas = saldos.CuentasCerradasApertura(m_datos.fechaAsientoApertura, m_datos.empresa.clase);
-    // Opening an account clears its balance: when only those accounts have one there is
-    // nothing to book, and nothing is opened for it.
+    // Opening an account clears its balance: the accounts to be opened book nothing, and
+    // when only they have a balance there is nothing to book and nothing is opened for it.
     const QStringList abiertas = cerradas.split(QLatin1Char(','), Qt::SkipEmptyParts);
-    const QVector<LineaDatos> antes = saldos.LineasDeSaldos(m_datos.empresa.clase, m_datos.empresa.monedaContabilidad);
-    const bool haySaldos = std::any_of(antes.begin(), antes.end(),
-                                       [&](const LineaDatos &l) { return !abiertas.contains(QString::number(l.Cuenta)); });
-    if (haySaldos && !AbrirCuentas(cerradas))
-        return 0;
-    const Ocupado ocupado;
+    QVector<qint16> monedasLeidas;
+    const QVector<LineaDatos> leidas = saldos.LineasDeSaldos(m_datos.empresa.clase, m_datos.empresa.monedaContabilidad, &monedasLeidas);
+    QVector<LineaDatos> lineas;
     QVector<qint16> monedas;
-    QVector<LineaDatos> lineas = haySaldos ? saldos.LineasDeSaldos(m_datos.empresa.clase, m_datos.empresa.monedaContabilidad, &monedas)
-                                           : QVector<LineaDatos>();
+    for (int i = 0; i < leidas.size(); ++i) {
+        if (abiertas.contains(QString::number(leidas[i].Cuenta)))
+            continue;
+        lineas.append(leidas[i]);
+        monedas.append(monedasLeidas.value(i));
+    }
     if (lineas.isEmpty()) {
         if (m_datos.Preguntar(1855) && ayuda)
             ayuda();
         return 0;
     }
-    if (!valorarSaldosExtranjeros(lineas, monedas))
+    // Everything is checked and asked before anything changes.
+    if (!valorarSaldosExtranjeros(lineas, monedas) || !PreguntarAbrirCuentas(cerradas))
         return 0;
+    const Ocupado ocupado;
 
     AsientoDatos datos(*m_datos.conexion(), m_datos.librosSistema());
     datos.FijarUsuario(m_datos.usuario);
@@ -175,6 +184,10 @@ qint32 AsientoApertura::HacerAsientoApertura()
     d.Fecha = m_datos.fechaAsientoApertura;
     d.Leyenda = m_datos.texto(1095);
     d.Libro = m_datos.librosSistema().primeraApertura;
+    // The accounts are opened with the entry or not at all.
+    Transaccion tx(*m_datos.conexion());
+    if (!cerradas.isEmpty())
+        saldos.AbrirCuentas(cerradas);
     const qint32 id = cierra ? datos.GrabarApertura() : datos.GrabarTodo();
     if (id <= 0) {
         // Another session made it meanwhile, or the store refused it: nothing was written.
@@ -189,6 +202,7 @@ qint32 AsientoApertura::HacerAsientoApertura()
         }
         throw ErrorBaseDatos(datos.ultimoError());
     }
+    tx.Confirmar();
     return id;
 }
 

@@ -755,6 +755,17 @@ bool ComandosAsiento::AplicarTC(bool bMonedaCuenta, double tasa, qint16 moneda)
 
 void ComandosAsiento::RecargarAsiento(qint32 asiID, int cabezal)
 {
+    // An entry another session deleted or sent to the trash has nothing to read: its rows go
+    // rather than stay on screen as if they were stored.
+    try {
+        const SelloGuardado guardado = LeerSellos(*m_datos.conexion(), {asiID}).value(asiID);
+        if (!guardado.existe || guardado.estado == EstadoAsiento::kPapelera) {
+            m_grilla.QuitarFilas(cabezal, m_asientos.UltimaFilaAsiento(cabezal) - cabezal + 1);
+            return;
+        }
+    } catch (const ErrorBaseDatos &) {
+        // Unknown: the reading below says why, and the rows stay as they are.
+    }
     // The entry as stored goes in above the rows shown, which are taken out only once it is
     // there: when the store cannot be read, the grid keeps the entry as it was.
     const int viejas = m_asientos.UltimaFilaAsiento(cabezal) - cabezal + 1;

@@ -63,6 +63,9 @@ public:
     // Lays the editor over the row, scrolled into view; with enfocar, its first field takes
     // the focus (otherwise the header's first open field does).
     virtual void MostrarEditor(int fila, bool enfocar) = 0;
+    // Back to an edit the user did not leave after all: the editor over its row again, the
+    // row current, the focus in the field that had it.
+    virtual void RetomarEdicion(int fila) { MostrarEditor(fila, true); }
     // Closes the header area and the editor; the grid is the focus again, on this row.
     virtual void CerrarEdicion(int fila) = 0;
 };

@@ -306,6 +306,14 @@ void SesionEdicion::AceptarLinea()
     if (lineas.isEmpty())
         return;
 
+    // A typed line of nothing books nothing (a stored one accepted unchanged stays as it is).
+    const bool tecleada = LineaSinAceptar();
+    for (const RegistroLinea &l : std::as_const(lineas)) {
+        if (tecleada && Importe::DesdeDouble(l.dImporte).esCero() && Importe::DesdeDouble(l.dImporteMC).esCero()) {
+            m_datos.Advertir(1954);
+            return;
+        }
+    }
     for (const RegistroLinea &l : std::as_const(lineas)) {
         if (l.dImporte == 0 && l.dImporteMC != 0 && !m_datos.Preguntar(1819))
             return;
@@ -491,11 +499,11 @@ bool SesionEdicion::LineaSinAceptar() const
         || distintos(fila.dImporte, v.dImporte) || (extranjera && distintos(fila.dImporteMC, v.dImporteMC));
 }
 
-SesionEdicion::Decision SesionEdicion::decidir(Salida salida) const
+SesionEdicion::Decision SesionEdicion::decidir(Salida salida, int pregunta) const
 {
     if (salida == Salida::Cierre)
         return Decision::Grabar;
-    switch (m_datos.mensajes->Preguntar(m_datos.texto(1956), ServicioMensajes::Botones::SiNoCancelar)) {
+    switch (m_datos.mensajes->Preguntar(m_datos.texto(pregunta), ServicioMensajes::Botones::SiNoCancelar)) {
     case ServicioMensajes::Respuesta::Si:
         return Decision::Grabar;
     case ServicioMensajes::Respuesta::No:
@@ -539,9 +547,9 @@ bool SesionEdicion::SalirEdicion(Salida salida)
         return true;
     }
     if (salida != Salida::Escape && LineaSinAceptar()) {
-        switch (decidir(salida)) {
+        switch (decidir(salida, 1956)) {
         case Decision::Volver:
-            m_vista.MostrarEditor(m_filaEdicion, true);
+            m_vista.RetomarEdicion(m_filaEdicion);
             return false;
         case Decision::Descartar:
             break;
@@ -562,7 +570,7 @@ bool SesionEdicion::SalirEdicion(Salida salida)
         m_escrituraRechazada = true;
         if (salida == Salida::Cierre)
             break;
-        const Decision d = decidir(salida);
+        const Decision d = decidir(salida, 1961);
         if (d == Decision::Descartar)
             break;
         if (d == Decision::Volver) {
@@ -570,7 +578,7 @@ bool SesionEdicion::SalirEdicion(Salida salida)
             if (m_filaEdicion == m_asientos.Cabezal.FilaCabezal)
                 abrirLineaNueva();
             else
-                m_vista.MostrarEditor(m_filaEdicion, true);
+                m_vista.RetomarEdicion(m_filaEdicion);
             return false;
         }
         m_escrituraRechazada = false; // once more

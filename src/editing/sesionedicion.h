@@ -28,7 +28,7 @@ public:
     // Takes the line typed into the grid and the header values into the entry. A balanced
     // entry is written and the edit ends; an unbalanced one keeps a new row open below with
     // the missing amount proposed. Refused, with the focus where the fault is: a date that
-    // cannot be read; an amount of 0 in the account's currency unless confirmed (1819); an
+    // cannot be read; a typed line with no amount at all (1954); an amount of 0 in the account's currency unless confirmed (1819); an
     // account closed at the date (1815 for the entry's own, 1821 otherwise); a second rate
     // for a currency is settled by questions 1832 and 1833. A balanced entry dated in the
     // future may become a scheduled frequent entry instead (1807).
@@ -41,10 +41,12 @@ public:
     };
     // Ends the edit: lines accepted and not yet written are written (incomplete when they do
     // not balance); a stored entry is shown as stored. Typed work is never dropped unasked:
-    // with a line typed and not accepted (except on Escape), or after a write of this edit
-    // was refused, question 1956 chooses to store it (the line is accepted as Enter would
-    // do, then the entry written), to discard it, or to go back to the edit with everything
-    // as typed. Answers whether the edit ended; false leaves it open.
+    // with a line typed and not accepted (except on Escape), question 1956 chooses to store
+    // it (the line is accepted as Enter would do, then the entry written), to drop that line,
+    // or to go back to the edit with everything as typed; after a write of this edit was
+    // refused, question 1961 chooses to try the write again, to discard the edit (the entry
+    // is shown as stored), or to go back. Answers whether the edit ended; false leaves it
+    // open.
     bool SalirEdicion(Salida salida = Salida::Comando);
     // As SalirEdicion, with the edited line as the current row again once the entry has
     // been re-read; false when that row was no stored line (then the entry's header row is)
@@ -74,7 +76,7 @@ private:
     bool escribirAlSalir(bool &escrito);
     void abrirLineaNueva();
     enum class Decision { Grabar, Descartar, Volver };
-    Decision decidir(Salida salida) const;
+    Decision decidir(Salida salida, int pregunta) const;
     QString nombreLibro(qint16 libro) const;
 
     DatosDocumento &m_datos;

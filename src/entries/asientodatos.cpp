@@ -338,11 +338,12 @@ bool AsientoDatos::reglasDelLibro(qint32 asiID, qint16 libroAnterior)
     return true;
 }
 
+// Every amount is one the store keeps exactly: finite and within a line's range.
 bool AsientoDatos::importesEnRango()
 {
+    auto admitido = [](double v) { return std::isfinite(v) && std::fabs(v) <= Importe::kMaximoLinea; };
     for (const LineaDatos &l : std::as_const(m_lineas)) {
-        Importe i;
-        if (!Importe::DesdeDoubleComprobado(l.Importe, i) || !Importe::DesdeDoubleComprobado(l.ImporteMC, i))
+        if (!admitido(l.Importe) || !admitido(l.ImporteMC))
             return fallar(Resultado::FueraDeRango, QStringLiteral("importe no válido en la cuenta %1").arg(l.Cuenta));
     }
     return true;

@@ -99,7 +99,7 @@ bool AsientoVerificado(Conexion &conexion, qint32 asiID);
 //   another registered one, is refused (AperturaDuplicada). The check runs under a lock on
 //   the company (the write lock of SQLite, a row lock on PostgreSQL), so two sessions cannot
 //   both pass it;
-// - every amount fits the amount type (FueraDeRango).
+// - every amount is one the store keeps exactly, up to Importe::kMaximoLinea (FueraDeRango).
 // A refused write leaves both tables as they were. Each write also leaves its row in the
 // audit trail and its live notice to other sessions, in the same transaction.
 class AsientoDatos

@@ -215,11 +215,11 @@ void lumERAsiento::ConfirmarLinea()
     if (ocTCambio->isEnabled() && !ocTCambio->EsNumeroValido())
         return Advertir(1851, ocTCambio);
 
-    // Each value must fit the four-decimal currency type.
+    // Each value must be kept to the ten-thousandth, as typed.
     const std::pair<CampoCalculadora *, bool> tamanos[] = {
         {ocImporte, true}, {ocTCambio, ocTCambio->isEnabled()}, {ocImporteMC, ocImporteMC->isEnabled()}};
     for (const auto &[campo, cuenta] : tamanos) {
-        if (cuenta && std::abs(campo->Valor()) > Importe::kMaximo)
+        if (cuenta && std::abs(campo->Valor()) > Importe::kMaximoLinea)
             return Advertir(1937, campo);
     }
     bool cancelar = false;

@@ -10,6 +10,7 @@
 #include "lineeditor/campofecha.h"
 #include "lineeditor/lumerasiento.h"
 
+#include <QApplication>
 #include <QComboBox>
 #include <QGridLayout>
 #include <QHeaderView>
@@ -35,6 +36,10 @@ PanelEdicion::PanelEdicion(lumIngAsiento &documento, const DatosDocumento &datos
     oraEdit->hide();
     conectarEditor();
     setVisible(false);
+    connect(qApp, &QApplication::focusChanged, this, [this](QWidget *, QWidget *ahora) {
+        if (ahora && (isAncestorOf(ahora) || oraEdit->isAncestorOf(ahora)))
+            m_ultimoFoco = ahora;
+    });
 }
 
 void PanelEdicion::crearCampos()
@@ -264,6 +269,17 @@ void PanelEdicion::MostrarEditor(int fila, bool enfocar)
         odDate->setFocus();
     else
         tLeyenda->setFocus();
+}
+
+void PanelEdicion::RetomarEdicion(int fila)
+{
+    m_fila = fila;
+    m_doc.SeleccionarFila(fila);
+    mostrarFilaEdicion();
+    if (m_ultimoFoco && m_ultimoFoco->isVisible() && m_ultimoFoco->isEnabled())
+        m_ultimoFoco->setFocus();
+    else
+        oraEdit->SetFocusCtrl(lumERAsiento::kDebe, 0);
 }
 
 void PanelEdicion::CerrarEdicion(int fila)

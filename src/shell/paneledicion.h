@@ -3,6 +3,7 @@
 #include "editing/pantalla.h"
 
 #include <QFrame>
+#include <QPointer>
 
 class CampoFecha;
 class Grilla;
@@ -51,6 +52,7 @@ public:
                       const std::optional<RegistroLinea> &linea) override;
     std::optional<ValorLinea> LineaDelEditor(bool debe) const override;
     void MostrarEditor(int fila, bool enfocar) override;
+    void RetomarEdicion(int fila) override;
     void CerrarEdicion(int fila) override;
 
 protected:
@@ -70,6 +72,7 @@ private:
     vsGrid *m_vsGrid;
     int m_fila = 0; // the row the editor lies over; 0 when none
     bool m_aceptarTrasAutoriza = false; // the line waits in the editor for its authoriser
+    QPointer<QWidget> m_ultimoFoco;     // the field of the edit that last had the focus
 
     QFrame *picCabezal = nullptr;
     QLabel *lDate = nullptr;

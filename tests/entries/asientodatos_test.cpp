@@ -257,8 +257,10 @@ TEST_P(Datos, UnAsientoRegistradoSiempreCierra)
     EXPECT_EQ(a.ultimoNumero(), 1957);
     EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientoCuenta Where ACuIDAsiento = %1").arg(inconcluso)), 2);
 
-    // An amount the type cannot hold is refused, not taken as 0.
+    // An amount the store cannot keep to the cent is refused, not stored as another number.
     EXPECT_EQ(registrado({linea(10, true, 1e16), linea(22, false, 1e16)}), std::make_pair(0, 1937));
+    EXPECT_EQ(registrado({linea(10, true, 99999999999999.99), linea(22, false, 99999999999999.98)}), std::make_pair(0, 1937));
+    EXPECT_GT(registrado({linea(10, true, 99999999999.9999), linea(22, false, 99999999999.9999)}).first, 0);
 }
 
 // The company has one opening-balance entry: a second one is refused whether it is made

@@ -241,21 +241,24 @@ private:
         QWidget *f = foco();
         return f && c.doc->isAncestorOf(f) && f->isEnabled() ? f : static_cast<QWidget *>(c.doc->grid());
     }
-    static void escape(Contador &c)
+    // Escape is the user's way to drop the line being typed: no question is owed for it.
+    void escape(Contador &c)
     {
         QTest::keyClick(teclado(c), Qt::Key_Escape);
         QApplication::processEvents();
+        c.pendiente.reset();
+        m_pendienteAntes.reset();
     }
     static QComboBox *autoriza(Contador &c) { return c.doc->findChild<QComboBox *>(QStringLiteral("cfAutoriza")); }
 
-    // Enter in the amount accepts the line; an entry without an authoriser gets the first.
+    // Enter in the amount accepts the line; an entry without an authoriser gets the first,
+    // and Enter on the list takes the line.
     void aceptarLinea(Contador &c)
     {
         enter(c.doc->editor()->campo(lumERAsiento::kImporte));
         if (editando(c) && foco() == autoriza(c)) {
             autoriza(c)->setCurrentIndex(0);
             enter(autoriza(c));
-            enter(c.doc->editor()->campo(lumERAsiento::kImporte));
         }
         c.pendiente.reset();
     }
@@ -421,8 +424,11 @@ private:
             anotar(c, QStringLiteral("  leyenda \"%1\" y Enter en el importe").arg(leyenda));
             escribir(c.doc->campoLeyenda(), leyenda);
             m_leyendaEdicion = leyenda;
+            // The line typed before is looked for under the entry's new legend.
             if (c.pendiente)
                 c.pendiente->leyenda = leyenda;
+            if (m_pendienteAntes)
+                m_pendienteAntes->leyenda = leyenda;
             aceptarLinea(c);
             break;
         }
@@ -447,7 +453,7 @@ private:
         if (!editando(c) && !abrirAlguno(c))
             return;
         if (fecha) {
-            const QDate d = QDate::currentDate().addDays(-al(12));
+            const QDate d = BaseDePrueba::Hoy().addDays(-al(12));
             anotar(c, QStringLiteral("  fecha %1").arg(d.toString(QStringLiteral("dd MM yyyy"))));
             c.doc->campoFecha()->setFocus();
             escribir(c.doc->campoFecha(), d.toString(QStringLiteral("dd MM yyyy")));

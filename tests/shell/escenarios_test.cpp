@@ -315,7 +315,7 @@ TEST_P(Escenarios, UnaEscrituraRechazadaYEscapeMuestranElAsientoGuardado)
     escape(foco());
     EXPECT_EQ(m_doc->FilaEdicion(), 0);
     ASSERT_EQ(m_mensajes.mostrados.size(), 2); // the refusal once, then the question
-    EXPECT_EQ(m_mensajes.mostrados[1], QStringLiteral("pregunta: ") + Idioma::resLoad(956));
+    EXPECT_EQ(m_mensajes.mostrados[1], QStringLiteral("pregunta: ") + Idioma::resLoad(961));
     EXPECT_EQ(enBase(id), antes);
     EXPECT_EQ(enBase(id).sello, ajeno.sello);
     EXPECT_EQ(filasVistas(id), filasAntes);

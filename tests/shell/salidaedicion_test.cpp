@@ -19,7 +19,8 @@ using Respuesta = ServicioMensajes::Respuesta;
 class SalidaEdicion : public Escenario
 {
 protected:
-    QString pregunta() const { return QStringLiteral("pregunta: ") + Idioma::resLoad(956); }
+    // The question about a typed line (1956), or about a write that was refused (1961).
+    static QString pregunta(int numero = 1956) { return QStringLiteral("pregunta: ") + Idioma::resLoad(numero - 1000); }
 
     // A new entry with a debit line of "1.1.01" typed and not accepted: no Enter in the amount.
     void lineaSinAceptar(const QString &importe)
@@ -116,7 +117,7 @@ TEST_P(SalidaEdicion, TrasUnaEscrituraRechazadaLoEscritoQuedaHastaQueElUsuarioEl
     escape(m_doc->campoLeyenda());
     ASSERT_EQ(m_mensajes.mostrados.size(), 2) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
     EXPECT_EQ(m_mensajes.mostrados[0], QStringLiteral("error: Registro modificado con anterioridad."));
-    EXPECT_EQ(m_mensajes.mostrados[1], pregunta());
+    EXPECT_EQ(m_mensajes.mostrados[1], pregunta(1961));
     ASSERT_GT(m_doc->FilaEdicion(), 0);
     EXPECT_EQ(m_doc->campoLeyenda()->text(), QStringLiteral("Leyenda que no se pudo guardar"));
 
