@@ -233,16 +233,20 @@ TEST_P(Apertura, UnSaldoEnDolaresSinSuValorEnPesosSeValoraALaCotizacion)
     EXPECT_EQ(lineas(id), (QStringList{QStringLiteral("1.1.04|D|12500|500000"), QStringLiteral("3.1.01|H|500000|500000")}));
     EXPECT_EQ(cabezal(id).left(2), QStringLiteral("1|"));
 
-    // The same balance in a currency nobody quotes.
+    // The same balance in a currency nobody quotes, with an account to be opened: it stops
+    // before asking to open it, and the account stays closed.
     ejecutar(QStringLiteral("Update cceAsientos Set AsiEstado = 9 Where AsiID = ?"), {id});
     ejecutar(QStringLiteral("Insert Into genMonedas (MonID, MonSimbolo, MonNombre, MonCotizaEn, MonRedondeo, MonFormatoCotizacion, MonTipo)"
                             " Values (7, 'R$', 'Reales', 1, '#,##0.00', '#,##0.000', 1)"));
     ejecutar(QStringLiteral("Update cceCuentas Set CueMoneda = 7 Where CueCodigo = '1.1.04'"));
+    fijar("CueFechaCerrada = ?", "1.2.01", {Conexion::ValorFecha(dia.addDays(30))});
+    const QString cerrada = cuenta("1.2.01");
     m_mensajes.mostrados.clear();
     EXPECT_EQ(m_apertura.HacerAsientoApertura(), 0);
     ASSERT_EQ(m_mensajes.mostrados.size(), 1);
     EXPECT_TRUE(m_mensajes.mostrados[0].startsWith(QStringLiteral("error: 1959"))) << m_mensajes.mostrados[0].toStdString();
     EXPECT_TRUE(aperturas().isEmpty());
+    EXPECT_EQ(cuenta("1.2.01"), cerrada);
 }
 
 // The banner's "aquí" with an opening-balance entry made and not finished shows that entry

@@ -455,6 +455,23 @@ TEST_P(Grabacion, AgendarUnaCopiaViejaNoBorraElCambioDeOtro)
     EXPECT_GT(filaDe(*doc, id), 0);
 }
 
+// An entry another session sent to the trash leaves the grid when it is read again, instead
+// of staying on screen as if it were stored.
+TEST_P(Grabacion, UnAsientoQueOtroEnvioALaPapeleraSaleDeLaGrilla)
+{
+    const qint32 id = asiento(BaseDePrueba::Hoy().addDays(-2), 1, 75);
+    auto doc = abrir();
+    mostrarUltimos(*doc);
+    ASSERT_GT(filaDe(*doc, id), 0);
+    AsientoDatos otro(m_base.conexion());
+    ASSERT_TRUE(otro.CargarAsiento(id));
+    ASSERT_FALSE(otro.EnviarPapelera(id, 1, otro.Cabezal().FechaModificado).isEmpty());
+    const int filas = doc->grilla().Filas();
+    doc->comandos().RecargarAsiento(id, filaDe(*doc, id));
+    EXPECT_EQ(filaDe(*doc, id), -1);
+    EXPECT_EQ(doc->grilla().Filas(), filas - 4); // its header and three lines
+}
+
 INSTANTIATE_TEST_SUITE_P(Motores, Grabacion, ::testing::ValuesIn(MotoresDePrueba()),
                          [](const ::testing::TestParamInfo<Motor> &i) { return NombreMotor(i.param).toStdString(); });
 

@@ -53,6 +53,7 @@ TEST_P(SalidaEdicion, UnaLineaEscritaNoSePierdeAlIrseDeOtraManera)
     ASSERT_GT(m_doc->FilaEdicion(), 0);
     EXPECT_TRUE(m_doc->edicion().LineaSinAceptar());
     EXPECT_EQ(editor()->campo(lumERAsiento::kImporte)->text(), QStringLiteral("321"));
+    EXPECT_EQ(foco(), editor()->campo(lumERAsiento::kImporte)) << "back where the typing was";
 
     m_mensajes.Responder(Respuesta::Cancelar);
     vista(Vista::kUltimos10);
@@ -93,6 +94,20 @@ TEST_P(SalidaEdicion, EscapeDescartaLaLineaSinPreguntar)
     escape(editor()->campo(lumERAsiento::kImporte));
     EXPECT_EQ(m_doc->FilaEdicion(), 0);
     EXPECT_TRUE(m_mensajes.mostrados.isEmpty()) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
+    EXPECT_EQ(guardados(QStringLiteral("Escrito y no aceptado")), 0);
+}
+
+// A line of nothing is refused where it is typed, and nothing is stored for it.
+TEST_P(SalidaEdicion, UnaLineaSinImporteSeRechaza)
+{
+    lineaSinAceptar(QStringLiteral("0"));
+    enter(editor()->campo(lumERAsiento::kImporte));
+    if (foco() == m_doc->findChild<QComboBox *>(QStringLiteral("cfAutoriza")))
+        enter(foco());
+    EXPECT_TRUE(m_mensajes.mostrados.contains(QStringLiteral("advertencia: ") + Idioma::resLoad(954)))
+        << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
+    EXPECT_GT(m_doc->FilaEdicion(), 0);
+    escape(foco());
     EXPECT_EQ(guardados(QStringLiteral("Escrito y no aceptado")), 0);
 }
 
