@@ -26,15 +26,19 @@ bool AsientoApertura::ActualizarExisteApertura()
     if (!m_datos.conexion())
         return m_existe;
     bool existe = m_existe;
+    bool sinTerminar = m_sinTerminar;
     try {
-        existe = m_comandos.saldosIniciales().ExisteAsientoApertura();
+        SaldosIniciales saldos = m_comandos.saldosIniciales();
+        existe = saldos.ExisteAsientoApertura();
+        sinTerminar = !existe && saldos.OtroAsientoApertura() > 0;
     } catch (const ErrorBaseDatos &) {
         // Unknown: the banner stays as it is, and the command that needs to know fails on
         // its own reads and says so.
         return m_existe;
     }
-    if (existe != m_existe || !m_dicho) {
+    if (existe != m_existe || sinTerminar != m_sinTerminar || !m_dicho) {
         m_existe = existe;
+        m_sinTerminar = sinTerminar;
         m_dicho = true;
         if (alCambiar)
             alCambiar(m_existe);

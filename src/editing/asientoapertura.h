@@ -23,6 +23,10 @@ public:
     // (or was never told). When it cannot be read, the last answer stands.
     bool ActualizarExisteApertura();
     bool ExisteAsientoApertura() const { return m_existe; }
+    // Whether, without one, an entry of the opening-balance book was made and not finished
+    // (a draft or incomplete): the banner then invites to finish it. alCambiar is told when
+    // this changes too.
+    bool HayAsientoSinTerminar() const { return m_sinTerminar; }
     std::function<void(bool existe)> alCambiar;
     // Opens the help page of the opening-balance entry.
     std::function<void()> ayuda;
@@ -63,5 +67,6 @@ private:
     ComandosAsiento &m_comandos;
     PantallaAsientos &m_pantalla;
     bool m_existe = false;
+    bool m_sinTerminar = false;
     bool m_dicho = false; // alCambiar has been told at least once
 };

@@ -317,7 +317,17 @@ void lumIngAsiento::CargarFrecuentesRecientes()
 
 void lumIngAsiento::MostrarAvisoApertura(bool existe)
 {
+    TextoAvisoApertura();
     picASI->setVisible(!existe);
+}
+
+// The banner invites to make the opening-balance entry, or to finish the one made.
+void lumIngAsiento::TextoAvisoApertura()
+{
+    const bool sinTerminar = m_apertura && m_apertura->HayAsientoSinTerminar();
+    lMsgASI1->setText(QStringLiteral("%1 <a href=\"aqui\">%2</a> %3 &nbsp;&nbsp; <a href=\"ayuda\">%4</a>")
+                          .arg(m_datos.texto(sinTerminar ? 1154 : 1150).toHtmlEscaped(), m_datos.texto(1151).toHtmlEscaped(),
+                               m_datos.texto(sinTerminar ? 1155 : 1152).toHtmlEscaped(), m_datos.texto(1153).toHtmlEscaped()));
 }
 
 bool lumIngAsiento::eventFilter(QObject *objeto, QEvent *evento)

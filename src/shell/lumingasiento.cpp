@@ -463,9 +463,7 @@ void lumIngAsiento::AsignarTextos()
     for (lumHiperLink *l : {hlRegistro, hlAsientoFrecuente, hlOpSave, hlFind, hlCargar})
         l->setAccessibleName(l->text());
     lbTitle->setText(Idioma::resLoad(1));
-    lMsgASI1->setText(QStringLiteral("%1 <a href=\"aqui\">%2</a> %3 &nbsp;&nbsp; <a href=\"ayuda\">%4</a>")
-                          .arg(m_datos.texto(1150).toHtmlEscaped(), m_datos.texto(1151).toHtmlEscaped(),
-                               m_datos.texto(1152).toHtmlEscaped(), m_datos.texto(1153).toHtmlEscaped()));
+    TextoAvisoApertura();
     m_grilla.FijarEncabezados(Idioma::resLoad(60));
     m_panel->AsignarTextos();
 }

@@ -161,6 +161,7 @@ private:
     void ArmarComandoDiferido(const QString &comando);
     void tmShowASI_Timer();
     void MostrarAvisoApertura(bool existe);
+    void TextoAvisoApertura();
     void RegistrarFrecuente(qint32 mfrID);
     void NuevoFrecuente();
     void registrarFrecuenteDiferido(qint32 mfrID);

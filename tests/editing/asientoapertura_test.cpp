@@ -257,6 +257,7 @@ TEST_P(Apertura, ElQueFaltaTerminarSeMuestraEnLugarDeHacerOtro)
                                       {{"1.1.01", 100}, {"3.1.01", -90}});
     ASSERT_GT(incompleto, 0);
     EXPECT_FALSE(m_apertura.ActualizarExisteApertura());
+    EXPECT_TRUE(m_apertura.HayAsientoSinTerminar()) << "the banner invites to finish it";
     m_apertura.MnuEdiAPA();
     EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("información: 1960")});
     ASSERT_GE(m_pantalla.fila, m_grilla.FilasFijas());
