@@ -3,6 +3,7 @@
 #include "escenario.h"
 
 #include "editing/sesionedicion.h"
+#include "entries/asientosgrilla.h"
 #include "entries/vistas.h"
 #include "lineeditor/campocalculadora.h"
 #include "shell/idioma.h"
@@ -141,6 +142,37 @@ TEST_P(SalidaEdicion, TrasUnaEscrituraRechazadaLoEscritoQuedaHastaQueElUsuarioEl
     EXPECT_EQ(m_doc->FilaEdicion(), 0);
     EXPECT_EQ(enBase(id).cabezal, antes.cabezal);
     EXPECT_EQ(enBase(id).lineas, antes.lineas);
+}
+
+// Opening a stored line and leaving by a command asks nothing when nothing was typed, also
+// on a dollar line booked at another rate than the entry's other dollar lines.
+TEST_P(SalidaEdicion, UnaLineaGuardadaSinCambiosNoPregunta)
+{
+    const QList<qint32> conDolares = ids(QStringLiteral("AsiEstado In (0, 1) And AsiID In (Select ACuIDAsiento From cceAsientoCuenta"
+                                                        " INNER JOIN cceCuentas ON CueID = ACuCuenta Where CueMoneda = 2"
+                                                        " Group By ACuIDAsiento Having Count(*) > 1 And"
+                                                        " Min(ACuImporteMC / Nullif(Coalesce(ACuDebe, AcuHaber), 0))"
+                                                        " < Max(ACuImporteMC / Nullif(Coalesce(ACuDebe, AcuHaber), 0)) - 0.01)"));
+    ASSERT_FALSE(conDolares.isEmpty());
+    int vistos = 0;
+    for (qint32 id : conDolares) {
+        if (vistos == 6)
+            break;
+        if (filaDe(id) < 0)
+            EXPECT_FALSE(CargarAsientoEnGrilla(m_doc->asientos(), *m_doc->proceso().conexion, id, m_doc->grilla().Filas() - 1));
+        const int cabezal = filaDe(id);
+        ASSERT_GT(cabezal, 0);
+        for (int r = cabezal + 1; r <= m_doc->asientos().UltimaFilaAsiento(cabezal); ++r) {
+            if (m_doc->asientos().EsFilaDiferencia(r))
+                continue;
+            abrir(r);
+            ASSERT_GT(m_doc->FilaEdicion(), 0) << "asiento " << id << " fila " << r;
+            EXPECT_FALSE(m_doc->edicion().LineaSinAceptar()) << "asiento " << id << " fila " << r;
+            EXPECT_TRUE(m_doc->TerminarEdicion());
+        }
+        ++vistos;
+    }
+    EXPECT_TRUE(m_mensajes.mostrados.isEmpty()) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
 }
 
 INSTANTIATE_TEST_SUITE_P(Motores, SalidaEdicion, ::testing::ValuesIn(MotoresDePrueba()),
