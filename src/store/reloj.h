@@ -11,7 +11,7 @@ class Reloj
 {
 public:
     // Wall-clock time as stamps are kept: the local date and time of day, carried with UTC
-    // as its spec so that no time-zone rule is applied to it afterwards.
+    // as its time spec so that no time-zone rule is applied to it afterwards.
     QDateTime Ahora() const;
     QDate Hoy() const { return Ahora().date(); }
 
