@@ -53,8 +53,14 @@ QString RedondearDecimal(const QString &texto, int decimales)
 
 Importe Importe::DesdeDouble(double valor)
 {
-    if (!std::isfinite(valor))
+    if (std::isnan(valor))
         return {};
+    // 2^63 ten-thousandths: past it the type holds its end.
+    constexpr double kLimite = 9223372036854775807.0 / double(kEscala);
+    if (valor >= kLimite)
+        return Maximo();
+    if (valor <= -kLimite)
+        return -Maximo();
     // Most values are far from a half: scaling and rounding gives the same result as the
     // decimal digits do, at a fraction of the cost. Values near a half take the exact way.
     const double escalado = valor * double(kEscala);

@@ -4,6 +4,7 @@
 #include <QtGlobal>
 
 #include <compare>
+#include <limits>
 
 // An amount as the suite keeps it: a whole number of ten-thousandths. Amounts are stored,
 // shown and added up in this type; sums never run in floating point.
@@ -15,8 +16,11 @@ public:
     constexpr Importe() = default;
     static constexpr Importe DesdeDiezmilesimos(qint64 n) { Importe i; i.m_n = n; return i; }
     // Rounds to four decimals, halves away from zero, on the value as written (1.00005 is
-    // 1.0001 even though its binary double is slightly less).
+    // 1.0001 even though its binary double is slightly less). A value past the type's range
+    // is held at its end (Maximo or its negative), never 0; what is not a number is 0.
+    // Amounts a user gives are refused long before that (kMaximoLinea).
     static Importe DesdeDouble(double valor);
+    static constexpr Importe Maximo() { return DesdeDiezmilesimos(std::numeric_limits<qint64>::max()); }
     // The largest amount a line may carry: amounts pass through doubles (and SQLite keeps
     // them as REAL), in which every ten-thousandth reads back as itself only below 2^37,
     // about 137 billion. A larger one would be stored as another number.
@@ -29,11 +33,13 @@ public:
     double aDouble() const { return double(m_n) / kEscala; }
     QString aTexto() const; // "1234.5000"
 
-    Importe operator+(Importe o) const { return DesdeDiezmilesimos(m_n + o.m_n); }
-    Importe operator-(Importe o) const { return DesdeDiezmilesimos(m_n - o.m_n); }
-    Importe operator-() const { return DesdeDiezmilesimos(-m_n); }
-    Importe &operator+=(Importe o) { m_n += o.m_n; return *this; }
-    Importe &operator-=(Importe o) { m_n -= o.m_n; return *this; }
+    // Sums and differences past the range stay at its end instead of wrapping around to the
+    // other sign; SumarComprobado tells when that would happen.
+    Importe operator+(Importe o) const { return DesdeDiezmilesimos(saturada(m_n, o.m_n, false)); }
+    Importe operator-(Importe o) const { return DesdeDiezmilesimos(saturada(m_n, o.m_n, true)); }
+    Importe operator-() const { return DesdeDiezmilesimos(saturada(0, m_n, true)); }
+    Importe &operator+=(Importe o) { return *this = *this + o; }
+    Importe &operator-=(Importe o) { return *this = *this - o; }
     // Adds o unless the sum would leave the type's range; false (and nothing added) then.
     bool SumarComprobado(Importe o)
     {
@@ -51,6 +57,14 @@ public:
     Importe RedondeadoA(int decimales) const;
 
 private:
+    static constexpr qint64 saturada(qint64 a, qint64 b, bool restar)
+    {
+        qint64 r = 0;
+        if (!(restar ? __builtin_sub_overflow(a, b, &r) : __builtin_add_overflow(a, b, &r)))
+            return r;
+        return (restar ? b < 0 : b > 0) ? std::numeric_limits<qint64>::max() : -std::numeric_limits<qint64>::max();
+    }
+
     qint64 m_n = 0;
 };
 

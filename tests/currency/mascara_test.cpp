@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <iterator>
+#include <limits>
 #include <ostream>
 #include <vector>
 
@@ -211,6 +212,23 @@ TEST(Importe, RedondeaACuatroDecimalesComoSeEscribe)
     EXPECT_EQ(Importe::DesdeDouble(38.1234).aTexto(), QStringLiteral("38.1234"));
     EXPECT_EQ(Importe::DesdeDouble(-0.00004).aTexto(), QStringLiteral("0.0000"));
     EXPECT_EQ(Importe::DesdeDouble(922337203685.4775).diezmilesimos(), 9223372036854775);
+}
+
+// Past its range the type holds its end: never 0, never the other sign.
+TEST(Importe, FueraDeRangoNiCeroNiDaLaVuelta)
+{
+    EXPECT_EQ(Importe::DesdeDouble(1e16), Importe::Maximo());
+    EXPECT_EQ(Importe::DesdeDouble(-1e300), -Importe::Maximo());
+    EXPECT_EQ(Importe::DesdeDouble(std::numeric_limits<double>::infinity()), Importe::Maximo());
+    EXPECT_EQ(Importe::DesdeDouble(922337203685476.0).diezmilesimos(), 9223372036854760000);
+    const Importe uno = Importe::DesdeDouble(1);
+    EXPECT_EQ(Importe::Maximo() + uno, Importe::Maximo());
+    EXPECT_EQ(-Importe::Maximo() - uno, -Importe::Maximo());
+    Importe suma = Importe::Maximo();
+    EXPECT_FALSE(suma.SumarComprobado(uno));
+    EXPECT_EQ(suma, Importe::Maximo()) << "a refused sum adds nothing";
+    EXPECT_TRUE(suma.SumarComprobado(-uno));
+    EXPECT_LT(suma, Importe::Maximo());
 }
 
 TEST(Importe, SumasExactas)

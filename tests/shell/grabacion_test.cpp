@@ -262,6 +262,17 @@ TEST_P(Grabacion, CopiarYOcultar)
     EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientoCuenta Where ACuIDAsiento = %1").arg(copia)), 3);
     EXPECT_GT(filaDe(*doc, copia), 0);
 
+    // A copy the store cannot write is said, and nothing of it appears.
+    const int filas = doc->grilla().Filas();
+    m_base.conexion().Ejecutar(QStringLiteral("Alter Table cceAsientosHistorial Rename To cceAsientosHistorialFuera"));
+    doc->grid()->FijarFilaActual(filaDe(*doc, id));
+    m_mensajes.Responder(ServicioMensajes::Respuesta::Si);
+    doc->comandos().CopiarAsiento();
+    m_base.conexion().Ejecutar(QStringLiteral("Alter Table cceAsientosHistorialFuera Rename To cceAsientosHistorial"));
+    EXPECT_TRUE(m_mensajes.mostrados.last().startsWith(QStringLiteral("error: Error al copiar el asiento."))) << m_mensajes.mostrados.last().toStdString();
+    EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientos")), antes + 1);
+    EXPECT_EQ(doc->grilla().Filas(), filas);
+
     doc->grid()->FijarFilaActual(filaDe(*doc, id));
     doc->comandos().OcultarAsiento();
     EXPECT_EQ(filaDe(*doc, id), -1);
