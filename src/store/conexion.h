@@ -142,7 +142,7 @@ private:
 
 // Reads a date from what a driver hands back: a QDate, a QDateTime or ISO text.
 // Stamps are wall-clock times as the database stores them (no zone); they come back in a
-// QDateTime with Qt::UTC as its time spec so that no local time-zone rule is ever applied to them.
+// QDateTime marked Qt::UTC so that no local time-zone rule is ever applied to them.
 QDate FechaDeValor(const QVariant &valor);
 QDateTime FechaHoraDeValor(const QVariant &valor);
 

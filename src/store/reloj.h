@@ -10,8 +10,8 @@
 class Reloj
 {
 public:
-    // Wall-clock time as stamps are kept: the local date and time of day, carried with UTC
-    // as its time spec so that no time-zone rule is applied to it afterwards.
+    // Wall-clock time as stamps are kept: the local date and time of day, marked Qt::UTC so
+    // that no time-zone rule is applied to it afterwards.
     QDateTime Ahora() const;
     QDate Hoy() const { return Ahora().date(); }
 

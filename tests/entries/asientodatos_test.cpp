@@ -183,7 +183,7 @@ TEST_P(Datos, EliminarDefinitivoBorraCabezalYLineas)
     EXPECT_EQ(a.ultimoResultado(), AsientoDatos::Resultado::NoExiste);
 }
 
-// A new stamp is the clock's now, kept as wall-clock time with Qt::UTC as its time spec, to the
+// A new stamp is the clock's now, kept as wall-clock time marked Qt::UTC, to the
 // millisecond or in whole seconds, and always later than the stamp read.
 TEST(SelloNuevo, ElAhoraDelRelojYSiempreDespuesDelLeido)
 {
