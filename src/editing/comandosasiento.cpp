@@ -96,10 +96,7 @@ void ComandosAsiento::RegistrarAsiento()
         m_pantalla.SeleccionarFila(filaActual);
         m_asientos.ResetCabezal();
     };
-    bool debeMenor = false, cierra = false;
-    double mc = 0, me = 0;
-    if (cabezal >= 0)
-        m_asientos.CierreAsiento(debeMenor, mc, me, cierra);
+    const bool cierra = cabezal >= 0 && m_asientos.Cierra();
     if (cabezal < 0 || c.AsiEstado > EstadoAsiento::kInconcluso) {
         terminar();
         return;
@@ -721,9 +718,7 @@ bool ComandosAsiento::AplicarTC(bool bMonedaCuenta, double tasa, qint16 moneda)
     // Lines of other currencies (an exchange difference in pesos) keep their amounts, so the
     // new rate can leave the entry short on one side: it is then kept only as incomplete,
     // when the user agrees.
-    bool debeMenor = false, cierra = false;
-    double mc = 0, me = 0;
-    m_asientos.CierreAsiento(debeMenor, mc, me, cierra);
+    const bool cierra = m_asientos.Cierra();
     CabezalDatos &d = datos.Cabezal();
     if (!cierra && d.Estado != EstadoAsiento::kInconcluso) {
         const QVector<LineaDatos> nuevas = m_asientos.LineasParaGrabar();

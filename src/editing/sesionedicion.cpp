@@ -388,10 +388,7 @@ void SesionEdicion::AceptarLinea()
     bool escrito = false;
     // Whether the whole entry balances now, whatever the line just taken carried: a line
     // with both accounts balances itself but not the lines before it.
-    bool cierra = false;
-    bool debeMenor = false;
-    double mc = 0, me = 0;
-    m_asientos.CierreAsiento(debeMenor, mc, me, cierra);
+    const bool cierra = m_asientos.Cierra();
     if (cierra) {
         escrito = m_comandos.GrabarAsientoCompleto(true);
         m_pendiente = !escrito;
@@ -475,9 +472,7 @@ bool SesionEdicion::guardarCabezalCambiado()
         return true;
     }
     // Refused: the entry keeps what it had; the screen keeps what was typed.
-    const int fila = c.FilaCabezal;
     c = antes;
-    c.FilaCabezal = fila;
     return false;
 }
 
@@ -528,10 +523,7 @@ bool SesionEdicion::escribirAlSalir(bool &escrito)
         m_grilla.QuitarFila(m_filaEdicion);
         m_filaEdicion = c.FilaCabezal;
     }
-    bool debeMenor = false, cierra = false;
-    double mc = 0, me = 0;
-    m_asientos.CierreAsiento(debeMenor, mc, me, cierra);
-    escrito = m_comandos.GrabarAsientoCompleto(cierra);
+    escrito = m_comandos.GrabarAsientoCompleto(m_asientos.Cierra());
     m_pendiente = !escrito;
     return escrito;
 }

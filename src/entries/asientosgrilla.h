@@ -130,6 +130,8 @@ public:
 
     // Balance and order of the current entry.
     void CierreAsiento(bool &bDebeMenor, double &cDiferenciaMC, double &cDiferenciaME, bool &bCierra);
+    // Whether the current entry balances: CierreAsiento's bCierra alone.
+    bool Cierra();
     bool FilaDiferencia(int fila, bool insertar);
     bool FormatoEntrada();
     void OrdenarCuentas();

@@ -34,6 +34,14 @@ void AsientosGrilla::CierreAsiento(bool &bDebeMenor, double &cDiferenciaMC, doub
     cDiferenciaME = b.diferenciaME.aDouble();
 }
 
+bool AsientosGrilla::Cierra()
+{
+    bool debeMenor = false, cierra = false;
+    double mc = 0, me = 0;
+    CierreAsiento(debeMenor, mc, me, cierra);
+    return cierra;
+}
+
 double AsientosGrilla::BuscarTCMonedaCuenta(qint16 iMoneda) const
 {
     for (int r = Cabezal.FilaCabezal + 1; r >= m_g.FilasFijas() && r < m_g.Filas(); ++r) {

@@ -17,6 +17,7 @@
 
 #include <array>
 #include <barrier>
+#include <functional>
 #include <iostream>
 #include <optional>
 #include <thread>
@@ -121,6 +122,26 @@ qint32 Nuevo(AsientoDatos &a, const QString &leyenda, double importe)
     a.Cabezal().Usuario = Demo::kUsuarioAdministrador;
     a.Lineas() = {linea(22, true, importe), linea(11, false, importe)};
     return a.GrabarTodo();
+}
+
+// Runs a session's steps for sides 0 and 1, each in its own thread, meeting at paso. A side
+// whose steps throw leaves paso so the other is not left waiting; answers what was thrown,
+// empty when both sides finished.
+QString EnDosHilos(std::barrier<> &paso, const std::function<void(int lado)> &sesion)
+{
+    QString fallo[2];
+    auto lado = [&](int l) {
+        try {
+            sesion(l);
+        } catch (const std::exception &e) {
+            fallo[l] = QString::fromUtf8(e.what());
+            paso.arrive_and_drop();
+        }
+    };
+    std::thread uno(lado, 0), dos(lado, 1);
+    uno.join();
+    dos.join();
+    return (fallo[0] + QLatin1Char(' ') + fallo[1]).trimmed();
 }
 
 // A database with nothing in it: a SQLite path with no file yet, or an empty schema.
@@ -343,45 +364,36 @@ TEST_P(Multiusuario, CarreraDeDosSesionesUnSoloGanador)
     };
     std::vector<Vuelta> vueltas(kVueltas);
     std::barrier paso(2);
-    QString fallo[2];
     const QString direccion = base.direccion();
     auto leyendaDe = [](int lado, int vuelta) { return QStringLiteral("lado %1 vuelta %2").arg(lado).arg(vuelta); };
     auto usuarioDe = [](int lado) { return qint16(lado == 0 ? Demo::kUsuarioAdministrador : Demo::kUsuarioContador); };
 
-    auto sesion = [&](int lado) {
-        try {
-            auto c = AbrirBaseDelPrograma(direccion);
-            Espia espia(*c);
-            AsientoDatos a(espia);
-            a.FijarUsuario(usuarioDe(lado));
-            for (int v = 0; v < kVueltas; ++v) {
-                Vuelta &t = vueltas[v];
-                if (!a.CargarAsiento(id))
-                    throw std::runtime_error(a.ultimoError().toStdString());
-                paso.arrive_and_wait();
-                a.Cabezal().Leyenda = leyendaDe(lado, v);
-                espia.causa.reset();
-                t.id[lado] = a.GrabarTodo();
-                t.resultado[lado] = a.ultimoResultado();
-                t.causa[lado] = espia.causa;
-                paso.arrive_and_wait();
-                if (lado == 0) {
-                    t.leyendaGuardada = valor(*c, QStringLiteral("Select AsiLeyenda From cceAsientos Where AsiID = ?"), {id}).toString();
-                    t.historial = filasHistorial(*c, id);
-                    const auto ultimo = HistorialAsiento::Leer(*c, id).last();
-                    t.ultimoUsuario = ultimo.usuario;
-                    t.ultimaLeyendaHistorial = ultimo.despues.value(QStringLiteral("Leyenda")).toString();
-                }
+    const QString fallo = EnDosHilos(paso, [&](int lado) {
+        auto c = AbrirBaseDelPrograma(direccion);
+        Espia espia(*c);
+        AsientoDatos a(espia);
+        a.FijarUsuario(usuarioDe(lado));
+        for (int v = 0; v < kVueltas; ++v) {
+            Vuelta &t = vueltas[v];
+            if (!a.CargarAsiento(id))
+                throw std::runtime_error(a.ultimoError().toStdString());
+            paso.arrive_and_wait();
+            a.Cabezal().Leyenda = leyendaDe(lado, v);
+            espia.causa.reset();
+            t.id[lado] = a.GrabarTodo();
+            t.resultado[lado] = a.ultimoResultado();
+            t.causa[lado] = espia.causa;
+            paso.arrive_and_wait();
+            if (lado == 0) {
+                t.leyendaGuardada = valor(*c, QStringLiteral("Select AsiLeyenda From cceAsientos Where AsiID = ?"), {id}).toString();
+                t.historial = filasHistorial(*c, id);
+                const auto ultimo = HistorialAsiento::Leer(*c, id).last();
+                t.ultimoUsuario = ultimo.usuario;
+                t.ultimaLeyendaHistorial = ultimo.despues.value(QStringLiteral("Leyenda")).toString();
             }
-        } catch (const std::exception &e) {
-            fallo[lado] = QString::fromUtf8(e.what());
-            paso.arrive_and_drop();
         }
-    };
-    std::thread uno(sesion, 0), dos(sesion, 1);
-    uno.join();
-    dos.join();
-    ASSERT_TRUE(fallo[0].isEmpty() && fallo[1].isEmpty()) << fallo[0].toStdString() << " / " << fallo[1].toStdString();
+    });
+    ASSERT_TRUE(fallo.isEmpty()) << fallo.toStdString();
 
     int ganadores = 0, rechazos = 0, ocupadas = 0, otros = 0, perdidas = 0;
     for (int v = 0; v < kVueltas; ++v) {
@@ -430,42 +442,32 @@ TEST_P(Multiusuario, DosSesionesNuncaHacenDosAsientosDeApertura)
     std::vector<std::array<std::optional<Causa>, 2>> causas(kVueltas);
     std::vector<int> vivos(kVueltas);
     std::barrier paso(2);
-    QString fallo[2];
     const QString direccion = base.direccion();
-    auto sesion = [&](int lado) {
-        try {
-            auto c = AbrirBaseDelPrograma(direccion);
-            Espia espia(*c);
-            for (int v = 0; v < kVueltas; ++v) {
-                AsientoDatos a(espia);
-                a.Cabezal().Empresa = Demo::kEmpresa;
-                a.Cabezal().Estado = 1;
-                a.Cabezal().Fecha = QDate(2026, 1, 1);
-                a.Cabezal().Leyenda = QStringLiteral("Saldos iniciales %1").arg(lado);
-                a.Cabezal().Libro = kLibroApertura;
-                a.Lineas() = {linea(22, true, 100 + v), linea(11, false, 100 + v)};
-                paso.arrive_and_wait();
-                espia.causa.reset();
-                const qint32 id = a.GrabarTodo();
-                resultados[v][lado] = a.ultimoResultado();
-                causas[v][lado] = espia.causa;
-                paso.arrive_and_wait();
-                if (lado == 0) {
-                    vivos[v] = valor(*c, QStringLiteral("Select Count(*) From cceAsientos Where AsiTipo = 97 And AsiEstado <> 9")).toInt();
-                    c->Ejecutar(QStringLiteral("Update cceAsientos Set AsiEstado = 9 Where AsiTipo = 97"));
-                }
-                paso.arrive_and_wait();
-                Q_UNUSED(id)
+    const QString fallo = EnDosHilos(paso, [&](int lado) {
+        auto c = AbrirBaseDelPrograma(direccion);
+        Espia espia(*c);
+        for (int v = 0; v < kVueltas; ++v) {
+            AsientoDatos a(espia);
+            a.Cabezal().Empresa = Demo::kEmpresa;
+            a.Cabezal().Estado = 1;
+            a.Cabezal().Fecha = QDate(2026, 1, 1);
+            a.Cabezal().Leyenda = QStringLiteral("Saldos iniciales %1").arg(lado);
+            a.Cabezal().Libro = kLibroApertura;
+            a.Lineas() = {linea(22, true, 100 + v), linea(11, false, 100 + v)};
+            paso.arrive_and_wait();
+            espia.causa.reset();
+            a.GrabarTodo();
+            resultados[v][lado] = a.ultimoResultado();
+            causas[v][lado] = espia.causa;
+            paso.arrive_and_wait();
+            if (lado == 0) {
+                vivos[v] = valor(*c, QStringLiteral("Select Count(*) From cceAsientos Where AsiTipo = 97 And AsiEstado <> 9")).toInt();
+                c->Ejecutar(QStringLiteral("Update cceAsientos Set AsiEstado = 9 Where AsiTipo = 97"));
             }
-        } catch (const std::exception &e) {
-            fallo[lado] = QString::fromUtf8(e.what());
-            paso.arrive_and_drop();
+            paso.arrive_and_wait();
         }
-    };
-    std::thread uno(sesion, 0), dos(sesion, 1);
-    uno.join();
-    dos.join();
-    ASSERT_TRUE(fallo[0].isEmpty() && fallo[1].isEmpty()) << fallo[0].toStdString() << " / " << fallo[1].toStdString();
+    });
+    ASSERT_TRUE(fallo.isEmpty()) << fallo.toStdString();
     for (int v = 0; v < kVueltas; ++v) {
         SCOPED_TRACE(v);
         EXPECT_EQ(vivos[v], 1);
