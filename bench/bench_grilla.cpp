@@ -192,7 +192,7 @@ void OrdenarCuentas2000(benchmark::State &estado)
             l.bEsAlDebe = (i * 7919) % 3 != 0;
             l.lCta = i;
             l.sTextDisplay = QStringLiteral("%1 - Cuenta").arg((i * 7919) % 2000, 4, 10, QLatin1Char('0'));
-            l.dImporte = l.dImporteMC = i;
+            l.dImporte = l.dImporteMC = Importe::DesdeDiezmilesimos(qint64(i) * Importe::kEscala);
             l.ACuOrden = qint16(2000 - i);
             a.FilaLineaAsiento(2 + i, l);
         }

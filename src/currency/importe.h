@@ -18,13 +18,13 @@ public:
     // Rounds to four decimals, halves away from zero, on the value as written (1.00005 is
     // 1.0001 even though its binary double is slightly less). A value past the type's range
     // is held at its end (Maximo or its negative), never 0; what is not a number is 0.
-    // Amounts a user gives are refused long before that (kMaximoLinea).
+    // Amounts a user gives are refused long before that (MaximoLinea).
     static Importe DesdeDouble(double valor);
     static constexpr Importe Maximo() { return DesdeDiezmilesimos(std::numeric_limits<qint64>::max()); }
     // The largest amount a line may carry: amounts pass through doubles (and SQLite keeps
     // them as REAL), in which every ten-thousandth reads back as itself only below 2^37,
     // about 137 billion. A larger one would be stored as another number.
-    static constexpr double kMaximoLinea = 100000000000.0;
+    static constexpr Importe MaximoLinea() { return DesdeDiezmilesimos(100000000000LL * kEscala); }
     // Reads "1234.5", "-0.25" (a point as decimal separator, no grouping); false when the
     // text is no number or does not fit.
     static bool DesdeTexto(const QString &texto, Importe &resultado);

@@ -53,7 +53,25 @@ QString Mascara::FormatearNumero(double valor, const QLocale &locale) const
         return sinGrupos.toString(valor, 'f', QLocale::FloatingPointShortest);
     }
 
-    QString digitos = RedondearDecimal(TextoDecimal(valor), m_decimalesMax);
+    return formatearDigitos(RedondearDecimal(TextoDecimal(valor), m_decimalesMax), locale);
+}
+
+QString Mascara::Formatear(Importe valor, const QLocale &locale) const
+{
+    if (!m_valida)
+        return m_texto.isEmpty() ? FormatearNumero(valor, locale) : m_texto;
+    return m_prefijo + FormatearNumero(valor, locale) + m_sufijo;
+}
+
+QString Mascara::FormatearNumero(Importe valor, const QLocale &locale) const
+{
+    if (!m_valida)
+        return FormatearNumero(valor.aDouble(), locale);
+    return formatearDigitos(RedondearDecimal(valor.aTexto(), m_decimalesMax), locale);
+}
+
+QString Mascara::formatearDigitos(QString digitos, const QLocale &locale) const
+{
     const bool negativo = digitos.startsWith(QLatin1Char('-'));
     if (negativo)
         digitos.remove(0, 1);
@@ -206,6 +224,18 @@ double LeerNumero(const QString &texto, const QLocale &locale)
 double RedondearConMascara(double valor, const QString &mascara, const QLocale &locale)
 {
     return LeerNumero(Mascara(mascara).FormatearNumero(valor, locale), locale);
+}
+
+Importe ImporteConMascara(double valor, const QString &mascara)
+{
+    const Mascara m(mascara);
+    return Importe::DesdeDouble(m.valida() ? RedondearADecimales(valor, std::min(m.decimales(), 4)) : valor);
+}
+
+Importe ImporteConMascara(Importe valor, const QString &mascara)
+{
+    const Mascara m(mascara);
+    return m.valida() ? valor.RedondeadoA(m.decimales()) : valor;
 }
 
 double RedondearADecimales(double valor, int decimales)

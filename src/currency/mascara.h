@@ -3,6 +3,8 @@
 #include <QLocale>
 #include <QString>
 
+#include "importe.h"
+
 // A number mask in the usual spreadsheet notation: "#" an optional digit, "0" a required
 // digit, "," thousands grouping, "." the decimal point; the printed separators are the
 // locale's. "#,##0.00" prints 1234.5 as 1.234,50 in Spanish and 1,234.50 in English.
@@ -17,12 +19,17 @@ public:
     QString Formatear(double valor, const QLocale &locale = QLocale()) const;
     // The number alone, without the text around it: what LeerNumero reads back.
     QString FormatearNumero(double valor, const QLocale &locale = QLocale()) const;
+    // An amount is printed from its own decimal digits, never through a double.
+    QString Formatear(Importe valor, const QLocale &locale = QLocale()) const;
+    QString FormatearNumero(Importe valor, const QLocale &locale = QLocale()) const;
     // Whether the mask has digit characters; decimales() means something only then.
     bool valida() const { return m_valida; }
     int decimales() const { return m_decimalesMax; }
     const QString &texto() const { return m_texto; }
 
 private:
+    QString formatearDigitos(QString digitos, const QLocale &locale) const;
+
     QString m_texto;
     QString m_prefijo;
     QString m_sufijo;
@@ -53,6 +60,10 @@ double LeerNumero(const QString &texto, const QLocale &locale = QLocale());
 
 // Prints with the mask and reads the text back: the value rounded as the user sees it.
 double RedondearConMascara(double valor, const QString &mascara, const QLocale &locale = QLocale());
+// The value rounded as the mask prints it, as an amount: to the mask's decimals (four at
+// most), or to four when the mask has no digits.
+Importe ImporteConMascara(double valor, const QString &mascara);
+Importe ImporteConMascara(Importe valor, const QString &mascara);
 // Rounds to that many decimals as a mask with them prints the value: on its decimal digits,
 // halves away from zero (2.675 to 2.68). Far cheaper than printing and reading back.
 double RedondearADecimales(double valor, int decimales);

@@ -102,7 +102,7 @@ bool AsientoApertura::valorarSaldosExtranjeros(QVector<LineaDatos> &lineas, cons
     const QString mascaraMC = m_datos.monedas().DatoMoneda(0, 4).toString();
     for (int i = 0; i < lineas.size(); ++i) {
         LineaDatos &l = lineas[i];
-        if (monedas.value(i) == 0 || l.ImporteMC != 0 || l.Importe == 0)
+        if (monedas.value(i) == 0 || !l.ImporteMC.esCero() || l.Importe.esCero())
             continue;
         bool hallada = false;
         QDate fecha;
@@ -117,7 +117,7 @@ bool AsientoApertura::valorarSaldosExtranjeros(QVector<LineaDatos> &lineas, cons
             return false;
         }
         l.Tasa = tasa;
-        l.ImporteMC = RedondearConMascara(l.Importe * tasa, mascaraMC);
+        l.ImporteMC = ImporteConMascara(l.Importe.aDouble() * tasa, mascaraMC);
     }
     return true;
 }

@@ -724,11 +724,11 @@ bool ComandosAsiento::AplicarTC(bool bMonedaCuenta, double tasa, qint16 moneda)
         const QVector<LineaDatos> nuevas = m_asientos.LineasParaGrabar();
         Importe debe, haber;
         for (const LineaDatos &l : nuevas)
-            (l.AlDebe ? debe : haber) += Importe::DesdeDouble(l.ImporteMC);
+            (l.AlDebe ? debe : haber) += l.ImporteMC;
         const Mascara mascaraMC(m_datos.monedas().DatoMoneda(0, 4).toString());
         QString pregunta = m_datos.texto(1958);
-        pregunta.replace(QLatin1String("[p1]"), mascaraMC.Formatear(debe.aDouble()));
-        pregunta.replace(QLatin1String("[p2]"), mascaraMC.Formatear(haber.aDouble()));
+        pregunta.replace(QLatin1String("[p1]"), mascaraMC.Formatear(debe));
+        pregunta.replace(QLatin1String("[p2]"), mascaraMC.Formatear(haber));
         if (m_datos.mensajes->Preguntar(pregunta, ServicioMensajes::Botones::SiNo) != ServicioMensajes::Respuesta::Si) {
             comoEstaba();
             return false;

@@ -56,7 +56,7 @@ public:
 
     // Loads the line editor for the edited row: the entry's date, the amount still missing
     // (debit side when debeMenor) and the row's line, if it has one.
-    virtual void CargarEditor(const QDate &fecha, std::optional<std::pair<bool, double>> diferencia,
+    virtual void CargarEditor(const QDate &fecha, std::optional<std::pair<bool, Importe>> diferencia,
                               const std::optional<RegistroLinea> &linea) = 0;
     // The account typed in the line editor on one side; none when that side is blank.
     virtual std::optional<ValorLinea> LineaDelEditor(bool debe) const = 0;

@@ -142,13 +142,11 @@ void SesionEdicion::cargarLineaEnEditor(int fila)
 {
     const CabezalAsiento &c = m_asientos.Cabezal;
     bool debeMenor = false, cierra = false;
-    double mc = 0, me = 0;
+    Importe mc, me;
     m_asientos.CierreAsiento(debeMenor, mc, me, cierra);
-    // The missing amount is proposed as an amount: to the cent of the fixed-point type, not
-    // with the noise of the sums (99.99999999999999).
-    std::optional<std::pair<bool, double>> diferencia;
+    std::optional<std::pair<bool, Importe>> diferencia;
     if (!cierra)
-        diferencia = std::make_pair(debeMenor, Importe::DesdeDouble(me != 0 ? me : mc).aDouble());
+        diferencia = std::make_pair(debeMenor, !me.esCero() ? me : mc);
     std::optional<RegistroLinea> linea;
     RegistroLinea l = m_asientos.LineaDeFila(fila);
     if (l.lCta > 0) {
@@ -208,7 +206,7 @@ void SesionEdicion::escribirLinea(int fila, const RegistroLinea &linea)
 bool SesionEdicion::reglaTasas(RegistroLinea &linea)
 {
     const qint16 mc = m_datos.empresa.monedaContabilidad;
-    if (linea.iMon == mc || linea.iMon < 1 || linea.dImporte == 0)
+    if (linea.iMon == mc || linea.iMon < 1 || linea.dImporte.esCero())
         return true;
     const double usada = m_asientos.BuscarTCMonedaCuenta(linea.iMon);
     const QString mascara = m_datos.monedas().DatoMoneda(linea.iMon, 5).toString();
@@ -220,19 +218,19 @@ bool SesionEdicion::reglaTasas(RegistroLinea &linea)
         return true;
 
     // The average over the lines kept and this one.
-    double sumaME = linea.dImporte;
-    double sumaMC = linea.dImporteMC;
+    Importe sumaME = linea.dImporte;
+    Importe sumaMC = linea.dImporteMC;
     const int cabezal = m_asientos.Cabezal.FilaCabezal;
     for (int r = cabezal + 1; r <= m_asientos.UltimaFilaAsiento(cabezal); ++r) {
         if (r == m_filaEdicion || m_asientos.EsFilaDiferencia(r))
             continue;
         const RegistroLinea x = m_asientos.LineaDeFila(r);
-        if (x.iMon == linea.iMon && x.dImporte != 0) {
+        if (x.iMon == linea.iMon && !x.dImporte.esCero()) {
             sumaME += x.dImporte;
             sumaMC += x.dImporteMC;
         }
     }
-    const double promedio = sumaME != 0 ? sumaMC / sumaME : linea.dTCambio;
+    const double promedio = !sumaME.esCero() ? sumaMC.aDouble() / sumaME.aDouble() : linea.dTCambio;
     const Mascara tres(QStringLiteral("#,##0.000"));
     QString pregunta = m_datos.texto(1832);
     pregunta.replace(QLatin1String("[p]"), tres.Formatear(mostrada(linea.dTCambio)));
@@ -251,9 +249,9 @@ bool SesionEdicion::reglaTasas(RegistroLinea &linea)
     auto recalcular = [&](RegistroLinea &l) {
         l.dTCambio = nueva;
         if (mantenerMC)
-            l.dImporte = RedondearConMascara(l.dImporteMC / nueva, mascaraME);
+            l.dImporte = ImporteConMascara(l.dImporteMC.aDouble() / nueva, mascaraME);
         else
-            l.dImporteMC = RedondearConMascara(l.dImporte * nueva, mascaraMC);
+            l.dImporteMC = ImporteConMascara(l.dImporte.aDouble() * nueva, mascaraMC);
     };
     recalcular(linea);
     if (respuesta != ServicioMensajes::Respuesta::Cancelar) {
@@ -300,7 +298,7 @@ void SesionEdicion::AceptarLinea()
         const bool extranjera = v.iMon != m_datos.empresa.monedaContabilidad && v.iMon >= 1;
         l.dImporte = v.dImporte;
         l.dImporteMC = extranjera ? v.dImporteMC : v.dImporte;
-        l.dTCambio = extranjera ? v.dTCambio : (v.dImporte != 0 ? 1 : 0);
+        l.dTCambio = extranjera ? v.dTCambio : (v.dImporte.esCero() ? 0 : 1);
         lineas.append(l);
     }
     if (lineas.isEmpty())
@@ -309,13 +307,13 @@ void SesionEdicion::AceptarLinea()
     // A typed line of nothing books nothing (a stored one accepted unchanged stays as it is).
     const bool tecleada = LineaSinAceptar();
     for (const RegistroLinea &l : std::as_const(lineas)) {
-        if (tecleada && Importe::DesdeDouble(l.dImporte).esCero() && Importe::DesdeDouble(l.dImporteMC).esCero()) {
+        if (tecleada && l.dImporte.esCero() && l.dImporteMC.esCero()) {
             m_datos.Advertir(1954);
             return;
         }
     }
     for (const RegistroLinea &l : std::as_const(lineas)) {
-        if (l.dImporte == 0 && l.dImporteMC != 0 && !m_datos.Preguntar(1819))
+        if (l.dImporte.esCero() && !l.dImporteMC.esCero() && !m_datos.Preguntar(1819))
             return;
     }
     // Closed accounts: an account of the stored entry closed at its date cannot change
@@ -488,10 +486,9 @@ bool SesionEdicion::LineaSinAceptar() const
     const RegistroLinea fila = m_asientos.LineaDeFila(m_filaEdicion);
     if (fila.lCta <= 0 || m_asientos.EsFilaDiferencia(m_filaEdicion))
         return true;
-    auto distintos = [](double a, double b) { return Importe::DesdeDouble(a) != Importe::DesdeDouble(b); };
     const bool extranjera = v.iMon != m_datos.empresa.monedaContabilidad && v.iMon >= 1;
     return fila.lCta != v.lCta || fila.bEsAlDebe != debe.has_value() || fila.iPry != v.iPry || fila.iDep != v.iDep
-        || distintos(fila.dImporte, v.dImporte) || (extranjera && distintos(fila.dImporteMC, v.dImporteMC));
+        || fila.dImporte != v.dImporte || (extranjera && fila.dImporteMC != v.dImporteMC);
 }
 
 SesionEdicion::Decision SesionEdicion::decidir(Salida salida, int pregunta) const

@@ -38,14 +38,6 @@ QString condicionSello(Motor motor, const QDateTime &leido, QVariantList &valore
 
 } // namespace
 
-SumasEnCentesimos SumarEnCentesimos(const QVector<LineaDatos> &lineas)
-{
-    SumasEnCentesimos s;
-    for (const LineaDatos &l : lineas)
-        (l.AlDebe ? s.debe : s.haber) += std::llround(l.ImporteMC * 100);
-    return s;
-}
-
 QString TextoDeCuenta(Conexion &conexion, qint32 cuenta, bool mostrarCodigo)
 {
     auto rs = conexion.Abrir(QStringLiteral("Select CueCodigo, CueNombre From cceCuentas Where CueID = ?"), {cuenta});
@@ -145,9 +137,9 @@ bool AsientoDatos::CargarAsiento(qint32 asiID)
             l.Departamento = qint16(rs->Entero(QStringLiteral("ACuDepartamento")));
             l.AlDebe = rs->EsNulo(QStringLiteral("AcuHaber"));
             const QString propio = l.AlDebe ? QStringLiteral("ACuDebe") : QStringLiteral("AcuHaber");
-            l.Importe = rs->EsNulo(propio) ? 0 : rs->Numero(propio);
-            l.ImporteMC = rs->Numero(QStringLiteral("ACuImporteMC"));
-            l.Tasa = l.Importe != 0 ? l.ImporteMC / l.Importe : 0;
+            l.Importe = rs->EsNulo(propio) ? Importe() : Importe::DesdeDouble(rs->Numero(propio));
+            l.ImporteMC = Importe::DesdeDouble(rs->Numero(QStringLiteral("ACuImporteMC")));
+            l.Tasa = l.Importe.esCero() ? 0 : l.ImporteMC.aDouble() / l.Importe.aDouble();
             l.Orden = rs->EsNulo(QStringLiteral("ACuOrden")) ? 0 : qint16(rs->Entero(QStringLiteral("ACuOrden")));
             m_lineas.append(l);
         }
@@ -257,13 +249,7 @@ ResultadoBalance AsientoDatos::balanceDe(const QVector<LineaBalance> &lineas, qi
     if (!monedas.CargarMonedas(*m_conexion))
         throw ErrorBaseDatos(QStringLiteral("no se pudieron leer las monedas"));
     monedas.FijarMonedaContabilidad(monedaContabilidad);
-    QHash<qint16, Mascara> mascaras;
-    return CalcularBalance(lineas, monedaContabilidad, [&](qint16 moneda) -> const Mascara & {
-        auto it = mascaras.find(moneda);
-        if (it == mascaras.end())
-            it = mascaras.insert(moneda, Mascara(monedas.DatoMoneda(moneda, 4).toString()));
-        return *it;
-    });
+    return CalcularBalance(lineas, monedaContabilidad, monedas);
 }
 
 ResultadoBalance AsientoDatos::Balance()
@@ -276,7 +262,7 @@ ResultadoBalance AsientoDatos::Balance()
             monedaDe.insert(l.Cuenta, rs->Fin() || rs->EsNulo(QStringLiteral("CueMoneda")) ? 0 : qint16(rs->Entero(QStringLiteral("CueMoneda"))));
             rs->Cerrar();
         }
-        lineas.append({l.AlDebe, monedaDe.value(l.Cuenta), Importe::DesdeDouble(l.ImporteMC), Importe::DesdeDouble(l.Importe)});
+        lineas.append({l.AlDebe, monedaDe.value(l.Cuenta), l.ImporteMC, l.Importe});
     }
     qint32 empresa = m_cabezal.Empresa;
     if (empresa == 0 && m_cabezal.AsiID > 0) {
@@ -341,7 +327,7 @@ bool AsientoDatos::reglasDelLibro(qint32 asiID, qint16 libroAnterior)
 // Every amount is one the store keeps exactly: finite and within a line's range.
 bool AsientoDatos::importesEnRango()
 {
-    auto admitido = [](double v) { return std::isfinite(v) && std::fabs(v) <= Importe::kMaximoLinea; };
+    auto admitido = [](Importe v) { return v.abs() <= Importe::MaximoLinea(); };
     for (const LineaDatos &l : std::as_const(m_lineas)) {
         if (!admitido(l.Importe) || !admitido(l.ImporteMC))
             return fallar(Resultado::FueraDeRango, QStringLiteral("importe no válido en la cuenta %1").arg(l.Cuenta));
@@ -389,11 +375,11 @@ void AsientoDatos::escribirLineas(qint32 asiID)
         if (orden <= 0 || usados.contains(orden))
             orden = ++ultimo;
         usados.insert(orden);
-        const QVariant importe(l.Importe);
+        const QVariant importe(l.Importe.aDouble());
         m_conexion->Ejecutar(QStringLiteral("Insert Into cceAsientoCuenta (ACuIDAsiento, ACuCuenta, ACuProyecto, ACuDepartamento,"
                                             " ACuDebe, AcuHaber, ACuImporteMC, ACuOrden) Values (?, ?, ?, ?, ?, ?, ?, ?)"),
                              {asiID, l.Cuenta, l.Proyecto, l.Departamento, l.AlDebe ? importe : nulo(QMetaType::Double),
-                              l.AlDebe ? nulo(QMetaType::Double) : importe, l.ImporteMC, orden});
+                              l.AlDebe ? nulo(QMetaType::Double) : importe, l.ImporteMC.aDouble(), orden});
     }
 }
 

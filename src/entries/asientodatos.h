@@ -34,9 +34,9 @@ struct LineaDatos
     qint16 Proyecto = 0;
     qint16 Departamento = 0;
     bool AlDebe = true;
-    double Importe = 0;               // in the account's currency
+    ::Importe Importe;                // in the account's currency
     double Tasa = 0;
-    double ImporteMC = 0;             // in the accounting currency
+    ::Importe ImporteMC;              // in the accounting currency
     qint16 Orden = 0;                 // ACuOrden: the line's place in the order of entry; 0 = next
 };
 
@@ -55,15 +55,6 @@ struct LibrosSistema
         return libro != 0 && (libro == resumen || libro == apertura || libro == cierre || libro == adc || libro == primeraApertura);
     }
 };
-
-// The debits and the credits of lines in the accounting currency, each line to the cent:
-// lines balance when the two are equal.
-struct SumasEnCentesimos
-{
-    qint64 debe = 0;
-    qint64 haber = 0;
-};
-SumasEnCentesimos SumarEnCentesimos(const QVector<LineaDatos> &lineas);
 
 // An account as the lists show it ("code - name", or the name alone); its id as text when
 // there is no such account. Throws ErrorBaseDatos.
@@ -99,7 +90,7 @@ bool AsientoVerificado(Conexion &conexion, qint32 asiID);
 //   another registered one, is refused (AperturaDuplicada). The check runs under a lock on
 //   the company (the write lock of SQLite, a row lock on PostgreSQL), so two sessions cannot
 //   both pass it;
-// - every amount is one the store keeps exactly, up to Importe::kMaximoLinea (FueraDeRango).
+// - every amount is one the store keeps exactly, up to Importe::MaximoLinea() (FueraDeRango).
 // A refused write leaves both tables as they were. Each write also leaves its row in the
 // audit trail and its live notice to other sessions, in the same transaction.
 class AsientoDatos

@@ -181,22 +181,25 @@ void AsientosGrilla::FilaLineaAsiento(int fila, const RegistroLinea &l)
 
     // Amounts are kept as they are shown, rounded to the mask of their cell: what the grid
     // holds, what it shows and what is stored agree (100.555 U$S shown 100.56 is 100.56).
-    // The rate is not stored and keeps its value.
-    auto comoSeMuestra = [this](double valor, const QString &mascara) {
+    // The rate is not stored: its cell holds it as shown, and its data the factor itself.
+    auto comoSeMuestra = [this](Importe valor, const QString &mascara) {
         const int decimales = decimalesMostrados(mascara);
-        return Importe::DesdeDouble(decimales >= 0 ? RedondearADecimales(valor, qMin(decimales, 4)) : valor).aDouble();
+        return decimales >= 0 ? valor.RedondeadoA(decimales) : valor;
     };
     const int columnaImporte = l.bEsAlDebe ? 2 : 3;
     const QString mascaraColumna = m_g.FormatoColumna(columnaImporte);
     if (l.iMon != m_ctx.monedaContabilidad && l.iMon >= 1) {
-        const double importeMC = comoSeMuestra(l.dImporteMC, mascaraColumna);
+        const Importe importeMC = comoSeMuestra(l.dImporteMC, mascaraColumna);
         const QString mascaraME = mascaraImporte(l.iMon);
         m_g.FijarNumero(fila, columnaImporte, importeMC);
         const QString mascaraTasa = m_ctx.monedas ? m_ctx.monedas->DatoMoneda(l.iMon, 5).toString() : QString();
-        m_g.FijarNumero(fila, 4, l.dTCambio, mascaraTasa);
+        const int decimalesTasa = decimalesMostrados(mascaraTasa);
+        m_g.FijarNumero(fila, 4, Importe::DesdeDouble(decimalesTasa >= 0 ? RedondearADecimales(l.dTCambio, qMin(decimalesTasa, 4)) : l.dTCambio),
+                        mascaraTasa);
+        m_g.FijarDato(fila, 4, l.dTCambio);
         m_g.FijarNumero(fila, 5, comoSeMuestra(l.dImporte, mascaraME), mascaraME);
         if (l.dTCambio != 0)
-            m_g.FijarDato(fila, 5, importeMC / l.dTCambio);
+            m_g.FijarDato(fila, 5, importeMC.aDouble() / l.dTCambio);
     } else {
         m_g.FijarNumero(fila, columnaImporte, comoSeMuestra(l.dImporte, mascaraColumna));
     }
@@ -277,12 +280,19 @@ RegistroLinea AsientosGrilla::LineaDeFila(int fila) const
     l.dFechaCierre = m_g.Dato(fila, 2).toString();
     l.bEsAlDebe = tieneTexto(fila, 2) || (!tieneTexto(fila, 3) && !m_g.Texto(fila, 0).isEmpty());
     l.sTextDisplay = m_g.Texto(fila, l.bEsAlDebe ? 0 : 1);
-    const double mc = m_g.Valor(fila, l.bEsAlDebe ? 2 : 3);
+    const Importe mc = m_g.Valor(fila, l.bEsAlDebe ? 2 : 3);
     const bool extranjera = l.iMon != m_ctx.monedaContabilidad && l.iMon >= 1;
     l.dImporteMC = mc;
     l.dImporte = extranjera ? m_g.Valor(fila, 5) : mc;
-    l.dTCambio = extranjera ? m_g.Valor(fila, 4) : (mc != 0 ? 1 : 0);
+    l.dTCambio = extranjera ? TasaDeFila(fila) : (mc.esCero() ? 0 : 1);
     return l;
+}
+
+double AsientosGrilla::TasaDeFila(int fila) const
+{
+    // A grid laid out before the data kept the factor has only the rate as shown.
+    const QVariant factor = m_g.Dato(fila, 4);
+    return factor.isValid() ? factor.toDouble() : m_g.Valor(fila, 4).aDouble();
 }
 
 QVector<LineaDatos> AsientosGrilla::LineasParaGrabar(QVector<qint16> *monedas) const
@@ -302,8 +312,8 @@ QVector<LineaDatos> AsientosGrilla::LineasParaGrabar(QVector<qint16> *monedas) c
         d.Proyecto = l.iPry;
         d.Departamento = l.iDep;
         d.AlDebe = l.bEsAlDebe;
-        d.Importe = Importe::DesdeDouble(l.dImporte).aDouble();
-        d.ImporteMC = Importe::DesdeDouble(l.dImporteMC).aDouble();
+        d.Importe = l.dImporte;
+        d.ImporteMC = l.dImporteMC;
         d.Tasa = l.dTCambio;
         d.Orden = l.ACuOrden;
         lineas.append(d);
@@ -402,9 +412,9 @@ double numero(const QVariant &v)
 }
 
 // Amounts are rounded to the fixed-point type as soon as they are read.
-double importe(const QVariant &v)
+Importe importe(const QVariant &v)
 {
-    return Importe::DesdeDouble(numero(v)).aDouble();
+    return Importe::DesdeDouble(numero(v));
 }
 
 int entero(const QVariant &v)
@@ -436,7 +446,7 @@ int AsientosGrilla::LlenarGrilla(Conexion &conexion, const QString &sql, int fil
         qint32 asiento = 0;
         qint32 cuenta = 0;
         bool debe = false;
-        double importe = 0;
+        Importe importe;
         bool operator==(const ClaveEmpate &o) const = default;
     } empate;
     QVector<qint16> ordenesEmpatadas;
@@ -489,9 +499,9 @@ int AsientosGrilla::LlenarGrilla(Conexion &conexion, const QString &sql, int fil
                 l.dImporte = importe(rs->Campo(l.bEsAlDebe ? c.ACuDebe : c.AcuHaber));
             else
                 l.dImporte = l.dImporteMC;
-            l.dTCambio = l.dImporte != 0 ? l.dImporteMC / l.dImporte : 0;
+            l.dTCambio = l.dImporte.esCero() ? 0 : l.dImporteMC.aDouble() / l.dImporte.aDouble();
             // One account has one currency: its debit amount is the line's own amount.
-            const ClaveEmpate clave{id, l.lCta, l.bEsAlDebe, l.bEsAlDebe ? l.dImporte : 0.0};
+            const ClaveEmpate clave{id, l.lCta, l.bEsAlDebe, l.bEsAlDebe ? l.dImporte : Importe()};
             if (!(clave == empate))
                 ordenesEmpatadas.clear();
             empate = clave;

@@ -129,7 +129,7 @@ public:
     int LlenarGrilla(Conexion &conexion, const QString &sql, int fila);
 
     // Balance and order of the current entry.
-    void CierreAsiento(bool &bDebeMenor, double &cDiferenciaMC, double &cDiferenciaME, bool &bCierra);
+    void CierreAsiento(bool &bDebeMenor, Importe &cDiferenciaMC, Importe &cDiferenciaME, bool &bCierra);
     // Whether the current entry balances: CierreAsiento's bCierra alone.
     bool Cierra();
     bool FilaDiferencia(int fila, bool insertar);
@@ -140,6 +140,9 @@ public:
     // in it, the amount in pesos over the amount in the currency (or the rate cell when that
     // amount is 0); 0 when no line of that currency is found before the next entry.
     double BuscarTCMonedaCuenta(qint16 iMoneda) const;
+    // A line row's rate: accounting units per unit of its currency, as the factor itself
+    // (its cell shows it cut to the rate mask).
+    double TasaDeFila(int fila) const;
 
     // The line of a grid row as the editor and the storage take it.
     RegistroLinea LineaDeFila(int fila) const;

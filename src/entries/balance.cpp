@@ -9,7 +9,7 @@
 #include <algorithm>
 #include <cmath>
 
-void AsientosGrilla::CierreAsiento(bool &bDebeMenor, double &cDiferenciaMC, double &cDiferenciaME, bool &bCierra)
+void AsientosGrilla::CierreAsiento(bool &bDebeMenor, Importe &cDiferenciaMC, Importe &cDiferenciaME, bool &bCierra)
 {
     QVector<LineaBalance> lineas;
     const int cabezal = Cabezal.FilaCabezal;
@@ -22,22 +22,22 @@ void AsientosGrilla::CierreAsiento(bool &bDebeMenor, double &cDiferenciaMC, doub
         LineaBalance l;
         l.alDebe = tieneTexto(r, 2);
         l.moneda = qint16(CampoDeClave(clave, 3));
-        l.mc = Importe::DesdeDouble(m_g.Valor(r, l.alDebe ? 2 : 3));
-        l.me = Importe::DesdeDouble(m_g.Valor(r, 5));
+        l.mc = m_g.Valor(r, l.alDebe ? 2 : 3);
+        l.me = m_g.Valor(r, 5);
         lineas.append(l);
     }
     const ResultadoBalance b = CalcularBalance(lineas, m_ctx.monedaContabilidad, 
                                                [this](qint16 m) -> const Mascara & { return mascaraLeida(mascaraImporte(m)); });
     bCierra = b.cierra;
     bDebeMenor = b.debeMenor;
-    cDiferenciaMC = b.diferenciaMC.aDouble();
-    cDiferenciaME = b.diferenciaME.aDouble();
+    cDiferenciaMC = b.diferenciaMC;
+    cDiferenciaME = b.diferenciaME;
 }
 
 bool AsientosGrilla::Cierra()
 {
     bool debeMenor = false, cierra = false;
-    double mc = 0, me = 0;
+    Importe mc, me;
     CierreAsiento(debeMenor, mc, me, cierra);
     return cierra;
 }
@@ -50,14 +50,14 @@ double AsientosGrilla::BuscarTCMonedaCuenta(qint16 iMoneda) const
         const QString clave = m_g.Dato(r, 1).toString();
         if (clave.isEmpty() || CampoDeClave(clave, 3) != iMoneda)
             continue;
-        const double importe = m_g.Valor(r, 5);
-        if (importe == 0)
-            return Importe::DesdeDouble(m_g.Valor(r, 4)).aDouble();
+        const Importe importe = m_g.Valor(r, 5);
+        if (importe.esCero())
+            return Importe::DesdeDouble(TasaDeFila(r)).aDouble();
         double tasa = 0;
         if (m_g.EsNumero(r, 2))
-            tasa = m_g.Valor(r, 2) / importe;
+            tasa = m_g.Valor(r, 2).aDouble() / importe.aDouble();
         else if (m_g.EsNumero(r, 3))
-            tasa = m_g.Valor(r, 3) / importe;
+            tasa = m_g.Valor(r, 3).aDouble() / importe.aDouble();
         return Importe::DesdeDouble(tasa).aDouble();
     }
     return 0;
@@ -67,8 +67,8 @@ bool AsientosGrilla::FilaDiferencia(int fila, bool insertar)
 {
     bool debeMenor = false;
     bool cierra = false;
-    double difMC = 0;
-    double difME = 0;
+    Importe difMC;
+    Importe difME;
     CierreAsiento(debeMenor, difMC, difME, cierra);
     if (cierra)
         return false;
@@ -80,7 +80,7 @@ bool AsientosGrilla::FilaDiferencia(int fila, bool insertar)
     l.sTextDisplay = kTextoDiferencia;
     l.lCta = -1;
     l.iMon = 0;
-    l.dImporte = difME == 0 && difMC > 0 ? difMC : difME;
+    l.dImporte = difME.esCero() && difMC > Importe() ? difMC : difME;
     l.dImporteMC = difMC;
     l.dTCambio = 1;
     l.ACuOrden = 999;
@@ -96,8 +96,8 @@ bool AsientosGrilla::FormatoEntrada()
     OrdenarCuentas();
     bool debeMenor = false;
     bool cierra = false;
-    double difMC = 0;
-    double difME = 0;
+    Importe difMC;
+    Importe difME;
     CierreAsiento(debeMenor, difMC, difME, cierra);
 
     const int cabezal = Cabezal.FilaCabezal;
@@ -259,9 +259,9 @@ void AsientosGrilla::PromediarTasas()
         Importe sumaME, sumaMC;
         for (int k = cabezal + 1; k <= ultima; ++k) {
             const RegistroLinea x = LineaDeFila(k);
-            if (x.iMon == l.iMon && x.dImporte != 0 && !EsFilaDiferencia(k)) {
-                sumaME += Importe::DesdeDouble(x.dImporte);
-                sumaMC += Importe::DesdeDouble(x.dImporteMC);
+            if (x.iMon == l.iMon && !x.dImporte.esCero() && !EsFilaDiferencia(k)) {
+                sumaME += x.dImporte;
+                sumaMC += x.dImporteMC;
             }
         }
         if (sumaME <= Importe())
@@ -319,18 +319,18 @@ int AsientosGrilla::AplicarTasa(bool bMonedaCuenta, double tasa, qint16 moneda)
             continue;
         RegistroLinea l = LineaDeFila(r);
         // A line with no amount in its currency is an exchange difference: no rate applies.
-        if (l.iMon != moneda || l.lCta <= 0 || l.dImporte == 0)
+        if (l.iMon != moneda || l.lCta <= 0 || l.dImporte.esCero())
             continue;
         if (bMonedaCuenta) {
-            const double me = vista.divide ? l.dImporteMC * vista.tasa : l.dImporteMC / vista.tasa;
-            l.dImporte = RedondearConMascara(me, mascaraME);
+            const double me = vista.divide ? l.dImporteMC.aDouble() * vista.tasa : l.dImporteMC.aDouble() / vista.tasa;
+            l.dImporte = ImporteConMascara(me, mascaraME);
         } else {
-            const double mc = vista.divide ? l.dImporte / vista.tasa : l.dImporte * vista.tasa;
-            l.dImporteMC = RedondearConMascara(mc, mascaraMC);
+            const double mc = vista.divide ? l.dImporte.aDouble() / vista.tasa : l.dImporte.aDouble() * vista.tasa;
+            l.dImporteMC = ImporteConMascara(mc, mascaraMC);
         }
         l.dTCambio = factorCelda;
         FilaLineaAsiento(r, l);
-        m_g.FijarDato(r, 5, m_g.Valor(r, l.bEsAlDebe ? 2 : 3) / factor);
+        m_g.FijarDato(r, 5, m_g.Valor(r, l.bEsAlDebe ? 2 : 3).aDouble() / factor);
         ++cambiadas;
     }
     return cambiadas;

@@ -60,7 +60,7 @@ public:
     {
         s << f.imagen << quint32(f.fondo) << quint32(f.colorBorde) << qint32(f.alto) << f.oculta;
         for (const CeldaGrilla &c : f.celdas)
-            s << c.texto << c.dato << c.valor << c.mascara << quint32(c.colorTexto) << c.alineacion;
+            s << c.texto << c.dato << c.valor.aDouble() << c.mascara << quint32(c.colorTexto) << c.alineacion;
     }
 
     // The fewest bytes a row of this grid takes in the file: an empty row's.
@@ -120,7 +120,9 @@ public:
             f.alto = alto;
             for (CeldaGrilla &c : f.celdas) {
                 quint32 color = 0;
-                s >> c.texto >> c.dato >> c.valor >> c.mascara >> color >> c.alineacion;
+                double valor = 0; // the file keeps numbers as doubles
+                s >> c.texto >> c.dato >> valor >> c.mascara >> color >> c.alineacion;
+                c.valor = Importe::DesdeDouble(valor);
                 c.colorTexto = color;
                 if (c.mascara < Grilla::kMascaraColumna || c.mascara >= mascaras)
                     return false;

@@ -27,10 +27,12 @@ QDate FrecuentesDatos::SiguienteFecha(const MovimientoFrecuente &m)
     return siguiente;
 }
 
-bool MovimientoFrecuente::Cierra() const
+ResultadoBalance MovimientoFrecuente::Balance(qint16 monedaContabilidad, CatalogoMonedas &monedas) const
 {
-    const SumasEnCentesimos sumas = SumarEnCentesimos(Lineas);
-    return !Lineas.isEmpty() && sumas.debe == sumas.haber;
+    QVector<LineaBalance> lineas;
+    for (int i = 0; i < Lineas.size(); ++i)
+        lineas.append({Lineas[i].AlDebe, Monedas.value(i), Lineas[i].ImporteMC, Lineas[i].Importe});
+    return CalcularBalance(lineas, monedaContabilidad, monedas);
 }
 
 FrecuentesDatos::FrecuentesDatos(Conexion &conexion)
@@ -67,14 +69,14 @@ void FrecuentesDatos::escribirLineas(const MovimientoFrecuente &m)
                                            " MFLProyecto, MFLDepartamento, MFLMoneda, MFLEsDebe, MFLImporte, MFLTasa, MFLImporteMC)"
                                            " Values (?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"),
                             {m.MFrID, i + 1, l.Cuenta, l.Proyecto, l.Departamento, m.Monedas.value(i), l.AlDebe ? 1 : 0,
-                             l.Importe, l.Tasa, l.ImporteMC});
+                             l.Importe.aDouble(), l.Tasa, l.ImporteMC.aDouble()});
     }
 }
 
 qint32 FrecuentesDatos::Guardar(MovimientoFrecuente &m)
 {
     for (const LineaDatos &l : std::as_const(m.Lineas)) {
-        if (!std::isfinite(l.Importe) || !std::isfinite(l.ImporteMC) || !std::isfinite(l.Tasa)) {
+        if (!std::isfinite(l.Tasa) || l.Importe.abs() > Importe::MaximoLinea() || l.ImporteMC.abs() > Importe::MaximoLinea()) {
             m_error = QStringLiteral("importe no válido en la cuenta %1").arg(l.Cuenta);
             return 0;
         }
@@ -163,9 +165,9 @@ std::optional<MovimientoFrecuente> FrecuentesDatos::Leer(qint32 mfrID)
         l.Proyecto = qint16(numero("MFLProyecto"));
         l.Departamento = qint16(numero("MFLDepartamento"));
         l.AlDebe = numero("MFLEsDebe") != 0;
-        l.Importe = numero("MFLImporte");
+        l.Importe = Importe::DesdeDouble(numero("MFLImporte"));
         l.Tasa = numero("MFLTasa");
-        l.ImporteMC = numero("MFLImporteMC");
+        l.ImporteMC = Importe::DesdeDouble(numero("MFLImporteMC"));
         l.Orden = qint16(m.Lineas.size() + 1);
         m.Lineas.append(l);
         m.Monedas.append(qint16(numero("MFLMoneda")));

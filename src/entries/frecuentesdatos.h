@@ -1,6 +1,7 @@
 #pragma once
 
 #include "asientodatos.h"
+#include "reglabalance.h"
 
 #include "store/conexion.h"
 
@@ -28,8 +29,8 @@ struct MovimientoFrecuente
     QVector<qint16> Monedas;    // each line's currency; 0: the accounting currency
 
     bool Agendado() const { return !Recurrencia.isEmpty(); }
-    // Debits equal credits in the accounting currency, to the cent, with at least a line.
-    bool Cierra() const;
+    // The entries' balance test over the template's lines.
+    ResultadoBalance Balance(qint16 monedaContabilidad, CatalogoMonedas &monedas) const;
 };
 
 // Frequent entries in genMovimientosFrecuentes and their lines. A scheduled one is stored as

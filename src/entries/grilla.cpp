@@ -147,8 +147,7 @@ QString Grilla::Texto(int fila, int columna) const
     if (c.mascara == -1)
         return c.texto;
     const QString mascara = MascaraDe(fila, columna);
-    return mascara.isEmpty() ? QLocale().toString(c.valor, 'f', QLocale::FloatingPointShortest)
-                             : Mascara(mascara).Formatear(c.valor);
+    return Mascara(mascara).Formatear(c.valor);
 }
 
 void Grilla::FijarTexto(int fila, int columna, const QString &texto)
@@ -156,7 +155,7 @@ void Grilla::FijarTexto(int fila, int columna, const QString &texto)
     CeldaGrilla &c = celdaEditable(fila, columna);
     c.texto = texto;
     c.mascara = -1;
-    c.valor = 0;
+    c.valor = {};
     cambio(fila, fila);
 }
 
@@ -169,7 +168,7 @@ qint16 Grilla::indiceMascara(const QString &mascara)
     return qint16(m_mascaras.size() - 1);
 }
 
-void Grilla::FijarNumero(int fila, int columna, double valor, const QString &mascara)
+void Grilla::FijarNumero(int fila, int columna, Importe valor, const QString &mascara)
 {
     CeldaGrilla &c = celdaEditable(fila, columna);
     c.texto.clear();
@@ -178,10 +177,10 @@ void Grilla::FijarNumero(int fila, int columna, double valor, const QString &mas
     cambio(fila, fila);
 }
 
-double Grilla::Valor(int fila, int columna) const
+Importe Grilla::Valor(int fila, int columna) const
 {
     const CeldaGrilla &c = celda(fila, columna);
-    return c.mascara == -1 ? LeerNumero(c.texto) : c.valor;
+    return c.mascara == -1 ? Importe::DesdeDouble(LeerNumero(c.texto)) : c.valor;
 }
 
 void Grilla::FijarDato(int fila, int columna, const QVariant &dato)
@@ -206,7 +205,7 @@ void Grilla::LimpiarTextos(int fila)
     for (CeldaGrilla &c : m_filas[size_t(fila)].celdas) {
         c.texto.clear();
         c.mascara = -1;
-        c.valor = 0;
+        c.valor = {};
     }
     cambio(fila, fila);
 }

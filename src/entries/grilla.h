@@ -4,6 +4,8 @@
 #include <QString>
 #include <QVariant>
 
+#include "currency/importe.h"
+
 #include <vector>
 
 // One cell: display text (or a number shown through a mask), hidden data, colours and
@@ -13,7 +15,7 @@ struct CeldaGrilla
 {
     QString texto;
     QVariant dato;
-    double valor = 0;
+    Importe valor;
     qint16 mascara = -1;        // -1 plain text; otherwise an index into the grid's masks
     QRgb colorTexto = 0;        // 0 (transparent): the default colour
     quint8 alineacion = 0;      // 0: the column's alignment; else Qt::Alignment bits
@@ -78,9 +80,9 @@ public:
     QString Texto(int fila, int columna) const;
     void FijarTexto(int fila, int columna, const QString &texto);
     // A number shown through a mask (kMascaraColumna: the column's).
-    void FijarNumero(int fila, int columna, double valor, const QString &mascara = {});
+    void FijarNumero(int fila, int columna, Importe valor, const QString &mascara = {});
     // The cell's number: the value of a number cell, else its text read in the locale.
-    double Valor(int fila, int columna) const;
+    Importe Valor(int fila, int columna) const;
     bool EsNumero(int fila, int columna) const { return celda(fila, columna).mascara != -1; }
     QVariant Dato(int fila, int columna) const { return celda(fila, columna).dato; }
     void FijarDato(int fila, int columna, const QVariant &dato);

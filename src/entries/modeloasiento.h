@@ -4,6 +4,8 @@
 #include <QDateTime>
 #include <QString>
 
+#include "currency/importe.h"
+
 // Entry states (AsiEstado).
 namespace EstadoAsiento {
 constexpr qint16 kNuevo = -1;       // entered here, never stored
@@ -39,9 +41,9 @@ struct RegistroLinea
     qint16 iMon = 0;
     QString sTextDisplay;
     QString dFechaCierre;           // the account's closing date as text; empty when open
-    double dImporte = 0;            // in the account's currency
+    Importe dImporte;               // in the account's currency
     double dTCambio = 0;            // accounting currency per unit; 0 when dImporte is 0
-    double dImporteMC = 0;          // in the accounting currency
+    Importe dImporteMC;             // in the accounting currency
     qint16 ACuOrden = 0;
 };
 
@@ -52,9 +54,9 @@ struct ValorLinea
     qint16 iPry = 0;
     qint16 iDep = 0;
     qint16 iMon = 0;
-    double dImporte = 0;
+    Importe dImporte;
     double dTCambio = 0;
-    double dImporteMC = 0;
+    Importe dImporteMC;
     QString sTextDisplay;
     QDate dFechaCierre;
 };

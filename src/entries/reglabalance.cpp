@@ -1,6 +1,9 @@
 #include "reglabalance.h"
 
+#include "currency/catalogomonedas.h"
 #include "currency/mascara.h"
+
+#include <QHash>
 
 #include <algorithm>
 
@@ -13,7 +16,7 @@ bool igualesImpresos(const Mascara &m, Importe a, Importe b)
 {
     if (m.valida())
         return a.RedondeadoA(std::min(m.decimales(), 4)) == b.RedondeadoA(std::min(m.decimales(), 4));
-    return m.Formatear(a.aDouble()) == m.Formatear(b.aDouble());
+    return m.Formatear(a) == m.Formatear(b);
 }
 
 } // namespace
@@ -54,4 +57,15 @@ ResultadoBalance CalcularBalance(const QVector<LineaBalance> &lineas, qint16 mon
         r.diferenciaME = compararME ? (debeME - haberME).abs() : Importe();
     }
     return r;
+}
+
+ResultadoBalance CalcularBalance(const QVector<LineaBalance> &lineas, qint16 monedaContabilidad, CatalogoMonedas &monedas)
+{
+    QHash<qint16, Mascara> mascaras;
+    return CalcularBalance(lineas, monedaContabilidad, [&](qint16 moneda) -> const Mascara & {
+        auto it = mascaras.find(moneda);
+        if (it == mascaras.end())
+            it = mascaras.insert(moneda, Mascara(monedas.DatoMoneda(moneda, 4).toString()));
+        return *it;
+    });
 }

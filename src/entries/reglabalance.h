@@ -7,6 +7,7 @@
 
 #include <functional>
 
+class CatalogoMonedas;
 class Mascara;
 
 // One line as the balance test sees it: its side, its currency (0: the accounting currency)
@@ -40,3 +41,5 @@ struct ResultadoBalance
 // Sums past the amount type's range do not balance.
 ResultadoBalance CalcularBalance(const QVector<LineaBalance> &lineas, qint16 monedaContabilidad,
                                  const std::function<const Mascara &(qint16)> &mascaraImporte);
+// The same test with each currency's amount mask as the catalogue gives it.
+ResultadoBalance CalcularBalance(const QVector<LineaBalance> &lineas, qint16 monedaContabilidad, CatalogoMonedas &monedas);

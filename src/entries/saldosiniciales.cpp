@@ -75,19 +75,19 @@ QVector<LineaDatos> SaldosIniciales::LineasDeSaldos(quint8 clase, qint16 monedaC
             const QString nombre = QString::fromLatin1(columna);
             return rs->EsNulo(nombre) ? 0.0 : rs->Numero(nombre);
         };
-        const double saldo = numero("CueSaldo");
-        const double saldoMC = numero("CueSaldoMConta");
+        const Importe saldo = Importe::DesdeDouble(numero("CueSaldo"));
+        const Importe saldoMC = Importe::DesdeDouble(numero("CueSaldoMConta"));
         const auto moneda = qint64(numero("CueMoneda"));
         const bool propia = moneda <= 0 || moneda == monedaContabilidad;
         const int signoTipo = numero("TCuSigno") < 0 ? -1 : 1;
-        const double conSigno = saldoMC != 0 ? saldoMC : saldo;
+        const Importe conSigno = !saldoMC.esCero() ? saldoMC : saldo;
         LineaDatos l;
         l.Cuenta = qint32(rs->Entero(QStringLiteral("cueID")));
-        l.AlDebe = (conSigno > 0 ? 1 : -1) * signoTipo > 0;
+        l.AlDebe = (conSigno > Importe() ? 1 : -1) * signoTipo > 0;
         // A foreign balance is never taken as if it were in the accounting currency.
-        l.ImporteMC = std::abs(saldoMC != 0 || propia ? (saldoMC != 0 ? saldoMC : saldo) : 0.0);
-        l.Importe = propia ? l.ImporteMC : std::abs(saldo);
-        l.Tasa = l.Importe != 0 ? l.ImporteMC / l.Importe : 0;
+        l.ImporteMC = !saldoMC.esCero() ? saldoMC.abs() : propia ? saldo.abs() : Importe();
+        l.Importe = propia ? l.ImporteMC : saldo.abs();
+        l.Tasa = l.Importe.esCero() ? 0 : l.ImporteMC.aDouble() / l.Importe.aDouble();
         l.Orden = qint16(lineas.size() + 1);
         lineas.append(l);
         if (monedas)

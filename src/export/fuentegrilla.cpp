@@ -116,7 +116,7 @@ QString FuenteDeGrilla::Texto(int fila, int columna) const
 
 double FuenteDeGrilla::Valor(int fila, int columna) const
 {
-    return m_g.Valor(fila, columna);
+    return m_g.Valor(fila, columna).aDouble();
 }
 
 quint32 FuenteDeGrilla::ColorFondo(int fila, int) const

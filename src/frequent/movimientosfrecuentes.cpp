@@ -192,13 +192,13 @@ void MovimientosFrecuentes::mostrarLineas()
         for (int c = 2; c < 5; ++c)
             item->setTextAlignment(c, Qt::AlignRight | Qt::AlignVCenter);
     }
-    const auto [debe, haber] = SumarEnCentesimos(m_movimiento.Lineas);
+    const ResultadoBalance balance = m_movimiento.Balance(mc, m_datos.monedas());
     oraEdit->InitRegistro();
-    if (debe != haber) {
-        oraEdit->SetDiferencia(debe < haber, std::abs(debe - haber) / 100.0);
+    if (!balance.cierra && !m_movimiento.Lineas.isEmpty()) {
+        oraEdit->SetDiferencia(balance.debeMenor, balance.diferenciaMC);
         lDiferencia->setText(QStringLiteral("Falta %1 al %2.")
-                                 .arg(importes.Formatear(std::abs(debe - haber) / 100.0),
-                                      debe < haber ? QStringLiteral("debe") : QStringLiteral("haber")));
+                                 .arg(importes.Formatear(balance.diferenciaMC),
+                                      balance.debeMenor ? QStringLiteral("debe") : QStringLiteral("haber")));
     } else {
         lDiferencia->setText(m_movimiento.Lineas.isEmpty() ? QString() : QStringLiteral("Balanceado."));
     }
@@ -212,7 +212,7 @@ void MovimientosFrecuentes::aceptarLinea()
         if (debe ? !oraEdit->CuentaIngresadaAlDebe() : !oraEdit->CuentaIngresadaAlHaber())
             continue;
         const ValorLinea v = debe ? oraEdit->GetValorCuentaDebe() : oraEdit->GetValorCuentaHaber();
-        if (v.dImporte == 0 && v.dImporteMC == 0) {
+        if (v.dImporte.esCero() && v.dImporteMC.esCero()) {
             m_datos.Advertir(1954);
             oraEdit->SetFocusCtrl(lumERAsiento::kImporte, 0);
             return;
@@ -225,7 +225,7 @@ void MovimientosFrecuentes::aceptarLinea()
         l.AlDebe = debe;
         l.Importe = v.dImporte;
         l.ImporteMC = extranjera ? v.dImporteMC : v.dImporte;
-        l.Tasa = extranjera ? v.dTCambio : (v.dImporte != 0 ? 1 : 0);
+        l.Tasa = extranjera ? v.dTCambio : (v.dImporte.esCero() ? 0 : 1);
         l.Orden = qint16(m_movimiento.Lineas.size() + 1);
         m_movimiento.Lineas.append(l);
         m_movimiento.Monedas.append(extranjera ? v.iMon : qint16(0));

@@ -185,7 +185,7 @@ void RegistroFrecuentes::mostrarLineas()
             for (int c = 1; c < 5; ++c)
                 item->setTextAlignment(c, Qt::AlignRight | Qt::AlignVCenter);
         }
-        lEstado->setText(m->Cierra() ? QString() : QStringLiteral("No balancea: quedará incompleto."));
+        lEstado->setText(m->Balance(mc, m_datos.monedas()).cierra ? QString() : QStringLiteral("No balancea: quedará incompleto."));
     } catch (const ErrorBaseDatos &e) {
         m_datos.Error(1912, DetalleError(e.numero(), e.descripcion()));
     }

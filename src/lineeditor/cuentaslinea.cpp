@@ -186,12 +186,12 @@ void lumERAsiento::PrepararImportes(bool bEsAlDebe, bool moverFoco)
                 cfMoneda->setCurrentIndex(0);
             EstadoTasa();
         }
-        if (m_diferencia != 0 && bEsAlDebe == m_diferenciaAlDebe) {
+        if (!m_diferencia.esCero() && bEsAlDebe == m_diferenciaAlDebe) {
             if (MonedaCombo() == mc && !ocImporte->EsNumeroValido()) {
-                ocImporte->FijarValor(m_diferencia);
+                ocImporte->FijarValor(m_diferencia.aDouble());
                 Recalcular(1);
             } else if (MonedaCombo() != mc && !ocImporteMC->EsNumeroValido()) {
-                ocImporteMC->FijarValor(m_diferencia);
+                ocImporteMC->FijarValor(m_diferencia.aDouble());
                 Recalcular(3);
             }
         }
@@ -219,7 +219,7 @@ void lumERAsiento::ConfirmarLinea()
     const std::pair<CampoCalculadora *, bool> tamanos[] = {
         {ocImporte, true}, {ocTCambio, ocTCambio->isEnabled()}, {ocImporteMC, ocImporteMC->isEnabled()}};
     for (const auto &[campo, cuenta] : tamanos) {
-        if (cuenta && std::abs(campo->Valor()) > Importe::kMaximoLinea)
+        if (cuenta && Importe::DesdeDouble(campo->Valor()).abs() > Importe::MaximoLinea())
             return Advertir(1937, campo);
     }
     bool cancelar = false;

@@ -244,20 +244,20 @@ ValorLinea lumERAsiento::valorDe(const CuentaLinea &c)
     v.dFechaCierre = c.dFechaCierre;
     const qint16 mc = m_ctx.monedaContabilidad;
     if (!ocTCambio->isEnabled()) {
-        v.dImporte = RedondearConMascara(ocImporte->Valor(), mascaraImporte(c.iMon));
+        v.dImporte = ImporteConMascara(ocImporte->Valor(), mascaraImporte(c.iMon));
         return v;
     }
     const qint16 s = MonedaCombo();
     const qint16 b = qint16(m_tagMoneda.toInt());
-    const double importeMC = s == mc ? ocImporte->Valor() : ocImporteMC->Valor();
+    const Importe importeMC = s == mc ? ImporteCta() : ImporteMC();
     v.dImporteMC = importeMC;
     if (s != c.iMon && b != c.iMon) {
         QDate fecha;
         const double r = m_ctx.conexion
                              ? BuscarTipoCambio(*m_ctx.conexion, c.iMon, mc, m_ctx.tipoTCComprobantes, m_fechaAsiento, fecha, m_ctx.reglas).aDouble()
                              : 1.0;
-        v.dImporte = r != 0 ? RedondearConMascara(importeMC / r, mascaraImporte(c.iMon)) : 0;
-        v.dTCambio = v.dImporte != 0 ? RedondearConMascara(importeMC / v.dImporte, mascaraTasa(c.iMon)) : 0;
+        v.dImporte = r != 0 ? ImporteConMascara(importeMC.aDouble() / r, mascaraImporte(c.iMon)) : Importe();
+        v.dTCambio = v.dImporte.esCero() ? 0 : RedondearConMascara(importeMC.aDouble() / v.dImporte.aDouble(), mascaraTasa(c.iMon));
         return v;
     }
     // The line's rate is accounting units per unit of its currency (RegistroLinea). The field
@@ -268,6 +268,6 @@ ValorLinea lumERAsiento::valorDe(const CuentaLinea &c)
     const double tasa = ocTCambio->Valor();
     const bool reciproca = (s == mc) != (m_operador == QLatin1String("/"));
     v.dTCambio = reciproca ? (tasa != 0 ? 1 / tasa : 0) : tasa;
-    v.dImporte = s == c.iMon ? ocImporte->Valor() : ocImporteMC->Valor();
+    v.dImporte = s == c.iMon ? ImporteCta() : ImporteMC();
     return v;
 }

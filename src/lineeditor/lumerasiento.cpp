@@ -128,14 +128,15 @@ void lumERAsiento::setMonedaCombo(qint16 moneda)
     m_tagMoneda = QString::number(m_ctx.monedaContabilidad);
 }
 
-double lumERAsiento::ImporteCta() const { return ocImporte->Valor(); }
+// The fields compute in doubles (a typed "1250*1,22"); what leaves them is an amount.
+Importe lumERAsiento::ImporteCta() const { return Importe::DesdeDouble(ocImporte->Valor()); }
 double lumERAsiento::ImporteTC() const { return ocTCambio->Valor(); }
-double lumERAsiento::ImporteMC() const { return ocImporteMC->Valor(); }
+Importe lumERAsiento::ImporteMC() const { return Importe::DesdeDouble(ocImporteMC->Valor()); }
 
-void lumERAsiento::setImporteCta(double valor)
+void lumERAsiento::setImporteCta(Importe valor)
 {
-    ocImporte->FijarValor(valor);
-    ocImporte->Tag = TextoDecimal(valor);
+    ocImporte->FijarValor(valor.aDouble());
+    ocImporte->Tag = TextoDecimal(valor.aDouble());
 }
 
 void lumERAsiento::setImporteTC(double valor)
@@ -144,10 +145,10 @@ void lumERAsiento::setImporteTC(double valor)
     ocTCambio->Tag = TextoDecimal(valor);
 }
 
-void lumERAsiento::setImporteMC(double valor)
+void lumERAsiento::setImporteMC(Importe valor)
 {
-    ocImporteMC->FijarValor(valor);
-    ocImporteMC->Tag = TextoDecimal(valor);
+    ocImporteMC->FijarValor(valor.aDouble());
+    ocImporteMC->Tag = TextoDecimal(valor.aDouble());
 }
 
 void lumERAsiento::InitRegistro()
@@ -167,7 +168,7 @@ void lumERAsiento::InitRegistro()
     cfMoneda->clear();
     m_tagMoneda.clear();
     EstadoTasa();
-    m_diferencia = 0;
+    m_diferencia = {};
 }
 
 void lumERAsiento::SetCuenta(bool bEsAlDebe, qint32 lCta, qint16 iPry, qint16 iDep, qint16 iMon, const QString &sTextDisplay,
@@ -212,7 +213,7 @@ bool lumERAsiento::ValidateCtrl(int &iCtrl) const
     return iCtrl == 0;
 }
 
-void lumERAsiento::SetDiferencia(bool bAlDebe, double cDiferencia)
+void lumERAsiento::SetDiferencia(bool bAlDebe, Importe cDiferencia)
 {
     m_diferenciaAlDebe = bAlDebe;
     m_diferencia = cDiferencia;

@@ -62,12 +62,12 @@ public:
     QDate FechaAsiento() const { return m_fechaAsiento; }
     qint16 MonedaCombo() const;
     void setMonedaCombo(qint16 moneda);
-    double ImporteCta() const;
-    void setImporteCta(double valor);
+    Importe ImporteCta() const;
+    void setImporteCta(Importe valor);
     double ImporteTC() const;
     void setImporteTC(double valor);
-    double ImporteMC() const;
-    void setImporteMC(double valor);
+    Importe ImporteMC() const;
+    void setImporteMC(Importe valor);
     bool PermitirDosCtas() const { return m_permitirDosCtas; }
     void setPermitirDosCtas(bool si) { m_permitirDosCtas = si; }
     // Layout in twips: left edges and widths of fields 1 to 6, and the height of all.
@@ -93,7 +93,7 @@ public:
     bool CuentaIngresadaAlDebe() const { return m_debe.lCta >= 1; }
     bool CuentaIngresadaAlHaber() const { return m_haber.lCta >= 1; }
     bool ValidateCtrl(int &iCtrl) const;
-    void SetDiferencia(bool bAlDebe, double cDiferencia);
+    void SetDiferencia(bool bAlDebe, Importe cDiferencia);
 
     QLineEdit *campoCuenta(bool debe) const { return debe ? tDebe : tHaber; }
     QComboBox *listaMonedas() const { return cfMoneda; }
@@ -166,7 +166,7 @@ private:
     QDate m_fechaAsiento;
     QString m_operador = QStringLiteral("*");
     bool m_diferenciaAlDebe = false;
-    double m_diferencia = 0;
+    Importe m_diferencia;
     bool m_permitirDosCtas = false;
     bool m_cambiandoCuenta = false;
     bool m_validando = false;

@@ -241,7 +241,7 @@ void PanelEdicion::EnfocarFecha()
     odDate->setFocus();
 }
 
-void PanelEdicion::CargarEditor(const QDate &fecha, std::optional<std::pair<bool, double>> diferencia,
+void PanelEdicion::CargarEditor(const QDate &fecha, std::optional<std::pair<bool, Importe>> diferencia,
                                 const std::optional<RegistroLinea> &linea)
 {
     oraEdit->InitRegistro();

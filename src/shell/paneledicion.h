@@ -48,7 +48,7 @@ public:
     ValoresCabezal LeerCabezal() override;
     void FijarFecha(const QDate &fecha) override;
     void EnfocarFecha() override;
-    void CargarEditor(const QDate &fecha, std::optional<std::pair<bool, double>> diferencia,
+    void CargarEditor(const QDate &fecha, std::optional<std::pair<bool, Importe>> diferencia,
                       const std::optional<RegistroLinea> &linea) override;
     std::optional<ValorLinea> LineaDelEditor(bool debe) const override;
     void MostrarEditor(int fila, bool enfocar) override;

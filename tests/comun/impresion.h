@@ -18,3 +18,21 @@ inline void PrintTo(const QStringList &lista, std::ostream *os)
         *os << (i ? ",\n  \"" : "\"") << lista[i].toStdString() << '"';
     *os << ']';
 }
+
+#include "currency/importe.h"
+
+inline void PrintTo(const Importe &importe, std::ostream *os)
+{
+    *os << importe.aTexto().toStdString();
+}
+
+// An amount written as a test writes it: 1234.5_imp, 100_imp.
+inline Importe operator""_imp(long double valor)
+{
+    return Importe::DesdeDouble(double(valor));
+}
+
+inline Importe operator""_imp(unsigned long long valor)
+{
+    return Importe::DesdeDiezmilesimos(qint64(valor) * Importe::kEscala);
+}

@@ -183,6 +183,33 @@ TEST(Mascaras, MascaraEnBlancoNoAgrupaYConTextoSeRedondeaIgual)
     EXPECT_DOUBLE_EQ(RedondearConMascara(1234.567, QStringLiteral("U$S #,##0.00"), kEs), 1234.57);
 }
 
+// An amount prints from its own digits: past 2^53 ten-thousandths a double no longer holds
+// them (922337203685477.5807 is 922337203685477.625 as a double).
+TEST(Mascaras, UnImporteSeImprimeYRedondeaDesdeSusDigitos)
+{
+    const Mascara dos(QStringLiteral("#,##0.00"));
+    EXPECT_EQ(dos.Formatear(Importe::Maximo(), kEs), QStringLiteral("922.337.203.685.477,58"));
+    EXPECT_EQ(dos.Formatear(-Importe::Maximo(), kEn), QStringLiteral("-922,337,203,685,477.58"));
+    EXPECT_EQ(Mascara(QStringLiteral("U$S #,##0.000")).Formatear(-2.6755_imp, kEs), QStringLiteral("U$S -2,676"));
+    EXPECT_EQ(Mascara(QStringLiteral("#,##0")).Formatear(0.4999_imp, kEn), QStringLiteral("0"));
+
+    struct Caso
+    {
+        double valor;
+        const char *mascara;
+        Importe esperado;
+    };
+    const Caso casos[] = {{2.675, "#,##0.00", 2.68_imp},  {2.674951, "#,##0.00", 2.67_imp}, {-2.675, "#,##0.00", -2.68_imp},
+                          {1234.5, "#,##0", 1235_imp},   {0.123456, "", 0.1235_imp},      {0.123456, "#,##0.000000", 0.1235_imp},
+                          {38.12345, "#.000", 38.123_imp}};
+    for (const Caso &c : casos) {
+        EXPECT_EQ(ImporteConMascara(c.valor, QString::fromLatin1(c.mascara)), c.esperado) << c.valor << " " << c.mascara;
+        // An amount already has four decimals at most; it rounds the same when it is the value.
+        if (Importe::DesdeDouble(c.valor).aDouble() == c.valor)
+            EXPECT_EQ(ImporteConMascara(Importe::DesdeDouble(c.valor), QString::fromLatin1(c.mascara)), c.esperado) << c.valor << " " << c.mascara;
+    }
+}
+
 TEST(Mascaras, RedondearADecimalesComoImprimeLaMascara)
 {
     struct Caso

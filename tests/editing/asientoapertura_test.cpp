@@ -134,7 +134,7 @@ protected:
             LineaDatos l;
             l.Cuenta = valor(QStringLiteral("Select CueID From cceCuentas Where CueCodigo = ?"), {QString::fromLatin1(codigo)}).toInt();
             l.AlDebe = importe > 0;
-            l.Importe = l.ImporteMC = std::abs(importe);
+            l.Importe = l.ImporteMC = Importe::DesdeDouble(std::abs(importe));
             d.Lineas() << l;
         }
         return d.GrabarTodo();

@@ -34,7 +34,7 @@ public:
         cabezal.fecha = f; // the field shows it, as the real one does
     }
     void EnfocarFecha() override { ++enfoquesFecha; }
-    void CargarEditor(const QDate &, std::optional<std::pair<bool, double>> d, const std::optional<RegistroLinea> &l) override
+    void CargarEditor(const QDate &, std::optional<std::pair<bool, Importe>> d, const std::optional<RegistroLinea> &l) override
     {
         diferencia = d;
         debe = haber = std::nullopt;
@@ -51,7 +51,7 @@ public:
     int fila = 0;
     ValoresCabezal cabezal;                 // what AbrirCabezal showed, as typed over; LeerCabezal answers it
     std::optional<ValorLinea> debe, haber;  // what LineaDelEditor answers
-    std::optional<std::pair<bool, double>> diferencia;
+    std::optional<std::pair<bool, Importe>> diferencia;
     QList<int> editores;
     QList<QDate> fechasFijadas;
     int enfoquesFecha = 0;
@@ -95,10 +95,10 @@ protected:
         v.iMon = moneda > 0 ? moneda : m_datos.empresa.monedaContabilidad; // 0: the accounting currency
         v.sTextDisplay = TextoCuenta(rs->Texto(QStringLiteral("CueCodigo")), rs->Texto(QStringLiteral("CueNombre")), true);
         v.dFechaCierre = rs->EsNulo(QStringLiteral("CueFechaCerrada")) ? QDate(1901, 1, 1) : rs->Fecha(QStringLiteral("CueFechaCerrada"));
-        v.dImporte = importe;
+        v.dImporte = Importe::DesdeDouble(importe);
         if (v.iMon != m_datos.empresa.monedaContabilidad) {
             v.dTCambio = tasa;
-            v.dImporteMC = Centesimos(importe * tasa);
+            v.dImporteMC = Importe::DesdeDouble(Centesimos(importe * tasa));
         }
         return v;
     }
@@ -185,7 +185,7 @@ protected:
             const RegistroLinea x = m_asientos.LineaDeFila(r);
             if (!m_asientos.EsFilaDiferencia(r))
                 l << QStringList{x.sTextDisplay.section(u' ', 0, 0), x.bEsAlDebe ? QStringLiteral("D") : QStringLiteral("H"),
-                                 NumeroSQL(x.dImporte), NumeroSQL(x.dImporteMC), QString::number(x.ACuOrden),
+                                 NumeroSQL(x.dImporte.aDouble()), NumeroSQL(x.dImporteMC.aDouble()), QString::number(x.ACuOrden),
                                  QString::number(x.iPry), QString::number(x.iDep)}.join(u'|');
         }
         return l;
@@ -239,12 +239,12 @@ TEST_P(Edicion, UnaLineaQueNoCierraProponeLoQueFaltaYAlSalirQuedaInconclusa)
     EXPECT_EQ(ultimoId(), antes); // nothing written yet
     EXPECT_EQ(m_sesion.FilaEdicion(), cabezal + 2);
     EXPECT_EQ(m_vista.editores.last(), cabezal + 2);
-    EXPECT_EQ(m_vista.diferencia, std::pair(false, 500.0)); // the credit side lacks 500
+    EXPECT_EQ(m_vista.diferencia, std::pair(false, 500_imp)); // the credit side lacks 500
     EXPECT_TRUE(m_asientos.EsFilaDiferencia(cabezal + 3));
 
     teclear(std::nullopt, cuenta("4.1.01", 199.99));
     EXPECT_EQ(m_sesion.FilaEdicion(), cabezal + 3);
-    EXPECT_EQ(m_vista.diferencia, std::pair(false, 300.01));
+    EXPECT_EQ(m_vista.diferencia, std::pair(false, 300.01_imp));
     EXPECT_TRUE(m_asientos.EsFilaDiferencia(cabezal + 4));
 
     m_sesion.SalirEdicion();
@@ -271,7 +271,7 @@ TEST_P(Edicion, ImporteCeroEnLaMonedaDeLaCuentaSoloSiSeConfirma1819)
 {
     nuevo(kFecha, QStringLiteral("Diferencia de cambio"));
     ValorLinea banco = cuenta("1.1.04", 0, 0);
-    banco.dImporteMC = 50;
+    banco.dImporteMC = 50_imp;
     const QStringList filas = grilla();
     m_mensajes.Responder(R::No);
     teclear(banco);

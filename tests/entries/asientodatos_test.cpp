@@ -19,9 +19,9 @@ protected:
         LineaDatos l;
         l.Cuenta = cuenta;
         l.AlDebe = debe;
-        l.Importe = importe;
-        l.ImporteMC = mc < 0 ? importe : mc;
-        l.Tasa = importe != 0 ? l.ImporteMC / importe : 0;
+        l.Importe = Importe::DesdeDouble(importe);
+        l.ImporteMC = Importe::DesdeDouble(mc < 0 ? importe : mc);
+        l.Tasa = importe != 0 ? l.ImporteMC.aDouble() / importe : 0;
         l.Proyecto = pry;
         l.Departamento = dep;
         return l;
@@ -67,8 +67,8 @@ TEST_P(Datos, AsientoNuevoConSusLineasEnOrdenYElNumeroDelMotor)
     EXPECT_EQ(leido.Lineas()[0].Proyecto, 2);
     EXPECT_EQ(leido.Lineas()[0].Departamento, 3);
     EXPECT_FALSE(leido.Lineas()[1].AlDebe);
-    EXPECT_DOUBLE_EQ(leido.Lineas()[1].Importe, 7.5);
-    EXPECT_DOUBLE_EQ(leido.Lineas()[1].ImporteMC, 300);
+    EXPECT_EQ(leido.Lineas()[1].Importe, 7.5_imp);
+    EXPECT_EQ(leido.Lineas()[1].ImporteMC, 300_imp);
     EXPECT_EQ(contar(QStringLiteral("Select Max(ACuOrden) From cceAsientoCuenta Where ACuIDAsiento = %1").arg(id)), 3);
     EXPECT_EQ(contar(QStringLiteral("Select ACuOrden From cceAsientoCuenta Where ACuIDAsiento = %1 And ACuCuenta = 11").arg(id)), 2);
 }
@@ -109,10 +109,11 @@ TEST_P(Datos, UnaEscrituraQueFallaNoDejaNada)
     a.Cabezal().Leyenda = QStringLiteral("no debe quedar");
     a.Lineas().append(linea(10, true, 1));
 
-    // An amount that is no number is refused before anything is written.
-    a.Lineas()[0].ImporteMC = std::numeric_limits<double>::quiet_NaN();
+    // An amount past a line's range is refused before anything is written.
+    a.Lineas()[0].ImporteMC = Importe::MaximoLinea() + 0.0001_imp;
     EXPECT_EQ(a.GrabarTodo(), 0);
-    a.Lineas()[0].ImporteMC = 300;
+    EXPECT_EQ(a.ultimoResultado(), AsientoDatos::Resultado::FueraDeRango);
+    a.Lineas()[0].ImporteMC = 300_imp;
 
     // The lines cannot be written: the header written before them goes back too.
     d.conexion().Ejecutar(QStringLiteral("Alter Table cceAsientoCuenta Rename To cceAsientoCuentaAparte"));
@@ -249,7 +250,7 @@ TEST_P(Datos, UnAsientoRegistradoSiempreCierra)
     EXPECT_EQ(contar(QStringLiteral("Select AsiEstado From cceAsientos Where AsiID = %1").arg(inconcluso)), 2);
 
     // Completing its lines registers it; taking one away again while registered is refused.
-    a.Lineas()[1].Importe = a.Lineas()[1].ImporteMC = 300;
+    a.Lineas()[1].Importe = a.Lineas()[1].ImporteMC = 300_imp;
     EXPECT_TRUE(a.Balance().cierra);
     EXPECT_EQ(a.GrabarTodo(), inconcluso);
     a.Lineas().removeLast();

@@ -34,7 +34,7 @@ TEST_P(Llenado, CabezalesLineasYFilaDeDiferencia)
         QStringLiteral("1.1.01 - Caja||100,00||| #") + A + QStringLiteral("|10|0|0|1|2||||"),
         QStringLiteral("|4.1.01 - Ventas||100,00|| #") + A + QStringLiteral("|20|0|0|0|1||||"),
         QStringLiteral("|03/02/26 Cobro|||Diario| #") + B + QStringLiteral("||2026-02-03|0|2026-02-03") + sello + QStringLiteral("|1:0"),
-        QStringLiteral("1.1.02 - Banco U$S||400,00||40,000|10,00 #") + B + QStringLiteral("|11|0|0|2|1||||10"),
+        QStringLiteral("1.1.02 - Banco U$S||400,00||40,000|10,00 #") + B + QStringLiteral("|11|0|0|2|1|||40|10"),
         QStringLiteral("|4.1.01 - Ventas||400,00|| #") + B + QStringLiteral("|20|0|0|0|2||||"),
         // Dollars against pesos: the currencies are mixed, so the pesos decide, and they agree.
         QStringLiteral("Nuevo Asiento||||| #|||||"),
@@ -178,7 +178,7 @@ TEST_P(Llenado, TasaPromedioYTasaUnica)
     d.asientos.PromediarTasas();
     auto linea = [&](int fila) {
         const RegistroLinea l = d.asientos.LineaDeFila(fila);
-        return QStringLiteral("%1 %2 %3").arg(l.dImporte, 0, 'g', 12).arg(l.dImporteMC, 0, 'g', 12).arg(l.dTCambio, 0, 'g', 12);
+        return QStringLiteral("%1 %2 %3").arg(l.dImporte.aDouble(), 0, 'g', 12).arg(l.dImporteMC.aDouble(), 0, 'g', 12).arg(l.dTCambio, 0, 'g', 12);
     };
     EXPECT_EQ(linea(2), QStringLiteral("100 4150 41.5"));
     EXPECT_EQ(linea(3), QStringLiteral("300 12450 41.5"));
@@ -226,8 +226,8 @@ protected:
     {
         const RegistroLinea l = d.asientos.LineaDeFila(fila);
         return QStringLiteral("%1 %2 %3 [%4] %5")
-            .arg(l.dImporte, 0, 'g', 12)
-            .arg(l.dImporteMC, 0, 'g', 12)
+            .arg(l.dImporte.aDouble(), 0, 'g', 12)
+            .arg(l.dImporteMC.aDouble(), 0, 'g', 12)
             .arg(l.dTCambio, 0, 'g', 12)
             .arg(d.grilla.Texto(fila, 4))
             .arg(d.grilla.Dato(fila, 5).toDouble(), 0, 'g', 12);
@@ -273,9 +273,9 @@ TEST_P(TasasDeUnaMonedaMenor, PromedioDeTasasMenoresQueUno)
     EXPECT_EQ(linea(3), QStringLiteral("3000 862.5 0.287521564117 [0,288] 3000"));
     EXPECT_EQ(linea(4).section(QLatin1Char(' '), 0, 1), QStringLiteral("0 7"));
     bool debeMenor = false, cierra = false;
-    double difMC = 0, difME = 0;
+    Importe difMC, difME;
     d.asientos.CierreAsiento(debeMenor, difMC, difME, cierra);
-    EXPECT_DOUBLE_EQ(difMC, 0);
+    EXPECT_TRUE(difMC.esCero());
 
     // The exchange difference is left alone by one rate too.
     EXPECT_EQ(d.asientos.AplicarTasa(false, 0.25, 3), 2);
@@ -330,21 +330,21 @@ TEST_P(Llenado, LoQueSeGuardaEsLoQueSeMuestra)
         l.sTextDisplay = QStringLiteral("cuenta");
         l.lCta = c.iMon == 2 ? 11 : 10;
         l.iMon = c.iMon;
-        l.dImporte = c.importe;
+        l.dImporte = Importe::DesdeDouble(c.importe);
         l.dTCambio = c.tasa;
-        l.dImporteMC = c.importeMC;
+        l.dImporteMC = Importe::DesdeDouble(c.importeMC);
         d.asientos.FilaLineaAsiento(4, l);
         const QString texto = g.Texto(4, 2) + QLatin1Char('|') + g.Texto(4, 4) + QLatin1Char('|') + g.Texto(4, 5);
         EXPECT_EQ(texto, QString::fromLatin1(c.fila));
         // The held value reads back from the text.
-        EXPECT_DOUBLE_EQ(g.Valor(4, 2), LeerNumero(g.Texto(4, 2)));
+        EXPECT_EQ(g.Valor(4, 2), Importe::DesdeDouble(LeerNumero(g.Texto(4, 2))));
         const RegistroLinea leida = d.asientos.LineaDeFila(4);
-        EXPECT_DOUBLE_EQ(leida.dImporte, c.guardado);
-        EXPECT_DOUBLE_EQ(leida.dImporteMC, c.guardadoMC);
+        EXPECT_EQ(leida.dImporte, Importe::DesdeDouble(c.guardado));
+        EXPECT_EQ(leida.dImporteMC, Importe::DesdeDouble(c.guardadoMC));
         const QVector<LineaDatos> lineas = d.asientos.LineasParaGrabar();
         ASSERT_EQ(lineas.size(), 3);
-        EXPECT_DOUBLE_EQ(lineas[2].Importe, c.guardado);
-        EXPECT_DOUBLE_EQ(lineas[2].ImporteMC, c.guardadoMC);
+        EXPECT_EQ(lineas[2].Importe, Importe::DesdeDouble(c.guardado));
+        EXPECT_EQ(lineas[2].ImporteMC, Importe::DesdeDouble(c.guardadoMC));
     }
 }
 
@@ -375,7 +375,7 @@ TEST_P(Llenado, BalanceConMascaraEnBlancoOSinDecimales)
         ASSERT_FALSE(CargarAsientoEnGrilla(d.asientos, d.conexion(), id, 0));
         d.asientos.TomarAsientoDeFila(1);
         bool debeMenor = false, cierra = false;
-        double difMC = 0, difME = 0;
+        Importe difMC, difME;
         d.asientos.CierreAsiento(debeMenor, difMC, difME, cierra);
         EXPECT_EQ(cierra, c.cierra) << "'" << c.mascara << "' " << c.lineas;
     }

@@ -23,9 +23,9 @@ protected:
         LineaDatos l;
         l.Cuenta = cuenta;
         l.AlDebe = debe;
-        l.Importe = importe;
-        l.ImporteMC = mc < 0 ? importe : mc;
-        l.Tasa = importe != 0 ? l.ImporteMC / importe : 0;
+        l.Importe = Importe::DesdeDouble(importe);
+        l.ImporteMC = Importe::DesdeDouble(mc < 0 ? importe : mc);
+        l.Tasa = importe != 0 ? l.ImporteMC.aDouble() / importe : 0;
         l.Proyecto = pry;
         l.Departamento = dep;
         return l;
@@ -96,8 +96,8 @@ protected:
                           .join(QLatin1Char('|'))};
         for (int i = 0; i < m.Lineas.size(); ++i) {
             const LineaDatos &l = m.Lineas[i];
-            t << QStringLiteral("%1 %2 %3 %4 %5 %6/%7 $%8").arg(l.Cuenta).arg(l.AlDebe ? 'D' : 'H').arg(l.Importe, 0, 'f', 2)
-                     .arg(l.ImporteMC, 0, 'f', 2).arg(l.Tasa, 0, 'f', 6).arg(l.Proyecto).arg(l.Departamento).arg(m.Monedas.value(i, -1));
+            t << QStringLiteral("%1 %2 %3 %4 %5 %6/%7 $%8").arg(l.Cuenta).arg(l.AlDebe ? 'D' : 'H').arg(l.Importe.aDouble(), 0, 'f', 2)
+                     .arg(l.ImporteMC.aDouble(), 0, 'f', 2).arg(l.Tasa, 0, 'f', 6).arg(l.Proyecto).arg(l.Departamento).arg(m.Monedas.value(i, -1));
         }
         return t.join(QLatin1Char('\n'));
     }
@@ -126,7 +126,7 @@ TEST_P(Frecuentes, GuardarYLeerConservanCabezalLineasYMonedasYReemplazarCambiaLa
     ASSERT_TRUE(leido.has_value());
     EXPECT_EQ(texto(*leido), texto(m));
     EXPECT_FALSE(leido->Agendado());
-    EXPECT_TRUE(leido->Cierra());
+    EXPECT_TRUE(leido->Balance(d.ctx.monedaContabilidad, d.monedas).cierra);
 
     // Stored again: the same template, its old lines gone.
     m.Nombre = QStringLiteral("Alquiler local");
@@ -179,6 +179,28 @@ TEST_P(Frecuentes, RegistrarSegunCuadreRegistradoBorradorOInconcluso)
     // A template without lines writes nothing.
     EXPECT_EQ(f.Registrar(plantilla(QStringLiteral("Vacío"), {}), fecha, 7, libros, false), 0);
     EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientos")), 5);
+}
+
+// A template balances by the entries' own test, at the accounting currency's decimals: three
+// decimals see a thousandth that cents would not, none forgive a fraction.
+TEST_P(Frecuentes, CuadraConLosDecimalesDeLaMonedaDeLaContabilidad)
+{
+    const qint16 mc = d.ctx.monedaContabilidad;
+    const MovimientoFrecuente milesimo = plantilla(QStringLiteral("Milésimo"), {linea(22, true, 0.101), linea(10, true, 0.2), linea(20, false, 0.3)});
+    const MovimientoFrecuente fraccion = plantilla(QStringLiteral("Fracción"), {linea(22, true, 100.3), linea(20, false, 100)});
+    struct Caso
+    {
+        const char *mascara;
+        bool milesimoCierra;
+        bool fraccionCierra;
+    };
+    for (const Caso &c : {Caso{"#,##0.00", true, false}, Caso{"#,##0.000", false, false}, Caso{"#,##0", true, true}}) {
+        d.conexion().Ejecutar(QStringLiteral("Update genMonedas Set MonRedondeo = '%1' Where MonID = %2").arg(QLatin1String(c.mascara)).arg(mc));
+        d.monedas.CargarMonedas(d.conexion());
+        d.monedas.FijarMonedaContabilidad(mc);
+        EXPECT_EQ(milesimo.Balance(mc, d.monedas).cierra, c.milesimoCierra) << c.mascara;
+        EXPECT_EQ(fraccion.Balance(mc, d.monedas).cierra, c.fraccionCierra) << c.mascara;
+    }
 }
 
 // A scheduled entry registered on its day is registered; the day after today by the

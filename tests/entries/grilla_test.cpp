@@ -39,8 +39,8 @@ Grilla grillaDeEjemplo()
     g.FijarFondoFila(1, 0xffe5e5e5);
     g.FijarImagen(1, QStringLiteral("asiento"));
     g.FijarTexto(2, 0, QStringLiteral("1.1.01 - Caja"));
-    g.FijarNumero(2, 2, 1234.5);
-    g.FijarNumero(2, 4, 40.1234, QStringLiteral("#,##0.000"));
+    g.FijarNumero(2, 2, 1234.5_imp);
+    g.FijarNumero(2, 4, 40.1234_imp, QStringLiteral("#,##0.000"));
     g.FijarDato(2, 1, QStringLiteral("10|0|0|1|1"));
     g.FijarColorTexto(2, 1, 0xff000080);
     g.FijarBordeSuperior(3, 0xffb9dbea);
@@ -63,9 +63,9 @@ TEST(Grilla, NumerosSeMuestranConSuMascaraYGuardanSuValor)
 {
     const Grilla g = grillaDeEjemplo();
     EXPECT_EQ(g.Texto(2, 2), QStringLiteral("1.234,50"));
-    EXPECT_DOUBLE_EQ(g.Valor(2, 2), 1234.5);
+    EXPECT_EQ(g.Valor(2, 2), 1234.5_imp);
     EXPECT_EQ(g.Texto(2, 4), QStringLiteral("40,123"));
-    EXPECT_DOUBLE_EQ(g.Valor(2, 4), 40.1234); // the value keeps what the mask does not show
+    EXPECT_EQ(g.Valor(2, 4), 40.1234_imp); // the value keeps what the mask does not show
     EXPECT_TRUE(g.EsNumero(2, 2));
     EXPECT_FALSE(g.EsNumero(2, 3));
     EXPECT_EQ(g.Texto(0, 3), QStringLiteral("Haber"));

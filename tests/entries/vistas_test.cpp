@@ -178,7 +178,7 @@ TEST_P(VistasEnDemo, RecienIngresadosConservaBorradoresYNuevos)
     RegistroLinea l;
     l.sTextDisplay = QStringLiteral("1.1.01 - Caja");
     l.lCta = 10;
-    l.dImporte = l.dImporteMC = 3;
+    l.dImporte = l.dImporteMC = 3_imp;
     d.asientos.FilaLineaAsiento(r + 1, l);
 
     ASSERT_FALSE(CargarAsientos(d.asientos, d.conexion(), Vista::kRecienIngresados, {}, QDate(2026, 2, 5), {}).has_value());

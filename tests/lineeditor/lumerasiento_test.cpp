@@ -136,9 +136,9 @@ TEST_F(EditorDeLinea, CuentaEnPesosEImporte)
     const ValorLinea v = m_editor->GetValorCuentaDebe();
     EXPECT_EQ(v.lCta, 10);
     EXPECT_EQ(v.iMon, 1);   // CueMoneda Null: the accounting currency
-    EXPECT_DOUBLE_EQ(v.dImporte, 2500);
+    EXPECT_EQ(v.dImporte, Importe::DesdeDouble(2500));
     EXPECT_DOUBLE_EQ(v.dTCambio, 0);
-    EXPECT_DOUBLE_EQ(v.dImporteMC, 0);
+    EXPECT_EQ(v.dImporteMC, Importe::DesdeDouble(0));
     EXPECT_TRUE(m_mensajes.mostrados.isEmpty());
 }
 
@@ -151,13 +151,13 @@ TEST_F(EditorDeLinea, CuentaEnDolaresPorCuarenta)
     EXPECT_EQ(m_editor->Operador(), QStringLiteral("*"));
     EXPECT_EQ(m_resultado, QStringLiteral("$ *"));
     escribir(campo(lumERAsiento::kImporte), QStringLiteral("100"));
-    EXPECT_DOUBLE_EQ(m_editor->ImporteMC(), 4000);
+    EXPECT_EQ(m_editor->ImporteMC(), Importe::DesdeDouble(4000));
     EXPECT_EQ(m_aceptadas, 1);
     const ValorLinea v = m_editor->GetValorCuentaHaber();
     EXPECT_EQ(v.lCta, 11);
-    EXPECT_DOUBLE_EQ(v.dImporte, 100);
+    EXPECT_EQ(v.dImporte, Importe::DesdeDouble(100));
     EXPECT_DOUBLE_EQ(v.dTCambio, 40);
-    EXPECT_DOUBLE_EQ(v.dImporteMC, 4000);
+    EXPECT_EQ(v.dImporteMC, Importe::DesdeDouble(4000));
 
     // In pesos the lookup of pesos in dollars gives 0.025, shown as 40 with "/".
     QComboBox *lista = m_editor->listaMonedas();
@@ -167,10 +167,10 @@ TEST_F(EditorDeLinea, CuentaEnDolaresPorCuarenta)
     EXPECT_EQ(m_editor->Operador(), QStringLiteral("/"));
     EXPECT_EQ(m_resultado, QStringLiteral("U$S /"));
     escribir(campo(lumERAsiento::kImporte), QStringLiteral("4000"));
-    EXPECT_DOUBLE_EQ(m_editor->ImporteMC(), 100);
+    EXPECT_EQ(m_editor->ImporteMC(), Importe::DesdeDouble(100));
     const ValorLinea w = m_editor->GetValorCuentaHaber();
-    EXPECT_DOUBLE_EQ(w.dImporte, 100);
-    EXPECT_DOUBLE_EQ(w.dImporteMC, 4000);
+    EXPECT_EQ(w.dImporte, Importe::DesdeDouble(100));
+    EXPECT_EQ(w.dImporteMC, Importe::DesdeDouble(4000));
 }
 
 TEST_F(EditorDeLinea, ElContenedorDaLaTasa)
@@ -188,11 +188,11 @@ TEST_F(EditorDeLinea, ElContenedorDaLaTasa)
     EXPECT_DOUBLE_EQ(m_editor->ImporteTC(), 40);
     EXPECT_EQ(m_editor->Operador(), QStringLiteral("/"));
     escribir(campo(lumERAsiento::kImporte), QStringLiteral("4000"));
-    EXPECT_DOUBLE_EQ(m_editor->ImporteMC(), 100);
+    EXPECT_EQ(m_editor->ImporteMC(), Importe::DesdeDouble(100));
     const ValorLinea v = m_editor->GetValorCuentaDebe();
-    EXPECT_DOUBLE_EQ(v.dImporte, 100);
+    EXPECT_EQ(v.dImporte, Importe::DesdeDouble(100));
     EXPECT_DOUBLE_EQ(v.dTCambio, 40);
-    EXPECT_DOUBLE_EQ(v.dImporteMC, 4000);
+    EXPECT_EQ(v.dImporteMC, Importe::DesdeDouble(4000));
 }
 
 // The container's rate for a currency worth less (0.25 pesos a yen) follows the same rule
@@ -221,7 +221,7 @@ TEST_F(EditorDeLinea, ElContenedorDaLaTasaDeUnaMonedaMenor)
     EXPECT_DOUBLE_EQ(m_editor->ImporteTC(), 4);
     EXPECT_EQ(m_editor->Operador(), QStringLiteral("/"));
     escribir(campo(lumERAsiento::kImporte), QStringLiteral("1000"));
-    EXPECT_DOUBLE_EQ(m_editor->ImporteMC(), 250);
+    EXPECT_EQ(m_editor->ImporteMC(), Importe::DesdeDouble(250));
     EXPECT_DOUBLE_EQ(m_editor->GetValorCuentaDebe().dTCambio, 0.25);
 }
 
@@ -327,10 +327,10 @@ TEST_F(EditorDeLinea, ImporteQueNoEsNumeroSeRechaza)
     // In es_UY "1500.50" is 1500.50 and "1.500" is 1500, never 150.050 or 1.5.
     escribir(importe, QStringLiteral("1500.50"));
     EXPECT_EQ(m_aceptadas, 1);
-    EXPECT_DOUBLE_EQ(m_editor->GetValorCuentaDebe().dImporte, 1500.5);
+    EXPECT_EQ(m_editor->GetValorCuentaDebe().dImporte, Importe::DesdeDouble(1500.5));
     escribir(importe, QStringLiteral("1.500"));
     EXPECT_EQ(m_aceptadas, 2);
-    EXPECT_DOUBLE_EQ(m_editor->GetValorCuentaDebe().dImporte, 1500);
+    EXPECT_EQ(m_editor->GetValorCuentaDebe().dImporte, Importe::DesdeDouble(1500));
     EXPECT_EQ(m_mensajes.mostrados, QStringList{rechazo});
 }
 
@@ -338,12 +338,12 @@ TEST_F(EditorDeLinea, TasaRechazadaYEditorOcultoSinMensaje)
 {
     escribir(haber(), QStringLiteral("1.1.02"));
     escribir(campo(lumERAsiento::kImporte), QStringLiteral("100"));
-    ASSERT_DOUBLE_EQ(m_editor->ImporteMC(), 4000);
+    ASSERT_EQ(m_editor->ImporteMC(), 4000_imp);
     m_mensajes.mostrados.clear();
     escribir(campo(lumERAsiento::kTCambio), QStringLiteral("4,1,5"));
     EXPECT_EQ(m_mensajes.mostrados.size(), 1);
     EXPECT_EQ(QApplication::focusWidget(), campo(lumERAsiento::kTCambio));
-    EXPECT_DOUBLE_EQ(m_editor->ImporteMC(), 4000); // nothing recomputed from a refused rate
+    EXPECT_EQ(m_editor->ImporteMC(), Importe::DesdeDouble(4000)); // nothing recomputed from a refused rate
 
     // Leaving the refused rate for the amount brings the focus back to it.
     campo(lumERAsiento::kImporte)->setFocus();
@@ -356,7 +356,7 @@ TEST_F(EditorDeLinea, TasaRechazadaYEditorOcultoSinMensaje)
     EXPECT_EQ(QApplication::focusWidget(), campo(lumERAsiento::kTCambio));
     EXPECT_EQ(m_aceptadas, 1);
     escribir(campo(lumERAsiento::kTCambio), QStringLiteral("41,5"));
-    EXPECT_DOUBLE_EQ(m_editor->ImporteMC(), 4150);
+    EXPECT_EQ(m_editor->ImporteMC(), Importe::DesdeDouble(4150));
     EXPECT_EQ(m_mensajes.mostrados.size(), 3);
 
     // The container hiding the editor while a refused text is in it: no message.
@@ -389,11 +389,11 @@ TEST_F(EditorDeLinea, MonedaQueValeMenosQueLaDeLaContabilidad)
     EXPECT_DOUBLE_EQ(m_editor->ImporteTC(), 4);
     EXPECT_EQ(m_editor->Operador(), QStringLiteral("/"));
     escribir(campo(lumERAsiento::kImporte), QStringLiteral("1000"));
-    EXPECT_DOUBLE_EQ(m_editor->ImporteMC(), 250);
+    EXPECT_EQ(m_editor->ImporteMC(), Importe::DesdeDouble(250));
     const ValorLinea v = m_editor->GetValorCuentaHaber();
-    EXPECT_DOUBLE_EQ(v.dImporte, 1000);
+    EXPECT_EQ(v.dImporte, Importe::DesdeDouble(1000));
     EXPECT_DOUBLE_EQ(v.dTCambio, 0.25);
-    EXPECT_DOUBLE_EQ(v.dImporteMC, 250);
+    EXPECT_EQ(v.dImporteMC, Importe::DesdeDouble(250));
 
     // In pesos the lookup of pesos in yen gives 4, shown with "*".
     QComboBox *lista = m_editor->listaMonedas();
@@ -402,18 +402,18 @@ TEST_F(EditorDeLinea, MonedaQueValeMenosQueLaDeLaContabilidad)
     EXPECT_DOUBLE_EQ(m_editor->ImporteTC(), 4);
     EXPECT_EQ(m_editor->Operador(), QStringLiteral("*"));
     escribir(campo(lumERAsiento::kImporte), QStringLiteral("250"));
-    EXPECT_DOUBLE_EQ(m_editor->ImporteMC(), 1000);
+    EXPECT_EQ(m_editor->ImporteMC(), Importe::DesdeDouble(1000));
     const ValorLinea w = m_editor->GetValorCuentaHaber();
-    EXPECT_DOUBLE_EQ(w.dImporte, 1000);
+    EXPECT_EQ(w.dImporte, Importe::DesdeDouble(1000));
     EXPECT_DOUBLE_EQ(w.dTCambio, 0.25);
-    EXPECT_DOUBLE_EQ(w.dImporteMC, 250);
+    EXPECT_EQ(w.dImporteMC, Importe::DesdeDouble(250));
 }
 
 TEST_F(EditorDeLinea, EscribirSobreLaCuentaLaQuitaConSusImportes)
 {
     escribir(debe(), QStringLiteral("1.1.02"));
     escribir(campo(lumERAsiento::kImporte), QStringLiteral("100"));
-    ASSERT_DOUBLE_EQ(m_editor->ImporteMC(), 4000);
+    ASSERT_EQ(m_editor->ImporteMC(), 4000_imp);
     debe()->setFocus();
     QTest::keyClick(debe(), Qt::Key_Backspace);
     EXPECT_FALSE(m_editor->CuentaIngresadaAlDebe());
@@ -424,15 +424,15 @@ TEST_F(EditorDeLinea, EscribirSobreLaCuentaLaQuitaConSusImportes)
 
 TEST_F(EditorDeLinea, LaDiferenciaSePropone)
 {
-    m_editor->SetDiferencia(true, 250);
+    m_editor->SetDiferencia(true, 250_imp);
     escribir(debe(), QStringLiteral("1.1.01"));
-    EXPECT_DOUBLE_EQ(m_editor->ImporteCta(), 250);
+    EXPECT_EQ(m_editor->ImporteCta(), Importe::DesdeDouble(250));
 
     m_editor->InitRegistro();
-    m_editor->SetDiferencia(false, 4000);
+    m_editor->SetDiferencia(false, 4000_imp);
     escribir(haber(), QStringLiteral("1.1.02"));
-    EXPECT_DOUBLE_EQ(m_editor->ImporteMC(), 4000); // in dollars the converted amount takes it
-    EXPECT_DOUBLE_EQ(m_editor->ImporteCta(), 100);
+    EXPECT_EQ(m_editor->ImporteMC(), Importe::DesdeDouble(4000)); // in dollars the converted amount takes it
+    EXPECT_EQ(m_editor->ImporteCta(), Importe::DesdeDouble(100));
 }
 
 TEST_F(EditorDeLinea, RecalculoDeLaTasaYElUnoPorCiento)
@@ -441,15 +441,15 @@ TEST_F(EditorDeLinea, RecalculoDeLaTasaYElUnoPorCiento)
     escribir(campo(lumERAsiento::kImporte), QStringLiteral("100"));
     // A change under 1 % keeps the converted amount and moves the rate.
     escribir(campo(lumERAsiento::kImporte), QStringLiteral("100,5"));
-    EXPECT_DOUBLE_EQ(m_editor->ImporteMC(), 4000);
+    EXPECT_EQ(m_editor->ImporteMC(), Importe::DesdeDouble(4000));
     EXPECT_DOUBLE_EQ(m_editor->ImporteTC(), 39.801); // 4000 / 100.5, cut to the rate mask
     // A bigger one keeps the rate.
     escribir(campo(lumERAsiento::kImporte), QStringLiteral("200"));
-    EXPECT_DOUBLE_EQ(m_editor->ImporteMC(), 200 * 39.801);
+    EXPECT_EQ(m_editor->ImporteMC(), Importe::DesdeDouble(200 * 39.801));
     // The rate typed with more decimals than its mask is cut to it.
     escribir(campo(lumERAsiento::kTCambio), QStringLiteral("38,123456"));
     EXPECT_DOUBLE_EQ(m_editor->ImporteTC(), 38.123);
-    EXPECT_DOUBLE_EQ(m_editor->ImporteMC(), 200 * 38.123456);
+    EXPECT_EQ(m_editor->ImporteMC(), Importe::DesdeDouble(200 * 38.123456));
     // The converted amount moves the rate.
     escribir(campo(lumERAsiento::kImporteMC), QStringLiteral("8000"));
     EXPECT_DOUBLE_EQ(m_editor->ImporteTC(), 40);

@@ -747,7 +747,7 @@ private:
                 if (a.EsFilaDiferencia(l) || g.Dato(l, 1).toString().isEmpty())
                     continue;
                 const RegistroLinea rl = a.LineaDeFila(l);
-                lineas << QStringLiteral("%1|%2|%3").arg(rl.lCta).arg(QLatin1String(rl.bEsAlDebe ? "D" : "H")).arg(std::llround(rl.dImporteMC * 100));
+                lineas << QStringLiteral("%1|%2|%3").arg(rl.lCta).arg(QLatin1String(rl.bEsAlDebe ? "D" : "H")).arg(rl.dImporteMC.aTexto());
             }
             lineas.sort();
             vistos.insert(id, filas + lineas);
@@ -777,7 +777,7 @@ private:
                 << QStringLiteral("%1|%2|%3")
                        .arg(rs->Entero(QStringLiteral("ACuCuenta")))
                        .arg(QLatin1String(rs->EsNulo(QStringLiteral("AcuHaber")) ? "D" : "H"))
-                       .arg(std::llround(rs->Numero(QStringLiteral("ACuImporteMC")) * 100));
+                       .arg(Importe::DesdeDouble(rs->Numero(QStringLiteral("ACuImporteMC"))).aTexto());
         rs->Cerrar();
         for (auto it = vistos.cbegin(); it != vistos.cend(); ++it) {
             QStringList lineas = lineasGuardadas.value(it.key());

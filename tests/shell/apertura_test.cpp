@@ -73,7 +73,7 @@ protected:
         d.Cabezal() = {0, Demo::kEmpresa, estado, QDate(2024, 1, 1), QStringLiteral("Saldos"), Demo::kLibroPrimeraApertura};
         LineaDatos l;
         l.Cuenta = contar(QStringLiteral("Select CueID From cceCuentas Where CueCodigo = '1.1.01'"));
-        l.Importe = l.ImporteMC = 10;
+        l.Importe = l.ImporteMC = 10_imp;
         LineaDatos capital = l;
         capital.Cuenta = contar(QStringLiteral("Select CueID From cceCuentas Where CueCodigo = '3.1.01'"));
         capital.AlDebe = false;

@@ -113,7 +113,7 @@ protected:
             auto rs = m_base.conexion().Abrir(QStringLiteral("Select CueID From cceCuentas Where CueCodigo = ?"), {QString::fromLatin1(codigo)});
             return qint32(rs->Entero(QStringLiteral("CueID")));
         };
-        datos.Lineas() = {LineaDatos{cuenta("1.1.01"), 0, 0, true, 100, 1, 100}, LineaDatos{cuenta("4.1.01"), 0, 0, false, 100, 1, 100}};
+        datos.Lineas() = {LineaDatos{cuenta("1.1.01"), 0, 0, true, 100_imp, 1, 100_imp}, LineaDatos{cuenta("4.1.01"), 0, 0, false, 100_imp, 1, 100_imp}};
         return datos.GrabarTodo();
     }
 };

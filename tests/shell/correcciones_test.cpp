@@ -63,7 +63,7 @@ TEST_P(Correcciones, SeEliminaLaLineaElegidaYElAsientoQuedaInconcluso)
     int fila = -1;
     for (int r = filaDe(id) + 1; r <= m_doc->asientos().UltimaFilaAsiento(filaDe(id)); ++r) {
         const RegistroLinea l = m_doc->asientos().LineaDeFila(r);
-        if (!l.bEsAlDebe && l.dImporteMC == 3)
+        if (!l.bEsAlDebe && l.dImporteMC == 3_imp)
             fila = r;
     }
     ASSERT_GT(fila, 0);

@@ -79,7 +79,7 @@ TEST_P(Edicion, UnAsientoNuevoSoloConElTeclado)
     enter(e->campoCuenta(true));
     escribir(e->campoCuenta(false), QStringLiteral("4.1.01"));
     enter(e->campoCuenta(false));
-    EXPECT_DOUBLE_EQ(e->ImporteCta(), 100);
+    EXPECT_EQ(e->ImporteCta(), Importe::DesdeDouble(100));
     enter(e->campo(lumERAsiento::kImporte));
 
     EXPECT_TRUE(m_mensajes.mostrados.isEmpty()) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();

@@ -165,7 +165,7 @@ qint32 Escenario::asientoAlFinal(qint16 estado, const QString &leyenda, const QL
         LineaDatos l;
         l.Cuenta = cuenta(codigo);
         l.AlDebe = debe;
-        l.Importe = l.ImporteMC = importe;
+        l.Importe = l.ImporteMC = Importe::DesdeDouble(importe);
         l.Tasa = 1;
         d.Lineas() << l;
     }

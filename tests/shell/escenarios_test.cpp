@@ -380,9 +380,9 @@ qint32 AsientoDeSaldosIniciales(Conexion &c, qint16 estado)
         auto rs = c.Abrir(QStringLiteral("Select CueID From cceCuentas Where CueCodigo = ?"), {QString::fromLatin1(codigo)});
         return qint32(rs->Entero(QStringLiteral("CueID")));
     };
-    LineaDatos debe{cuenta("1.1.01"), 0, 0, true, 5000, 1, 5000};
+    LineaDatos debe{cuenta("1.1.01"), 0, 0, true, 5000_imp, 1, 5000_imp};
     const double credito = estado == EstadoAsiento::kInconcluso ? 4000 : 5000;
-    LineaDatos haber{cuenta("3.1.01"), 0, 0, false, credito, 1, credito};
+    LineaDatos haber{cuenta("3.1.01"), 0, 0, false, Importe::DesdeDouble(credito), 1, Importe::DesdeDouble(credito)};
     datos.Lineas() = {debe, haber};
     return datos.GrabarTodo();
 }

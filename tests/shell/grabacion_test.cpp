@@ -58,13 +58,13 @@ protected:
         d.Cabezal().Libro = libro;
         LineaDatos a, b;
         a.Cuenta = cuenta(debe);
-        a.Importe = a.ImporteMC = importe;
+        a.Importe = a.ImporteMC = Importe::DesdeDouble(importe);
         b.Cuenta = cuenta("4.1.01");
         b.AlDebe = false;
-        b.Importe = b.ImporteMC = importe;
+        b.Importe = b.ImporteMC = Importe::DesdeDouble(importe);
         LineaDatos c = a;
         c.Cuenta = cuenta("5.3.01");
-        c.Importe = c.ImporteMC = 0;
+        c.Importe = c.ImporteMC = Importe();
         d.Lineas() = {a, c, b};
         return d.GrabarTodo();
     }
@@ -290,12 +290,12 @@ TEST_P(Grabacion, UnificarLaTasaDeLosDolares)
     d.Cabezal().Leyenda = QStringLiteral("Transferencia en dólares");
     LineaDatos a, b;
     a.Cuenta = cuenta("1.1.08");
-    a.Importe = 100;
-    a.ImporteMC = 4000;
+    a.Importe = 100_imp;
+    a.ImporteMC = 4000_imp;
     b.Cuenta = cuenta("1.1.04");
     b.AlDebe = false;
-    b.Importe = 100;
-    b.ImporteMC = 4000;
+    b.Importe = 100_imp;
+    b.ImporteMC = 4000_imp;
     d.Lineas() = {a, b};
     const qint32 id = d.GrabarTodo();
     ASSERT_GT(id, 0);
@@ -330,7 +330,7 @@ TEST_P(Grabacion, UnificarLaTasaDeUnaMonedaQueValeMenosQueUnPeso)
     d.Cabezal().Estado = 1;
     d.Cabezal().Fecha = BaseDePrueba::Hoy().addDays(-10);
     d.Cabezal().Leyenda = QStringLiteral("Yenes al banco");
-    d.Lineas() = {LineaDatos{9001, 0, 0, true, 1000, 0.25, 250}, LineaDatos{9002, 0, 0, false, 1000, 0.25, 250}};
+    d.Lineas() = {LineaDatos{9001, 0, 0, true, 1000_imp, 0.25, 250_imp}, LineaDatos{9002, 0, 0, false, 1000_imp, 0.25, 250_imp}};
     const qint32 id = d.GrabarTodo();
     ASSERT_GT(id, 0);
     auto doc = abrir();
@@ -361,8 +361,8 @@ TEST_P(Grabacion, UnificarQueDescuadraNuncaDejaUnRegistradoDescuadrado)
     d.Cabezal().Estado = 1;
     d.Cabezal().Fecha = BaseDePrueba::Hoy().addDays(-10);
     d.Cabezal().Leyenda = QStringLiteral("Dólares con diferencia de cambio");
-    d.Lineas() = {LineaDatos{cuenta("1.1.08"), 0, 0, true, 100, 41, 4100}, LineaDatos{cuenta("1.1.04"), 0, 0, false, 100, 40, 4000},
-                  LineaDatos{cuenta("4.1.01"), 0, 0, false, 100, 1, 100}};
+    d.Lineas() = {LineaDatos{cuenta("1.1.08"), 0, 0, true, 100_imp, 41, 4100_imp}, LineaDatos{cuenta("1.1.04"), 0, 0, false, 100_imp, 40, 4000_imp},
+                  LineaDatos{cuenta("4.1.01"), 0, 0, false, 100_imp, 1, 100_imp}};
     const qint32 id = d.GrabarTodo();
     ASSERT_GT(id, 0) << d.ultimoError().toStdString();
     auto doc = abrir();
@@ -378,7 +378,7 @@ TEST_P(Grabacion, UnificarQueDescuadraNuncaDejaUnRegistradoDescuadrado)
         << m_mensajes.mostrados[1].toStdString();
     EXPECT_EQ(estadoEnBase(id), 1);
     EXPECT_EQ(contar(lineas.arg(id).arg(4000)), 1);
-    EXPECT_EQ(doc->grilla().Valor(filaDe(*doc, id) + 2, 3), 4000.0) << "the grid shows the entry as stored";
+    EXPECT_EQ(doc->grilla().Valor(filaDe(*doc, id) + 2, 3), 4000_imp) << "the grid shows the entry as stored";
 
     doc->grid()->FijarFilaActual(filaDe(*doc, id) + 1);
     m_mensajes.ResponderNumero(41);
@@ -425,7 +425,7 @@ TEST_P(Grabacion, UnInconclusoQueCierraSeRegistra)
     ASSERT_TRUE(d.CargarAsiento(cierra));
     LineaDatos extra = d.Lineas().last();
     extra.Cuenta = cuenta("5.3.01");
-    extra.Importe = extra.ImporteMC = 10;
+    extra.Importe = extra.ImporteMC = 10_imp;
     extra.Orden = 0;
     d.Lineas().append(extra);
     d.Cabezal().Estado = 2;

@@ -160,7 +160,7 @@ TEST_P(Salidas, LibroConNumerosYFechas)
             const QJsonValue celda = celdas.at(c);
             if (g.EsNumero(r, c)) {
                 ASSERT_TRUE(celda.isObject() && celda.toObject().contains(QStringLiteral("numero"))) << r << "," << c;
-                EXPECT_NEAR(celda.toObject().value(QStringLiteral("numero")).toDouble(), g.Valor(r, c), 1e-9);
+                EXPECT_NEAR(celda.toObject().value(QStringLiteral("numero")).toDouble(), g.Valor(r, c).aDouble(), 1e-9);
                 EXPECT_EQ(celda.toObject().value(QStringLiteral("formato")).toString(), g.MascaraDe(r, c));
                 ++numeros;
             } else if (m_doc->asientos().EsFilaCabezal(r) && c == 1) {

@@ -105,7 +105,7 @@ LineaDatos linea(qint32 cuenta, bool debe, double importe)
     LineaDatos l;
     l.Cuenta = cuenta;
     l.AlDebe = debe;
-    l.Importe = l.ImporteMC = importe;
+    l.Importe = l.ImporteMC = Importe::DesdeDouble(importe);
     l.Tasa = 1;
     return l;
 }
