@@ -100,7 +100,12 @@ Importe Importe::RedondeadoA(int decimales) const
     for (int i = decimales; i < 4; ++i)
         paso *= 10;
     const qint64 a = m_n < 0 ? -m_n : m_n;
-    const qint64 r = (a + paso / 2) / paso * paso; // halves away from zero
+    qint64 cociente = a / paso;
+    if (a % paso >= paso / 2) // halves away from zero
+        ++cociente;
+    qint64 r = 0;
+    if (__builtin_mul_overflow(cociente, paso, &r)) // past the end of the range: held there
+        r = std::numeric_limits<qint64>::max();
     return DesdeDiezmilesimos(m_n < 0 ? -r : r);
 }
 

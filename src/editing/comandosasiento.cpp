@@ -24,7 +24,7 @@ ComandosAsiento::ComandosAsiento(DatosDocumento &datos, AsientosGrilla &asientos
 {
 }
 
-AsientoDatos ComandosAsiento::nuevoAsientoDatos() const
+AsientoDatos ComandosAsiento::NuevoAsientoDatos() const
 {
     AsientoDatos datos(*m_datos.conexion(), m_datos.librosSistema());
     datos.FijarUsuario(m_datos.usuario);
@@ -34,7 +34,7 @@ AsientoDatos ComandosAsiento::nuevoAsientoDatos() const
 // The stored entry as it is now; a failure to read it is the command's error.
 AsientoDatos ComandosAsiento::asientoGuardado(qint32 asiID) const
 {
-    AsientoDatos datos = nuevoAsientoDatos();
+    AsientoDatos datos = NuevoAsientoDatos();
     if (!datos.CargarAsiento(asiID))
         throw ErrorBaseDatos(datos.ultimoError());
     return datos;
@@ -42,7 +42,7 @@ AsientoDatos ComandosAsiento::asientoGuardado(qint32 asiID) const
 
 // Tells why the data service refused a write. A failure of the database is thrown, for the
 // command to tell with its own text and the detail.
-void ComandosAsiento::decirRechazo(const AsientoDatos &datos) const
+void ComandosAsiento::DecirRechazo(const AsientoDatos &datos) const
 {
     const int numero = datos.ultimoNumero();
     if (numero == 0)
@@ -154,7 +154,7 @@ void ComandosAsiento::RegistrarAsiento()
                 if (eraInconcluso)
                     RecargarAsiento(c.AsiID, cabezal);
             } else {
-                decirRechazo(datos);
+                DecirRechazo(datos);
             }
         }
     } catch (const ErrorBaseDatos &e) {
@@ -181,7 +181,7 @@ void ComandosAsiento::RegistrarListados(qint16 estadoOrigen)
                 algunaFalla = true;
                 continue;
             }
-            AsientoDatos datos = nuevoAsientoDatos();
+            AsientoDatos datos = NuevoAsientoDatos();
             if (!datos.CargarAsiento(c.AsiID) || datos.HayCuentasCerradas(datos.Cabezal().Fecha)
                 || datos.Cabezal().FechaModificado != c.AsiFechaModificado) {
                 algunaFalla = true;
@@ -292,7 +292,7 @@ bool ComandosAsiento::GrabarCabezal()
         d.Libro = c.AsiTipo;
         d.Autoriza = c.AsiUsuarioVerificador;
         if (!datos.Grabar()) {
-            decirRechazo(datos);
+            DecirRechazo(datos);
             return false;
         }
         c.AsiFechaModificado = d.FechaModificado;
@@ -313,7 +313,7 @@ bool ComandosAsiento::GrabarAsientoCompleto(bool asientoCierra)
         return false;
     const qint16 estadoCerrado = m_datos.asiSaveB ? EstadoAsiento::kBorrador : EstadoAsiento::kRegistrado;
     try {
-        AsientoDatos datos = nuevoAsientoDatos();
+        AsientoDatos datos = NuevoAsientoDatos();
         CabezalDatos &d = datos.Cabezal();
         qint16 estado = asientoCierra ? estadoCerrado : EstadoAsiento::kInconcluso;
         qint16 estadoGuardado = EstadoAsiento::kNuevo;
@@ -381,7 +381,7 @@ bool ComandosAsiento::GrabarAsientoCompleto(bool asientoCierra)
         }
         const qint32 id = esApertura ? datos.GrabarApertura() : datos.GrabarTodo();
         if (id <= 0) {
-            decirRechazo(datos);
+            DecirRechazo(datos);
             return false;
         }
         c.AsiID = id;
@@ -438,7 +438,7 @@ SaldosIniciales ComandosAsiento::saldosIniciales() const
 
 bool ComandosAsiento::PuedeModificarApertura()
 {
-    AsientoDatos datos = nuevoAsientoDatos();
+    AsientoDatos datos = NuevoAsientoDatos();
     const CabezalAsiento &c = m_asientos.Cabezal;
     const int estado = datos.EstadoApertura(c.AsiID, c.AsiFechaAsiento, m_datos.idEmpresa(), m_datos.empresa.monedaContabilidad);
     if (estado == 1) {
@@ -466,9 +466,9 @@ bool ComandosAsiento::AgendarEnLugarDelAsiento()
         Transaccion tx(*m_datos.conexion());
         if (CrearMovimientoFrecuente(true) <= 0)
             return false;
-        AsientoDatos datos = nuevoAsientoDatos();
+        AsientoDatos datos = NuevoAsientoDatos();
         if (!datos.EliminarDefinitivo(id, sello)) {
-            decirRechazo(datos);
+            DecirRechazo(datos);
             return false;
         }
         tx.Confirmar();
@@ -549,7 +549,7 @@ void ComandosAsiento::EliminarAsiento(bool porFila)
                     if (estado != antes)
                         datos.Cabezal().FechaCambioEstado = AsientoDatos::SelloNuevo(m_datos.reloj(), QDateTime());
                     if (datos.GrabarTodo() <= 0) {
-                        decirRechazo(datos);
+                        DecirRechazo(datos);
                     } else {
                         m_grilla.FijarRedibujar(false);
                         RecargarAsiento(c.AsiID, cabezal);
@@ -557,19 +557,20 @@ void ComandosAsiento::EliminarAsiento(bool porFila)
                     }
                 }
             }
+        } else if (c.AsiID > 0 && c.AsiTipo != 0 && c.AsiTipo == libros.primeraApertura && !PuedeModificarApertura()) {
+            // The opening-balance entry goes only when a line of it could: PuedeModificarApertura said why.
+        } else if (!m_datos.Preguntar(1804)) {
         } else if (c.AsiID <= 0) {
             m_grilla.QuitarFilas(cabezal, m_asientos.UltimaFilaAsiento(cabezal) - cabezal + 1);
-        } else if (c.AsiTipo != 0 && c.AsiTipo == libros.primeraApertura && !PuedeModificarApertura()) {
-            // The opening-balance entry goes only when a line of it could: PuedeModificarApertura said why.
         } else {
-            AsientoDatos datos = nuevoAsientoDatos();
+            AsientoDatos datos = NuevoAsientoDatos();
             const QString ids = datos.EnviarPapelera(c.AsiID, m_datos.empresa.monedaContabilidad, c.AsiFechaModificado);
             m_grilla.FijarRedibujar(false);
             for (const QString &id : ids.split(QLatin1Char(','), Qt::SkipEmptyParts))
                 m_asientos.QuitarAsientoDeGrilla(id.toInt());
             m_grilla.FijarRedibujar(true);
             if (ids.isEmpty() && datos.ultimoResultado() != AsientoDatos::Resultado::Bien)
-                decirRechazo(datos);
+                DecirRechazo(datos);
         }
     } catch (const ErrorBaseDatos &e) {
         m_datos.Error(porFila ? 1919 : 1918, DetalleError(e.numero(), e.descripcion()));
@@ -587,7 +588,7 @@ void ComandosAsiento::CopiarAsiento()
         != ServicioMensajes::Respuesta::Si)
         return;
     try {
-        AsientoDatos datos = nuevoAsientoDatos();
+        AsientoDatos datos = NuevoAsientoDatos();
         const qint32 original = m_asientos.IdDeFila(cabezal);
         if (original <= 0 || !datos.CargarAsiento(original))
             throw ErrorBaseDatos(datos.ultimoError());
@@ -610,7 +611,7 @@ void ComandosAsiento::CopiarAsiento()
         }
         const qint32 copia = datos.GrabarTodo();
         if (copia <= 0) {
-            decirRechazo(datos);
+            DecirRechazo(datos);
             m_asientos.ResetCabezal();
             return;
         }
@@ -693,7 +694,7 @@ bool ComandosAsiento::AplicarTC(bool bMonedaCuenta, double tasa, qint16 moneda)
     const int cabezal = c.FilaCabezal;
     if (cabezal < 0)
         return false;
-    AsientoDatos datos = c.AsiID > 0 ? asientoGuardado(c.AsiID) : nuevoAsientoDatos();
+    AsientoDatos datos = c.AsiID > 0 ? asientoGuardado(c.AsiID) : NuevoAsientoDatos();
     if (c.AsiID > 0) {
         if (datos.Cabezal().FechaModificado != c.AsiFechaModificado) {
             m_datos.Error(1820);
@@ -744,7 +745,7 @@ bool ComandosAsiento::AplicarTC(bool bMonedaCuenta, double tasa, qint16 moneda)
     // The entry is read again: the amounts as stored, or as they were when the write failed.
     comoEstaba();
     if (!bien)
-        decirRechazo(datos);
+        DecirRechazo(datos);
     return bien;
 }
 

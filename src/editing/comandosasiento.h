@@ -94,11 +94,15 @@ public:
     enum class Vigencia { Vigente, Releida, Quitada };
     Vigencia ReleerSiCambio(int cabezal);
 
+    // The store's entry service for this document's user.
+    AsientoDatos NuevoAsientoDatos() const;
+    // Tells why the store refused a write; a failure of the database is thrown, for the
+    // command to tell with its own text and the detail.
+    void DecirRechazo(const AsientoDatos &datos) const;
+
 private:
-    AsientoDatos nuevoAsientoDatos() const;
     AsientoDatos asientoGuardado(qint32 asiID) const;
     int tomarAsientoDeFilaActual();
-    void decirRechazo(const AsientoDatos &datos) const;
     qint16 estadoCompleto(const QDate &fecha) const;
     bool libroParaApertura(CabezalDatos &d, bool &esApertura);
 

@@ -6,6 +6,7 @@
 #include "currency/mascara.h"
 #include "store/valoressql.h"
 
+#include <QJsonArray>
 #include <QSet>
 #include <QStringList>
 
@@ -205,6 +206,8 @@ int AsientoDatos::ultimoNumero() const
         return 1837;
     case Resultado::FueraDeRango:
         return 1937;
+    case Resultado::CuentaCerrada:
+        return 1962;
     case Resultado::Bien:
     case Resultado::NoExiste:
     case Resultado::ErrorBase:
@@ -238,21 +241,29 @@ void AsientoDatos::bloquearEmpresa(qint32 empresa)
     rs->Cerrar();
 }
 
-ResultadoBalance AsientoDatos::balanceDe(const QVector<LineaBalance> &lineas, qint32 empresa)
+// The company's accounting currency, with the catalogue loaded for its masks.
+qint16 AsientoDatos::cargarMonedas(qint32 empresa, CatalogoMonedas &monedas)
 {
     qint16 monedaContabilidad = 0;
     auto rs = m_conexion->Abrir(QStringLiteral("Select EmpMonedaContabilidad From cceEmpresas Where EmpID = ?"), {empresa});
     if (!rs->Fin() && !rs->EsNulo(QStringLiteral("EmpMonedaContabilidad")))
         monedaContabilidad = qint16(rs->Entero(QStringLiteral("EmpMonedaContabilidad")));
     rs->Cerrar();
-    CatalogoMonedas monedas;
     if (!monedas.CargarMonedas(*m_conexion))
         throw ErrorBaseDatos(QStringLiteral("no se pudieron leer las monedas"));
     monedas.FijarMonedaContabilidad(monedaContabilidad);
+    return monedaContabilidad;
+}
+
+ResultadoBalance AsientoDatos::balanceDe(const QVector<LineaBalance> &lineas, qint32 empresa)
+{
+    CatalogoMonedas monedas;
+    const qint16 monedaContabilidad = cargarMonedas(empresa, monedas);
     return CalcularBalance(lineas, monedaContabilidad, monedas);
 }
 
-ResultadoBalance AsientoDatos::Balance()
+// The loaded lines as the balance test takes them, each with its account's currency.
+QVector<LineaBalance> AsientoDatos::lineasConMoneda()
 {
     QVector<LineaBalance> lineas;
     QHash<qint32, qint16> monedaDe;
@@ -264,18 +275,45 @@ ResultadoBalance AsientoDatos::Balance()
         }
         lineas.append({l.AlDebe, monedaDe.value(l.Cuenta), l.ImporteMC, l.Importe});
     }
+    return lineas;
+}
+
+qint32 AsientoDatos::empresaDelAsiento()
+{
     qint32 empresa = m_cabezal.Empresa;
     if (empresa == 0 && m_cabezal.AsiID > 0) {
         auto rs = m_conexion->Abrir(QStringLiteral("Select AsiEmpresa From cceAsientos Where AsiID = ?"), {m_cabezal.AsiID});
         empresa = rs->Fin() ? 0 : qint32(rs->Entero(QStringLiteral("AsiEmpresa")));
         rs->Cerrar();
     }
-    return balanceDe(lineas, empresa);
+    return empresa;
+}
+
+ResultadoBalance AsientoDatos::Balance()
+{
+    return balanceDe(lineasConMoneda(), empresaDelAsiento());
+}
+
+// Every amount is stored as its currency's mask shows it: what is stored, shown and balanced
+// is one amount (25000.005 pesos under "#,##0.00" is 25000.01 everywhere).
+void AsientoDatos::redondearLineas()
+{
+    if (m_lineas.isEmpty())
+        return;
+    const QVector<LineaBalance> lineas = lineasConMoneda();
+    CatalogoMonedas monedas;
+    cargarMonedas(empresaDelAsiento(), monedas);
+    const QString mascaraMC = monedas.DatoMoneda(0, 4).toString();
+    for (int i = 0; i < m_lineas.size(); ++i) {
+        LineaDatos &l = m_lineas[i];
+        l.ImporteMC = ImporteConMascara(l.ImporteMC, mascaraMC);
+        l.Importe = ImporteConMascara(l.Importe, monedas.DatoMoneda(lineas[i].moneda, 4).toString());
+    }
 }
 
 // The rules of the books over the entry as it now stands in this transaction. libroAnterior
 // is the book it had before this write (-1 for a new entry).
-bool AsientoDatos::reglasDelLibro(qint32 asiID, qint16 libroAnterior)
+bool AsientoDatos::reglasDelLibro(qint32 asiID, const QJsonObject &antes)
 {
     auto rs = m_conexion->Abrir(QStringLiteral("Select AsiEmpresa, AsiEstado, AsiTipo From cceAsientos Where AsiID = ?"), {asiID});
     if (rs->Fin())
@@ -318,7 +356,9 @@ bool AsientoDatos::reglasDelLibro(qint32 asiID, qint16 libroAnterior)
         otrosRegistrados += rs->Entero(QStringLiteral("AsiEstado")) == EstadoAsiento::kRegistrado ? 1 : 0;
     }
     rs->Cerrar();
-    const bool entra = libroAnterior != apertura;
+    // It comes into the book when it is new, moved there, or back from the trash.
+    const bool entra = antes.isEmpty() || antes.value(QStringLiteral("Libro")).toInt() != apertura
+                    || antes.value(QStringLiteral("Estado")).toInt() == EstadoAsiento::kPapelera;
     if ((entra && otros > 0) || (estado == EstadoAsiento::kRegistrado && otrosRegistrados > 0))
         return fallar(Resultado::AperturaDuplicada, QStringLiteral("la empresa ya tiene su asiento de saldos iniciales"));
     return true;
@@ -348,7 +388,7 @@ bool AsientoDatos::Grabar(Sello sello)
         const QJsonObject antes = HistorialAsiento::LeerGuardado(*m_conexion, m_cabezal.AsiID);
         if (!actualizarCabezal(m_cabezal.AsiID, nuevo))
             return false;
-        if (!reglasDelLibro(m_cabezal.AsiID, qint16(antes.value(QStringLiteral("Libro")).toInt())))
+        if (!reglasDelLibro(m_cabezal.AsiID, antes))
             return false;
         const QJsonObject despues = HistorialAsiento::LeerGuardado(*m_conexion, m_cabezal.AsiID);
         const bool cambiaEstado = antes.value(QStringLiteral("Estado")) != despues.value(QStringLiteral("Estado"));
@@ -393,6 +433,7 @@ qint32 AsientoDatos::GrabarTodo()
     qint32 id = m_cabezal.AsiID;
     try {
         Transaccion tx(*m_conexion);
+        redondearLineas();
         if (m_cabezal.Libro != 0 && m_cabezal.Libro == libroApertura())
             bloquearEmpresa(m_cabezal.Empresa);
         QJsonObject antes;
@@ -412,10 +453,10 @@ qint32 AsientoDatos::GrabarTodo()
                 return 0;
         }
         escribirLineas(id);
-        if (!reglasDelLibro(id, antes.isEmpty() ? qint16(-1) : qint16(antes.value(QStringLiteral("Libro")).toInt())))
+        if (!reglasDelLibro(id, antes))
             return 0;
-        HistorialAsiento::Registrar(*m_conexion, id, autor(), nuevo, antes.isEmpty() ? HistorialAsiento::kAlta : HistorialAsiento::kCambio,
-                                    antes, HistorialAsiento::LeerGuardado(*m_conexion, id));
+        const char *operacion = m_operacion ? m_operacion : antes.isEmpty() ? HistorialAsiento::kAlta : HistorialAsiento::kCambio;
+        HistorialAsiento::Registrar(*m_conexion, id, autor(), nuevo, operacion, antes, HistorialAsiento::LeerGuardado(*m_conexion, id));
         tx.Confirmar();
     } catch (const ErrorBaseDatos &e) {
         fallar(Resultado::ErrorBase, e.descripcion());
@@ -488,6 +529,48 @@ QString AsientoDatos::EnviarPapelera(qint32 asiID, qint16 monedaContabilidad, co
         return {};
     }
     return cambiados.join(QLatin1Char(','));
+}
+
+bool AsientoDatos::RestaurarVersion(qint32 asiID, const QJsonObject &version, const QDateTime &selloLeido, bool deshacer)
+{
+    if (!CargarAsiento(asiID))
+        return false;
+    CabezalDatos &c = m_cabezal;
+    c.FechaModificado = selloLeido; // the write compares the stamp the caller read
+    const qint16 estado = qint16(version.value(QStringLiteral("Estado")).toInt());
+    if (estado != c.Estado)
+        c.FechaCambioEstado = SelloNuevo(m_conexion->reloj(), QDateTime());
+    c.Estado = estado;
+    c.Fecha = QDate::fromString(version.value(QStringLiteral("Fecha")).toString(), Qt::ISODate);
+    c.Leyenda = version.value(QStringLiteral("Leyenda")).toString();
+    c.Libro = qint16(version.value(QStringLiteral("Libro")).toInt());
+    c.Autoriza = qint16(version.value(QStringLiteral("Autoriza")).toInt());
+    m_lineas.clear();
+    for (const QJsonValue &v : version.value(QStringLiteral("Lineas")).toArray()) {
+        const QJsonObject o = v.toObject();
+        LineaDatos l;
+        l.Cuenta = qint32(o.value(QStringLiteral("Cuenta")).toInteger());
+        l.Proyecto = qint16(o.value(QStringLiteral("Proyecto")).toInt());
+        l.Departamento = qint16(o.value(QStringLiteral("Departamento")).toInt());
+        l.AlDebe = o.value(QStringLiteral("Haber")).isNull();
+        l.Importe = Importe::DesdeDouble(o.value(l.AlDebe ? QStringLiteral("Debe") : QStringLiteral("Haber")).toDouble());
+        l.ImporteMC = Importe::DesdeDouble(o.value(QStringLiteral("ImporteMC")).toDouble());
+        l.Tasa = l.Importe.esCero() ? 0 : l.ImporteMC.aDouble() / l.Importe.aDouble();
+        l.Orden = qint16(o.value(QStringLiteral("Orden")).toInt());
+        m_lineas.append(l);
+    }
+    try {
+        // An entry that comes back among the live ones obeys the closed accounts as any write
+        // at its date does; one that goes to the trash does not need to.
+        if (c.Estado != EstadoAsiento::kPapelera && HayCuentasCerradas(c.Fecha))
+            return fallar(Resultado::CuentaCerrada, QStringLiteral("hay cuentas cerradas al %1").arg(c.Fecha.toString(Qt::ISODate)));
+    } catch (const ErrorBaseDatos &e) {
+        return fallar(Resultado::ErrorBase, e.descripcion());
+    }
+    m_operacion = deshacer ? HistorialAsiento::kDeshacer : HistorialAsiento::kRestauracion;
+    const bool grabado = GrabarTodo() > 0;
+    m_operacion = nullptr;
+    return grabado;
 }
 
 bool AsientoDatos::EliminarDefinitivo(qint32 asiID, const QDateTime &selloLeido)

@@ -6,6 +6,7 @@
 #include <QDate>
 #include <QDateTime>
 #include <QHash>
+#include <QJsonObject>
 #include <QString>
 #include <QVector>
 
@@ -93,10 +94,12 @@ bool AsientoVerificado(Conexion &conexion, qint32 asiID);
 // - every amount is one the store keeps exactly, up to Importe::MaximoLinea() (FueraDeRango).
 // A refused write leaves both tables as they were. Each write also leaves its row in the
 // audit trail and its live notice to other sessions, in the same transaction.
+class CatalogoMonedas;
+
 class AsientoDatos
 {
 public:
-    enum class Resultado { Bien, Modificado, NoExiste, ErrorBase, Descuadrado, AperturaDuplicada, FueraDeRango };
+    enum class Resultado { Bien, Modificado, NoExiste, ErrorBase, Descuadrado, AperturaDuplicada, FueraDeRango, CuentaCerrada };
 
     AsientoDatos() = default;
     explicit AsientoDatos(Conexion &conexion, const LibrosSistema &libros = {});
@@ -127,7 +130,8 @@ public:
     bool Grabar(Sello sello = Sello::Milisegundos);
     // Writes header and lines, inserting a new entry; answers the entry's id, 0 on failure.
     // Each line keeps its ACuOrden; a line without one (0, or a number already taken) gets
-    // the next after the highest. Project and department go with each line.
+    // the next after the highest. Project and department go with each line. Each amount is
+    // stored rounded to its currency's amount mask, as the grid shows it.
     qint32 GrabarTodo();
     qint32 GrabarApertura() { return GrabarTodo(); }
 
@@ -136,6 +140,12 @@ public:
     // closing of the year it opens): they belong together. Answers the ids changed, joined
     // by ","; empty when none (stamp changed, or no such entry).
     QString EnviarPapelera(qint32 asiID, qint16 monedaContabilidad, const QDateTime &sello);
+    // Writes a version of the entry as the history keeps it (header and lines) back over the
+    // stored entry, when it still carries the stamp read: a write like any other, under the
+    // same rules, refused besides when an account is closed at the version's date
+    // (CuentaCerrada) unless the version is in the trash. Its history row is a restoration,
+    // or, for deshacer, the undoing of a write.
+    bool RestaurarVersion(qint32 asiID, const QJsonObject &version, const QDateTime &selloLeido, bool deshacer = false);
     // Deletes header and lines for good, in one transaction, when the entry still carries
     // the stamp read (Modificado otherwise, and nothing is deleted).
     bool EliminarDefinitivo(qint32 asiID, const QDateTime &selloLeido);
@@ -159,9 +169,13 @@ private:
     void escribirLineas(qint32 asiID);
     qint16 libroApertura();
     void bloquearEmpresa(qint32 empresa);
-    bool reglasDelLibro(qint32 asiID, qint16 libroAnterior);
+    bool reglasDelLibro(qint32 asiID, const QJsonObject &antes);
     bool importesEnRango();
     ResultadoBalance balanceDe(const QVector<LineaBalance> &lineas, qint32 empresa);
+    qint16 cargarMonedas(qint32 empresa, CatalogoMonedas &monedas);
+    QVector<LineaBalance> lineasConMoneda();
+    qint32 empresaDelAsiento();
+    void redondearLineas();
     bool fallar(Resultado r, const QString &error);
     bool leyendaAdmitida();
     qint16 autor() const { return m_usuario ? m_usuario : m_cabezal.Usuario; }
@@ -173,4 +187,5 @@ private:
     QVector<LineaDatos> m_lineas;
     Resultado m_resultado = Resultado::Bien;
     QString m_error;
+    const char *m_operacion = nullptr; // the history's name for the next write; none: by what it does
 };

@@ -92,25 +92,30 @@ void Registrar(Conexion &conexion, qint32 asiID, qint16 usuario, const QDateTime
     const QJsonObject &alguno = despues.isEmpty() ? antes : despues;
     const qint64 empresa = alguno.value(QStringLiteral("Empresa")).toInteger();
     auto textoONulo = [](const QJsonObject &o) { return o.isEmpty() ? QVariant(QMetaType(QMetaType::QString)) : QVariant(texto(o)); };
-    conexion.Ejecutar(QStringLiteral("Insert Into cceAsientosHistorial (HisAsiento, HisEmpresa, HisUsuario, HisMomento, HisOperacion,"
-                                     " HisAntes, HisDespues) Values (?, ?, ?, ?, ?, ?, ?)"),
-                      {asiID, empresa, usuario, Conexion::ValorFechaHora(momento), QString::fromLatin1(operacion),
-                       textoONulo(antes), textoONulo(despues)});
+    const qint64 id = conexion.Insertar(QStringLiteral("Insert Into cceAsientosHistorial (HisAsiento, HisEmpresa, HisUsuario, HisMomento,"
+                                                       " HisOperacion, HisAntes, HisDespues) Values (?, ?, ?, ?, ?, ?, ?)"),
+                                        {asiID, empresa, usuario, Conexion::ValorFechaHora(momento), QString::fromLatin1(operacion),
+                                         textoONulo(antes), textoONulo(despues)},
+                                        QStringLiteral("HisID"));
+    if (qstrcmp(operacion, kDeshacer) != 0)
+        conexion.escrituras().append(id);
     conexion.Avisar(QString::fromLatin1(kCanal), QStringLiteral("%1|%2|%3").arg(asiID).arg(empresa).arg(usuario));
 }
 
 namespace {
 
-// An entry's rows, with the user's name: oldest first, or only the newest.
-QList<Fila> leerFilas(Conexion &conexion, qint32 asiID, bool soloUltima)
+// Rows with the user's name: an entry's, oldest first or only the newest, or one by its id.
+QList<Fila> leerFilas(Conexion &conexion, const QString &condicion, const QVariant &valor)
 {
     auto rs = conexion.Abrir(QStringLiteral("Select h.*, u.UsuNombre From cceAsientosHistorial h"
-                                            " Left Join segUsuarios u On u.UsuID = h.HisUsuario Where h.HisAsiento = ?")
-                                 + (soloUltima ? QStringLiteral(" Order By h.HisID Desc Limit 1") : QStringLiteral(" Order By h.HisID")),
-                             {asiID});
+                                            " Left Join segUsuarios u On u.UsuID = h.HisUsuario Where ")
+                                 + condicion,
+                             {valor});
     QList<Fila> filas;
     for (; !rs->Fin(); rs->MoverSiguiente()) {
         Fila f;
+        f.id = rs->Entero(QStringLiteral("HisID"));
+        f.asiento = qint32(rs->Entero(QStringLiteral("HisAsiento")));
         f.momento = FechaHoraDeValor(rs->Campo(QStringLiteral("HisMomento")));
         f.usuario = rs->EsNulo(QStringLiteral("HisUsuario")) ? 0 : qint16(rs->Entero(QStringLiteral("HisUsuario")));
         f.nombreUsuario = rs->Campo(QStringLiteral("UsuNombre")).toString().trimmed();
@@ -127,13 +132,30 @@ QList<Fila> leerFilas(Conexion &conexion, qint32 asiID, bool soloUltima)
 
 QList<Fila> Leer(Conexion &conexion, qint32 asiID)
 {
-    return leerFilas(conexion, asiID, false);
+    return leerFilas(conexion, QStringLiteral("h.HisAsiento = ? Order By h.HisID"), asiID);
 }
 
 std::optional<Fila> Ultimo(Conexion &conexion, qint32 asiID)
 {
-    const QList<Fila> filas = leerFilas(conexion, asiID, true);
+    const QList<Fila> filas = leerFilas(conexion, QStringLiteral("h.HisAsiento = ? Order By h.HisID Desc Limit 1"), asiID);
     return filas.isEmpty() ? std::nullopt : std::optional<Fila>(filas.first());
+}
+
+std::optional<Fila> LeerFila(Conexion &conexion, qint64 id)
+{
+    const QList<Fila> filas = leerFilas(conexion, QStringLiteral("h.HisID = ?"), id);
+    return filas.isEmpty() ? std::nullopt : std::optional<Fila>(filas.first());
+}
+
+QString NombreOperacion(const QString &operacion)
+{
+    static const std::pair<const char *, const char *> nombres[] = {
+        {kAlta, "Alta"}, {kCambio, "Cambio"}, {kEstado, "Cambio de estado"}, {kPapelera, "A la papelera"},
+        {kEliminacion, "Eliminado"}, {kRestauracion, "Restauración"}, {kDeshacer, "Deshecho"}};
+    for (const auto &[clave, nombre] : nombres)
+        if (operacion == QLatin1String(clave))
+            return QString::fromUtf8(nombre);
+    return operacion;
 }
 
 QStringList Diferencias(const QJsonObject &antes, const QJsonObject &despues)

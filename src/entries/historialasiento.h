@@ -20,6 +20,10 @@ inline constexpr const char *kCambio = "cambio";
 inline constexpr const char *kEstado = "estado";
 inline constexpr const char *kPapelera = "papelera";
 inline constexpr const char *kEliminacion = "eliminacion";
+// An earlier version written back (from the trash or the history), and the undoing of one of
+// the session's writes; the undoing is not itself a write the session can undo.
+inline constexpr const char *kRestauracion = "restauracion";
+inline constexpr const char *kDeshacer = "deshacer";
 
 // Channel of the live notices of writes; the payload is "AsiID|empresa|usuario".
 inline constexpr const char *kCanal = "asientos_cambiados";
@@ -29,12 +33,15 @@ inline constexpr const char *kCanal = "asientos_cambiados";
 QJsonObject LeerGuardado(Conexion &conexion, qint32 asiID);
 
 // Appends the row of one write and sends the live notice; part of the caller's transaction.
+// The row is listed among the connection's writes, unless it undoes one.
 void Registrar(Conexion &conexion, qint32 asiID, qint16 usuario, const QDateTime &momento, const char *operacion,
                const QJsonObject &antes, const QJsonObject &despues);
 
 // One row as the history shows it.
 struct Fila
 {
+    qint64 id = 0;
+    qint32 asiento = 0;
     QDateTime momento;
     qint16 usuario = 0;
     QString nombreUsuario;   // empty when the user is not in segUsuarios
@@ -48,6 +55,12 @@ QList<Fila> Leer(Conexion &conexion, qint32 asiID);
 // The last write of an entry, for the "changed by another user" mark; none when the entry
 // has no history.
 std::optional<Fila> Ultimo(Conexion &conexion, qint32 asiID);
+
+// The kind of a write in words ("Alta", "Cambio", ...).
+QString NombreOperacion(const QString &operacion);
+
+// One row by its id; none when there is no such row.
+std::optional<Fila> LeerFila(Conexion &conexion, qint64 id);
 
 // What changed between before and after, in words: one line per header field that
 // changed, and the lines added, removed or changed.

@@ -31,13 +31,17 @@ ResultadoBalance CalcularBalance(const QVector<LineaBalance> &lineas, qint16 mon
     qint16 monedaExtranjera = 0;
     bool unaSolaMoneda = true; // every line is in the same foreign currency
     bool enRango = true;
+    // Each line counts as its mask shows it, as the grid holds it: an amount stored with
+    // more decimals than its currency shows cannot leave a difference no one can see.
+    auto comoSeMuestra = [](const Mascara &m, Importe v) { return m.valida() ? v.RedondeadoA(m.decimales()) : v; };
+    const Mascara mascaraMC = mascaraImporte(0); // a copy: the next call may move what it answered
     for (const LineaBalance &l : lineas) {
-        enRango = enRango && (l.alDebe ? r.debeMC : r.haberMC).SumarComprobado(l.mc);
+        enRango = enRango && (l.alDebe ? r.debeMC : r.haberMC).SumarComprobado(comoSeMuestra(mascaraMC, l.mc));
         ++(l.alDebe ? lineasDebe : lineasHaber);
         if (l.moneda != 0 && l.moneda != monedaContabilidad) {
             unaSolaMoneda = unaSolaMoneda && (monedaExtranjera == 0 || monedaExtranjera == l.moneda);
             monedaExtranjera = l.moneda;
-            enRango = enRango && (l.alDebe ? debeME : haberME).SumarComprobado(l.me);
+            enRango = enRango && (l.alDebe ? debeME : haberME).SumarComprobado(comoSeMuestra(mascaraImporte(l.moneda), l.me));
         } else {
             unaSolaMoneda = false;
         }

@@ -32,12 +32,12 @@ struct ResultadoBalance
     Importe haberMC;
 };
 
-// The balance test of an entry, the one rule the screen and the write path share. An entry
-// balances when it has a debit and a credit line and its sums in the accounting currency are
-// equal as its amount mask shows them (a difference below the mask's last decimal does not
-// count); when every line is in one foreign currency, the sums in that currency must be
-// equal too. mascaraImporte answers the amount mask of a currency (0: the accounting one); it
-// is asked once or twice a call, so a caller that tests many entries keeps its masks.
+// The balance test of an entry, the one rule the screen and the write path share. Each line
+// counts as its currency's amount mask shows it; an entry balances when it has a debit and a
+// credit line and its sums in the accounting currency are equal as its amount mask shows
+// them; when every line is in one foreign currency, the sums in that currency must be equal
+// too. mascaraImporte answers the amount mask of a currency (0: the accounting one); it is
+// asked for every foreign line, so a caller that tests many entries keeps its masks.
 // Sums past the amount type's range do not balance.
 ResultadoBalance CalcularBalance(const QVector<LineaBalance> &lineas, qint16 monedaContabilidad,
                                  const std::function<const Mascara &(qint16)> &mascaraImporte);

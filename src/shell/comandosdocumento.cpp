@@ -2,6 +2,7 @@
 #include "lumingasiento.h"
 
 #include "dialogohistorial.h"
+#include "dialogopapelera.h"
 #include "idioma.h"
 #include "lumhiperlink.h"
 #include "lumtoomenu.h"
@@ -9,6 +10,7 @@
 #include "paneledicion.h"
 #include "editing/asientoapertura.h"
 #include "editing/comandosasiento.h"
+#include "editing/restauraciones.h"
 #include "editing/sesion.h"
 #include "editing/frecuentesrecientes.h"
 #include "entries/frecuentesdatos.h"
@@ -131,6 +133,8 @@ void lumIngAsiento::conectarComandos()
         }
     });
     connect(m_menus->accion(QStringLiteral("MnuEdiHistorial")), &QAction::triggered, this, [this] { MostrarHistorial(); });
+    connect(m_menus->accion(QStringLiteral("MnuViePapelera")), &QAction::triggered, this, [this] { MostrarPapelera(); });
+    alElegir("MnuEdiDeshacer", [this] { Deshacer(); });
     conectarSalidas();
 }
 
@@ -145,10 +149,39 @@ void lumIngAsiento::MostrarHistorial()
     try {
         auto *dialogo = new DialogoHistorial(id, HistorialAsiento::Leer(*m_datos.conexion(), id), FormatoQtDeFecha(m_datos.formatoFecha), this);
         dialogo->setAttribute(Qt::WA_DeleteOnClose);
+        if (m_datos.TienePermiso(u'M')) {
+            // A version goes back over the entry as it was when the history was read.
+            const QDateTime leido = LeerSellos(*m_datos.conexion(), {id}).value(id).sello;
+            dialogo->OfrecerRestaurar(m_datos.texto(1160), [this, id, leido](const QJsonObject &version) {
+                return m_restauracion->RestaurarVersion(id, version, leido);
+            });
+        }
         dialogo->open();
     } catch (const ErrorBaseDatos &e) {
         m_datos.Error(1916, DetalleError(e.numero(), e.descripcion()));
     }
+}
+
+// The company's trash, for a user who may delete: entries given back or deleted for good.
+void lumIngAsiento::MostrarPapelera()
+{
+    if (!m_datos.TienePermiso(u'E') || !m_datos.conexion())
+        return;
+    auto *dialogo = new DialogoPapelera(*m_restauracion, m_datos.texto, FormatoQtDeFecha(m_datos.formatoFecha), this);
+    dialogo->setAttribute(Qt::WA_DeleteOnClose);
+    if (!dialogo->Leer()) {
+        delete dialogo;
+        return;
+    }
+    dialogo->open();
+}
+
+// Ctrl+Z outside an edit: this session's last write still standing is undone.
+void lumIngAsiento::Deshacer()
+{
+    if (FilaEdicion() > 0 || !m_datos.TienePermiso(u'M'))
+        return;
+    m_restauracion->Deshacer();
 }
 
 void lumIngAsiento::ClickEnlace(lumHiperLink *enlace, QMenu *menu)
@@ -200,6 +233,15 @@ void lumIngAsiento::PrepararMenuEdicion()
         m_menus->accion(QString::fromLatin1(accion))->setEnabled(permitido);
     const int filaCabezal = m_asientos.FilaCabezalDe(fila);
     m_menus->accion(QStringLiteral("MnuEdiHistorial"))->setEnabled(filaCabezal >= 0 && m_asientos.IdDeFila(filaCabezal) > 0);
+    QAction *deshacer = m_menus->accion(QStringLiteral("MnuEdiDeshacer"));
+    QString queDeshace;
+    try {
+        queDeshace = m ? m_restauracion->TextoDeshacer() : QString();
+    } catch (const ErrorBaseDatos &) {
+        // Unknown for now: the item stays off, and Ctrl+Z says why when pressed.
+    }
+    deshacer->setText(queDeshace.isEmpty() ? m_datos.texto(1159) : queDeshace);
+    deshacer->setEnabled(!queDeshace.isEmpty());
     m_menus->MnuEdiTC->menuAction()->setEnabled(m);
 
     // The opening-balance commands offer what can be done: making it while there is none,
@@ -375,6 +417,11 @@ void lumIngAsiento::keyPressEvent(QKeyEvent *evento)
     }
     if (mods == Qt::ControlModifier && evento->key() == Qt::Key_N) {
         m_edicion->NuevoAsiento();
+        evento->accept();
+        return;
+    }
+    if (evento->matches(QKeySequence::Undo)) {
+        Deshacer();
         evento->accept();
         return;
     }

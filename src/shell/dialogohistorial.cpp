@@ -38,7 +38,7 @@ DialogoHistorial::DialogoHistorial(qint32 asiID, const QList<HistorialAsiento::F
         const QString resumen = f.antes.isEmpty() ? QStringLiteral("%1 líneas").arg(f.despues.value(QStringLiteral("Lineas")).toArray().size())
                               : f.despues.isEmpty() ? QStringLiteral("borrado con sus %1 líneas").arg(f.antes.value(QStringLiteral("Lineas")).toArray().size())
                                                     : cambios.join(QStringLiteral("; "));
-        const QStringList celdas{f.momento.toString(formato), usuario, NombreOperacion(f.operacion), resumen};
+        const QStringList celdas{f.momento.toString(formato), usuario, HistorialAsiento::NombreOperacion(f.operacion), resumen};
         for (int c = 0; c < celdas.size(); ++c)
             m_tabla->setItem(i, c, new QTableWidgetItem(celdas[c]));
     }
@@ -50,33 +50,45 @@ DialogoHistorial::DialogoHistorial(qint32 asiID, const QList<HistorialAsiento::F
     m_detalle->setReadOnly(true);
     capa->addWidget(m_detalle, 1);
 
-    auto *botones = new QDialogButtonBox(QDialogButtonBox::Close, this);
+    auto *botones = m_botones = new QDialogButtonBox(QDialogButtonBox::Close, this);
     botones->button(QDialogButtonBox::Close)->setText(QStringLiteral("Cerrar"));
     // The list takes the keys from the start: arrows move through the writes, Escape closes.
     botones->button(QDialogButtonBox::Close)->setAutoDefault(false);
     connect(botones, &QDialogButtonBox::rejected, this, &QDialog::reject);
     capa->addWidget(botones);
 
-    connect(m_tabla, &QTableWidget::currentCellChanged, this, [this](int fila) { mostrarDetalle(fila); });
+    connect(m_tabla, &QTableWidget::currentCellChanged, this, [this](int fila) {
+        mostrarDetalle(fila);
+        if (m_restaurar)
+            m_restaurar->setEnabled(restaurable(fila));
+    });
     if (!filas.isEmpty())
         m_tabla->setCurrentCell(int(filas.size()) - 1, 0);
     setFocusProxy(m_tabla);
     resize(760, 420);
 }
 
-QString DialogoHistorial::NombreOperacion(const QString &operacion)
+void DialogoHistorial::OfrecerRestaurar(const QString &caption, std::function<bool(const QJsonObject &)> restaurar)
 {
-    if (operacion == QLatin1String(HistorialAsiento::kAlta))
-        return QStringLiteral("Alta");
-    if (operacion == QLatin1String(HistorialAsiento::kCambio))
-        return QStringLiteral("Cambio");
-    if (operacion == QLatin1String(HistorialAsiento::kEstado))
-        return QStringLiteral("Cambio de estado");
-    if (operacion == QLatin1String(HistorialAsiento::kPapelera))
-        return QStringLiteral("A la papelera");
-    if (operacion == QLatin1String(HistorialAsiento::kEliminacion))
-        return QStringLiteral("Eliminado");
-    return operacion;
+    m_restaurarVersion = std::move(restaurar);
+    m_restaurar = m_botones->addButton(caption, QDialogButtonBox::ActionRole);
+    m_restaurar->setObjectName(QStringLiteral("botonRestaurarVersion"));
+    m_restaurar->setAutoDefault(false);
+    m_restaurar->setEnabled(restaurable(m_tabla->currentRow()));
+    connect(m_restaurar, &QPushButton::clicked, this, [this] {
+        const int fila = m_tabla->currentRow();
+        if (restaurable(fila) && m_restaurarVersion(m_filas[fila].despues))
+            accept();
+    });
+}
+
+// A version that left a live entry, other than the entry as it stands now.
+bool DialogoHistorial::restaurable(int fila) const
+{
+    if (fila < 0 || fila >= m_filas.size() - 1)
+        return false;
+    const QJsonObject &version = m_filas[fila].despues;
+    return !version.isEmpty() && version.value(QStringLiteral("Estado")).toInt() != 9;
 }
 
 // The selected write: its changes in words, then the entry as it was before and after.

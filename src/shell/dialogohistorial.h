@@ -4,7 +4,11 @@
 
 #include <QDialog>
 
+#include <functional>
+
+class QDialogButtonBox;
 class QPlainTextEdit;
+class QPushButton;
 class QTableWidget;
 
 // The history of one entry, read-only: every write, oldest first, with who made it and when;
@@ -16,12 +20,19 @@ public:
     DialogoHistorial(qint32 asiID, const QList<HistorialAsiento::Fila> &filas, const QString &formatoFecha,
                      QWidget *padre = nullptr);
 
-    static QString NombreOperacion(const QString &operacion);
+    // Offers the selected write's version back, with the button's caption: restaurar writes
+    // it and answers whether it did (the dialog then closes). Without it the history is
+    // read-only.
+    void OfrecerRestaurar(const QString &caption, std::function<bool(const QJsonObject &)> restaurar);
 
 private:
     void mostrarDetalle(int fila);
+    bool restaurable(int fila) const;
 
     QList<HistorialAsiento::Fila> m_filas;
     QTableWidget *m_tabla = nullptr;
     QPlainTextEdit *m_detalle = nullptr;
+    QDialogButtonBox *m_botones = nullptr;
+    QPushButton *m_restaurar = nullptr;
+    std::function<bool(const QJsonObject &)> m_restaurarVersion;
 };

@@ -121,6 +121,7 @@ void lumIngAsiento::PrepararMenuVistas()
 {
     CargarMeses();
     MostrarVista();
+    m_menus->accion(QStringLiteral("MnuViePapelera"))->setEnabled(m_datos.TienePermiso(u'E'));
 }
 
 QString lumIngAsiento::RutaDisenoGrilla() const

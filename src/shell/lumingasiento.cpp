@@ -10,6 +10,7 @@
 #include "editing/asientoapertura.h"
 #include "editing/cambiosajenos.h"
 #include "editing/comandosasiento.h"
+#include "editing/restauraciones.h"
 #include "editing/sesionedicion.h"
 #include "search/busquedaasientos.h"
 #include "entries/vistas.h"
@@ -154,6 +155,7 @@ void lumIngAsiento::crearControles()
 
     m_menus = std::make_unique<MenusDocumento>(this);
     m_comandos = std::make_unique<ComandosAsiento>(m_datos, m_asientos, *m_panel);
+    m_restauracion = std::make_unique<ComandosRestauracion>(m_datos, *m_comandos, m_asientos, *m_panel);
     m_edicion = std::make_unique<SesionEdicion>(m_datos, m_asientos, *m_comandos, *m_panel);
     m_busquedaPropia = std::make_unique<BusquedaCuentasQt>();
     m_busqueda = std::make_unique<BusquedaAsientos>(m_datos, m_asientos, *m_panel, busquedaCuentas(), this);
@@ -362,7 +364,8 @@ void lumIngAsiento::HabilitarEnlaces()
     const bool m = m_datos.TienePermiso(u'M');
     const bool e = m_datos.TienePermiso(u'E');
     const bool q = m_datos.TienePermiso(u'Q');
-    hlRegistro->setEnabled(a || m || e);
+    // The entry menu also holds what a query-only user may do: the history, printing.
+    hlRegistro->setEnabled(a || m || e || q);
     hlAsientoFrecuente->setEnabled(a);
     hlOpSave->setEnabled(m);
     hlFind->setEnabled(q || a || m || e);

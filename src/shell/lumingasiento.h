@@ -21,6 +21,7 @@ struct GrillaEnPantalla;
 class BusquedaAsientos;
 class CambiosAjenos;
 class ComandosAsiento;
+class ComandosRestauracion;
 class MenusDocumento;
 class PanelEdicion;
 class QComboBox;
@@ -93,6 +94,9 @@ public:
     // finds one).
     QString ComandoDiferido() const { return m_comandoDiferido; }
     MenusDocumento &menus() const { return *m_menus; }
+    // The entry menu as it is about to open: its items follow the current row, the user's
+    // rights and what this session can undo.
+    void PrepararMenuEdicion();
     AsientosGrilla &asientos() { return m_asientos; }
     Grilla &grilla() { return m_grilla; }
     vsGrid *grid() const { return m_vsGrid; }
@@ -155,8 +159,9 @@ private:
     GrillaEnPantalla GrillaMostrada() const;
     ExportacionGrilla &exportacion();
     void ClickEnlace(lumHiperLink *enlace, QMenu *menu);
-    void PrepararMenuEdicion();
     void MostrarHistorial();
+    void MostrarPapelera();
+    void Deshacer();
     void MenuEdicionEnCelda();
     void ArmarComandoDiferido(const QString &comando);
     void tmShowASI_Timer();
@@ -216,6 +221,7 @@ private:
     PanelEdicion *m_panel = nullptr;
     std::unique_ptr<MenusDocumento> m_menus;
     std::unique_ptr<ComandosAsiento> m_comandos;
+    std::unique_ptr<ComandosRestauracion> m_restauracion;
     std::unique_ptr<SesionEdicion> m_edicion;
     std::unique_ptr<BusquedaAsientos> m_busqueda;
     std::unique_ptr<AsientoApertura> m_apertura;

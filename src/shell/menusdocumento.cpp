@@ -1,6 +1,7 @@
 #include "menusdocumento.h"
 
 #include <QAction>
+#include <QKeySequence>
 #include <QMenu>
 #include <QWidget>
 
@@ -27,6 +28,8 @@ MenusDocumento::MenusDocumento(QWidget *dueno)
         a->setCheckable(true);
         MnuViewMItem.append(a);
     }
+    separador(MnuView, "MnuVieLinePapelera");
+    agregar(MnuView, "MnuViePapelera", "Papelera", 1156);
 
     MnuEdicion = menu("MnuEdicion", QStringLiteral("Edicion"));
     agregar(MnuEdicion, "MnuEdiShowEstado", "")->setVisible(false);
@@ -40,6 +43,11 @@ MenusDocumento::MenusDocumento(QWidget *dueno)
     agregar(MnuEdicion, "MnuEdiCopy", "Copiar Asiento", 1024);
     agregar(MnuEdicion, "MnuEdiHide", "Ocultar Asiento", 1025);
     agregar(MnuEdicion, "MnuEdiHistorial", "Historial");
+    // Ctrl+Z is taken by the document's keys; the item shows it.
+    QAction *deshacer = agregar(MnuEdicion, "MnuEdiDeshacer", "Deshacer", 1159);
+    deshacer->setShortcut(QKeySequence::Undo);
+    deshacer->setShortcutContext(Qt::WidgetShortcut);
+    deshacer->setShortcutVisibleInContextMenu(true);
     MnuEdiTC = menu("MnuEdiTC", QStringLiteral("Unificar Tasa de Cambio"));
     MnuEdicion->addMenu(MnuEdiTC);
     agregar(MnuEdiTC, "MnuUnificarTCCta", "a la moneda de la cuenta", 1101);

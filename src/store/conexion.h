@@ -120,8 +120,14 @@ public:
     static QVariant ValorFecha(const QDate &fecha);
     static QVariant ValorFechaHora(const QDateTime &momento);
 
+    // The audit rows of the writes made through this connection in this session, oldest
+    // first: what the session can undo. A row of a write that was rolled back stays listed
+    // until someone looks for it and does not find it.
+    QList<qint64> &escrituras() { return m_escrituras; }
+
 private:
     std::shared_ptr<Reloj> m_reloj = std::make_shared<Reloj>();
+    QList<qint64> m_escrituras;
 };
 
 // Rolls back unless Confirmar() was called: a write either happens whole or not at all.

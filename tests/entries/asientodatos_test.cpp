@@ -234,8 +234,14 @@ TEST_P(Datos, UnAsientoRegistradoSiempreCierra)
     EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientos")), antes);
     EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientosHistorial")), historial);
 
-    // Below the mask's last decimal the sides are equal; an incomplete entry may differ.
-    EXPECT_GT(registrado({linea(10, true, 300.004), linea(22, false, 300)}).first, 0);
+    // Each line counts, and is stored, as the mask shows it: equal exact sums of 100.01
+    // against 50.00 + 50.00 do not balance; 300.004 is stored as 300.00.
+    EXPECT_EQ(registrado({linea(10, true, 100.005), linea(22, false, 50.0025), linea(20, false, 50.0025)}), std::make_pair(0, 1957));
+    const qint32 redondeado = registrado({linea(10, true, 300.004), linea(22, false, 300)}).first;
+    ASSERT_GT(redondeado, 0);
+    EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientoCuenta Where ACuIDAsiento = %1 And ACuImporteMC = 300 And ACuDebe = 300")
+                         .arg(redondeado)),
+              1);
     EXPECT_GT(registrado({linea(11, true, 10, 410), linea(11, false, 10, 410)}).first, 0);
     const qint32 inconcluso = registrado({linea(10, true, 300), linea(22, false, 200)}, 2).first;
     ASSERT_GT(inconcluso, 0);

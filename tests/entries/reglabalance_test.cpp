@@ -58,7 +58,9 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(
         Caso{"iguales", {linea(true, 1, 100), linea(false, 1, 100)}, true, false, 0, 0},
         Caso{"bajoElUltimoDecimal", {linea(true, 1, 100.004), linea(false, 1, 100)}, true, false, 0, 0},
-        Caso{"unCentavo", {linea(true, 1, 100.006), linea(false, 1, 100)}, false, false, 0.006, 0},
+        Caso{"unCentavo", {linea(true, 1, 100.006), linea(false, 1, 100)}, false, false, 0.01, 0},
+        // Exact sums equal, shown sums not: 100.01 against 50.00 + 50.00.
+        Caso{"cadaLineaComoSeMuestra", {linea(true, 1, 100.005), linea(false, 1, 50.0025), linea(false, 1, 50.0025)}, false, false, 0.01, 0},
         Caso{"faltaAlDebe", {linea(true, 1, 90), linea(false, 1, 100)}, false, true, 10, 0},
         Caso{"soloDebeEnCero", {linea(true, 1, 0), linea(true, 1, 0)}, false, true, 0, 0},
         Caso{"soloHaberEnCero", {linea(false, 1, 0), linea(false, 1, 0)}, false, true, 0, 0},
@@ -66,7 +68,7 @@ INSTANTIATE_TEST_SUITE_P(
         Caso{"dolaresQueNoCierranEnDolares", {linea(true, 2, 400, 10), linea(false, 2, 400, 11)}, false, true, 0, 1},
         Caso{"dolaresContraPesos", {linea(true, 2, 4000, 100), linea(false, 1, 4000)}, true, false, 0, 0},
         Caso{"yenesSinDecimales", {linea(true, 3, 250, 1000.4), linea(false, 3, 250, 1000)}, true, false, 0, 0},
-        Caso{"yenesQueNoCierran", {linea(true, 3, 250, 1000.6), linea(false, 3, 250, 1000)}, false, false, 0, 0.6}),
+        Caso{"yenesQueNoCierran", {linea(true, 3, 250, 1000.6), linea(false, 3, 250, 1000)}, false, false, 0, 1}),
     [](const ::testing::TestParamInfo<Caso> &i) { return std::string(i.param.nombre); });
 
 // Sums past the amount type's range never balance, whatever they would wrap to.

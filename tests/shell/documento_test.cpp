@@ -114,7 +114,7 @@ TEST_F(Documento, UsuarioDeConsultaSoloBuscaYCambiaVista)
 {
     auto doc = abrir(usuario(Demo::kUsuarioConsulta));
     EXPECT_EQ(doc->estado(), lumIngAsiento::Estado::Listo);
-    EXPECT_FALSE(habilitado(*doc, "hlRegistro"));
+    EXPECT_TRUE(habilitado(*doc, "hlRegistro")) << "the history and printing are there";
     EXPECT_FALSE(habilitado(*doc, "hlAsientoFrecuente"));
     EXPECT_FALSE(habilitado(*doc, "hlOpSave"));
     EXPECT_TRUE(habilitado(*doc, "hlFind"));
@@ -126,9 +126,10 @@ TEST_F(Documento, UsuarioDeConsultaSoloBuscaYCambiaVista)
     QTest::mouseClick(doc->grid()->viewport(), Qt::RightButton, {}, QPoint(20, 5));
     for (const char *a : {"MnuEdiNew", "MnuEdiDel", "MnuEdiDelRow", "MnuEdiAddCta", "MnuEdiSaveNormal", "MnuEdiCopy",
                           "MnuEdiHacerFrecuente", "MnuEdiAgendarAsiento", "MnuEdiLibro", "MnuUnificarTCCta", "MnuEdiAPA",
-                          "MnuEdiASI"})
+                          "MnuEdiASI", "MnuEdiDeshacer"})
         EXPECT_FALSE(doc->menus().accion(QString::fromLatin1(a))->isEnabled()) << a;
     EXPECT_TRUE(doc->menus().accion(QStringLiteral("MnuEdiHide"))->isEnabled());
+    EXPECT_TRUE(doc->menus().accion(QStringLiteral("MnuEdiHistorial"))->isEnabled());
     doc->menus().MnuEdicion->close();
 }
 

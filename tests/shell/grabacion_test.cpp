@@ -231,7 +231,15 @@ TEST_P(Grabacion, EliminarAsientoYFila)
     ASSERT_GT(fila, 0);
     EXPECT_EQ(doc->asientos().UltimaFilaAsiento(fila) - fila, 2);
 
+    // The whole entry goes only when the user says so (1804).
     doc->grid()->FijarFilaActual(fila);
+    m_mensajes.Responder(ServicioMensajes::Respuesta::No);
+    doc->comandos().EliminarAsiento(false);
+    EXPECT_EQ(estadoEnBase(id), 1);
+    EXPECT_EQ(filaDe(*doc, id), fila);
+    EXPECT_EQ(m_mensajes.mostrados.last(), QStringLiteral("pregunta: ¿Desea eliminar todo el asiento?"));
+    doc->grid()->FijarFilaActual(fila);
+    m_mensajes.Responder(ServicioMensajes::Respuesta::Si);
     doc->comandos().EliminarAsiento(false);
     EXPECT_EQ(estadoEnBase(id), 9);
     EXPECT_EQ(filaDe(*doc, id), -1);

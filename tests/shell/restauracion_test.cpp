@@ -1,0 +1,216 @@
+#include "escenario.h"
+
+#include "editing/restauraciones.h"
+#include "entries/asientodatos.h"
+#include "entries/historialasiento.h"
+#include "entries/vistas.h"
+#include "shell/dialogohistorial.h"
+#include "shell/dialogopapelera.h"
+#include "shell/menusdocumento.h"
+
+#include <QPushButton>
+#include <QTableWidget>
+
+namespace {
+
+// The ways back, driven as a user does: Delete and its question, the trash window, Ctrl+Z
+// on the grid, and a version chosen in the history; each checked against the database.
+class Restauracion : public Escenario
+{
+protected:
+    qint32 nuevoAsiento()
+    {
+        vista(Vista::kPrimerMes);
+        return asientoAlFinal(1, QStringLiteral("Compra con flete"), {{"5.1.01", true, 1000}, {"5.2.01", true, 250.5}, {"1.1.01", false, 1250.5}},
+                              1);
+    }
+
+    void alCabezal(qint32 id) { m_doc->grid()->FijarFilaActual(filaDe(id)); }
+
+    // Delete on the row, answering the question.
+    void suprimir(int fila, ServicioMensajes::Respuesta respuesta)
+    {
+        m_doc->grid()->FijarFilaActual(fila);
+        m_mensajes.Responder(respuesta);
+        QTest::keyClick(m_doc->grid(), Qt::Key_Delete);
+    }
+
+    void deshacer() { QTest::keyClick(m_doc->grid(), Qt::Key_Z, Qt::ControlModifier); }
+
+    QStringList operaciones(qint32 id)
+    {
+        QStringList ops;
+        for (const HistorialAsiento::Fila &f : HistorialAsiento::Leer(m_base.conexion(), id))
+            ops << f.operacion;
+        return ops;
+    }
+
+    DialogoPapelera *papelera()
+    {
+        m_doc->menus().accion(QStringLiteral("MnuViePapelera"))->trigger();
+        return m_doc->findChild<DialogoPapelera *>();
+    }
+
+    // Another user changes the entry's legend through the store.
+    void otroUsuarioCambia(qint32 id)
+    {
+        AsientoDatos otro(m_base.conexion());
+        otro.FijarUsuario(4);
+        ASSERT_TRUE(otro.CargarAsiento(id));
+        otro.Cabezal().Leyenda = QStringLiteral("Cambiada por otro");
+        ASSERT_TRUE(otro.Grabar());
+    }
+};
+
+TEST_P(Restauracion, EliminarPreguntaYLaPapeleraLoDevuelveEntero)
+{
+    const qint32 id = nuevoAsiento();
+    const AsientoEnBase antes = enBase(id);
+    const QStringList filas = filasVistas(id);
+
+    suprimir(filaDe(id), ServicioMensajes::Respuesta::No);
+    EXPECT_EQ(m_mensajes.mostrados.last(), QStringLiteral("pregunta: ¿Desea eliminar todo el asiento?"));
+    EXPECT_EQ(enBase(id), antes);
+    EXPECT_EQ(filasVistas(id), filas);
+
+    suprimir(filaDe(id), ServicioMensajes::Respuesta::Si);
+    EXPECT_EQ(enBase(id).cabezal.value(0), QStringLiteral("9"));
+    EXPECT_EQ(filaDe(id), -1);
+
+    DialogoPapelera *dialogo = papelera();
+    ASSERT_NE(dialogo, nullptr);
+    auto *tabla = dialogo->findChild<QTableWidget *>(QStringLiteral("tablaPapelera"));
+    int enLista = -1;
+    for (int r = 0; r < tabla->rowCount(); ++r)
+        if (tabla->item(r, 1)->text() == QStringLiteral("Compra con flete"))
+            enLista = r;
+    ASSERT_GE(enLista, 0);
+    EXPECT_EQ(tabla->item(enLista, 2)->text(), QStringLiteral("Administrador")) << "who sent it there";
+    tabla->setCurrentCell(enLista, 0);
+    dialogo->findChild<QPushButton *>(QStringLiteral("botonRestaurar"))->click();
+
+    EXPECT_EQ(enBase(id), antes) << "back whole, registered as it was";
+    EXPECT_EQ(filasVistas(id), filas);
+    EXPECT_EQ(operaciones(id), (QStringList{QStringLiteral("alta"), QStringLiteral("papelera"), QStringLiteral("restauracion")}));
+    for (int r = 0; r < tabla->rowCount(); ++r)
+        EXPECT_NE(tabla->item(r, 1)->text(), QStringLiteral("Compra con flete")) << "the list is read again";
+
+    // Deleted for good from the trash, after its question; the history stays.
+    suprimir(filaDe(id), ServicioMensajes::Respuesta::Si);
+    ASSERT_TRUE(dialogo->Leer());
+    tabla->setCurrentCell(0, 0);
+    ASSERT_EQ(tabla->item(0, 1)->text(), QStringLiteral("Compra con flete"));
+    m_mensajes.Responder(ServicioMensajes::Respuesta::No);
+    dialogo->findChild<QPushButton *>(QStringLiteral("botonEliminarDefinitivo"))->click();
+    EXPECT_EQ(enBase(id).cabezal.value(0), QStringLiteral("9"));
+    m_mensajes.Responder(ServicioMensajes::Respuesta::Si);
+    dialogo->findChild<QPushButton *>(QStringLiteral("botonEliminarDefinitivo"))->click();
+    EXPECT_TRUE(enBase(id).cabezal.isEmpty());
+    EXPECT_EQ(operaciones(id).last(), QStringLiteral("eliminacion"));
+    dialogo->close();
+}
+
+// Restoring from the trash obeys the rules of any write: another user's opening-balance
+// entry keeps a trashed one out, and an account closed since keeps the entry where it is.
+TEST_P(Restauracion, DeLaPapeleraSoloLoQueUnaEscrituraPuede)
+{
+    const qint32 id = nuevoAsiento();
+    suprimir(filaDe(id), ServicioMensajes::Respuesta::Si);
+    m_base.conexion().Ejecutar(QStringLiteral("Update cceCuentas Set CueFechaCerrada = ? Where CueID = ?"),
+                               {Conexion::ValorFecha(BaseDePrueba::Hoy()), cuenta("5.2.01")});
+    DialogoPapelera *dialogo = papelera();
+    ASSERT_NE(dialogo, nullptr);
+    auto *tabla = dialogo->findChild<QTableWidget *>(QStringLiteral("tablaPapelera"));
+    tabla->setCurrentCell(0, 0);
+    ASSERT_EQ(tabla->item(0, 1)->text(), QStringLiteral("Compra con flete"));
+    dialogo->findChild<QPushButton *>(QStringLiteral("botonRestaurar"))->click();
+    EXPECT_EQ(m_mensajes.mostrados.last(), QStringLiteral("error: No se puede restaurar el asiento: tiene cuentas cerradas a su fecha."));
+    EXPECT_EQ(enBase(id).cabezal.value(0), QStringLiteral("9"));
+    EXPECT_EQ(filaDe(id), -1);
+    dialogo->close();
+}
+
+// Ctrl+Z takes back this session's writes one at a time, newest first, and stops there.
+TEST_P(Restauracion, DeshacerPasoAPaso)
+{
+    const qint32 id = nuevoAsiento();
+    const AsientoEnBase original = enBase(id);
+    const QStringList filas = filasVistas(id);
+
+    // A line deleted: the entry no longer balances and is incomplete.
+    suprimir(filaDe(id) + 2, ServicioMensajes::Respuesta::Si);
+    const AsientoEnBase sinLinea = enBase(id);
+    ASSERT_EQ(sinLinea.lineas.size(), 2);
+    // Then the whole entry to the trash.
+    suprimir(filaDe(id), ServicioMensajes::Respuesta::Si);
+    ASSERT_EQ(enBase(id).cabezal.value(0), QStringLiteral("9"));
+
+    m_doc->PrepararMenuEdicion();
+    EXPECT_EQ(m_doc->menus().accion(QStringLiteral("MnuEdiDeshacer"))->text(), QStringLiteral("Deshacer a la papelera del asiento %1").arg(id));
+    deshacer();
+    EXPECT_EQ(enBase(id), sinLinea);
+    EXPECT_GE(filaDe(id), 0) << "shown again";
+    deshacer();
+    EXPECT_EQ(enBase(id), original);
+    EXPECT_EQ(filasVistas(id), filas);
+    deshacer(); // the entry was made by someone else: nothing more of this session's
+    EXPECT_EQ(enBase(id), original);
+    m_doc->PrepararMenuEdicion();
+    EXPECT_FALSE(m_doc->menus().accion(QStringLiteral("MnuEdiDeshacer"))->isEnabled());
+    EXPECT_EQ(operaciones(id), (QStringList{QStringLiteral("alta"), QStringLiteral("cambio"), QStringLiteral("papelera"),
+                                            QStringLiteral("deshacer"), QStringLiteral("deshacer")}));
+}
+
+// Nothing of another user's newer work is overwritten: undoing over it, or restoring a
+// version read before it, is refused with 1820.
+TEST_P(Restauracion, NadaPisaElCambioDeOtroUsuario)
+{
+    const qint32 id = nuevoAsiento();
+    suprimir(filaDe(id) + 2, ServicioMensajes::Respuesta::Si);
+    otroUsuarioCambia(id);
+    const AsientoEnBase deOtro = enBase(id);
+    deshacer();
+    EXPECT_EQ(m_mensajes.mostrados.last(), QStringLiteral("error: Registro modificado con anterioridad."));
+    EXPECT_EQ(enBase(id), deOtro);
+
+    // The history read now offers the first version back.
+    alCabezal(id);
+    m_doc->menus().accion(QStringLiteral("MnuEdiHistorial"))->trigger();
+    auto *historial = m_doc->findChild<DialogoHistorial *>();
+    ASSERT_NE(historial, nullptr);
+    auto *tabla = historial->findChild<QTableWidget *>(QStringLiteral("tablaHistorial"));
+    auto *restaurar = historial->findChild<QPushButton *>(QStringLiteral("botonRestaurarVersion"));
+    ASSERT_NE(restaurar, nullptr);
+    EXPECT_FALSE(restaurar->isEnabled()) << "the last version is the entry as it stands";
+    tabla->setCurrentCell(0, 0);
+    EXPECT_TRUE(restaurar->isEnabled());
+
+    // Another change after the history was read: the version is refused.
+    otroUsuarioCambia(id);
+    const AsientoEnBase ultimo = enBase(id);
+    m_mensajes.Responder(ServicioMensajes::Respuesta::Si);
+    restaurar->click();
+    EXPECT_EQ(m_mensajes.mostrados.last(), QStringLiteral("error: Registro modificado con anterioridad."));
+    EXPECT_EQ(enBase(id), ultimo);
+    historial->close();
+    delete historial;
+
+    // Read again, the first version goes back as a new write: the three lines, registered.
+    alCabezal(id);
+    m_doc->menus().accion(QStringLiteral("MnuEdiHistorial"))->trigger();
+    historial = m_doc->findChild<DialogoHistorial *>();
+    ASSERT_NE(historial, nullptr);
+    historial->findChild<QTableWidget *>(QStringLiteral("tablaHistorial"))->setCurrentCell(0, 0);
+    m_mensajes.Responder(ServicioMensajes::Respuesta::Si);
+    historial->findChild<QPushButton *>(QStringLiteral("botonRestaurarVersion"))->click();
+    const AsientoEnBase restaurado = enBase(id);
+    EXPECT_EQ(restaurado.lineas.size(), 3);
+    EXPECT_EQ(restaurado.cabezal.value(0), QStringLiteral("1"));
+    EXPECT_EQ(restaurado.cabezal.value(2), QStringLiteral("Compra con flete"));
+    EXPECT_EQ(operaciones(id).last(), QStringLiteral("restauracion"));
+}
+
+INSTANTIATE_TEST_SUITE_P(Motores, Restauracion, ::testing::ValuesIn(MotoresDePrueba()),
+                         [](const ::testing::TestParamInfo<Motor> &i) { return NombreMotor(i.param).toStdString(); });
+
+} // namespace
