@@ -228,6 +228,15 @@ void lumERAsiento::Recalcular(int cambiado)
 
     if (ocTCambio->Valor() != 0 && cfMoneda->currentIndex() >= 0)
         ocTCambio->FijarValor(RedondearConMascara(ocTCambio->Valor(), mascaraTasa(MonedaCombo())));
+    // An amount worked out from the others shows as its currency's mask rounds it, never as
+    // the noise of a division (0.41 / 41.58 dollars is 0.01, not 0.009860652149862672).
+    const qint16 elegida = MonedaCombo();
+    const qint16 deLaCuenta = CuentaIngresadaAlDebe() ? m_debe.iMon : m_haber.iMon;
+    const qint16 otra = elegida == m_ctx.monedaContabilidad ? deLaCuenta : m_ctx.monedaContabilidad;
+    if (cambiado != 1 && ocImporte->EsNumeroValido())
+        ocImporte->FijarValor(ImporteConMascara(ocImporte->Valor(), mascaraImporte(elegida)).aDouble());
+    if (cambiado != 3 && ocImporteMC->EsNumeroValido())
+        ocImporteMC->FijarValor(ImporteConMascara(ocImporteMC->Valor(), mascaraImporte(otra)).aDouble());
     ocImporteMC->Tag = TextoDecimal(ocImporteMC->Valor());
     ocImporte->Tag = TextoDecimal(ocImporte->Valor());
     ocTCambio->Tag = TextoDecimal(ocTCambio->Valor());
