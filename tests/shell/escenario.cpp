@@ -6,6 +6,7 @@
 #include "store/valoressql.h"
 
 #include <QAbstractItemModel>
+#include <QComboBox>
 #include <QLineEdit>
 
 std::ostream &operator<<(std::ostream &os, const AsientoEnBase &a)
@@ -173,4 +174,31 @@ qint32 Escenario::asientoAlFinal(qint16 estado, const QString &leyenda, const QL
     EXPECT_GT(id, 0) << d.ultimoError().toStdString();
     EXPECT_FALSE(CargarAsientoEnGrilla(m_doc->asientos(), *m_doc->proceso().conexion, id, m_doc->grilla().Filas() - 1));
     return id;
+}
+
+void Escenario::nuevoConTeclado(const QString &leyenda, const QString &debe, const QString &haber, const QString &importe)
+{
+    QTest::keyClick(m_doc->grid(), Qt::Key_N, Qt::ControlModifier);
+    ASSERT_GT(m_doc->FilaEdicion(), 0);
+    ASSERT_TRUE(editorALaVista()) << editor()->geometry().top() << " " << editor()->isVisible() << " " << m_doc->grid()->viewport()->height();
+    ASSERT_EQ(foco(), m_doc->campoFecha()) << (foco() ? foco()->objectName().toStdString() : "none");
+    enter(m_doc->campoFecha());
+    enter(m_doc->listaLibros());
+    escribir(m_doc->campoLeyenda(), leyenda);
+    enter(m_doc->campoLeyenda());
+    if (foco() != editor()->campoCuenta(true)) {
+        auto *autoriza = m_doc->findChild<QComboBox *>(QStringLiteral("cfAutoriza"));
+        autoriza->setCurrentIndex(0);
+        enter(autoriza);
+    }
+    ASSERT_EQ(foco(), editor()->campoCuenta(true));
+    escribir(editor()->campoCuenta(true), debe);
+    enter(editor()->campoCuenta(true));
+    escribir(editor()->campo(lumERAsiento::kImporte), importe);
+    enter(editor()->campo(lumERAsiento::kImporte));
+    ASSERT_TRUE(editorALaVista());
+    enter(editor()->campoCuenta(true));
+    escribir(editor()->campoCuenta(false), haber);
+    enter(editor()->campoCuenta(false));
+    enter(editor()->campo(lumERAsiento::kImporte));
 }

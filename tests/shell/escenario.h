@@ -7,6 +7,8 @@
 #include "documentodeprueba.h"
 
 #include "entries/vsgrid.h"
+#include "lineeditor/campocalculadora.h"
+#include "lineeditor/campofecha.h"
 #include "lineeditor/lumerasiento.h"
 #include "services/serviciobusquedacuentas.h"
 #include "shell/lumingasiento.h"
@@ -84,6 +86,10 @@ protected:
     QStringList filasVistas(int desde, int hasta) const;
     // Whether the line editor is shown inside the grid's visible area.
     bool editorALaVista() const;
+
+    // A new entry typed with the keyboard alone: Ctrl+N, the header by Enter, a debit and a
+    // credit line.
+    void nuevoConTeclado(const QString &leyenda, const QString &debe, const QString &haber, const QString &importe);
 
     AsientoEnBase enBase(qint32 id);
     // The id of the demo account with that code.

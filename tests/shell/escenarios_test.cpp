@@ -49,35 +49,6 @@ protected:
     QComboBox *autoriza() const { return m_doc->findChild<QComboBox *>(QStringLiteral("cfAutoriza")); }
     QString primerAutorizador() const { return autoriza()->itemData(0).toString(); }
 
-    // A new entry typed with the keyboard alone: Ctrl+N, the header by Enter, a debit and a
-    // credit line.
-    void nuevoConTeclado(const QString &leyenda, const QString &debe, const QString &haber, const QString &importe)
-    {
-        QTest::keyClick(m_doc->grid(), Qt::Key_N, Qt::ControlModifier);
-        ASSERT_GT(m_doc->FilaEdicion(), 0);
-        ASSERT_TRUE(editorALaVista()) << editor()->geometry().top() << " " << editor()->isVisible() << " " << m_doc->grid()->viewport()->height();
-        ASSERT_EQ(foco(), m_doc->campoFecha()) << (foco() ? foco()->objectName().toStdString() : "none");
-        enter(m_doc->campoFecha());
-        enter(m_doc->listaLibros());
-        escribir(m_doc->campoLeyenda(), leyenda);
-        enter(m_doc->campoLeyenda());
-        if (foco() != editor()->campoCuenta(true)) {
-            auto *autoriza = m_doc->findChild<QComboBox *>(QStringLiteral("cfAutoriza"));
-            autoriza->setCurrentIndex(0);
-            enter(autoriza);
-        }
-        ASSERT_EQ(foco(), editor()->campoCuenta(true));
-        escribir(editor()->campoCuenta(true), debe);
-        enter(editor()->campoCuenta(true));
-        escribir(editor()->campo(lumERAsiento::kImporte), importe);
-        enter(editor()->campo(lumERAsiento::kImporte));
-        ASSERT_TRUE(editorALaVista());
-        enter(editor()->campoCuenta(true));
-        escribir(editor()->campoCuenta(false), haber);
-        enter(editor()->campoCuenta(false));
-        enter(editor()->campo(lumERAsiento::kImporte));
-    }
-
     // A stored entry of the view with lines in pesos only, registered, dated before today.
     qint32 asientoSimple()
     {

@@ -161,6 +161,28 @@ TEST_P(Restauracion, DeshacerPasoAPaso)
                                             QStringLiteral("deshacer"), QStringLiteral("deshacer")}));
 }
 
+// An entry typed here and stored goes to the trash with Ctrl+Z; inside an edit Ctrl+Z is the
+// text fields' own and undoes no write.
+TEST_P(Restauracion, DeshacerUnAsientoTecleado)
+{
+    vista(Vista::kRecienIngresados);
+    nuevoConTeclado(QStringLiteral("Tecleado y deshecho"), QStringLiteral("1.1.01"), QStringLiteral("4.1.01"), QStringLiteral("500"));
+    const qint32 id = ultimoId();
+    ASSERT_EQ(enBase(id).cabezal.value(2), QStringLiteral("Tecleado y deshecho"));
+    ASSERT_EQ(m_doc->FilaEdicion(), 0) << "balanced, it was stored and the edit ended";
+    QTest::keyClick(m_doc->grid(), Qt::Key_N, Qt::ControlModifier);
+    ASSERT_GT(m_doc->FilaEdicion(), 0);
+    QTest::keyClick(foco(), Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(enBase(id).cabezal.value(0), QStringLiteral("1"));
+    escape(foco());
+    ASSERT_EQ(m_doc->FilaEdicion(), 0);
+
+    deshacer();
+    EXPECT_EQ(enBase(id).cabezal.value(0), QStringLiteral("9"));
+    EXPECT_EQ(filaDe(id), -1);
+    EXPECT_EQ(operaciones(id), (QStringList{QStringLiteral("alta"), QStringLiteral("papelera")}));
+}
+
 // Nothing of another user's newer work is overwritten: undoing over it, or restoring a
 // version read before it, is refused with 1820.
 TEST_P(Restauracion, NadaPisaElCambioDeOtroUsuario)
