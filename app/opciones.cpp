@@ -1,5 +1,7 @@
 #include "opciones.h"
 
+#include <QCryptographicHash>
+
 namespace {
 bool numero(const QString &texto, int &valor)
 {
@@ -95,7 +97,8 @@ QString OpcionesHost::Uso()
         "  --lang N          idioma de los textos: 1 español, 2 inglés\n"
         "  --asiento N       abrir mostrando el asiento N\n"
         "  --temp CARPETA    carpeta del diseño de la grilla\n"
-        "  --prefix TEXTO    prefijo del archivo de diseño (el número de usuario)\n"
+        "  --prefix TEXTO    prefijo del archivo de diseño (el número de usuario, con una marca\n"
+        "                    de la base y la empresa cuando no son las de siempre)\n"
         "  --opening         proponer el asiento de saldos iniciales si no existe\n"
         "  --href DIRECCION  dirección base tal cual, en lugar de armarla\n"
         "  --settings ARCHIVO  archivo de ajustes del usuario\n"
@@ -108,6 +111,14 @@ QString OpcionesHost::Uso()
         "  --help, --version\n");
 }
 
+QString OpcionesHost::PrefijoPorDefecto() const
+{
+    if (baseDatos.isEmpty() && empresa == 1)
+        return QString::number(usuario);
+    const QByteArray clave = (baseDatos + QLatin1Char('|') + QString::number(empresa)).toUtf8();
+    return QStringLiteral("%1_%2").arg(usuario).arg(QString::fromLatin1(QCryptographicHash::hash(clave, QCryptographicHash::Sha1).toHex().left(8)));
+}
+
 QString OpcionesHost::DireccionBase(const QString &carpetaTemporalPorDefecto) const
 {
     if (!href.isEmpty())
@@ -115,7 +126,7 @@ QString OpcionesHost::DireccionBase(const QString &carpetaTemporalPorDefecto) co
     QStringList pares;
     pares << QStringLiteral("psidusuario=%1").arg(usuario) << QStringLiteral("psidempresa=%1").arg(empresa)
           << QStringLiteral("psckey=lum01")
-          << QStringLiteral("pskeyinit=") + (prefijo.isEmpty() ? QString::number(usuario) : prefijo)
+          << QStringLiteral("pskeyinit=") + (prefijo.isEmpty() ? PrefijoPorDefecto() : prefijo)
           << QStringLiteral("pstempdir=")
                  + QString(carpetaTemporal.isEmpty() ? carpetaTemporalPorDefecto : carpetaTemporal)
                        .replace(QLatin1Char(' '), QLatin1String("%20"));

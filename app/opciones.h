@@ -35,4 +35,8 @@ struct OpcionesHost
 
     // The base address the host hands the document: the query part carries the pairs.
     QString DireccionBase(const QString &carpetaTemporalPorDefecto) const;
+    // The layout file's prefix when none is given: the user's number, marked with the
+    // database and company unless they are the default ones, so that a grid laid out over
+    // one database's entries is never shown over another's.
+    QString PrefijoPorDefecto() const;
 };

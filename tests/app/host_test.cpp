@@ -26,10 +26,31 @@ TEST(OpcionesHost, ArmanLaDireccionQueElDocumentoLee)
     EXPECT_TRUE(r.exito);
     EXPECT_EQ(d.IDUsuario, 2);
     EXPECT_EQ(d.IDEmpresa, 5);
-    EXPECT_EQ(d.PrefijoUsuario, QStringLiteral("2"));
+    EXPECT_TRUE(d.PrefijoUsuario.startsWith(QStringLiteral("2_"))) << "another company, another layout";
     EXPECT_EQ(d.CarpetaTemporal, QStringLiteral("\\tmp\\mis datos"));
     EXPECT_TRUE(d.PedidoAsientoApertura);
     EXPECT_EQ(IdAsientoPendiente(d.SolicitudPendiente), 77);
+}
+
+// Each database and company keeps its own layout file; the default ones keep the plain
+// user number, and a prefix given wins.
+TEST(OpcionesHost, CadaBaseYEmpresaTieneSuDiseno)
+{
+    auto prefijo = [](QStringList argumentos) {
+        argumentos.prepend(QStringLiteral("asientos"));
+        const OpcionesHost o = OpcionesHost::Leer(argumentos);
+        DatosHost d;
+        LeerParametrosHost(ExtraerParametrosHost(o.DireccionBase(QStringLiteral("/x"))), d);
+        return d.PrefijoUsuario;
+    };
+    const QString a = prefijo({QStringLiteral("--db"), QStringLiteral("/datos/a.sqlite")});
+    EXPECT_EQ(prefijo({}), QStringLiteral("1"));
+    EXPECT_EQ(a, prefijo({QStringLiteral("--db"), QStringLiteral("/datos/a.sqlite")}));
+    EXPECT_TRUE(a.startsWith(QStringLiteral("1_")));
+    EXPECT_NE(a, prefijo({QStringLiteral("--db"), QStringLiteral("/datos/b.sqlite")}));
+    EXPECT_NE(a, prefijo({QStringLiteral("--db"), QStringLiteral("/datos/a.sqlite"), QStringLiteral("--company"), QStringLiteral("2")}));
+    EXPECT_EQ(prefijo({QStringLiteral("--db"), QStringLiteral("/datos/a.sqlite"), QStringLiteral("--prefix"), QStringLiteral("mio")}),
+              QStringLiteral("mio"));
 }
 
 TEST(OpcionesHost, HrefSeUsaTalCualYLosErroresSeDicen)
