@@ -4,6 +4,18 @@
 #include "services/serviciomensajes.h"
 #include "store/fallo.h"
 
+namespace {
+
+// An entry as the history keeps it, without the stamps a write changes by itself.
+QJsonObject contenido(QJsonObject version)
+{
+    version.remove(QStringLiteral("FechaModificado"));
+    version.remove(QStringLiteral("FechaEstado"));
+    return version;
+}
+
+} // namespace
+
 ComandosRestauracion::ComandosRestauracion(DatosDocumento &datos, ComandosAsiento &comandos, AsientosGrilla &asientos,
                                            PantallaAsientos &pantalla)
     : m_datos(datos)
@@ -84,7 +96,7 @@ bool ComandosRestauracion::RestaurarDePapelera(const EnPapelera &e)
 
 bool ComandosRestauracion::EliminarDePapelera(const EnPapelera &e)
 {
-    if (!m_datos.TienePermiso(u'E') || !m_datos.conexion() || !m_datos.Preguntar(1809))
+    if (!m_datos.TienePermiso(u'E') || !m_datos.conexion() || !m_datos.Preguntar(1966))
         return false;
     AsientoDatos datos = m_comandos.NuevoAsientoDatos();
     if (datos.EliminarDefinitivo(e.asiID, e.sello))
@@ -100,9 +112,13 @@ bool ComandosRestauracion::RestaurarVersion(qint32 asiID, const QJsonObject &ver
 {
     if (!m_datos.TienePermiso(u'M') || !m_datos.conexion() || version.isEmpty())
         return false;
-    if (!m_datos.Preguntar(1964))
-        return false;
     try {
+        if (contenido(HistorialAsiento::LeerGuardado(*m_datos.conexion(), asiID)) == contenido(version)) {
+            m_datos.Informar(1965);
+            return false;
+        }
+        if (!m_datos.Preguntar(1964))
+            return false;
         AsientoDatos datos = m_comandos.NuevoAsientoDatos();
         if (!datos.RestaurarVersion(asiID, version, selloLeido)) {
             m_comandos.DecirRechazo(datos);
@@ -161,22 +177,19 @@ bool ComandosRestauracion::Deshacer()
             QString texto = m_datos.texto(1963);
             texto.replace(QLatin1String("[p]"), QString::number(e->asiID));
             m_datos.mensajes->MostrarError(texto, m_datos.texto(1000), QString());
-            m_datos.conexion()->escrituras().removeLast();
+            m_datos.conexion()->escrituras().removeAll(e->id);
             return false;
         }
         // The entry must still be as that write left it (a later write of this session was
         // undone first): then its stamp now is the one the undoing compares.
         const QDateTime sello = LeerSellos(*m_datos.conexion(), {e->asiID}).value(e->asiID).sello;
-        auto contenido = [](QJsonObject o) {
-            o.remove(QStringLiteral("FechaModificado"));
-            o.remove(QStringLiteral("FechaEstado"));
-            return o;
-        };
         if (contenido(HistorialAsiento::LeerGuardado(*m_datos.conexion(), e->asiID)) != contenido(e->despues)) {
             m_datos.Error(1820);
             return false;
         }
         AsientoDatos datos = m_comandos.NuevoAsientoDatos();
+        QList<qint64> &escrituras = m_datos.conexion()->escrituras();
+        const qsizetype anotadas = escrituras.size();
         bool hecho = false;
         if (e->antes.isEmpty()) {
             // The write made the entry: undoing it sends the entry to the trash.
@@ -188,7 +201,9 @@ bool ComandosRestauracion::Deshacer()
             m_comandos.DecirRechazo(datos);
             return false;
         }
-        m_datos.conexion()->escrituras().removeLast();
+        // The undone write leaves the list, and the undoing is none to undo in turn.
+        escrituras.resize(std::min(anotadas, escrituras.size()));
+        escrituras.removeAll(e->id);
         mostrarEnGrilla(e->asiID);
         return true;
     } catch (const ErrorBaseDatos &x) {

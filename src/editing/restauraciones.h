@@ -39,10 +39,11 @@ public:
     // Gives an entry of the trash back as it was before it went there (a draft when the
     // history does not say). False after saying why.
     bool RestaurarDePapelera(const EnPapelera &e);
-    // Deletes an entry of the trash for good, after question 1809; its history stays.
+    // Deletes an entry of the trash for good, after question 1966; its history stays.
     bool EliminarDePapelera(const EnPapelera &e);
 
-    // Writes a version from an entry's history back after question 1964. selloLeido is the
+    // Writes a version from an entry's history back after question 1964 (1965 instead when
+    // the entry already is that version). selloLeido is the
     // entry's stamp when the history was read: another user's later change refuses it (1820).
     bool RestaurarVersion(qint32 asiID, const QJsonObject &version, const QDateTime &selloLeido);
 

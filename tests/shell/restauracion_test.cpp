@@ -181,6 +181,13 @@ TEST_P(Restauracion, DeshacerUnAsientoTecleado)
     EXPECT_EQ(enBase(id).cabezal.value(0), QStringLiteral("9"));
     EXPECT_EQ(filaDe(id), -1);
     EXPECT_EQ(operaciones(id), (QStringList{QStringLiteral("alta"), QStringLiteral("papelera")}));
+    // The undone write leaves the list: nothing of this session is left, and Ctrl+Z says nothing.
+    m_doc->PrepararMenuEdicion();
+    EXPECT_FALSE(m_doc->menus().accion(QStringLiteral("MnuEdiDeshacer"))->isEnabled());
+    const qsizetype mensajes = m_mensajes.mostrados.size();
+    deshacer();
+    EXPECT_EQ(m_mensajes.mostrados.size(), mensajes);
+    EXPECT_EQ(operaciones(id).size(), 2);
 }
 
 // Nothing of another user's newer work is overwritten: undoing over it, or restoring a
@@ -230,6 +237,19 @@ TEST_P(Restauracion, NadaPisaElCambioDeOtroUsuario)
     EXPECT_EQ(restaurado.cabezal.value(0), QStringLiteral("1"));
     EXPECT_EQ(restaurado.cabezal.value(2), QStringLiteral("Compra con flete"));
     EXPECT_EQ(operaciones(id).last(), QStringLiteral("restauracion"));
+    historial->close();
+    delete historial;
+
+    // The same version again is the entry as it stands: nothing is written.
+    const int escrituras = int(operaciones(id).size());
+    alCabezal(id);
+    m_doc->menus().accion(QStringLiteral("MnuEdiHistorial"))->trigger();
+    historial = m_doc->findChild<DialogoHistorial *>();
+    ASSERT_NE(historial, nullptr);
+    historial->findChild<QTableWidget *>(QStringLiteral("tablaHistorial"))->setCurrentCell(0, 0);
+    historial->findChild<QPushButton *>(QStringLiteral("botonRestaurarVersion"))->click();
+    EXPECT_EQ(m_mensajes.mostrados.last(), QStringLiteral("información: El asiento ya está como en esa versión: no hay nada que restaurar."));
+    EXPECT_EQ(operaciones(id).size(), escrituras);
 }
 
 INSTANTIATE_TEST_SUITE_P(Motores, Restauracion, ::testing::ValuesIn(MotoresDePrueba()),
