@@ -1,7 +1,9 @@
 #include "opciones.h"
 #include "ventanahost.h"
 
+#include "editing/sesion.h"
 #include "export/exportacionlinea.h"
+#include "services/serviciopermisos.h"
 #include "services/servicioconexion.h"
 #include "shell/idioma.h"
 #include "store/basedelprograma.h"
@@ -101,6 +103,14 @@ int ExportarSinVentana(const OpcionesHost &o, const QString &baseDatos, const QS
     };
     try {
         auto conexion = AbrirBaseDelPrograma(baseDatos);
+        // The command line admits whom the window admits: no file for anyone else.
+        ServicioPermisos permisos(*conexion, o.usuario);
+        if (!PuedeEntrar(permisos.Permisos(QString(), kModuloAsientos, o.empresa).trimmed())) {
+            errores << QStringLiteral("Acceso denegado: el usuario %1 no puede ver los asientos de la empresa %2.").arg(o.usuario).arg(o.empresa)
+                    << Qt::endl;
+            conexion->Cerrar();
+            return 1;
+        }
         const int estado = ExportarDesdeLinea(pedido, *conexion, o.empresa, texto, errores,
                                               [&errores](const QString &linea) { errores << linea << Qt::endl; });
         conexion->Cerrar();

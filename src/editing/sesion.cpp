@@ -170,6 +170,11 @@ bool TienePermiso(const QString &letras, QChar letra)
     return !letras.isEmpty() && letras.contains(letra, Qt::CaseInsensitive);
 }
 
+bool PuedeEntrar(const QString &letras)
+{
+    return TienePermiso(letras, u'Q') || TienePermiso(letras, u'A') || TienePermiso(letras, u'M') || TienePermiso(letras, u'E');
+}
+
 QString NombreEdicion(const QString &claveSesion)
 {
     const QString clave = claveSesion.trimmed().toLower();

@@ -334,7 +334,7 @@ bool lumIngAsiento::InicializarDocumento()
         m_panel->FijarAutorizadores({}, false);
 
     HabilitarEnlaces();
-    if (!m_datos.TienePermiso(u'Q') && !m_datos.TienePermiso(u'A') && !m_datos.TienePermiso(u'M') && !m_datos.TienePermiso(u'E'))
+    if (!PuedeEntrar(m_datos.letras))
         return false;
 
     hlCargar->Tag = QStringLiteral("0");

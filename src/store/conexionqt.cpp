@@ -2,6 +2,7 @@
 
 #include "dialectosql.h"
 #include "registrosql.h"
+#include "semejanza.h"
 
 #include <QAtomicInt>
 #include <QFileInfo>
@@ -162,6 +163,9 @@ bool abrirSqlite(QSqlDatabase &db, const QString &archivo, const QString &opcion
         error = db.lastError();
         return false;
     }
+    // A search folds every letter's case, as on PostgreSQL. Registered before any statement
+    // runs: the engine refuses it while one is active.
+    RegistrarLikeSinMayusculas(db.driver()->handle());
     QSqlQuery q(db);
     if (!q.exec(QStringLiteral("Select count(*) From sqlite_master"))) {
         error = q.lastError();

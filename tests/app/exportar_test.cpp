@@ -172,6 +172,13 @@ TEST_P(ExportarDesdeLinea, PedidosMalosSeRechazanSinEscribir)
         {{QStringLiteral("--exportar"), ruta("no/x.htm"), QStringLiteral("--mes"), mes}, 1, "Error al exportar la información."},
         {{QStringLiteral("--exportar"), ruta("no/x.xlsx"), QStringLiteral("--mes"), mes}, 1, "Error al exportar la información."},
         {{QStringLiteral("--exportar"), ruta("no/x.pdf"), QStringLiteral("--mes"), mes}, 1, "Error al exportar la información."},
+        // The command line admits whom the window admits: a user without rights, or none.
+        {{QStringLiteral("--exportar"), ruta("x.csv"), QStringLiteral("--mes"), mes, QStringLiteral("--user"), QStringLiteral("3")}, 1,
+         "Acceso denegado: el usuario 3"},
+        {{QStringLiteral("--exportar"), ruta("x.csv"), QStringLiteral("--mes"), mes, QStringLiteral("--user"), QStringLiteral("99")}, 1,
+         "Acceso denegado: el usuario 99"},
+        {{QStringLiteral("--exportar"), ruta("x.csv"), QStringLiteral("--mes"), mes, QStringLiteral("--company"), QStringLiteral("7")}, 1,
+         "Acceso denegado: el usuario 1 no puede ver los asientos de la empresa 7"},
     };
     for (const auto &c : casos) {
         const Salida s = correr(c.argumentos);

@@ -13,6 +13,7 @@
 #include "store/basedemo.h"
 
 #include <QTemporaryDir>
+#include <QTest>
 
 #include <gtest/gtest.h>
 
@@ -322,6 +323,11 @@ TEST_P(Grabacion, UnificarLaTasaDeLosDolares)
     doc->comandos().UnificarTC(false);
     EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientoCuenta Where ACuIDAsiento = %1 And ACuImporteMC = 4100").arg(id)), 2);
     EXPECT_EQ(m_mensajes.mostrados.size(), 2) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
+
+    // Ctrl+Z on the grid takes the unification back, as a write of its own.
+    QTest::keyClick(doc->grid(), Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientoCuenta Where ACuIDAsiento = %1 And ACuImporteMC = 4000").arg(id)), 2);
+    EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientosHistorial Where HisAsiento = %1 And HisOperacion = 'deshacer'").arg(id)), 1);
 }
 
 // A currency worth less than the accounting one: ¥1000 booked at 250 pesos is "/ 4". The

@@ -2,6 +2,7 @@
 
 #include "store/conexionqt.h"
 #include "store/dialectosql.h"
+#include "store/semejanza.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -158,17 +159,40 @@ TEST_P(ConexionEnMotor, TextosConTopCorrenEnElMotor)
     EXPECT_TRUE(rs->Fin());
 }
 
-TEST_P(ConexionEnMotor, LikeNoDistingueMayusculas)
+// The same patterns find the same legends on both engines: the case of every letter is
+// folded (accented ones and "ñ" too), accents are not.
+TEST_P(ConexionEnMotor, LikeNoDistingueMayusculasEnNingunaLetra)
 {
     BaseDePrueba base(GetParam(), BaseDePrueba::Contenido::Esquema);
     Conexion &c = base.conexion();
     c.Ejecutar(QStringLiteral("Insert Into cceAsientos (AsiEmpresa, AsiEstado, AsiFechaAsiento, AsiLeyenda) Values"
-                              " (1, 1, '2025-01-01', 'Caja chica ref. 12'), (1, 1, '2025-01-01', 'Banco')"));
-    auto rs = c.Abrir(QStringLiteral("Select AsiLeyenda From cceAsientos Where AsiLeyenda Like 'caja%REF%'"));
-    ASSERT_FALSE(rs->Fin());
-    EXPECT_EQ(rs->Texto(QStringLiteral("AsiLeyenda")), QStringLiteral("Caja chica ref. 12"));
-    rs->MoverSiguiente();
-    EXPECT_TRUE(rs->Fin());
+                              " (1, 1, '2025-01-01', 'Caja chica ref. 12'), (1, 1, '2025-01-01', 'Banco'),"
+                              " (1, 1, '2025-01-01', 'Área de ventas'), (1, 1, '2025-01-01', 'ÁREA COMÚN'),"
+                              " (1, 1, '2025-01-01', 'area sin tilde'), (1, 1, '2025-01-01', 'Ñandú y Cía.')"));
+    const struct
+    {
+        const char *patron;
+        QStringList leyendas;
+    } casos[] = {
+        {"caja%REF%", {QStringLiteral("Caja chica ref. 12")}},
+        {"área%", {QStringLiteral("ÁREA COMÚN"), QStringLiteral("Área de ventas")}},
+        {"%común", {QStringLiteral("ÁREA COMÚN")}},
+        {"area%", {QStringLiteral("area sin tilde")}},
+        {"ñandÚ%", {QStringLiteral("Ñandú y Cía.")}},
+        {"_anco", {QStringLiteral("Banco")}},
+        {"%", {QStringLiteral("area sin tilde"), QStringLiteral("Banco"), QStringLiteral("Caja chica ref. 12"),
+               QStringLiteral("Ñandú y Cía."), QStringLiteral("ÁREA COMÚN"), QStringLiteral("Área de ventas")}},
+    };
+    for (const auto &caso : casos) {
+        auto rs = c.Abrir(QStringLiteral("Select AsiLeyenda From cceAsientos Where AsiLeyenda Like '%1'").arg(QString::fromUtf8(caso.patron)));
+        QStringList leyendas;
+        for (; !rs->Fin(); rs->MoverSiguiente())
+            leyendas << rs->Texto(QStringLiteral("AsiLeyenda"));
+        leyendas.sort();
+        QStringList esperadas = caso.leyendas;
+        esperadas.sort();
+        EXPECT_EQ(leyendas, esperadas) << caso.patron;
+    }
 }
 
 TEST_P(ConexionEnMotor, ErrorDeSintaxisDaLaRazonDelMotor)
@@ -180,6 +204,26 @@ TEST_P(ConexionEnMotor, ErrorDeSintaxisDaLaRazonDelMotor)
     } catch (const ErrorBaseDatos &e) {
         EXPECT_TRUE(e.descripcion().contains(QStringLiteral("nohaytabla"), Qt::CaseInsensitive)) << e.what();
     }
+}
+
+// The matcher alone: wildcards that have to go back, the escape, and what is no match.
+TEST(Semejanza, ComodinesEscapeYMayusculas)
+{
+    const struct
+    {
+        const char *patron, *texto;
+        char escape;
+        bool coincide;
+    } casos[] = {
+        {"a%b%c", "aXbYbZc", 0, true},  {"a%b%c", "aXbYbZ", 0, false}, {"%aab", "aaab", 0, true},
+        {"_", "", 0, false},            {"", "", 0, true},             {"%", "", 0, true},
+        {"a_c", "abc", 0, true},        {"a_c", "ac", 0, false},       {"100!%", "100%", '!', true},
+        {"100!%", "1000", '!', false},  {"a!_b", "a_b", '!', true},    {"a!_b", "axb", '!', false},
+        {"ÁRBOL", "árbol", 0, true},    {"arbol", "árbol", 0, false},  {"%ÑU", "baño ñu", 0, true},
+    };
+    for (const auto &c : casos)
+        EXPECT_EQ(CoincideLike(QString::fromUtf8(c.patron), QString::fromUtf8(c.texto), c.escape ? QChar(c.escape) : QChar()), c.coincide)
+            << c.patron << " " << c.texto;
 }
 
 INSTANTIATE_TEST_SUITE_P(Motores, ConexionEnMotor, ::testing::ValuesIn(MotoresDePrueba()),
