@@ -152,6 +152,7 @@ int ExportarDesdeLinea(const PedidoExportacion &pedido, Conexion &conexion, qint
                 c.prmCta = IdDeCuenta(conexion, empresa, pedido.cuenta);
                 if (c.prmCta <= 0)
                     return fallar(QStringLiteral("No existe la cuenta «%1» en la empresa %2.").arg(pedido.cuenta).arg(empresa));
+                c.prmPry = c.prmDep = CriteriosBusqueda::kCualquiera; // the account's lines of every project and department
             }
             sql = SqlBusqueda(c, empresa, parametros.delimitadorFecha, parametros.formatoFecha);
             vista = Vista::kPersonalizada;

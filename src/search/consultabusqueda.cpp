@@ -64,9 +64,14 @@ QString SqlBusqueda(const CriteriosBusqueda &c, qint32 empresa, const QString &d
     const bool hayImporte = c.prmImporte != 0 || c.prmImporte2 != 0;
     const QString subconsulta = QStringLiteral("cceAsientoCuenta.ACuIDAsiento IN (Select ACuIDAsiento From cceAsientoCuenta As CSQ ");
     if (c.prmCta >= 1) {
-        sql += conector() + subconsulta + QStringLiteral(" Where (CSQ.AcuCuenta = ") + QString::number(c.prmCta)
-             + QStringLiteral(" And CSQ.AcuProyecto = ") + QString::number(c.prmPry)
-             + QStringLiteral(" And CSQ.AcuDepartamento = ") + QString::number(c.prmDep) + QStringLiteral(")");
+        // A project or department not chosen restricts nothing: the account's lines of every
+        // project and department count.
+        sql += conector() + subconsulta + QStringLiteral(" Where (CSQ.AcuCuenta = ") + QString::number(c.prmCta);
+        if (c.prmPry != CriteriosBusqueda::kCualquiera)
+            sql += QStringLiteral(" And CSQ.AcuProyecto = ") + QString::number(c.prmPry);
+        if (c.prmDep != CriteriosBusqueda::kCualquiera)
+            sql += QStringLiteral(" And CSQ.AcuDepartamento = ") + QString::number(c.prmDep);
+        sql += QStringLiteral(")");
         if (c.prmImporte != 0 && c.prmImporte2 != 0)
             sql += (c.prmCriterioAnd ? QStringLiteral(" And (") : QStringLiteral(" Or (")) + condicionImporte(c) + QStringLiteral(")");
         else if (hayImporte)

@@ -392,8 +392,9 @@ void frmFind::bfOK_Click()
     c.prmLibro = cfLibro->currentIndex() >= 0 ? qint16(cfLibro->currentData().toInt()) : 0;
     c.prmLeyenda = tLeyenda->text().trimmed().isEmpty() ? QString() : tLeyenda->text();
     c.prmCta = m_idCuenta;
-    c.prmPry = m_idCuenta > 0 ? m_proyecto : qint16(0);
-    c.prmDep = m_idCuenta > 0 ? m_departamento : qint16(0);
+    // The account chooser names a project or department only when the user picked one.
+    c.prmPry = m_idCuenta <= 0 ? qint16(0) : m_proyecto > 0 ? m_proyecto : CriteriosBusqueda::kCualquiera;
+    c.prmDep = m_idCuenta <= 0 ? qint16(0) : m_departamento > 0 ? m_departamento : CriteriosBusqueda::kCualquiera;
     c.prmImporte = ocImporte->EsNumeroValido() ? ocImporte->Valor() : 0;
     c.prmImporte2 = ocImporte2->EsNumeroValido() ? ocImporte2->Valor() : 0;
     c.prmCriterioAnd = cfCriterio->currentIndex() == 0;

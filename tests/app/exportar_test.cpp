@@ -112,6 +112,27 @@ TEST_P(ExportarDesdeLinea, MesEnCSVCuadraConLaBase)
     EXPECT_EQ(haber, haberBase);
 }
 
+// An account searched without a project or department finds its lines of every project and
+// department: 5.2.01 Sueldos carries them on all its lines.
+TEST_P(ExportarDesdeLinea, UnaCuentaConProyectosSeEncuentraEntera)
+{
+    const Salida s = correr({QStringLiteral("--exportar"), ruta("sueldos.csv"), QStringLiteral("--cuenta"), QStringLiteral("5.2.01")});
+    ASSERT_EQ(s.estado, 0) << s.errores.toStdString();
+    int asientos = 0;
+    const QJsonArray filas = LeerArchivoExportado("csv", ruta("sueldos.csv"));
+    for (qsizetype i = 1; i < filas.size(); ++i) {
+        const QJsonArray f = filas.at(i).toArray();
+        if (f.at(0).toString().isEmpty() && QDate::fromString(f.at(1).toString(), QStringLiteral("dd/MM/yyyy")).isValid())
+            ++asientos;
+    }
+    auto rs = m_base.conexion().Abrir(QStringLiteral(
+        "Select Count(Distinct AsiID), Sum(Case When ACuProyecto <> 0 Or ACuDepartamento <> 0 Then 1 Else 0 End)"
+        " From cceAsientos Inner Join cceAsientoCuenta On AsiID = ACuIDAsiento Inner Join cceCuentas On CueID = ACuCuenta"
+        " Where AsiEmpresa = 1 And AsiEstado <> 9 And CueCodigo = '5.2.01'"));
+    ASSERT_GT(rs->Campo(1).toInt(), 0) << "the demo's salaries carry projects or departments";
+    EXPECT_EQ(asientos, rs->Campo(0).toInt());
+}
+
 TEST_P(ExportarDesdeLinea, BusquedaEnLibroYPDF)
 {
     const QDate hoy = BaseDePrueba::Hoy();

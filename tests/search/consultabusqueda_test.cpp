@@ -57,6 +57,12 @@ TEST(SqlBusqueda, CadaPiezaEnSuOrden)
          }),
          QStringLiteral(" And AsiEstado = 1 And (AsiFechaAsiento BetWeen '2010-03-01' And '2010-03-31' And ") + sub
              + QStringLiteral(" Where (CSQ.AcuCuenta = 57 And CSQ.AcuProyecto = 0 And CSQ.AcuDepartamento = 0)))")},
+        {"cuenta de cualquier proyecto, del departamento 3", con([](auto &c) {
+             c.prmCta = 57;
+             c.prmPry = CriteriosBusqueda::kCualquiera;
+             c.prmDep = 3;
+         }),
+         QStringLiteral(" And AsiEstado <> 9  And (") + sub + QStringLiteral(" Where (CSQ.AcuCuenta = 57 And CSQ.AcuDepartamento = 3)))")},
         {"alguno: fechas, cuenta y leyenda", con([](auto &c) {
              c.prmCriterioAnd = false;
              c.prmFInit = QStringLiteral("2010-03-01");
