@@ -13,6 +13,16 @@ QString DireccionVisible(const QString &direccion)
     return QUrl(direccion.trimmed()).toString(QUrl::RemovePassword);
 }
 
+namespace {
+
+QString textoIncompleta(const QString &visible, const QStringList &tablas)
+{
+    return QStringLiteral("La base de datos %1 tiene solo algunas tablas del programa: le faltan %2. No se cambió nada en ella.")
+        .arg(visible, TablasFaltantes(tablas).join(QStringLiteral(", ")));
+}
+
+} // namespace
+
 std::unique_ptr<ConexionQt> AbrirBaseDelPrograma(const QString &direccion)
 {
     auto conexion = ConexionQt::Abrir(DireccionBD::Leer(direccion));
@@ -28,6 +38,8 @@ std::unique_ptr<ConexionQt> AbrirBaseDelPrograma(const QString &direccion)
         throw ErrorBaseDatos(QStringLiteral("La base de datos %1 no es de este programa: tiene otras tablas y no las de los"
                                             " asientos. No se cambió nada en ella.")
                                  .arg(visible));
+    case EstadoEsquema::Incompleta:
+        throw ErrorBaseDatos(textoIncompleta(visible, tablas));
     case EstadoEsquema::DelPrograma:
         break;
     }
@@ -43,7 +55,8 @@ Inicializacion InicializarBase(const QString &direccion, bool conDemo, const QDa
     const QString visible = DireccionVisible(direccion);
     try {
         auto conexion = ConexionQt::Abrir(DireccionBD::Leer(direccion), true);
-        switch (ExaminarEsquema(*conexion)) {
+        QStringList tablas;
+        switch (ExaminarEsquema(*conexion, &tablas)) {
         case EstadoEsquema::DelPrograma:
             r.resultado = Inicializacion::Resultado::YaExistia;
             r.informe = QStringLiteral("La base de datos %1 ya tiene las tablas del programa; no se cambió nada.").arg(visible);
@@ -51,6 +64,10 @@ Inicializacion InicializarBase(const QString &direccion, bool conDemo, const QDa
         case EstadoEsquema::Ajena:
             r.resultado = Inicializacion::Resultado::Ajena;
             r.informe = QStringLiteral("La base de datos %1 tiene otras tablas y no es de este programa; no se cambió nada.").arg(visible);
+            return r;
+        case EstadoEsquema::Incompleta:
+            r.resultado = Inicializacion::Resultado::Ajena;
+            r.informe = textoIncompleta(visible, tablas);
             return r;
         case EstadoEsquema::Vacia:
             break;

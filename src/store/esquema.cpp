@@ -177,8 +177,21 @@ EstadoEsquema ExaminarEsquema(Conexion &conexion, QStringList *tablasLeidas)
         *tablasLeidas = tablas;
     if (tablas.isEmpty())
         return EstadoEsquema::Vacia;
-    return tablas.contains(QStringLiteral("cceasientos")) && tablas.contains(QStringLiteral("cceasientocuenta"))
-               ? EstadoEsquema::DelPrograma : EstadoEsquema::Ajena;
+    bool alguna = false;
+    for (const QString &t : TablasEsquema())
+        alguna = alguna || tablas.contains(t.toLower());
+    if (!alguna)
+        return EstadoEsquema::Ajena;
+    return TablasFaltantes(tablas).isEmpty() ? EstadoEsquema::DelPrograma : EstadoEsquema::Incompleta;
+}
+
+QStringList TablasFaltantes(const QStringList &tablas)
+{
+    QStringList faltan;
+    for (const QString &t : TablasEsquema())
+        if (!tablas.contains(t.toLower()) && t.compare(QLatin1String("cceAsientosHistorial"), Qt::CaseInsensitive) != 0)
+            faltan << t;
+    return faltan;
 }
 
 void CompletarEsquema(Conexion &conexion, const QStringList &tablas)

@@ -12,10 +12,14 @@ void CrearEsquema(Conexion &conexion);
 // The names of the schema's tables, as written in the statements.
 QStringList TablasEsquema();
 
-// What a database holds: nothing at all, this program's tables, or tables of something else.
-enum class EstadoEsquema { Vacia, DelPrograma, Ajena };
+// What a database holds: nothing at all, this program's tables, only some of them, or
+// tables of something else.
+enum class EstadoEsquema { Vacia, DelPrograma, Incompleta, Ajena };
 // tablas, when given, receives the tables found (names in lower case).
 EstadoEsquema ExaminarEsquema(Conexion &conexion, QStringList *tablas = nullptr);
+// The program's tables missing from those found (names as the statements write them),
+// leaving out the ones an earlier version did not have yet (CompletarEsquema adds them).
+QStringList TablasFaltantes(const QStringList &tablas);
 
 // Adds the tables that a database made by an earlier version of the program lacks; tablas
 // are those it holds, as ExaminarEsquema found them.

@@ -231,6 +231,26 @@ TEST_P(Multiusuario, BaseVaciaOAjenaSeRechazaSinTocarla)
     EXPECT_EQ(r.resultado, Inicializacion::Resultado::Ajena) << r.informe.toStdString();
     EXPECT_THROW(AbrirBaseDelPrograma(ajena.direccion()), ErrorBaseDatos);
     EXPECT_EQ(Contenido(ajena.conexion()), antes);
+
+    // Three of the program's tables: what is missing is named, and nothing changes.
+    BaseDePrueba parcial(GetParam(), BaseDePrueba::Contenido::Vacia);
+    for (const QString &s : SentenciasEsquema(GetParam()))
+        if (s.contains(QLatin1String("TABLE")) && (s.contains(QLatin1String("cceAsientos ")) || s.contains(QLatin1String("cceAsientoCuenta "))
+                                                  || s.contains(QLatin1String("cceCuentas "))))
+            parcial.conexion().Ejecutar(s);
+    const auto antesParcial = Contenido(parcial.conexion());
+    ASSERT_GE(antesParcial.size(), 3) << antesParcial.keys().join(QLatin1Char(' ')).toStdString(); // SQLite adds its own sequence table
+    const Inicializacion p = InicializarBase(parcial.direccion(), true, BaseDePrueba::Hoy());
+    EXPECT_NE(p.resultado, Inicializacion::Resultado::YaExistia);
+    EXPECT_NE(p.resultado, Inicializacion::Resultado::Creada);
+    EXPECT_TRUE(p.informe.contains(QStringLiteral("le faltan")) && p.informe.contains(QStringLiteral("cceEmpresas"))) << p.informe.toStdString();
+    try {
+        AbrirBaseDelPrograma(parcial.direccion());
+        ADD_FAILURE() << "se abrió una base incompleta";
+    } catch (const ErrorBaseDatos &e) {
+        EXPECT_TRUE(e.descripcion().contains(QStringLiteral("genMonedas"))) << e.what();
+    }
+    EXPECT_EQ(Contenido(parcial.conexion()), antesParcial) << "not even the history table was added";
 }
 
 // Write-ahead logging is a lasting mark in the file: a file of something else, or one with
