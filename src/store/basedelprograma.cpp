@@ -4,13 +4,19 @@
 #include "esquema.h"
 
 #include <QUrl>
+#include <QUrlQuery>
 
 QString DireccionVisible(const QString &direccion)
 {
     const DireccionBD d = DireccionBD::Leer(direccion);
     if (d.motor == Motor::SQLite)
         return d.archivo;
-    return QUrl(direccion.trimmed()).toString(QUrl::RemovePassword);
+    // Neither the password of the address nor one given as ?password= is shown.
+    QUrl url(direccion.trimmed());
+    QUrlQuery consulta(url);
+    consulta.removeAllQueryItems(QStringLiteral("password"));
+    url.setQuery(consulta);
+    return url.toString(QUrl::RemovePassword);
 }
 
 namespace {
@@ -31,7 +37,7 @@ std::unique_ptr<ConexionQt> AbrirBaseDelPrograma(const QString &direccion)
     switch (ExaminarEsquema(*conexion, &tablas)) {
     case EstadoEsquema::Vacia:
         throw ErrorBaseDatos(QStringLiteral("La base de datos %1 está vacía: no tiene las tablas del programa. Para crearlas con la"
-                                            " empresa de demostración ejecute «asientos --db %1 --inicializar», o agregue"
+                                            " empresa de demostración ejecute «asientos --db %1 --inicializar» (con la contraseña, si la tiene), o agregue"
                                             " --sin-demo para una empresa sin datos.")
                                  .arg(visible));
     case EstadoEsquema::Ajena:

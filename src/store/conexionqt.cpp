@@ -224,6 +224,8 @@ std::unique_ptr<ConexionQt> ConexionQt::Abrir(const DireccionBD &direccion, bool
         db.setPort(direccion.puerto);
         db.setUserName(direccion.usuario);
         db.setPassword(direccion.clave);
+        if (!DireccionBD::EsquemaValido(direccion.esquema))
+            throw ErrorBaseDatos(QStringLiteral("el esquema «%1» no es un nombre válido: use solo letras, números y «_»").arg(direccion.esquema));
         // A server that does not answer must not hang the start-up.
         QString opciones = QStringLiteral("connect_timeout=5");
         if (!direccion.esquema.isEmpty())

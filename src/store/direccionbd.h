@@ -5,7 +5,8 @@
 #include <QString>
 
 // Where the database is: a SQLite file path, or a PostgreSQL address
-// postgresql://user[:password]@[host][:port]/dbname[?host=/socket/dir&port=N&schema=NAME].
+// postgresql://user[:password]@[host][:port]/dbname[?host=/socket/dir&port=N&schema=NAME&password=P].
+// User and password are percent-decoded ("%23" for "#", "%40" for "@").
 struct DireccionBD
 {
     Motor motor = Motor::SQLite;
@@ -18,5 +19,7 @@ struct DireccionBD
     QString esquema;    // PostgreSQL schema to work in (?schema=NAME); empty: the default
 
     bool valida() const;
+    // Whether a schema name is a plain name (letters, digits, "_"; not a digit first).
+    static bool EsquemaValido(const QString &esquema);
     static DireccionBD Leer(const QString &texto);
 };
