@@ -107,6 +107,12 @@ void ExportacionGrilla::Exportar(int formato, const GrillaEnPantalla &g)
     if (ruta.isEmpty())
         return;
     const QString destino = ConExtension(ruta, formato);
-    if (const auto fallo = Escribir(formato, g, destino, m_entorno))
+    if (const auto fallo = Escribir(formato, g, destino, m_entorno)) {
         m_entorno.error(1938, QDir::toNativeSeparators(destino) + QStringLiteral(": ") + *fallo);
+    } else if (m_entorno.informar) {
+        // The user is told where the file went: the dialog may have added the extension.
+        QString texto = m_entorno.texto(1967);
+        texto.replace(QLatin1String("[p]"), QDir::toNativeSeparators(destino));
+        m_entorno.informar(texto);
+    }
 }

@@ -10,6 +10,7 @@
 #include "entries/vsgrid.h"
 #include "export/exportacion.h"
 #include "export/impresiongrilla.h"
+#include "services/serviciomensajes.h"
 
 #include <QAction>
 #include <QLabel>
@@ -64,6 +65,7 @@ ExportacionGrilla &lumIngAsiento::exportacion()
         EntornoExportacion e;
         e.texto = m_datos.texto;
         e.error = [this](int numero, const QString &detalle) { m_datos.Error(numero, detalle); };
+        e.informar = [this](const QString &texto) { m_datos.mensajes->Informar(texto); };
         e.selector = selector;
         e.carpetaDatos = ServicioConexion(m_entorno.ajustes).LeerAjuste(QStringLiteral("CarpetaDatos"));
         e.formatoFecha = m_datos.formatoFecha;

@@ -95,7 +95,8 @@ TEST_P(Salidas, CSVLeidoDeVueltaEsLaGrilla)
 {
     m_selector.respuesta = ruta("mes.csv");
     elegir("MnuExpCSV");
-    EXPECT_TRUE(m_mensajes.mostrados.isEmpty()) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
+    // The user is told where the file went, and nothing else.
+    EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("información: Se exportó a %1.").arg(ruta("mes.csv"))});
 
     ASSERT_EQ(m_selector.titulos, QStringList{QStringLiteral("Exportar a Excel CSV")});
     EXPECT_EQ(m_selector.nombres.value(0), QStringLiteral("Ingreso de Asientos.csv"));
@@ -142,7 +143,8 @@ TEST_P(Salidas, LibroConNumerosYFechas)
 {
     m_selector.respuesta = ruta("mes");
     elegir("MnuExpExcell");
-    EXPECT_TRUE(m_mensajes.mostrados.isEmpty()) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
+    // The name as written, with the extension the dialog added, is the one told.
+    EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("información: Se exportó a %1.").arg(ruta("mes.xlsx"))});
     EXPECT_EQ(m_selector.titulos.value(0), QStringLiteral("Exportar a libro de Microsoft Excel"));
     EXPECT_EQ(m_selector.nombres.value(0), QStringLiteral("Ingreso de Asientos.xlsx"));
     EXPECT_EQ(m_selector.filtros.value(0), QStringLiteral("Libro de Microsoft Excel (*.xlsx)"));
