@@ -226,16 +226,24 @@ double RedondearConMascara(double valor, const QString &mascara, const QLocale &
     return LeerNumero(Mascara(mascara).FormatearNumero(valor, locale), locale);
 }
 
+Importe ImporteConMascara(double valor, const Mascara &m)
+{
+    return Importe::DesdeDouble(m.valida() ? RedondearADecimales(valor, std::min(m.decimales(), 4)) : valor);
+}
+
+Importe ImporteConMascara(Importe valor, const Mascara &m)
+{
+    return m.valida() ? valor.RedondeadoA(m.decimales()) : valor;
+}
+
 Importe ImporteConMascara(double valor, const QString &mascara)
 {
-    const Mascara m(mascara);
-    return Importe::DesdeDouble(m.valida() ? RedondearADecimales(valor, std::min(m.decimales(), 4)) : valor);
+    return ImporteConMascara(valor, Mascara(mascara));
 }
 
 Importe ImporteConMascara(Importe valor, const QString &mascara)
 {
-    const Mascara m(mascara);
-    return m.valida() ? valor.RedondeadoA(m.decimales()) : valor;
+    return ImporteConMascara(valor, Mascara(mascara));
 }
 
 double RedondearADecimales(double valor, int decimales)

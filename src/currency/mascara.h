@@ -62,6 +62,8 @@ double LeerNumero(const QString &texto, const QLocale &locale = QLocale());
 double RedondearConMascara(double valor, const QString &mascara, const QLocale &locale = QLocale());
 // The value rounded as the mask prints it, as an amount: to the mask's decimals (four at
 // most), or to four when the mask has no digits.
+Importe ImporteConMascara(double valor, const Mascara &mascara);
+Importe ImporteConMascara(Importe valor, const Mascara &mascara);
 Importe ImporteConMascara(double valor, const QString &mascara);
 Importe ImporteConMascara(Importe valor, const QString &mascara);
 // Rounds to that many decimals as a mask with them prints the value: on its decimal digits,

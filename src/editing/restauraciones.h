@@ -65,8 +65,6 @@ private:
     };
     std::optional<Escritura> ultimaEscritura();
     QList<EnPapelera> leerPapelera() const;
-    AsientoDatos nuevoAsientoDatos() const;
-    void decirRechazo(const AsientoDatos &datos) const;
     // The grid shows the entry as stored now: read again where it is, added at the end when
     // it was not shown, taken out when it is no longer a live entry.
     void mostrarEnGrilla(qint32 asiID);

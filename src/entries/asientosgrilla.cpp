@@ -42,12 +42,6 @@ const Mascara &AsientosGrilla::mascaraLeida(const QString &mascara)
     return *it;
 }
 
-int AsientosGrilla::decimalesMostrados(const QString &mascara)
-{
-    const Mascara &m = mascaraLeida(mascara);
-    return m.valida() ? m.decimales() : -1;
-}
-
 bool AsientosGrilla::tieneTexto(int fila, int columna) const
 {
     return m_g.EsNumero(fila, columna) || !m_g.celda(fila, columna).texto.isEmpty();
@@ -182,10 +176,7 @@ void AsientosGrilla::FilaLineaAsiento(int fila, const RegistroLinea &l)
     // Amounts are kept as they are shown, rounded to the mask of their cell: what the grid
     // holds, what it shows and what is stored agree (100.555 U$S shown 100.56 is 100.56).
     // The rate is not stored: its cell holds it as shown, and its data the factor itself.
-    auto comoSeMuestra = [this](Importe valor, const QString &mascara) {
-        const int decimales = decimalesMostrados(mascara);
-        return decimales >= 0 ? valor.RedondeadoA(decimales) : valor;
-    };
+    auto comoSeMuestra = [this](auto valor, const QString &mascara) { return ImporteConMascara(valor, mascaraLeida(mascara)); };
     const int columnaImporte = l.bEsAlDebe ? 2 : 3;
     const QString mascaraColumna = m_g.FormatoColumna(columnaImporte);
     if (l.iMon != m_ctx.monedaContabilidad && l.iMon >= 1) {
@@ -193,9 +184,7 @@ void AsientosGrilla::FilaLineaAsiento(int fila, const RegistroLinea &l)
         const QString mascaraME = mascaraImporte(l.iMon);
         m_g.FijarNumero(fila, columnaImporte, importeMC);
         const QString mascaraTasa = m_ctx.monedas ? m_ctx.monedas->DatoMoneda(l.iMon, 5).toString() : QString();
-        const int decimalesTasa = decimalesMostrados(mascaraTasa);
-        m_g.FijarNumero(fila, 4, Importe::DesdeDouble(decimalesTasa >= 0 ? RedondearADecimales(l.dTCambio, qMin(decimalesTasa, 4)) : l.dTCambio),
-                        mascaraTasa);
+        m_g.FijarNumero(fila, 4, comoSeMuestra(l.dTCambio, mascaraTasa), mascaraTasa);
         m_g.FijarDato(fila, 4, l.dTCambio);
         m_g.FijarNumero(fila, 5, comoSeMuestra(l.dImporte, mascaraME), mascaraME);
         if (l.dTCambio != 0)

@@ -187,7 +187,6 @@ private:
     QString mascaraImporte(qint16 moneda);
     // The decimals a mask shows, looked up once per mask; -1 for a mask with no digit
     // characters (a blank one), which shows every decimal there is.
-    int decimalesMostrados(const QString &mascara);
     const Mascara &mascaraLeida(const QString &mascara);
 
     Grilla &m_g;

@@ -15,7 +15,7 @@ namespace {
 bool igualesImpresos(const Mascara &m, Importe a, Importe b)
 {
     if (m.valida())
-        return a.RedondeadoA(std::min(m.decimales(), 4)) == b.RedondeadoA(std::min(m.decimales(), 4));
+        return ImporteConMascara(a, m) == ImporteConMascara(b, m);
     return m.Formatear(a) == m.Formatear(b);
 }
 
@@ -33,15 +33,14 @@ ResultadoBalance CalcularBalance(const QVector<LineaBalance> &lineas, qint16 mon
     bool enRango = true;
     // Each line counts as its mask shows it, as the grid holds it: an amount stored with
     // more decimals than its currency shows cannot leave a difference no one can see.
-    auto comoSeMuestra = [](const Mascara &m, Importe v) { return m.valida() ? v.RedondeadoA(m.decimales()) : v; };
     const Mascara mascaraMC = mascaraImporte(0); // a copy: the next call may move what it answered
     for (const LineaBalance &l : lineas) {
-        enRango = enRango && (l.alDebe ? r.debeMC : r.haberMC).SumarComprobado(comoSeMuestra(mascaraMC, l.mc));
+        enRango = enRango && (l.alDebe ? r.debeMC : r.haberMC).SumarComprobado(ImporteConMascara(l.mc, mascaraMC));
         ++(l.alDebe ? lineasDebe : lineasHaber);
         if (l.moneda != 0 && l.moneda != monedaContabilidad) {
             unaSolaMoneda = unaSolaMoneda && (monedaExtranjera == 0 || monedaExtranjera == l.moneda);
             monedaExtranjera = l.moneda;
-            enRango = enRango && (l.alDebe ? debeME : haberME).SumarComprobado(comoSeMuestra(mascaraImporte(l.moneda), l.me));
+            enRango = enRango && (l.alDebe ? debeME : haberME).SumarComprobado(ImporteConMascara(l.me, mascaraImporte(l.moneda)));
         } else {
             unaSolaMoneda = false;
         }
