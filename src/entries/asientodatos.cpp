@@ -303,7 +303,7 @@ void AsientoDatos::redondearLineas()
     const QVector<LineaBalance> lineas = lineasConMoneda();
     CatalogoMonedas monedas;
     cargarMonedas(empresaDelAsiento(), monedas);
-    const QString mascaraMC = monedas.DatoMoneda(0, 4).toString();
+    const Mascara mascaraMC(monedas.DatoMoneda(0, 4).toString());
     for (int i = 0; i < m_lineas.size(); ++i) {
         LineaDatos &l = m_lineas[i];
         l.ImporteMC = ImporteConMascara(l.ImporteMC, mascaraMC);
