@@ -51,6 +51,7 @@ int ExportarSinVentana(const OpcionesHost &o, const QString &baseDatos, const QS
     QTextStream errores(stderr);
     PedidoExportacion pedido;
     pedido.archivo = o.exportar;
+    pedido.edicion = NombreEdicion(QLatin1String(OpcionesHost::kClaveSesion));
     if (!o.vista.isEmpty()) {
         bool ok = false;
         pedido.vista = o.vista.toInt(&ok);

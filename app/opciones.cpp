@@ -125,7 +125,7 @@ QString OpcionesHost::DireccionBase(const QString &carpetaTemporalPorDefecto) co
         return href;
     QStringList pares;
     pares << QStringLiteral("psidusuario=%1").arg(usuario) << QStringLiteral("psidempresa=%1").arg(empresa)
-          << QStringLiteral("psckey=lum01")
+          << QStringLiteral("psckey=") + QLatin1String(kClaveSesion)
           << QStringLiteral("pskeyinit=") + (prefijo.isEmpty() ? PrefijoPorDefecto() : prefijo)
           << QStringLiteral("pstempdir=")
                  + QString(carpetaTemporal.isEmpty() ? carpetaTemporalPorDefecto : carpetaTemporal)

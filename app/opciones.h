@@ -30,6 +30,9 @@ struct OpcionesHost
     bool version = false;
     QString error;           // a bad command line
 
+    // The product key the host hands the document, from which the edition's name comes.
+    static constexpr const char *kClaveSesion = "lum01";
+
     static OpcionesHost Leer(const QStringList &argumentos);
     static QString Uso();
 

@@ -45,16 +45,21 @@ bool FilaVisible(const FuenteDeGrilla &g, int fila)
 CeldaArchivo CeldaParaArchivo(const FuenteDeGrilla &g, int fila, int columna)
 {
     CeldaArchivo celda;
+    // A header row goes out as the date under the first account column and the legend
+    // under the second, so the debit and credit columns of a file hold amounts only.
     const QDate fecha = g.FechaCabezal(fila);
     if (fecha.isValid()) {
         switch (columna) {
-        case 1:
+        case 0:
             celda.tipo = CeldaArchivo::Tipo::Fecha;
             celda.fecha = fecha;
             celda.texto = g.grilla().celda(fila, 1).texto.section(QLatin1String("  "), 0, 0);
             return celda;
-        case 2:
+        case 1:
             celda.texto = g.LeyendaCabezal(fila);
+            return celda;
+        case 2:
+        case 3:
             return celda;
         default:
             break;

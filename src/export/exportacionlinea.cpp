@@ -202,6 +202,7 @@ int ExportarDesdeLinea(const PedidoExportacion &pedido, Conexion &conexion, qint
         entorno.texto = texto;
         entorno.formatoFecha = pedido.formatoFecha;
         entorno.empresa = config.NombreEmpresa;
+        entorno.edicion = pedido.edicion;
         entorno.reloj = conexion.relojCompartido();
         GrillaEnPantalla g;
         g.grilla = &grilla;

@@ -21,6 +21,7 @@ struct PedidoExportacion
     QString cuenta;            // an account code, looked up in the company
     bool hayCriterios = false;
     QString formatoFecha = QStringLiteral("dd/mm/yyyy");
+    QString edicion;           // the edition's name, in the footer of a page
 
     // The format from the file's extension: 1 workbook, 2 CSV, 3 HTML, 4 PDF; 0 unknown.
     int Formato() const;

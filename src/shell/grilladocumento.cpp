@@ -160,6 +160,13 @@ void lumIngAsiento::CargarDisenoGrilla()
                 m_asientos.ClaveEstado(r, qint16(m_grilla.Dato(r, 3).toInt()));
         // The captions follow the language in use, not the one of the saved layout.
         m_grilla.FijarEncabezados(Idioma::resLoad(60));
+        // The view caption names what the saved rows came from; a layout that does not
+        // say shows its rows as a custom view.
+        bool conVista = false;
+        const int vista = m_grilla.Dato(0, 0).toInt(&conVista);
+        m_mesVista = m_grilla.Dato(0, 1).toDate();
+        hlCargar->Tag = QString::number(conVista && vista != Vista::kEnEdicion ? vista : Vista::kPersonalizada);
+        MostrarVista();
         m_asientos.listo = true;
         vsGrid_FilaActual();
     }
@@ -174,6 +181,12 @@ void lumIngAsiento::GuardarDisenoGrilla()
         return;
     if (FilaEdicion() > 0)
         m_edicion->SalirEdicion(SesionEdicion::Salida::Cierre);
+    // The view the rows come from travels with them, in the heading row's data.
+    const QString vista = hlCargar->Tag.toInt() == Vista::kEnEdicion && !m_vistaAntesDeEditar.isEmpty()
+                              ? m_vistaAntesDeEditar
+                              : hlCargar->Tag;
+    m_grilla.FijarDato(0, 0, vista.toInt());
+    m_grilla.FijarDato(0, 1, m_mesVista);
     QDir().mkpath(QFileInfo(ruta).absolutePath());
     QString error;
     if (!m_grilla.Guardar(ruta, &error))
@@ -195,6 +208,14 @@ void lumIngAsiento::OrdenarCuentasGrilla()
     }
     m_asientos.ResetCabezal();
     m_grilla.FijarRedibujar(true);
+}
+
+int lumIngAsiento::FilaDeAsiento(qint32 id) const
+{
+    for (int r = m_grilla.FilasFijas(); r < m_grilla.Filas(); ++r)
+        if (m_asientos.EsFilaCabezal(r) && m_asientos.IdDeFila(r) == id)
+            return r;
+    return -1;
 }
 
 void lumIngAsiento::SeleccionarFila(int fila)

@@ -310,10 +310,17 @@ void lumIngAsiento::iniciarSinTrampa()
 
     prepararEditor();
     CargarDisenoGrilla();
-    // A grid with only its placeholder row shows the entry the host asked for, if any.
-    if (m_grilla.Filas() - m_grilla.FilasFijas() == 1) {
-        if (const auto id = IdAsientoPendiente(m_host.SolicitudPendiente))
-            m_comandos->CargarAsiento(*id, m_grilla.Filas() - 1);
+    // The entry the host asked for is shown and made current: found among the rows the
+    // grid already holds, or else loaded at its end.
+    if (const auto id = IdAsientoPendiente(m_host.SolicitudPendiente)) {
+        int fila = FilaDeAsiento(*id);
+        if (fila < 0) {
+            fila = m_grilla.Filas() - 1;
+            m_comandos->CargarAsiento(*id, fila);
+            if (m_asientos.IdDeFila(fila) != *id)
+                fila = -1;
+        }
+        SeleccionarFila(fila);
     }
     AcomodarPantalla();
     ConfigUsuario(false);

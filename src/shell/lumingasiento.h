@@ -125,6 +125,8 @@ public:
     void Buscar(bool mostrarDialogo);
     // Makes a data row current, with the selection colours of its kind of row.
     void SeleccionarFila(int fila);
+    // The header row of the entry with that id in the grid, or -1.
+    int FilaDeAsiento(qint32 id) const;
     // Brings the grid's context (font, width, order, company) up to date.
     void ActualizarContexto();
     // Shows the edit view's mark while an entry is edited, and the view before it after.

@@ -93,7 +93,7 @@ TEST_P(ExportarDesdeLinea, MesEnCSVCuadraConLaBase)
         EXPECT_NE(f.at(0).toString(), QStringLiteral("Nuevo Asiento"));
         if (f.at(0).toString().isEmpty() && f.at(1).toString().isEmpty())
             continue;
-        if (f.at(0).toString().isEmpty() && QDate::fromString(f.at(1).toString(), QStringLiteral("dd/MM/yyyy")).isValid()) {
+        if (QDate::fromString(f.at(0).toString(), QStringLiteral("dd/MM/yyyy")).isValid()) {
             ++asientos;
             continue;
         }
@@ -122,7 +122,7 @@ TEST_P(ExportarDesdeLinea, UnaCuentaConProyectosSeEncuentraEntera)
     const QJsonArray filas = LeerArchivoExportado("csv", ruta("sueldos.csv"));
     for (qsizetype i = 1; i < filas.size(); ++i) {
         const QJsonArray f = filas.at(i).toArray();
-        if (f.at(0).toString().isEmpty() && QDate::fromString(f.at(1).toString(), QStringLiteral("dd/MM/yyyy")).isValid())
+        if (QDate::fromString(f.at(0).toString(), QStringLiteral("dd/MM/yyyy")).isValid())
             ++asientos;
     }
     auto rs = m_base.conexion().Abrir(QStringLiteral(
@@ -147,11 +147,11 @@ TEST_P(ExportarDesdeLinea, BusquedaEnLibroYPDF)
     bool enEsteAsiento = false;
     for (qsizetype i = 1; i < filas.size(); ++i) {
         const QJsonArray f = filas.at(i).toArray();
-        if (f.at(1).isObject()) {
+        if (f.at(0).isObject()) {
             // A new entry: the previous one must have had the account.
             conCaja = conCaja && (fechas == 0 || enEsteAsiento);
             enEsteAsiento = false;
-            const QDate fecha = QDate::fromString(f.at(1).toObject().value(QStringLiteral("fecha")).toString(), Qt::ISODate);
+            const QDate fecha = QDate::fromString(f.at(0).toObject().value(QStringLiteral("fecha")).toString(), Qt::ISODate);
             EXPECT_TRUE(fecha >= hoy.addMonths(-2) && fecha <= hoy) << fecha.toString().toStdString();
             ++fechas;
         }
@@ -172,6 +172,13 @@ TEST_P(ExportarDesdeLinea, BusquedaEnLibroYPDF)
     EXPECT_TRUE(texto.contains(QStringLiteral("Ingreso de Asientos")));
     EXPECT_TRUE(texto.contains(QStringLiteral("Página 1 de ")));
     EXPECT_TRUE(texto.contains(QStringLiteral("1.1.01")));
+
+    // A page names the edition in its footer, as the window's export does.
+    s = correr(QStringList{QStringLiteral("--exportar"), ruta("caja.htm")} + busqueda);
+    ASSERT_EQ(s.estado, 0) << s.errores.toStdString();
+    QFile pagina(ruta("caja.htm"));
+    ASSERT_TRUE(pagina.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(QString::fromUtf8(pagina.readAll()).contains(QStringLiteral("<span class=\"stTitle\">Tarvo Contable</span>")));
 }
 
 TEST_P(ExportarDesdeLinea, PedidosMalosSeRechazanSinEscribir)

@@ -382,6 +382,23 @@ TEST_F(Documento, LaGrillaVuelveComoSeDejoYUnDisenoDanadoNoDetiene)
         EXPECT_EQ(cabezales(*doc), 10);
         EXPECT_EQ(doc->grilla().AnchoColumna(4), 2345);
         EXPECT_EQ(doc->grilla().Fila(1).imagen.isEmpty(), false);
+        // The caption names the view the rows came from.
+        EXPECT_EQ(doc->VistaActual(), QStringLiteral("2"));
+        EXPECT_EQ(doc->findChild<QToolButton *>(QStringLiteral("hlCargar"))->text(), QStringLiteral("Ver : Últimos 10 ingresados"));
+    }
+    {
+        // An entry asked for at start-up is made current, whether the saved rows hold it or not.
+        auto rs = m_base.conexion().Abrir(QStringLiteral("Select Min(AsiID), Max(AsiID) From cceAsientos Where AsiEstado <> 9"));
+        const qint32 primero = QVariant(rs->Campo(0)).toInt();
+        const qint32 ultimo = QVariant(rs->Campo(1)).toInt();
+        rs->Cerrar();
+        for (const qint32 id : {ultimo, primero}) {
+            auto doc = abrir(parametros + QStringLiteral("|prmidasi=%1").arg(id));
+            const int actual = doc->grid()->FilaActual();
+            EXPECT_TRUE(doc->asientos().EsFilaCabezal(actual)) << id;
+            EXPECT_EQ(doc->asientos().IdDeFila(actual), id);
+            EXPECT_EQ(cabezales(*doc), id == primero ? 11 : 10);
+        }
     }
     QFile f(ruta);
     ASSERT_TRUE(f.open(QIODevice::ReadWrite));
