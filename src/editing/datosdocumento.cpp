@@ -40,6 +40,34 @@ void DatosDocumento::MostrarFallo(const Fallo &fallo) const
     Error(fallo.numeroTexto, fallo.detalle);
 }
 
+namespace {
+
+QList<std::pair<QString, qint16>> LeerCodigos(Conexion &conexion, const QString &tabla, const QString &prefijo)
+{
+    QList<std::pair<QString, qint16>> codigos;
+    auto rs = conexion.Abrir(QStringLiteral("Select %1Codigo, %1Abreviacion, %1Nombre From %2 Where %1Codigo <> 0 Order By %1Codigo")
+                                 .arg(prefijo, tabla));
+    for (; !rs->Fin(); rs->MoverSiguiente()) {
+        const QString abreviacion = rs->Texto(prefijo + QStringLiteral("Abreviacion")).trimmed();
+        const QString nombre = rs->Texto(prefijo + QStringLiteral("Nombre")).trimmed();
+        codigos.append({abreviacion.isEmpty() ? nombre : abreviacion + QStringLiteral(" - ") + nombre,
+                        qint16(rs->Entero(prefijo + QStringLiteral("Codigo")))});
+    }
+    return codigos;
+}
+
+} // namespace
+
+QList<std::pair<QString, qint16>> DatosDocumento::LeerProyectos() const
+{
+    return LeerCodigos(*conexion(), QStringLiteral("cceProyectos"), QStringLiteral("Pro"));
+}
+
+QList<std::pair<QString, qint16>> DatosDocumento::LeerDepartamentos() const
+{
+    return LeerCodigos(*conexion(), QStringLiteral("cceDepartamentos"), QStringLiteral("Dep"));
+}
+
 QList<std::pair<QString, qint16>> DatosDocumento::LeerLibros(bool excluirSistema) const
 {
     const ParametrosSistema &p = parametros();

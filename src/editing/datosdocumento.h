@@ -39,6 +39,9 @@ struct DatosDocumento
     LibrosSistema librosSistema() const;
     // The books by name, the system books left out when asked; throws ErrorBaseDatos.
     QList<std::pair<QString, qint16>> LeerLibros(bool excluirSistema) const;
+    // The projects and the departments lines may carry, as "abbreviation - name" and code.
+    QList<std::pair<QString, qint16>> LeerProyectos() const;
+    QList<std::pair<QString, qint16>> LeerDepartamentos() const;
     bool TienePermiso(QChar letra) const;
 
     // Catalogue messages, by their numbers.

@@ -23,13 +23,15 @@ BusquedaAsientos::~BusquedaAsientos() = default;
 frmFind &BusquedaAsientos::Dialogo()
 {
     if (!m_dialogo) {
-        QList<std::pair<QString, qint16>> libros;
+        frmFind::Listas listas;
         try {
-            libros = m_datos.LeerLibros(false);
+            listas.libros = m_datos.LeerLibros(false);
+            listas.proyectos = m_datos.LeerProyectos();
+            listas.departamentos = m_datos.LeerDepartamentos();
         } catch (const ErrorBaseDatos &e) {
             m_datos.Error(1910, DetalleError(e.numero(), e.descripcion()));
         }
-        m_dialogo = std::make_unique<frmFind>(m_datos, m_cuentas, libros, m_dueno);
+        m_dialogo = std::make_unique<frmFind>(m_datos, m_cuentas, listas, m_dueno);
         m_dialogo->ayuda = [this] {
             if (ayuda)
                 ayuda();

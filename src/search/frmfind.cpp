@@ -20,8 +20,7 @@
 
 #include <utility>
 
-frmFind::frmFind(const DatosDocumento &datos, ServicioBusquedaCuentas &cuentas,
-                 const QList<std::pair<QString, qint16>> &libros, QWidget *padre)
+frmFind::frmFind(const DatosDocumento &datos, ServicioBusquedaCuentas &cuentas, const Listas &listas, QWidget *padre)
     : QDialog(padre)
     , m_datos(datos)
     , m_cuentas(cuentas)
@@ -29,13 +28,13 @@ frmFind::frmFind(const DatosDocumento &datos, ServicioBusquedaCuentas &cuentas,
     setObjectName(QStringLiteral("frmFind"));
     setWindowTitle(QStringLiteral("Búsqueda de Asientos"));
     setModal(true);
-    crearControles(libros);
+    crearControles(listas);
     AsignarTextos();
     if (criterios.prmEstado >= 1 && criterios.prmEstado <= 3)
         cfEstado->setCurrentIndex(criterios.prmEstado - 1);
 }
 
-void frmFind::crearControles(const QList<std::pair<QString, qint16>> &libros)
+void frmFind::crearControles(const Listas &listas)
 {
     auto etiqueta = [this](const char *nombre, QWidget *campo) {
         auto *l = new QLabel(this);
@@ -55,6 +54,8 @@ void frmFind::crearControles(const QList<std::pair<QString, qint16>> &libros)
     cfEstado = new QComboBox(this);
     tLeyenda = new QLineEdit(this);
     tCuenta = new QLineEdit(this);
+    cfProyecto = new QComboBox(this);
+    cfDepartamento = new QComboBox(this);
     ocImporte = new CampoCalculadora(QStringLiteral("ocImporte"), this);
     ocImporte2 = new CampoCalculadora(QStringLiteral("ocImporte2"), this);
     nombrar(cfCriterio, "cfCriterio");
@@ -64,6 +65,8 @@ void frmFind::crearControles(const QList<std::pair<QString, qint16>> &libros)
     nombrar(cfEstado, "cfEstado");
     nombrar(tLeyenda, "tLeyenda");
     nombrar(tCuenta, "tCuenta");
+    nombrar(cfProyecto, "cfProyecto");
+    nombrar(cfDepartamento, "cfDepartamento");
     lbCriterio = etiqueta("lbCriterio", cfCriterio);
     lbFecha = etiqueta("lbFecha", odInicio);
     lbHasta = etiqueta("lbHasta", odFin);
@@ -71,6 +74,8 @@ void frmFind::crearControles(const QList<std::pair<QString, qint16>> &libros)
     Label1 = etiqueta("Label1", cfEstado);
     lbLeyenda = etiqueta("lbLeyenda", tLeyenda);
     lbCuenta = etiqueta("lbCuenta", tCuenta);
+    lbProyecto = etiqueta("lbProyecto", cfProyecto);
+    lbDepartamento = etiqueta("lbDepartamento", cfDepartamento);
     lbImporte = etiqueta("lbImporte", ocImporte);
     lbImporte2 = etiqueta("lbImporte2", ocImporte2);
 
@@ -85,8 +90,26 @@ void frmFind::crearControles(const QList<std::pair<QString, qint16>> &libros)
     }
     cfLibro->setEditable(true);
     cfLibro->setInsertPolicy(QComboBox::NoInsert);
-    for (const auto &[nombre, codigo] : libros)
+    for (const auto &[nombre, codigo] : listas.libros)
         cfLibro->addItem(nombre, int(codigo));
+    // Any project (or department), the lines without one, then each of them. They narrow
+    // the account's lines, so they wait for an account.
+    for (const auto &[lista, codigos] : {std::pair{cfProyecto, &listas.proyectos}, std::pair{cfDepartamento, &listas.departamentos}}) {
+        lista->addItem(m_datos.texto(1168), int(CriteriosBusqueda::kCualquiera));
+        lista->addItem(m_datos.texto(1169), 0);
+        for (const auto &[nombre, codigo] : *codigos)
+            lista->addItem(nombre, int(codigo));
+        lista->setEnabled(false);
+        lista->installEventFilter(this);
+    }
+    lbProyecto->setVisible(!listas.proyectos.isEmpty());
+    cfProyecto->setVisible(!listas.proyectos.isEmpty());
+    lbDepartamento->setVisible(!listas.departamentos.isEmpty());
+    cfDepartamento->setVisible(!listas.departamentos.isEmpty());
+    connect(tCuenta, &QLineEdit::textChanged, this, [this](const QString &texto) {
+        cfProyecto->setEnabled(!texto.trimmed().isEmpty());
+        cfDepartamento->setEnabled(!texto.trimmed().isEmpty());
+    });
     cfLibro->setCurrentIndex(-1);
     cfEstado->addItem(QStringLiteral("Borrador"), 1);
     cfEstado->addItem(QStringLiteral("Inconcluso"), 2);
@@ -144,17 +167,21 @@ void frmFind::crearControles(const QList<std::pair<QString, qint16>> &libros)
     rejilla->addWidget(tLeyenda, 3, 1, 1, 3);
     rejilla->addWidget(lbCuenta, 4, 0);
     rejilla->addWidget(tCuenta, 4, 1, 1, 3);
-    rejilla->addWidget(lbImporte, 5, 0);
-    rejilla->addWidget(ocImporte, 5, 1);
-    rejilla->addWidget(lbImporte2, 5, 2);
-    rejilla->addWidget(ocImporte2, 5, 3);
+    rejilla->addWidget(lbProyecto, 5, 0);
+    rejilla->addWidget(cfProyecto, 5, 1);
+    rejilla->addWidget(lbDepartamento, 5, 2);
+    rejilla->addWidget(cfDepartamento, 5, 3);
+    rejilla->addWidget(lbImporte, 6, 0);
+    rejilla->addWidget(ocImporte, 6, 1);
+    rejilla->addWidget(lbImporte2, 6, 2);
+    rejilla->addWidget(ocImporte2, 6, 3);
     rejilla->setColumnStretch(1, 1);
     rejilla->setColumnStretch(3, 1);
     auto *todo = new QVBoxLayout(this);
     todo->addLayout(rejilla);
     todo->addWidget(picToolbar);
-    const QList<QWidget *> orden{cfCriterio, odInicio, odFin, cfLibro, cfEstado, tLeyenda, tCuenta, ocImporte, ocImporte2,
-                                 bfOK, bfCancel, bfHelp};
+    const QList<QWidget *> orden{cfCriterio, odInicio, odFin, cfLibro, cfEstado, tLeyenda, tCuenta, cfProyecto, cfDepartamento,
+                                 ocImporte, ocImporte2, bfOK, bfCancel, bfHelp};
     for (int i = 1; i < orden.size(); ++i)
         setTabOrder(orden[i - 1], orden[i]);
 }
@@ -194,12 +221,15 @@ void frmFind::AsignarTextos()
     Label1->setText(QStringLiteral("Estado :"));
     lbLeyenda->setText(m_datos.texto(1084));
     lbCuenta->setText(m_datos.texto(1085));
+    lbProyecto->setText(m_datos.texto(1170));
+    lbDepartamento->setText(m_datos.texto(1171));
     lbImporte->setText(m_datos.texto(1086));
     lbImporte2->setText(m_datos.texto(1087));
     bfOK->setText(m_datos.texto(1088));
     bfCancel->setText(m_datos.texto(1089));
     bfHelp->setText(m_datos.texto(1090));
-    for (QLabel *l : {lbCriterio, lbFecha, lbHasta, lbLibro, Label1, lbLeyenda, lbCuenta, lbImporte, lbImporte2})
+    for (QLabel *l : {lbCriterio, lbFecha, lbHasta, lbLibro, Label1, lbLeyenda, lbCuenta, lbProyecto, lbDepartamento, lbImporte,
+                      lbImporte2})
         l->buddy()->setAccessibleName(QString(l->text()).remove(QLatin1Char('&')).remove(QLatin1Char(':')).trimmed());
 }
 
@@ -258,8 +288,11 @@ bool frmFind::BuscarCuentaFind()
                                              rs->Texto(QStringLiteral("CueNombre")).trimmed(),
                                              m_datos.empresa.mostrarCodigoCta));
                 m_idCuenta = qint32(rs->Entero(QStringLiteral("CueID")));
-                m_proyecto = elegida.proyecto;
-                m_departamento = elegida.departamento;
+                // A project or department the chooser names is taken as chosen.
+                if (elegida.proyecto > 0)
+                    elegirCodigo(cfProyecto, elegida.proyecto);
+                if (elegida.departamento > 0)
+                    elegirCodigo(cfDepartamento, elegida.departamento);
                 hallada = true;
             }
         }
@@ -269,6 +302,32 @@ bool frmFind::BuscarCuentaFind()
     }
     m_buscandoCuenta = false;
     return hallada;
+}
+
+void frmFind::elegirCodigo(QComboBox *lista, qint16 codigo)
+{
+    const int i = lista->findData(int(codigo));
+    if (i >= 0)
+        lista->setCurrentIndex(i);
+}
+
+// A list the books do not use restricts nothing.
+qint16 frmFind::codigoElegido(const QComboBox *lista) const
+{
+    if (lista->isHidden() || lista->currentIndex() < 0)
+        return CriteriosBusqueda::kCualquiera;
+    return qint16(lista->currentData().toInt());
+}
+
+// The field Enter goes to after the account or the project: the next list shown and
+// usable, else the amount.
+QWidget *frmFind::siguienteDe(QWidget *campo) const
+{
+    const QList<QWidget *> listas{cfProyecto, cfDepartamento};
+    for (qsizetype i = listas.indexOf(campo) + 1; i < listas.size(); ++i)
+        if (!listas[i]->isHidden() && listas[i]->isEnabled())
+            return listas[i];
+    return ocImporte;
 }
 
 // Enter moves on in the dialog's own order; false when the key is not taken here.
@@ -292,6 +351,10 @@ bool frmFind::enterEn(QObject *objeto)
     } else if (objeto == tCuenta) {
         if (m_idCuenta == 0)
             BuscarCuentaFind();
+        siguienteDe(tCuenta)->setFocus();
+    } else if (objeto == cfProyecto) {
+        siguienteDe(cfProyecto)->setFocus();
+    } else if (objeto == cfDepartamento) {
         ocImporte->setFocus();
     } else if (objeto == ocImporte) {
         if (ocImporte->EsTextoInvalido()) {
@@ -392,9 +455,8 @@ void frmFind::bfOK_Click()
     c.prmLibro = cfLibro->currentIndex() >= 0 ? qint16(cfLibro->currentData().toInt()) : 0;
     c.prmLeyenda = tLeyenda->text().trimmed().isEmpty() ? QString() : tLeyenda->text();
     c.prmCta = m_idCuenta;
-    // The account chooser names a project or department only when the user picked one.
-    c.prmPry = m_idCuenta <= 0 ? qint16(0) : m_proyecto > 0 ? m_proyecto : CriteriosBusqueda::kCualquiera;
-    c.prmDep = m_idCuenta <= 0 ? qint16(0) : m_departamento > 0 ? m_departamento : CriteriosBusqueda::kCualquiera;
+    c.prmPry = m_idCuenta <= 0 ? qint16(0) : codigoElegido(cfProyecto);
+    c.prmDep = m_idCuenta <= 0 ? qint16(0) : codigoElegido(cfDepartamento);
     c.prmImporte = ocImporte->EsNumeroValido() ? ocImporte->Valor() : 0;
     c.prmImporte2 = ocImporte2->EsNumeroValido() ? ocImporte2->Valor() : 0;
     c.prmCriterioAnd = cfCriterio->currentIndex() == 0;

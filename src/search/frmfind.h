@@ -24,15 +24,24 @@ struct DatosDocumento;
 // checks what was typed, leaves the criteria in `criterios` and hides the dialog;
 // "Cancelar" (or Escape) hides it and leaves `criterios` as the last "Aceptar" left them,
 // with FindOK false. The dialog is kept between searches, so the controls remember what
-// was typed. Enter moves on through the fields; refusals (an end date before the start,
+// was typed. A project and a department narrow the account's lines; left at "any" they
+// do not. Enter moves on through the fields; refusals (an end date before the start,
 // 1849; a date or amount that cannot be read, 1951 and 1950; a book the list does not
 // hold) keep the focus on the field at fault.
 class frmFind : public QDialog
 {
     Q_OBJECT
 public:
-    frmFind(const DatosDocumento &datos, ServicioBusquedaCuentas &cuentas,
-            const QList<std::pair<QString, qint16>> &libros, QWidget *padre = nullptr);
+    // The lists the dialog offers, each as name and code. The project and department lists
+    // are shown only when the books use them.
+    struct Listas
+    {
+        QList<std::pair<QString, qint16>> libros;
+        QList<std::pair<QString, qint16>> proyectos;
+        QList<std::pair<QString, qint16>> departamentos;
+    };
+
+    frmFind(const DatosDocumento &datos, ServicioBusquedaCuentas &cuentas, const Listas &listas, QWidget *padre = nullptr);
 
     CriteriosBusqueda criterios;
     // Called by "Ayuda".
@@ -50,7 +59,10 @@ protected:
     void showEvent(QShowEvent *evento) override;
 
 private:
-    void crearControles(const QList<std::pair<QString, qint16>> &libros);
+    void crearControles(const Listas &listas);
+    void elegirCodigo(QComboBox *lista, qint16 codigo);
+    qint16 codigoElegido(const QComboBox *lista) const;
+    QWidget *siguienteDe(QWidget *campo) const;
     void AsignarTextos();
     bool fechasValidas();
     bool libroValido();
@@ -64,8 +76,6 @@ private:
     // The account the field shows, taken into the criteria by "Aceptar"; 0 while what the
     // field shows is typed text.
     qint32 m_idCuenta = 0;
-    qint16 m_proyecto = 0;
-    qint16 m_departamento = 0;
     bool m_buscandoCuenta = false;
     std::pair<int, QWidget *> m_aviso{0, nullptr}; // a refusal waiting to be said
 
@@ -83,6 +93,10 @@ private:
     QLineEdit *tLeyenda = nullptr;
     QLabel *lbCuenta = nullptr;
     QLineEdit *tCuenta = nullptr;
+    QLabel *lbProyecto = nullptr;
+    QComboBox *cfProyecto = nullptr;
+    QLabel *lbDepartamento = nullptr;
+    QComboBox *cfDepartamento = nullptr;
     QLabel *lbImporte = nullptr;
     CampoCalculadora *ocImporte = nullptr;
     QLabel *lbImporte2 = nullptr;

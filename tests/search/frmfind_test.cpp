@@ -41,9 +41,24 @@ protected:
         : m_base(GetParam(), BaseDePrueba::Contenido::Demo)
     {
         PrepararDatosDocumento(m_datos, m_base.conexion(), m_mensajes);
-        m_dialogo = std::make_unique<frmFind>(m_datos, m_cuentas, QList<std::pair<QString, qint16>>{
-                                                  {QStringLiteral("Diario"), 1}, {QStringLiteral("Ventas"), 7}});
+        crear(true);
+    }
+
+    void crear(bool conProyectos)
+    {
+        frmFind::Listas listas;
+        listas.libros = {{QStringLiteral("Diario"), 1}, {QStringLiteral("Ventas"), 7}};
+        if (conProyectos) {
+            listas.proyectos = m_datos.LeerProyectos();
+            listas.departamentos = m_datos.LeerDepartamentos();
+        }
+        m_dialogo = std::make_unique<frmFind>(m_datos, m_cuentas, listas);
         mostrar();
+    }
+    qint32 idCuenta(const char *codigo)
+    {
+        auto rs = m_base.conexion().Abrir(QStringLiteral("Select CueID From cceCuentas Where CueCodigo = '%1'").arg(QLatin1String(codigo)));
+        return qint32(rs->Entero(QStringLiteral("CueID")));
     }
 
     void mostrar()
@@ -228,11 +243,16 @@ TEST_P(DialogoBusqueda, LaCuentaBuscadaEntraConSuProyectoYDepartamento)
     EXPECT_TRUE(m_dialogo->isVisible());
     EXPECT_EQ(foco(), QStringLiteral("tCuenta"));
 
-    m_cuentas.respuesta = {id, 3, 4};
+    m_cuentas.respuesta = {id, 3, 2};
     m_cuentas.pedidos.clear();
     escribir("tCuenta", QStringLiteral("caja"));
     tecla();
     EXPECT_EQ(m_cuentas.pedidos, QStringList{QStringLiteral("caja")});
+    // With an account, Enter goes through its project and department.
+    EXPECT_EQ(foco(), QStringLiteral("cfProyecto"));
+    tecla();
+    EXPECT_EQ(foco(), QStringLiteral("cfDepartamento"));
+    tecla();
     EXPECT_EQ(foco(), QStringLiteral("ocImporte"));
     EXPECT_TRUE(campo<QLineEdit>("tCuenta")->text().contains(nombre)) << campo<QLineEdit>("tCuenta")->text().toStdString();
     aceptar();
@@ -240,7 +260,7 @@ TEST_P(DialogoBusqueda, LaCuentaBuscadaEntraConSuProyectoYDepartamento)
     EXPECT_TRUE(criterios().FindOK);
     EXPECT_EQ(criterios().prmCta, id);
     EXPECT_EQ(criterios().prmPry, 3);
-    EXPECT_EQ(criterios().prmDep, 4);
+    EXPECT_EQ(criterios().prmDep, 2);
 
     // A blank account is no account, with no project or department.
     mostrar();
@@ -252,6 +272,49 @@ TEST_P(DialogoBusqueda, LaCuentaBuscadaEntraConSuProyectoYDepartamento)
     EXPECT_EQ(criterios().prmCta, 0);
     EXPECT_EQ(criterios().prmPry, 0);
     EXPECT_EQ(criterios().prmDep, 0);
+}
+
+// An account alone finds its lines of every project and department; the lists narrow it to
+// one project, or to the lines without a department.
+TEST_P(DialogoBusqueda, ProyectoYDepartamentoAcotanLaCuenta)
+{
+    auto *proyecto = campo<QComboBox>("cfProyecto");
+    auto *departamento = campo<QComboBox>("cfDepartamento");
+    EXPECT_TRUE(proyecto->isVisible());
+    EXPECT_FALSE(proyecto->isEnabled()); // nothing to narrow without an account
+    EXPECT_EQ(proyecto->count(), 2 + m_datos.LeerProyectos().size());
+
+    m_cuentas.respuesta = {idCuenta("5.2.01"), 0, 0};
+    escribir("tCuenta", QStringLiteral("sueldos"));
+    tecla();
+    EXPECT_TRUE(proyecto->isEnabled() && departamento->isEnabled());
+    aceptar();
+    EXPECT_EQ(criterios().prmPry, CriteriosBusqueda::kCualquiera);
+    EXPECT_EQ(criterios().prmDep, CriteriosBusqueda::kCualquiera);
+
+    mostrar();
+    proyecto->setFocus();
+    tecla(Qt::Key_Down);
+    tecla(Qt::Key_Down);
+    tecla(Qt::Key_Down); // "any", "none", then the second project
+    departamento->setFocus();
+    tecla(Qt::Key_Down);
+    aceptar();
+    EXPECT_EQ(criterios().prmPry, qint16(proyecto->itemData(3).toInt()));
+    EXPECT_EQ(criterios().prmPry, 2);
+    EXPECT_EQ(criterios().prmDep, 0);
+
+    // Books without projects or departments show no lists, and restrict nothing.
+    crear(false);
+    EXPECT_FALSE(campo("cfProyecto")->isVisible());
+    EXPECT_FALSE(campo("lbDepartamento")->isVisible());
+    m_cuentas.respuesta = {idCuenta("5.2.01"), 0, 0};
+    escribir("tCuenta", QStringLiteral("sueldos"));
+    tecla();
+    EXPECT_EQ(foco(), QStringLiteral("ocImporte"));
+    aceptar();
+    EXPECT_EQ(criterios().prmPry, CriteriosBusqueda::kCualquiera);
+    EXPECT_EQ(criterios().prmDep, CriteriosBusqueda::kCualquiera);
 }
 
 TEST_P(DialogoBusqueda, ImportesLeidosYUnTextoQueNoEsNumeroRechazadoUnaVez)
