@@ -7,6 +7,7 @@
 #include "services/servicioconexion.h"
 #include "shell/idioma.h"
 #include "store/basedelprograma.h"
+#include "store/copiabase.h"
 #include "store/reloj.h"
 
 #include <QApplication>
@@ -150,6 +151,12 @@ int main(int argc, char *argv[])
         const bool bien = r.resultado == Inicializacion::Resultado::Creada || r.resultado == Inicializacion::Resultado::YaExistia;
         std::fprintf(bien ? stdout : stderr, "%s\n", qPrintable(r.informe));
         return bien ? 0 : 1;
+    }
+    if (!opciones.copiarA.isEmpty()) {
+        const QCoreApplication nucleo(argc, argv);
+        const CopiaBase r = CopiarBase(opciones.baseDatos, opciones.copiarA);
+        std::fprintf(r.hecha ? stdout : stderr, "%s\n", qPrintable(r.informe));
+        return r.hecha ? 0 : 1;
     }
     if (!opciones.exportar.isEmpty() && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");

@@ -49,6 +49,8 @@ OpcionesHost OpcionesHost::Leer(const QStringList &argumentos)
             valor(o.captura);
         } else if (a == QLatin1String("--settings")) {
             valor(o.ajustes);
+        } else if (a == QLatin1String("--copiar-a")) {
+            valor(o.copiarA);
         } else if (a == QLatin1String("--exportar")) {
             valor(o.exportar);
         } else if (a == QLatin1String("--vista")) {
@@ -82,6 +84,10 @@ OpcionesHost OpcionesHost::Leer(const QStringList &argumentos)
         o.error = QStringLiteral("--sin-demo va con --inicializar");
     if (o.error.isEmpty() && o.inicializar && o.baseDatos.isEmpty())
         o.error = QStringLiteral("--inicializar necesita --db con la base a crear");
+    if (o.error.isEmpty() && !o.copiarA.isEmpty() && o.baseDatos.isEmpty())
+        o.error = QStringLiteral("--copiar-a necesita --db con la base de origen");
+    if (o.error.isEmpty() && !o.copiarA.isEmpty() && (o.inicializar || !o.exportar.isEmpty()))
+        o.error = QStringLiteral("--copiar-a no va con --inicializar ni con --exportar");
     return o;
 }
 
@@ -92,6 +98,7 @@ QString OpcionesHost::Uso()
         "  --db RUTA|postgresql://usuario@servidor:puerto/base   base de datos (sin ella: la empresa de demostración)\n"
         "  --inicializar     crear en la base de --db, vacía, las tablas y la empresa de demostración, y salir\n"
         "  --sin-demo        con --inicializar: una empresa sin datos en lugar de la de demostración\n"
+        "  --copiar-a DIRECCION  copiar todo lo de --db a otra base vacía (por ejemplo postgresql://...), y salir\n"
         "  --user N          usuario (1)\n"
         "  --company N       empresa (1)\n"
         "  --lang N          idioma de los textos: 1 español, 2 inglés\n"

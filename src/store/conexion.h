@@ -56,6 +56,8 @@ public:
     // Position of a column (case ignored), -1 when there is none; a loop over many rows
     // looks its columns up once and reads them by position.
     virtual int IndiceCampo(const QString &nombre) const = 0;
+    // The name of a column as the engine gives it.
+    virtual QString NombreCampo(int indice) const = 0;
 
     bool EsNulo(const QString &nombre) const { return Campo(nombre).isNull(); }
 

@@ -119,6 +119,7 @@ public:
 
     int CantidadCampos() const override { return m_registro.count(); }
     int IndiceCampo(const QString &nombre) const override { return m_registro.indexOf(nombre); }
+    QString NombreCampo(int indice) const override { return m_registro.fieldName(indice); }
 
 private:
     void avanzar()

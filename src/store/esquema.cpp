@@ -158,6 +158,20 @@ QStringList TablasEsquema()
     return nombres;
 }
 
+QString ColumnaNumerada(const QString &tabla)
+{
+    const QStringList tablas = TablasEsquema();
+    const qsizetype i = tablas.indexOf(tabla, 0);
+    if (i < 0)
+        return {};
+    const QString sentencia = QString::fromLatin1(kTablas[i]);
+    const qsizetype marca = sentencia.indexOf(QLatin1String(" {id}"));
+    if (marca < 0)
+        return {};
+    const qsizetype inicio = sentencia.lastIndexOf(QLatin1Char(' '), marca - 1) + 1;
+    return sentencia.mid(inicio, marca - inicio);
+}
+
 static QStringList TablasDeLaBase(Conexion &conexion)
 {
     auto rs = conexion.motor() == Motor::PostgreSQL

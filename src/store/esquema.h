@@ -11,6 +11,8 @@ void CrearEsquema(Conexion &conexion);
 
 // The names of the schema's tables, as written in the statements.
 QStringList TablasEsquema();
+// The column the engine numbers in a table of the schema, or an empty text.
+QString ColumnaNumerada(const QString &tabla);
 
 // What a database holds: nothing at all, this program's tables, only some of them, or
 // tables of something else.

@@ -11,6 +11,7 @@
 #include <QDir>
 #include <QFile>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -54,6 +55,31 @@ qint64 contar(Conexion &c, const char *sql)
     return rs->Campo(0).toLongLong();
 }
 
+// A table's rows as text, sorted, each value as both engines give it back alike: numbers
+// to four decimals, dates and stamps in ISO form.
+QStringList volcado(Conexion &c, const QString &tabla)
+{
+    static const QRegularExpression numero(QStringLiteral("^-?[0-9]+(\\.[0-9]+)?$"));
+    QStringList filas;
+    auto rs = c.Abrir(QStringLiteral("Select * From ") + tabla);
+    for (; !rs->Fin(); rs->MoverSiguiente()) {
+        QStringList valores;
+        for (int i = 0; i < rs->CantidadCampos(); ++i) {
+            const QVariant v = rs->Campo(i);
+            QString t = v.isNull()                              ? QStringLiteral("<nulo>")
+                      : v.metaType().id() == QMetaType::QDateTime ? v.toDateTime().toString(QStringLiteral("yyyy-MM-dd hh:mm:ss.zzz"))
+                      : v.metaType().id() == QMetaType::QDate   ? v.toDate().toString(Qt::ISODate)
+                                                                : v.toString();
+            if (numero.match(t).hasMatch())
+                t = QString::number(t.toDouble(), 'f', 4);
+            valores << t;
+        }
+        filas << valores.join(QLatin1Char('|'));
+    }
+    filas.sort();
+    return filas;
+}
+
 class Inicializar : public ::testing::TestWithParam<Motor>
 {
 protected:
@@ -73,9 +99,7 @@ TEST_P(Inicializar, CreaLaBaseUnaVezYDespuesNoCambiaNada)
     const qint64 lineas = contar(*conexion, "Select Count(*) From cceAsientoCuenta");
     EXPECT_GT(asientos, 100);
     EXPECT_TRUE(s.salida.contains(QString::number(asientos))) << s.salida.toStdString();
-    const QStringList tablas = TablasEsquema();
-    for (const QString &t : tablas)
-        EXPECT_GE(contar(*conexion, qPrintable(QStringLiteral("Select Count(*) From ") + t)), 0) << t.toStdString();
+    EXPECT_EQ(ExaminarEsquema(*conexion), EstadoEsquema::DelPrograma);
 
     s = correr({QStringLiteral("--db"), db, QStringLiteral("--inicializar")}, m_carpeta.path());
     EXPECT_EQ(s.estado, 0);
@@ -115,12 +139,58 @@ TEST_P(Inicializar, SinDemoUnaEmpresaVaciaQueElAdministradorPuedeUsar)
     EXPECT_EQ(e.estado, 0) << e.errores.toStdString();
 }
 
+// The books of a file copied to an empty database: every row alike, the numbering going on
+// after the copied ids, the program reading the same entries; a second copy is refused.
+TEST_P(Inicializar, LosLibrosSeCopianAUnaBaseVacia)
+{
+    BaseDePrueba origen(Motor::SQLite, BaseDePrueba::Contenido::Demo);
+    BaseDePrueba vacia(GetParam(), BaseDePrueba::Contenido::Vacia);
+    const QString db = GetParam() == Motor::SQLite ? m_carpeta.filePath(QStringLiteral("copia.sqlite")) : vacia.direccion();
+    // A trashed entry and one from another day travel too.
+    origen.conexion().Ejecutar(QStringLiteral("Update cceAsientos Set AsiEstado = 9 Where AsiID = (Select Min(AsiID) From cceAsientos)"));
+
+    Salida s = correr({QStringLiteral("--db"), origen.direccion(), QStringLiteral("--copiar-a"), db}, m_carpeta.path());
+    ASSERT_EQ(s.estado, 0) << s.errores.toStdString();
+    EXPECT_TRUE(s.salida.contains(QStringLiteral("coinciden"))) << s.salida.toStdString();
+    auto copia = ConexionQt::Abrir(DireccionBD::Leer(db));
+    for (const QString &tabla : TablasEsquema())
+        EXPECT_EQ(volcado(*copia, tabla), volcado(origen.conexion(), tabla)) << tabla.toStdString();
+    const qint64 mayor = contar(origen.conexion(), "Select Max(AsiID) From cceAsientos");
+    EXPECT_GT(copia->Insertar(QStringLiteral("Insert Into cceAsientos (AsiEmpresa, AsiEstado, AsiFechaAsiento) Values (1, 1, ?)"),
+                              {Conexion::ValorFecha(BaseDePrueba::Hoy())}, QStringLiteral("AsiID")),
+              mayor);
+    copia->Ejecutar(QStringLiteral("Delete From cceAsientos Where AsiID > ?"), {mayor});
+
+    const QString mes = BaseDePrueba::Hoy().toString(QStringLiteral("yyyy-MM"));
+    for (const auto &[base, archivo] : {std::pair{origen.direccion(), QStringLiteral("origen.csv")}, std::pair{db, QStringLiteral("copia.csv")}})
+        ASSERT_EQ(correr({QStringLiteral("--db"), base, QStringLiteral("--exportar"), m_carpeta.filePath(archivo), QStringLiteral("--mes"), mes},
+                         m_carpeta.path()).estado, 0);
+    EXPECT_EQ(huella(m_carpeta.filePath(QStringLiteral("copia.csv"))), huella(m_carpeta.filePath(QStringLiteral("origen.csv"))));
+
+    const qint64 lineas = contar(*copia, "Select Count(*) From cceAsientoCuenta");
+    s = correr({QStringLiteral("--db"), origen.direccion(), QStringLiteral("--copiar-a"), db}, m_carpeta.path());
+    EXPECT_EQ(s.estado, 1);
+    EXPECT_TRUE(s.errores.contains(QStringLiteral("no está vacía"))) << s.errores.toStdString();
+    EXPECT_EQ(contar(*copia, "Select Count(*) From cceAsientoCuenta"), lineas);
+}
+
 TEST(InicializarLinea, PedidosMalosYBasesAjenasNoCambianNada)
 {
     QTemporaryDir carpeta;
     EXPECT_EQ(correr({QStringLiteral("--inicializar")}, carpeta.path()).estado, 2);
     EXPECT_EQ(correr({QStringLiteral("--db"), carpeta.filePath(QStringLiteral("a.sqlite")), QStringLiteral("--sin-demo")}, carpeta.path()).estado, 2);
+    EXPECT_EQ(correr({QStringLiteral("--copiar-a"), carpeta.filePath(QStringLiteral("a.sqlite"))}, carpeta.path()).estado, 2);
     EXPECT_FALSE(QFile::exists(carpeta.filePath(QStringLiteral("a.sqlite"))));
+    // Books copied onto themselves, or from a database that is not the program's: nothing
+    // is made.
+    const QString libros = carpeta.filePath(QStringLiteral("libros.sqlite"));
+    ASSERT_EQ(correr({QStringLiteral("--db"), libros, QStringLiteral("--inicializar"), QStringLiteral("--sin-demo")}, carpeta.path()).estado, 0);
+    const QByteArray librosAntes = huella(libros);
+    EXPECT_EQ(correr({QStringLiteral("--db"), libros, QStringLiteral("--copiar-a"), libros}, carpeta.path()).estado, 1);
+    EXPECT_EQ(huella(libros), librosAntes);
+    EXPECT_EQ(correr({QStringLiteral("--db"), carpeta.filePath(QStringLiteral("nada.sqlite")), QStringLiteral("--copiar-a"),
+                      carpeta.filePath(QStringLiteral("b.sqlite"))}, carpeta.path()).estado, 1);
+    EXPECT_FALSE(QFile::exists(carpeta.filePath(QStringLiteral("b.sqlite"))));
 
     // Another program's SQLite file: refused by both the creation and the program, and left
     // byte for byte as it was, in its own journal mode.
@@ -132,6 +202,8 @@ TEST(InicializarLinea, PedidosMalosYBasesAjenasNoCambianNada)
         c->Cerrar();
     }
     const QByteArray antes = huella(ajena);
+    EXPECT_EQ(correr({QStringLiteral("--db"), libros, QStringLiteral("--copiar-a"), ajena}, carpeta.path()).estado, 1);
+    EXPECT_EQ(huella(ajena), antes);
     Salida s = correr({QStringLiteral("--db"), ajena, QStringLiteral("--inicializar")}, carpeta.path());
     EXPECT_EQ(s.estado, 1);
     EXPECT_TRUE(s.errores.contains(QStringLiteral("no es de este programa"))) << s.errores.toStdString();
