@@ -96,7 +96,7 @@ std::unique_ptr<Conexion> ServicioConexion::AbrirConexion(const QString &claveSe
     if (direccion.isEmpty())
         direccion = leer(QStringLiteral("BaseDatos"));
     try {
-        return AbrirBaseDelPrograma(direccion);
+        return AbrirBaseDelPrograma(direccion, m_ajustes.esperaBloqueoMs);
     } catch (const ErrorBaseDatos &e) {
         m_ultimoError = e.descripcion();
         return nullptr;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "store/conexion.h"
+#include "store/direccionbd.h"
 
 #include <QColor>
 #include <QHash>
@@ -16,6 +16,7 @@ struct AjustesConexion
     QString archivoAjustes;
     QString baseDatos;
     QHash<QString, QString> forzados; // key "APLICACION/Ajuste" or "Ajuste"
+    int esperaBloqueoMs = DireccionBD::kEsperaBloqueoMs; // a write's wait for another session
 };
 
 // The data-connection service: the user's settings (language, colour scheme, date format,

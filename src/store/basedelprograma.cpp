@@ -29,9 +29,11 @@ QString textoIncompleta(const QString &visible, const QStringList &tablas)
 
 } // namespace
 
-std::unique_ptr<ConexionQt> AbrirBaseDelPrograma(const QString &direccion)
+std::unique_ptr<ConexionQt> AbrirBaseDelPrograma(const QString &direccion, int esperaBloqueoMs)
 {
-    auto conexion = ConexionQt::Abrir(DireccionBD::Leer(direccion));
+    DireccionBD d = DireccionBD::Leer(direccion);
+    d.esperaBloqueoMs = esperaBloqueoMs;
+    auto conexion = ConexionQt::Abrir(d);
     const QString visible = DireccionVisible(direccion);
     QStringList tablas;
     switch (ExaminarEsquema(*conexion, &tablas)) {

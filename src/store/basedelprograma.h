@@ -10,8 +10,9 @@
 // Opens a database for the program to work on: it must hold this program's tables. An
 // empty database or one of something else is refused, before anything is written to it,
 // with a text that tells the user what to do; a database of an earlier version gets the
-// tables it lacks. The connection is then set for sharing with other sessions.
-std::unique_ptr<ConexionQt> AbrirBaseDelPrograma(const QString &direccion);
+// tables it lacks. The connection is then set for sharing with other sessions, a write
+// waiting at most esperaBloqueoMs for another session.
+std::unique_ptr<ConexionQt> AbrirBaseDelPrograma(const QString &direccion, int esperaBloqueoMs = DireccionBD::kEsperaBloqueoMs);
 
 // The address as it may be shown: without its password.
 QString DireccionVisible(const QString &direccion);

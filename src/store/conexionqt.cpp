@@ -6,6 +6,7 @@
 
 #include <QAtomicInt>
 #include <QFileInfo>
+#include <QLocale>
 #include <QUrl>
 #include <QSqlDriver>
 #include <QSqlError>
@@ -51,12 +52,13 @@ bool esOcupada(const QSqlError &e, Motor motor)
     return codigo == QLatin1String("55P03") || codigo == QLatin1String("40P01") || codigo == QLatin1String("40001");
 }
 
-ErrorBaseDatos errorDeMotor(const QSqlError &e, Motor motor)
+// esperaMs: how long the connection waits for a lock, said when the wait ran out.
+ErrorBaseDatos errorDeMotor(const QSqlError &e, Motor motor, int esperaMs)
 {
     if (esOcupada(e, motor))
         return ErrorBaseDatos(QStringLiteral("La base de datos está ocupada por otro usuario: se esperó %1 segundos y la operación"
                                              " no se hizo, sin cambiar nada. Vuelva a intentarlo en unos instantes.")
-                                  .arg(ConexionQt::kEsperaBloqueo),
+                                  .arg(QLocale(QLocale::Spanish).toString(esperaMs / 1000.0)),
                               numeroError(e), ErrorBaseDatos::Causa::Ocupada);
     return ErrorBaseDatos(textoError(e), numeroError(e));
 }
@@ -64,8 +66,9 @@ ErrorBaseDatos errorDeMotor(const QSqlError &e, Motor motor)
 class RecordsetQt final : public Recordset
 {
 public:
-    explicit RecordsetQt(QSqlQuery &&q)
+    RecordsetQt(QSqlQuery &&q, int esperaMs)
         : m_query(std::move(q))
+        , m_esperaMs(esperaMs)
         , m_registro(m_query.record())
     {
         avanzar();
@@ -129,11 +132,13 @@ private:
         m_fin = true;
         if (m_query.lastError().isValid())
             throw errorDeMotor(m_query.lastError(), m_query.driver() && m_query.driver()->dbmsType() == QSqlDriver::PostgreSQL
-                                                        ? Motor::PostgreSQL : Motor::SQLite);
+                                                        ? Motor::PostgreSQL : Motor::SQLite,
+                               m_esperaMs);
     }
 
     QSqlQuery m_query;
     QSqlRecord m_registro;
+    int m_esperaMs;
     bool m_fin = false;
     bool m_cerrado = false;
 };
@@ -200,7 +205,7 @@ std::unique_ptr<ConexionQt> ConexionQt::Abrir(const DireccionBD &direccion, bool
     db.setNumericalPrecisionPolicy(QSql::HighPrecision);
 
     if (esSqlite) {
-        const QString espera = QStringLiteral("QSQLITE_BUSY_TIMEOUT=%1").arg(kEsperaBloqueo * 1000);
+        const QString espera = QStringLiteral("QSQLITE_BUSY_TIMEOUT=%1").arg(direccion.esperaBloqueoMs);
         QSqlError error;
         const QFileInfo info(direccion.archivo);
         const bool escribible = !info.exists() || (info.isWritable() && QFileInfo(info.absolutePath()).isWritable());
@@ -252,7 +257,7 @@ void ConexionQt::aplicarModo()
     if (m_motor == Motor::SQLite) {
         if (!m_soloLectura)
             q.exec(QStringLiteral("PRAGMA journal_mode=WAL"));
-    } else if (!q.exec(QStringLiteral("SET lock_timeout = %1").arg(kEsperaBloqueo * 1000))) {
+    } else if (!q.exec(QStringLiteral("SET lock_timeout = %1").arg(m_direccion.esperaBloqueoMs))) {
         throw ErrorBaseDatos(textoError(q.lastError()), numeroError(q.lastError()));
     }
 }
@@ -329,7 +334,7 @@ QSqlQuery ConexionQt::preparar(const QString &sql, const QVariantList &valores, 
             throw ErrorBaseDatos(QStringLiteral("La conexión no está abierta."), 3704);
         }
         if (!conexionCaida(error))
-            throw errorDeMotor(error, m_motor);
+            throw errorDeMotor(error, m_motor, m_direccion.esperaBloqueoMs);
         // The server dropped the session. A read outside a transaction is tried once more
         // on a new session; a write is not: the user is told it was not made.
         const bool enTransaccion = m_nivel > 0;
@@ -341,7 +346,7 @@ QSqlQuery ConexionQt::preparar(const QString &sql, const QVariantList &valores, 
 
 std::unique_ptr<Recordset> ConexionQt::Abrir(const QString &sql, const QVariantList &valores)
 {
-    return std::make_unique<RecordsetQt>(preparar(sql, valores, true));
+    return std::make_unique<RecordsetQt>(preparar(sql, valores, true), m_direccion.esperaBloqueoMs);
 }
 
 int ConexionQt::Ejecutar(const QString &sql, const QVariantList &valores)
@@ -385,9 +390,9 @@ void ConexionQt::Comenzar()
             reconectar();
             QSqlQuery otra(QSqlDatabase::database(m_nombre, false));
             if (!otra.exec(QStringLiteral("BEGIN")))
-                throw errorDeMotor(otra.lastError(), m_motor);
+                throw errorDeMotor(otra.lastError(), m_motor, m_direccion.esperaBloqueoMs);
         } else {
-            throw errorDeMotor(q.lastError(), m_motor);
+            throw errorDeMotor(q.lastError(), m_motor, m_direccion.esperaBloqueoMs);
         }
     }
     ++m_nivel;
@@ -399,7 +404,7 @@ void ConexionQt::Confirmar()
     if (m_nivel > 1) {
         --m_nivel;
         if (!q.exec(QStringLiteral("RELEASE SAVEPOINT t%1").arg(m_nivel)))
-            throw errorDeMotor(q.lastError(), m_motor);
+            throw errorDeMotor(q.lastError(), m_motor, m_direccion.esperaBloqueoMs);
         return;
     }
     if (!q.exec(QStringLiteral("COMMIT"))) {
@@ -409,7 +414,7 @@ void ConexionQt::Confirmar()
             reconectar();
             throw cambioNoGrabado(error);
         }
-        throw errorDeMotor(error, m_motor);
+        throw errorDeMotor(error, m_motor, m_direccion.esperaBloqueoMs);
     }
     m_nivel = 0;
 }
@@ -421,14 +426,14 @@ void ConexionQt::Deshacer()
         --m_nivel;
         if (!q.exec(QStringLiteral("ROLLBACK TO SAVEPOINT t%1").arg(m_nivel))
             || !q.exec(QStringLiteral("RELEASE SAVEPOINT t%1").arg(m_nivel)))
-            throw errorDeMotor(q.lastError(), m_motor);
+            throw errorDeMotor(q.lastError(), m_motor, m_direccion.esperaBloqueoMs);
         return;
     }
     if (m_nivel == 0)
         return; // the session that held it is gone, and the transaction with it
     m_nivel = 0;
     if (!q.exec(QStringLiteral("ROLLBACK")))
-        throw errorDeMotor(q.lastError(), m_motor);
+        throw errorDeMotor(q.lastError(), m_motor, m_direccion.esperaBloqueoMs);
 }
 
 void ConexionQt::Cerrar()

@@ -19,12 +19,10 @@ public:
 
     // Settings for working beside other sessions, applied once the database is known to
     // be this program's: SQLite goes to write-ahead logging (readers never wait for a
-    // writer), PostgreSQL waits at most kEsperaBloqueo for a row another session holds.
+    // writer), PostgreSQL waits at most the address's lock wait for a row another session
+    // holds.
     void ModoCompartido();
     bool soloLectura() const { return m_soloLectura; }
-
-    // Seconds a write waits for another session before it gives up with Causa::Ocupada.
-    static constexpr int kEsperaBloqueo = 5;
 
     Motor motor() const override { return m_motor; }
     bool abierta() const override;

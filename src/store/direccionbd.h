@@ -17,6 +17,9 @@ struct DireccionBD
     int puerto = 5432;
     QString base;
     QString esquema;    // PostgreSQL schema to work in (?schema=NAME); empty: the default
+    // How long a write waits for another session before it gives up, in milliseconds.
+    static constexpr int kEsperaBloqueoMs = 5000;
+    int esperaBloqueoMs = kEsperaBloqueoMs;
 
     bool valida() const;
     // Whether a schema name is a plain name (letters, digits, "_"; not a digit first).

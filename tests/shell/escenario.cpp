@@ -41,6 +41,7 @@ std::unique_ptr<lumIngAsiento> DocumentoIniciado(const BaseDePrueba &base, HostD
     d.busquedaCuentas = &busqueda;
     d.ajustes.archivoAjustes = carpeta.filePath(QStringLiteral("a.ini"));
     d.ajustes.baseDatos = base.direccion();
+    d.ajustes.esperaBloqueoMs = 500; // a write held up by another session gives up soon
     d.proceso = ProcesoDePrueba(base);
     auto doc = std::make_unique<lumIngAsiento>(std::move(d));
     doc->resize(1000, 420);

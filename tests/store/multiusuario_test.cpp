@@ -512,8 +512,9 @@ TEST_P(Multiusuario, EscrituraTrabadaEsperaYNoEscribeNada)
         AsientoDatos a(base.conexion());
         id = Nuevo(a, QStringLiteral("original"), 10);
     }
+    constexpr int kEspera = 400;
     auto uno = AbrirBaseDelPrograma(base.direccion());
-    auto dos = AbrirBaseDelPrograma(base.direccion());
+    auto dos = AbrirBaseDelPrograma(base.direccion(), kEspera);
     Espia espia(*dos);
     AsientoDatos b(espia);
     ASSERT_TRUE(b.CargarAsiento(id));
@@ -532,11 +533,11 @@ TEST_P(Multiusuario, EscrituraTrabadaEsperaYNoEscribeNada)
     uno->Deshacer();
 
     std::cout << "[ espera   ] " << NombreMotor(GetParam()).toStdString() << ": " << esperado << " ms" << std::endl;
-    EXPECT_GE(esperado, ConexionQt::kEsperaBloqueo * 1000 - 500);
-    EXPECT_LE(esperado, ConexionQt::kEsperaBloqueo * 1000 + 2000);
+    EXPECT_GE(esperado, kEspera - 50);
+    EXPECT_LE(esperado, kEspera + 2000);
     EXPECT_EQ(b.ultimoResultado(), Resultado::ErrorBase);
     EXPECT_EQ(espia.causa, Causa::Ocupada);
-    EXPECT_TRUE(b.ultimoError().contains(QStringLiteral("ocupada por otro usuario"))) << b.ultimoError().toStdString();
+    EXPECT_TRUE(b.ultimoError().contains(QStringLiteral("ocupada por otro usuario: se esperó 0,4 segundos"))) << b.ultimoError().toStdString();
     EXPECT_FALSE(b.ultimoError().contains(QStringLiteral("locked"), Qt::CaseInsensitive));
     EXPECT_FALSE(b.ultimoError().contains(QStringLiteral("lock timeout"), Qt::CaseInsensitive));
     EXPECT_EQ(valor(*uno, QStringLiteral("Select AsiLeyenda From cceAsientos Where AsiID = ?"), {id}).toString(), QStringLiteral("original"));
