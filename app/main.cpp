@@ -78,7 +78,7 @@ int ExportarSinVentana(const OpcionesHost &o, const QString &baseDatos, const QS
         }
         *destino = texto;
     }
-    pedido.cuenta = o.cuenta;
+    pedido.cuenta = o.cuenta.trimmed();
     pedido.criterios.prmLeyenda = o.leyenda;
     pedido.hayCriterios = !o.desde.isEmpty() || !o.hasta.isEmpty() || !o.cuenta.isEmpty() || !o.leyenda.isEmpty();
     pedido.criterios.FindOK = pedido.hayCriterios;
@@ -152,8 +152,15 @@ int main(int argc, char *argv[])
         std::fprintf(bien ? stdout : stderr, "%s\n", qPrintable(r.informe));
         return bien ? 0 : 1;
     }
-    if (!opciones.copiarA.isEmpty()) {
+    if (opciones.copiar) {
         const QCoreApplication nucleo(argc, argv);
+        // The copy says one line; the driver's own remarks on a failed statement are not it.
+        qInstallMessageHandler([](QtMsgType tipo, const QMessageLogContext &, const QString &texto) {
+            if (tipo == QtFatalMsg) {
+                std::fprintf(stderr, "%s\n", qPrintable(texto));
+                std::abort();
+            }
+        });
         const CopiaBase r = CopiarBase(opciones.baseDatos, opciones.copiarA);
         std::fprintf(r.hecha ? stdout : stderr, "%s\n", qPrintable(r.informe));
         return r.hecha ? 0 : 1;

@@ -50,9 +50,10 @@ OpcionesHost OpcionesHost::Leer(const QStringList &argumentos)
         } else if (a == QLatin1String("--settings")) {
             valor(o.ajustes);
         } else if (a == QLatin1String("--copiar-a")) {
-            valor(o.copiarA);
+            o.copiar = valor(o.copiarA);
         } else if (a == QLatin1String("--exportar")) {
-            valor(o.exportar);
+            if (valor(o.exportar) && o.exportar.trimmed().isEmpty())
+                o.error = QStringLiteral("--exportar necesita el archivo a escribir");
         } else if (a == QLatin1String("--vista")) {
             valor(o.vista);
         } else if (a == QLatin1String("--mes")) {
@@ -84,9 +85,11 @@ OpcionesHost OpcionesHost::Leer(const QStringList &argumentos)
         o.error = QStringLiteral("--sin-demo va con --inicializar");
     if (o.error.isEmpty() && o.inicializar && o.baseDatos.isEmpty())
         o.error = QStringLiteral("--inicializar necesita --db con la base a crear");
-    if (o.error.isEmpty() && !o.copiarA.isEmpty() && o.baseDatos.isEmpty())
+    if (o.error.isEmpty() && o.copiar && o.copiarA.trimmed().isEmpty())
+        o.error = QStringLiteral("--copiar-a necesita la base de destino");
+    if (o.error.isEmpty() && o.copiar && o.baseDatos.isEmpty())
         o.error = QStringLiteral("--copiar-a necesita --db con la base de origen");
-    if (o.error.isEmpty() && !o.copiarA.isEmpty() && (o.inicializar || !o.exportar.isEmpty()))
+    if (o.error.isEmpty() && o.copiar && (o.inicializar || !o.exportar.isEmpty()))
         o.error = QStringLiteral("--copiar-a no va con --inicializar ni con --exportar");
     return o;
 }

@@ -26,7 +26,8 @@ struct OpcionesHost
     QString leyenda;         // --leyenda TEXTO (prefix, * as wildcard)
     bool inicializar = false; // --inicializar: create the schema and a company, and end
     bool sinDemo = false;     // --sin-demo: an empty company instead of the demo
-    QString copiarA;          // --copiar-a DIRECCION: copy the books of --db there, and end
+    bool copiar = false;      // --copiar-a DIRECCION: copy the books of --db there, and end
+    QString copiarA;
     bool ayuda = false;
     bool version = false;
     QString error;           // a bad command line

@@ -122,6 +122,8 @@ std::optional<QString> EscribirCSV(const FuenteDeGrilla &g, const QString &ruta,
     QString registro;
     QByteArray bloque;
     bloque.reserve(1 << 20);
+    // A byte-order mark tells a spreadsheet the text is UTF-8, so accents open right.
+    bloque += "\xEF\xBB\xBF";
     for (int r = 0; r < g.Filas(); ++r) {
         if (!FilaVisible(g, r))
             continue;

@@ -58,11 +58,15 @@ private:
     bool m_ok = false;
 };
 
+// The account with that code: its id, 0 when there is none, -1 when it is a folder of
+// other accounts (which carries no lines).
 qint32 IdDeCuenta(Conexion &conexion, qint32 empresa, const QString &codigo)
 {
-    auto rs = conexion.Abrir(QStringLiteral("Select CueID From cceCuentas Where CueIDEmpresa = ? And CueCodigo = ?"),
+    auto rs = conexion.Abrir(QStringLiteral("Select CueID, CueEsCarpeta From cceCuentas Where CueIDEmpresa = ? And CueCodigo = ?"),
                              {empresa, codigo});
-    return rs->Fin() ? 0 : rs->Campo(0).toInt();
+    if (rs->Fin())
+        return 0;
+    return rs->Campo(1).toInt() != 0 ? -1 : rs->Campo(0).toInt();
 }
 
 } // namespace
@@ -150,7 +154,9 @@ int ExportarDesdeLinea(const PedidoExportacion &pedido, Conexion &conexion, qint
             CriteriosBusqueda c = pedido.criterios;
             if (!pedido.cuenta.isEmpty()) {
                 c.prmCta = IdDeCuenta(conexion, empresa, pedido.cuenta);
-                if (c.prmCta <= 0)
+                if (c.prmCta < 0)
+                    return fallar(QStringLiteral("La cuenta «%1» agrupa otras cuentas y no lleva líneas: indique una de ellas.").arg(pedido.cuenta));
+                if (c.prmCta == 0)
                     return fallar(QStringLiteral("No existe la cuenta «%1» en la empresa %2.").arg(pedido.cuenta).arg(empresa));
                 c.prmPry = c.prmDep = CriteriosBusqueda::kCualquiera; // the account's lines of every project and department
             }

@@ -6,6 +6,7 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <algorithm>
 #include <cmath>
 #include <map>
 #include <tuple>
@@ -63,15 +64,56 @@ qint64 CopiarTabla(Conexion &origen, Conexion &destino, const QString &tabla)
     return copiadas;
 }
 
-// The engine's numbering goes on after the copied ids.
-void SeguirNumeracion(Conexion &destino, const QString &tabla)
+// The last number the engine gave out in a table, 0 when none: ids of rows deleted since
+// are never given again.
+qint64 UltimoNumero(Conexion &conexion, const QString &tabla, const QString &columna)
+{
+    auto rs = conexion.motor() == Motor::PostgreSQL
+                  ? conexion.Abrir(QStringLiteral("Select pg_sequence_last_value(pg_get_serial_sequence('%1', '%2'))")
+                                       .arg(tabla.toLower(), columna.toLower()))
+                  : conexion.Abrir(QStringLiteral("Select seq From sqlite_sequence Where name = ?"), {tabla});
+    const qint64 n = rs->Fin() ? 0 : rs->Campo(0).toLongLong();
+    rs->Cerrar();
+    return n;
+}
+
+// The target's numbering goes on where the source's would: after the copied ids and after
+// any the source gave out to rows deleted since.
+void SeguirNumeracion(Conexion &origen, Conexion &destino, const QString &tabla)
 {
     const QString columna = ColumnaNumerada(tabla);
-    if (columna.isEmpty() || destino.motor() != Motor::PostgreSQL)
-        return; // SQLite numbers after the largest id by itself
-    auto rs = destino.Abrir(QStringLiteral("Select setval(pg_get_serial_sequence('%1', '%2'), Coalesce((Select Max(%2) From %1), 0) + 1, false)")
-                                .arg(tabla.toLower(), columna.toLower()));
+    if (columna.isEmpty())
+        return;
+    auto rs = destino.Abrir(QStringLiteral("Select Coalesce(Max(%1), 0) From %2").arg(columna, tabla));
+    const qint64 ultimo = std::max(rs->Campo(0).toLongLong(), UltimoNumero(origen, tabla, columna));
     rs->Cerrar();
+    if (ultimo == 0)
+        return;
+    if (destino.motor() == Motor::PostgreSQL) {
+        destino.Abrir(QStringLiteral("Select setval(pg_get_serial_sequence('%1', '%2'), %3)").arg(tabla.toLower(), columna.toLower()).arg(ultimo))
+            ->Cerrar();
+    } else {
+        destino.Ejecutar(QStringLiteral("Delete From sqlite_sequence Where name = ?"), {tabla});
+        destino.Ejecutar(QStringLiteral("Insert Into sqlite_sequence (name, seq) Values (?, ?)"), {tabla, ultimo});
+    }
+}
+
+// Anything the target holds: tables, views or other objects of SQLite; tables and views of
+// PostgreSQL in the schema the address names, or in any schema when it names none.
+int ObjetosEnDestino(Conexion &destino, const DireccionBD &direccion)
+{
+    std::unique_ptr<Recordset> rs;
+    if (destino.motor() == Motor::SQLite)
+        rs = destino.Abrir(QStringLiteral("Select Count(*) From sqlite_master"));
+    else if (direccion.esquema.isEmpty())
+        rs = destino.Abrir(QStringLiteral("Select Count(*) From information_schema.tables"
+                                          " Where table_schema Not In ('pg_catalog', 'information_schema')"
+                                          " And table_schema Not Like 'pg!_%' Escape '!'"));
+    else
+        rs = destino.Abrir(QStringLiteral("Select Count(*) From information_schema.tables Where table_schema = current_schema()"));
+    const int n = rs->Campo(0).toInt();
+    rs->Cerrar();
+    return n;
 }
 
 qint64 Contar(Conexion &conexion, const QString &tabla)
@@ -121,12 +163,11 @@ CopiaBase CopiarBase(const QString &origen, const QString &destino)
     try {
         auto de = AbrirBaseDelPrograma(origen);
         auto a = ConexionQt::Abrir(direccionDestino, true);
-        QStringList halladas;
-        if (ExaminarEsquema(*a, &halladas) != EstadoEsquema::Vacia) {
-            r.informe = QStringLiteral("La base de datos %1 no está vacía (tiene %2 tablas); la copia va a una base sin tablas."
-                                       " No se cambió nada.")
+        if (const int objetos = ObjetosEnDestino(*a, direccionDestino); objetos > 0) {
+            r.informe = QStringLiteral("La base de datos %1 no está vacía (tiene %2 tablas o vistas); la copia va a una base sin"
+                                       " ellas. No se cambió nada.")
                             .arg(visibleDestino)
-                            .arg(halladas.size());
+                            .arg(objetos);
             return r;
         }
         if (a->soloLectura())
@@ -142,7 +183,7 @@ CopiaBase CopiarBase(const QString &origen, const QString &destino)
         QStringList distintas;
         for (const QString &tabla : TablasEsquema()) {
             filas += CopiarTabla(*de, *a, tabla);
-            SeguirNumeracion(*a, tabla);
+            SeguirNumeracion(*de, *a, tabla);
             if (Contar(*de, tabla) != Contar(*a, tabla))
                 distintas << tabla;
         }

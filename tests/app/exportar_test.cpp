@@ -197,6 +197,8 @@ TEST_P(ExportarDesdeLinea, PedidosMalosSeRechazanSinEscribir)
         {{QStringLiteral("--exportar"), ruta("x.csv"), QStringLiteral("--desde"), QStringLiteral("31/12/2026")}, 2, "--desde"},
         {{QStringLiteral("--exportar"), ruta("x.csv"), QStringLiteral("--vista"), QStringLiteral("7")}, 2, "--vista"},
         {{QStringLiteral("--exportar"), ruta("x.csv"), QStringLiteral("--cuenta"), QStringLiteral("9.9.99")}, 1, "No existe la cuenta"},
+        {{QStringLiteral("--exportar"), ruta("x.csv"), QStringLiteral("--cuenta"), QStringLiteral("5.2")}, 1, "agrupa otras cuentas"},
+        {{QStringLiteral("--exportar"), QString(), QStringLiteral("--mes"), mes}, 2, "necesita el archivo"},
         {{QStringLiteral("--exportar"), ruta("no/x.htm"), QStringLiteral("--mes"), mes}, 1, "Error al exportar la información."},
         {{QStringLiteral("--exportar"), ruta("no/x.xlsx"), QStringLiteral("--mes"), mes}, 1, "Error al exportar la información."},
         {{QStringLiteral("--exportar"), ruta("no/x.pdf"), QStringLiteral("--mes"), mes}, 1, "Error al exportar la información."},

@@ -146,8 +146,11 @@ TEST_P(Inicializar, LosLibrosSeCopianAUnaBaseVacia)
     BaseDePrueba origen(Motor::SQLite, BaseDePrueba::Contenido::Demo);
     BaseDePrueba vacia(GetParam(), BaseDePrueba::Contenido::Vacia);
     const QString db = GetParam() == Motor::SQLite ? m_carpeta.filePath(QStringLiteral("copia.sqlite")) : vacia.direccion();
-    // A trashed entry and one from another day travel too.
+    // A trashed entry travels too; the id of one deleted for good is not given again.
     origen.conexion().Ejecutar(QStringLiteral("Update cceAsientos Set AsiEstado = 9 Where AsiID = (Select Min(AsiID) From cceAsientos)"));
+    const qint64 mayor = contar(origen.conexion(), "Select Max(AsiID) From cceAsientos");
+    origen.conexion().Ejecutar(QStringLiteral("Delete From cceAsientoCuenta Where ACuIDAsiento = ?"), {mayor});
+    origen.conexion().Ejecutar(QStringLiteral("Delete From cceAsientos Where AsiID = ?"), {mayor});
 
     Salida s = correr({QStringLiteral("--db"), origen.direccion(), QStringLiteral("--copiar-a"), db}, m_carpeta.path());
     ASSERT_EQ(s.estado, 0) << s.errores.toStdString();
@@ -155,7 +158,6 @@ TEST_P(Inicializar, LosLibrosSeCopianAUnaBaseVacia)
     auto copia = ConexionQt::Abrir(DireccionBD::Leer(db));
     for (const QString &tabla : TablasEsquema())
         EXPECT_EQ(volcado(*copia, tabla), volcado(origen.conexion(), tabla)) << tabla.toStdString();
-    const qint64 mayor = contar(origen.conexion(), "Select Max(AsiID) From cceAsientos");
     EXPECT_GT(copia->Insertar(QStringLiteral("Insert Into cceAsientos (AsiEmpresa, AsiEstado, AsiFechaAsiento) Values (1, 1, ?)"),
                               {Conexion::ValorFecha(BaseDePrueba::Hoy())}, QStringLiteral("AsiID")),
               mayor);
@@ -180,6 +182,8 @@ TEST(InicializarLinea, PedidosMalosYBasesAjenasNoCambianNada)
     EXPECT_EQ(correr({QStringLiteral("--inicializar")}, carpeta.path()).estado, 2);
     EXPECT_EQ(correr({QStringLiteral("--db"), carpeta.filePath(QStringLiteral("a.sqlite")), QStringLiteral("--sin-demo")}, carpeta.path()).estado, 2);
     EXPECT_EQ(correr({QStringLiteral("--copiar-a"), carpeta.filePath(QStringLiteral("a.sqlite"))}, carpeta.path()).estado, 2);
+    EXPECT_EQ(correr({QStringLiteral("--db"), carpeta.filePath(QStringLiteral("a.sqlite")), QStringLiteral("--copiar-a"), QString()},
+                     carpeta.path()).estado, 2);
     EXPECT_FALSE(QFile::exists(carpeta.filePath(QStringLiteral("a.sqlite"))));
     // Books copied onto themselves, or from a database that is not the program's: nothing
     // is made.
@@ -204,6 +208,14 @@ TEST(InicializarLinea, PedidosMalosYBasesAjenasNoCambianNada)
     const QByteArray antes = huella(ajena);
     EXPECT_EQ(correr({QStringLiteral("--db"), libros, QStringLiteral("--copiar-a"), ajena}, carpeta.path()).estado, 1);
     EXPECT_EQ(huella(ajena), antes);
+    // A file that holds only a view is not empty either.
+    const QString conVista = carpeta.filePath(QStringLiteral("vista.db"));
+    ConexionQt::Abrir(DireccionBD::Leer(conVista), true)->Ejecutar(QStringLiteral("Create View v As Select 1 As uno"));
+    const QByteArray vistaAntes = huella(conVista);
+    const Salida vista = correr({QStringLiteral("--db"), libros, QStringLiteral("--copiar-a"), conVista}, carpeta.path());
+    EXPECT_EQ(vista.estado, 1);
+    EXPECT_EQ(vista.errores.count(QLatin1Char('\n')), 1) << vista.errores.toStdString();
+    EXPECT_EQ(huella(conVista), vistaAntes);
     Salida s = correr({QStringLiteral("--db"), ajena, QStringLiteral("--inicializar")}, carpeta.path());
     EXPECT_EQ(s.estado, 1);
     EXPECT_TRUE(s.errores.contains(QStringLiteral("no es de este programa"))) << s.errores.toStdString();

@@ -13,7 +13,7 @@ from html.parser import HTMLParser
 
 
 def leer_csv(ruta):
-    with open(ruta, newline='', encoding='utf-8') as f:
+    with open(ruta, newline='', encoding='utf-8-sig') as f:
         return list(csv.reader(f, strict=True))
 
 

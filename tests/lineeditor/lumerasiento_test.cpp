@@ -8,7 +8,6 @@
 
 #include <QApplication>
 #include <QComboBox>
-#include <QDir>
 #include <QLineEdit>
 #include <QTest>
 
@@ -472,18 +471,6 @@ TEST_F(EditorDeLinea, DisenoPorDefectoYLecturas)
     nuevo.setWidth(lumERAsiento::kImporteMC, 0);
     nuevo.setLeft(lumERAsiento::kImporteMC, 6000);
     EXPECT_EQ(nuevo.campo(lumERAsiento::kImporteMC)->x(), x); // width 0: left where it was
-}
-
-TEST_F(EditorDeLinea, ImagenDelControlEnUso)
-{
-    const QString carpeta = qEnvironmentVariable("ASIENTOS_SCREENSHOTS");
-    if (carpeta.isEmpty())
-        GTEST_SKIP() << "ASIENTOS_SCREENSHOTS no indica una carpeta";
-    escribir(debe(), QStringLiteral("1.1.02"));
-    campo(lumERAsiento::kImporte)->setFocus();
-    QTest::keyClicks(campo(lumERAsiento::kImporte), QStringLiteral("1250*1,5"));
-    QDir().mkpath(carpeta);
-    ASSERT_TRUE(m_editor->grab().save(QDir(carpeta).filePath(QStringLiteral("lumERAsiento.png"))));
 }
 
 } // namespace

@@ -226,9 +226,7 @@ QStringList ArrancarMostrando(const EntornoDocumento &base, HostDePrueba &host, 
 
     ventana.resize(900, 600);
     ventana.show();
-    const QDeadlineTimer limite(20000);
-    while (doc->estado() != lumIngAsiento::Estado::Listo && host.comandos.isEmpty() && !limite.hasExpired())
-        QTest::qWait(10);
+    QTest::qWaitFor([&] { return doc->estado() == lumIngAsiento::Estado::Listo || !host.comandos.isEmpty(); }, 20000);
     estado = doc->estado();
     return cajas;
 }

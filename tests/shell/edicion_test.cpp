@@ -15,7 +15,6 @@
 
 #include <QApplication>
 #include <QComboBox>
-#include <QDir>
 #include <QLineEdit>
 #include <QTemporaryDir>
 #include <QTest>
@@ -68,11 +67,6 @@ TEST_P(Edicion, UnAsientoNuevoSoloConElTeclado)
     ASSERT_GT(m_doc->FilaEdicion(), 0);
     // The missing 100 is proposed below the line being typed.
     EXPECT_TRUE(m_doc->asientos().EsFilaDiferencia(m_doc->FilaEdicion() + 1));
-    const QString carpeta = qEnvironmentVariable("ASIENTOS_SCREENSHOTS");
-    if (!carpeta.isEmpty() && GetParam() == Motor::SQLite) {
-        QDir().mkpath(carpeta);
-        m_doc->grab().save(QDir(carpeta).filePath(QStringLiteral("edicion.png")));
-    }
 
     // The credit side: Enter in the empty debit box, the account, and the proposed 100.
     EXPECT_EQ(foco(), e->campoCuenta(true));

@@ -12,7 +12,6 @@
 
 #include <QAction>
 #include <QComboBox>
-#include <QDir>
 #include "lineeditor/campofecha.h"
 #include <QLineEdit>
 
@@ -101,15 +100,6 @@ TEST_P(Escenarios, DiezAsientosSeguidosConElTecladoEnUnaGrillaMasAltaQueLaVentan
     }
     // The last entry typed is the current row, in view.
     EXPECT_EQ(m_doc->grid()->FilaActual(), filaDe(nuevos.last()));
-    const QString carpeta = qEnvironmentVariable("ASIENTOS_SCREENSHOTS");
-    if (!carpeta.isEmpty() && GetParam() == Motor::SQLite) {
-        m_doc->grab().save(QDir(carpeta).filePath(QStringLiteral("diez-asientos.png")));
-        QTest::keyClick(m_doc->grid(), Qt::Key_N, Qt::ControlModifier);
-        escribir(m_doc->campoLeyenda(), QStringLiteral("Venta once"));
-        enter(m_doc->campoLeyenda());
-        m_doc->grab().save(QDir(carpeta).filePath(QStringLiteral("undecimo-en-edicion.png")));
-        escape(foco());
-    }
 }
 
 TEST_P(Escenarios, AbrirUnAsientoGuardadoYAceptarloSinCambiosNoCambiaNada)

@@ -123,16 +123,14 @@ TEST_P(FrecuentesEnDocumento, UnRecienteSeRegistraSoloConSiYQuedaAlFinalDeLaGril
     m_mensajes.Responder(ServicioMensajes::Respuesta::No);
     elegir(alquiler);
     EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("pregunta: ¿Confirma realizar el asiento?")});
-    EXPECT_TRUE(m_doc->ComandoDiferido().isEmpty());
-    QTest::qWait(50);
+    EXPECT_TRUE(m_doc->ComandoDiferido().isEmpty()); // nothing left to run later
     EXPECT_EQ(ultimoId(), ultimo);
 
     const QStringList antes = filasVistas(m_doc->grilla().FilasFijas(), m_doc->grilla().Filas() - 1);
     m_mensajes.Responder(ServicioMensajes::Respuesta::Si);
     elegir(alquiler);
     EXPECT_EQ(m_doc->ComandoDiferido(), QStringLiteral("3|%1").arg(alquiler));
-    QTest::qWait(50);
-    EXPECT_TRUE(m_doc->ComandoDiferido().isEmpty());
+    EXPECT_TRUE(QTest::qWaitFor([this] { return m_doc->ComandoDiferido().isEmpty(); }, 5000));
 
     const qint32 nuevo = ultimoId();
     ASSERT_GT(nuevo, ultimo);

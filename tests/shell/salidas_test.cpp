@@ -106,6 +106,9 @@ TEST_P(Salidas, CSVLeidoDeVueltaEsLaGrilla)
     EXPECT_EQ(m_selector.carpetas.value(0), carpeta);
     EXPECT_TRUE(QFileInfo(carpeta).isDir());
 
+    QFile archivo(m_selector.respuesta);
+    ASSERT_TRUE(archivo.open(QIODevice::ReadOnly));
+    EXPECT_EQ(archivo.read(3), QByteArray("\xEF\xBB\xBF")); // UTF-8, said to the spreadsheet
     const QJsonArray csv = LeerArchivoExportado("csv", m_selector.respuesta);
     const QList<QStringList> vistas = celdasVistas();
     ASSERT_EQ(csv.size(), vistas.size());

@@ -71,14 +71,10 @@ protected:
     // Waits, as the user's screen does, until the entry's header row is marked.
     static bool esperarMarca(lumIngAsiento &doc, qint32 id, int milisegundos)
     {
-        QDeadlineTimer plazo(milisegundos);
-        while (!plazo.hasExpired()) {
-            QTest::qWait(20);
+        return QTest::qWaitFor([&] {
             const int r = filaEn(doc, id);
-            if (r >= 0 && doc.grilla().Fila(r).imagen == QLatin1String(CambiosAjenos::kImagen))
-                return true;
-        }
-        return false;
+            return r >= 0 && doc.grilla().Fila(r).imagen == QLatin1String(CambiosAjenos::kImagen);
+        }, milisegundos);
     }
 
     static QString ayuda(lumIngAsiento &doc, int fila)

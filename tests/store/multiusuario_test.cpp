@@ -627,10 +627,7 @@ TEST_F(MultiusuarioPostgreSQL, AvisosDeEscriturasDeOtrasSesiones)
     ajeno.FijarUsuario(Demo::kUsuarioAdministrador);
     ASSERT_GT(Nuevo(ajeno, QStringLiteral("en otro esquema"), 7), 0);
     auto esperar = [&](int cuantos) {
-        QElapsedTimer reloj;
-        reloj.start();
-        while (recibidos.size() < cuantos && reloj.elapsed() < 2000)
-            QTest::qWait(10);
+        QTest::qWaitFor([&] { return recibidos.size() >= cuantos; }, 2000);
     };
 
     AsientoDatos a(*uno);
