@@ -2,13 +2,14 @@
 // with the grid compared against the database afterwards.
 #include "escenario.h"
 
+#include "comun/dialogos.h"
+
 #include "entries/asientodatos.h"
 #include "search/frmfind.h"
 #include "store/basedemo.h"
 
 #include <QLineEdit>
 #include <QPushButton>
-#include <QTimer>
 #include <QToolButton>
 
 #include <algorithm>
@@ -21,27 +22,7 @@ using Usuario = std::function<void(frmFind &)>;
 class Busquedas : public Escenario
 {
 protected:
-    // Runs accion and answers how many times the search dialog came up. Each time usuario
-    // fills it in and confirms or cancels it; a dialog it leaves open is cancelled.
-    int conDialogo(const std::function<void()> &accion, const Usuario &usuario = {})
-    {
-        int veces = 0;
-        QTimer sondeo;
-        sondeo.setInterval(10);
-        QObject::connect(&sondeo, &QTimer::timeout, [&] {
-            auto *d = qobject_cast<frmFind *>(QApplication::activeModalWidget());
-            if (!d || !d->isVisible())
-                return;
-            ++veces;
-            if (usuario)
-                usuario(*d);
-            if (d->isVisible())
-                d->reject();
-        });
-        sondeo.start();
-        accion();
-        return veces;
-    }
+    int conDialogo(const std::function<void()> &accion, const Usuario &usuario = {}) { return ConDialogo<frmFind>(accion, usuario); }
     int tecla(Qt::Key k, Qt::KeyboardModifiers mods, const Usuario &usuario = {})
     {
         return conDialogo([&] { QTest::keyClick(m_doc->grid(), k, mods); }, usuario);

@@ -1,0 +1,311 @@
+// The frequent-entry dialogs as a user drives them: a template typed with the keyboard and
+// stored, changed, found by name and registered, changed and deleted from the finder.
+#include "comun/datosdeprueba.h"
+#include "comun/dialogos.h"
+#include "comun/mensajesguionados.h"
+
+#include "entries/frecuentesdatos.h"
+#include "entries/modeloasiento.h"
+#include "frequent/movimientosfrecuentes.h"
+#include "frequent/registrofrecuentes.h"
+#include "lineeditor/campocalculadora.h"
+#include "lineeditor/campofecha.h"
+#include "lineeditor/lumerasiento.h"
+#include "services/serviciobusquedacuentas.h"
+
+#include <QCheckBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTest>
+#include <QTreeWidget>
+
+namespace {
+
+// The real account search, as long as the text names one account.
+class BusquedaExacta final : public ServicioBusquedaCuentas
+{
+public:
+    bool Buscar(Conexion &conexion, qint32 empresa, const QString &texto, CuentaElegida &c, QWidget *) override
+    {
+        const auto coinciden = BusquedaCuentasQt::Coincidencias(BusquedaCuentasQt::Cuentas(conexion, empresa), texto);
+        if (coinciden.size() != 1)
+            return false;
+        c = {coinciden.first().id, 0, 0};
+        return true;
+    }
+};
+
+class DialogosFrecuentes : public ::testing::Test
+{
+protected:
+    DialogosFrecuentes()
+        : m_base(Motor::SQLite, BaseDePrueba::Contenido::Demo)
+    {
+        PrepararDatosDocumento(m_datos, m_base.conexion(), m_mensajes);
+    }
+
+    qint32 cuenta(const char *codigo)
+    {
+        auto rs = m_base.conexion().Abrir(QStringLiteral("Select CueID From cceCuentas Where CueCodigo = ?"), {QString::fromLatin1(codigo)});
+        return qint32(rs->Entero(QStringLiteral("CueID")));
+    }
+
+    // A template stored directly: (account, debit side, amount) lines in pesos.
+    qint32 plantilla(const QString &nombre, const QList<std::tuple<const char *, bool, double>> &lineas, const QDate &agenda = {})
+    {
+        MovimientoFrecuente m;
+        m.Empresa = Demo::kEmpresa;
+        m.Nombre = nombre;
+        m.Leyenda = nombre + QStringLiteral(" del mes");
+        m.Libro = Demo::kLibroDiario;
+        m.Usuario = Demo::kUsuarioAdministrador;
+        m.Fecha = agenda.isValid() ? agenda : BaseDePrueba::Hoy();
+        if (agenda.isValid()) {
+            m.Recurrencia = QString::fromLatin1(FrecuentesDatos::kRecurrenciaAgendado);
+            m.FechaProxima = agenda;
+        }
+        for (const auto &[codigo, debe, importe] : lineas) {
+            LineaDatos l;
+            l.Cuenta = cuenta(codigo);
+            l.AlDebe = debe;
+            l.Importe = l.ImporteMC = Importe::DesdeDouble(importe);
+            l.Tasa = 1;
+            l.Orden = qint16(m.Lineas.size() + 1);
+            m.Lineas.append(l);
+            m.Monedas.append(0);
+        }
+        FrecuentesDatos datos(m_base.conexion());
+        const qint32 id = datos.Guardar(m);
+        EXPECT_GT(id, 0) << datos.ultimoError().toStdString();
+        return id;
+    }
+
+    // A template's or an entry's lines as "code|D or H|amount".
+    QStringList lineas(qint32 id, bool deFrecuente)
+    {
+        const QString sql = deFrecuente
+                                ? QStringLiteral("Select CueCodigo, MFLEsDebe, MFLImporteMC From genMovimientosFrecuentesLineas"
+                                                 " Inner Join cceCuentas On CueID = MFLCuenta Where MFLIDMovimiento = ? Order By MFLOrden")
+                                : QStringLiteral("Select CueCodigo, Case When AcuHaber Is Null Then 1 Else 0 End, ACuImporteMC"
+                                                 " From cceAsientoCuenta Inner Join cceCuentas On CueID = ACuCuenta"
+                                                 " Where ACuIDAsiento = ? Order By ACuOrden");
+        QStringList r;
+        for (auto rs = m_base.conexion().Abrir(sql, {id}); !rs->Fin(); rs->MoverSiguiente())
+            r << QStringLiteral("%1|%2|%3").arg(rs->Campo(0).toString(), QLatin1String(rs->Campo(1).toInt() ? "D" : "H"),
+                                                QString::number(rs->Campo(2).toDouble(), 'f', 2));
+        return r;
+    }
+
+    QVariant valor(const QString &sql, const QVariantList &valores = {}) { return m_base.conexion().Abrir(sql, valores)->Campo(0); }
+
+    template<class T = QWidget>
+    static T *hijo(QWidget &d, const char *nombre) { return d.findChild<T *>(QString::fromLatin1(nombre)); }
+    static void teclear(QWidget *w, const QString &texto, bool enter = true)
+    {
+        w->setFocus();
+        if (auto *e = qobject_cast<QLineEdit *>(w))
+            e->selectAll();
+        QTest::keyClicks(w, texto);
+        if (enter)
+            QTest::keyClick(w, Qt::Key_Return);
+    }
+    // A line typed in the template dialog's line editor: the account on its side, the amount.
+    static void linea(QWidget &d, bool debe, const char *codigo, const char *importe)
+    {
+        auto *editor = d.findChild<lumERAsiento *>();
+        teclear(editor->campoCuenta(debe), QString::fromLatin1(codigo));
+        teclear(editor->campo(lumERAsiento::kImporte), QString::fromLatin1(importe));
+    }
+    static QStringList nombres(QWidget &d)
+    {
+        QStringList r;
+        auto *lista = hijo<QTreeWidget>(d, "lvFrecuentes");
+        for (int i = 0; i < lista->topLevelItemCount(); ++i)
+            r << lista->topLevelItem(i)->text(0);
+        return r;
+    }
+
+    BaseDePrueba m_base;
+    MensajesGuionados m_mensajes;
+    BusquedaExacta m_cuentas;
+    DatosDocumento m_datos;
+};
+
+// Saving asks for what is missing, in order: a name, no line left typed and not taken, a
+// line at all. Escape in the line editor drops the line being typed, and only that.
+TEST_F(DialogosFrecuentes, UnaPlantillaNuevaSeEscribeConElTecladoYSeGuarda)
+{
+    MovimientosFrecuentes dialogo(m_datos, m_cuentas);
+    qint32 id = -1;
+    EXPECT_EQ(ConDialogo<MovimientosFrecuentes>([&] { id = dialogo.Editar(0); },
+                                                [&](MovimientosFrecuentes &d) {
+                                                    auto *guardar = hijo<QPushButton>(d, "bfOK");
+                                                    guardar->click();
+                                                    teclear(hijo(d, "tNombre"), QStringLiteral("Alquiler oficina"));
+                                                    EXPECT_EQ(QApplication::focusWidget(), hijo(d, "tLeyenda"));
+                                                    teclear(hijo(d, "tLeyenda"), QStringLiteral("Alquiler de la oficina"));
+                                                    guardar->click();
+                                                    linea(d, true, "5.3.01", "1500");
+                                                    EXPECT_EQ(hijo<QLabel>(d, "lDiferencia")->text(), QStringLiteral("Falta 1.500,00 al haber."));
+                                                    linea(d, false, "1.1.01", "1500");
+                                                    EXPECT_EQ(hijo<QLabel>(d, "lDiferencia")->text(), QStringLiteral("Balanceado."));
+                                                    auto *editor = d.findChild<lumERAsiento *>();
+                                                    teclear(editor->campoCuenta(true), QStringLiteral("1.1.01"));
+                                                    guardar->click();
+                                                    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+                                                    EXPECT_TRUE(d.isVisible()); // Escape in the editor is not the dialog's
+                                                    guardar->click();
+                                                }),
+              1);
+    EXPECT_EQ(m_mensajes.mostrados, (QStringList{QStringLiteral("advertencia: Escriba el nombre del asiento frecuente."),
+                                                 QStringLiteral("advertencia: El asiento frecuente no tiene líneas."),
+                                                 QStringLiteral("advertencia: 1955")}));
+    ASSERT_GT(id, 0);
+    EXPECT_EQ(lineas(id, true), (QStringList{QStringLiteral("5.3.01|D|1500.00"), QStringLiteral("1.1.01|H|1500.00")}));
+    EXPECT_EQ(valor(QStringLiteral("Select MFrNombre From genMovimientosFrecuentes Where MFrID = ?"), {id}).toString(),
+              QStringLiteral("Alquiler oficina"));
+    EXPECT_EQ(valor(QStringLiteral("Select MFrLeyenda From genMovimientosFrecuentes Where MFrID = ?"), {id}).toString(),
+              QStringLiteral("Alquiler de la oficina"));
+    EXPECT_TRUE(valor(QStringLiteral("Select MFrRecurrencia From genMovimientosFrecuentes Where MFrID = ?"), {id}).toString().isEmpty());
+}
+
+// A stored template comes back with its lines; Supr on a line takes it out, and saving
+// with a schedule stores the first date. Cancelling a change stores nothing.
+TEST_F(DialogosFrecuentes, UnaPlantillaGuardadaSeCambiaYCancelarNoGuardaNada)
+{
+    const qint32 id = plantilla(QStringLiteral("Luz"), {{"5.3.01", true, 800}, {"1.1.01", false, 500}, {"1.1.02", false, 300}});
+    const QDate primera = BaseDePrueba::Hoy().addDays(10);
+    MovimientosFrecuentes dialogo(m_datos, m_cuentas);
+    qint32 guardado = 0;
+    ConDialogo<MovimientosFrecuentes>([&] { guardado = dialogo.Editar(id); }, [&](MovimientosFrecuentes &d) {
+        auto *lista = hijo<QTreeWidget>(d, "lvLineas");
+        ASSERT_EQ(lista->topLevelItemCount(), 3);
+        EXPECT_TRUE(lista->topLevelItem(1)->text(1).startsWith(QStringLiteral("1.1.01")));
+        lista->setFocus();
+        lista->setCurrentItem(lista->topLevelItem(2));
+        QTest::keyClick(lista, Qt::Key_Delete);
+        EXPECT_EQ(lista->topLevelItemCount(), 2);
+        EXPECT_EQ(hijo<QLabel>(d, "lDiferencia")->text(), QStringLiteral("Falta 300,00 al haber."));
+        hijo<QCheckBox>(d, "chkAgendar")->setChecked(true);
+        hijo<CampoFecha>(d, "odDesde")->setDate(primera);
+        hijo<QPushButton>(d, "bfOK")->click();
+    });
+    EXPECT_EQ(guardado, id);
+    EXPECT_EQ(lineas(id, true), (QStringList{QStringLiteral("5.3.01|D|800.00"), QStringLiteral("1.1.01|H|500.00")}));
+    EXPECT_EQ(QDate::fromString(valor(QStringLiteral("Select MFrFechaProxima From genMovimientosFrecuentes Where MFrID = ?"), {id})
+                                    .toString().left(10), Qt::ISODate),
+              primera);
+
+    ConDialogo<MovimientosFrecuentes>([&] { guardado = dialogo.Editar(id); }, [&](MovimientosFrecuentes &d) {
+        QTest::keyClick(hijo<QTreeWidget>(d, "lvLineas"), Qt::Key_Delete);
+        teclear(hijo(d, "tNombre"), QStringLiteral("Otro nombre"));
+        hijo<QPushButton>(d, "bfCancel")->click();
+    });
+    EXPECT_EQ(guardado, 0);
+    EXPECT_EQ(lineas(id, true).size(), 2);
+    EXPECT_EQ(valor(QStringLiteral("Select MFrNombre From genMovimientosFrecuentes Where MFrID = ?"), {id}).toString(), QStringLiteral("Luz"));
+}
+
+// The finder lists the templates whose name holds what is typed; Enter goes name, list,
+// date, and registers: a balanced template as a registered entry at the date typed, an
+// unbalanced one, said beforehand, as an incomplete entry.
+TEST_F(DialogosFrecuentes, SeBuscaPorNombreYSeRegistraALaFechaElegida)
+{
+    const qint32 alquiler = plantilla(QStringLiteral("Alquiler"), {{"5.3.01", true, 1500}, {"1.1.01", false, 1500}});
+    const qint32 parcial = plantilla(QStringLiteral("Sueldos parcial"), {{"5.2.01", true, 900}, {"1.1.01", false, 400}});
+    const QDate fecha = BaseDePrueba::Hoy().addDays(-3);
+
+    RegistroFrecuentes registro(m_datos, m_cuentas);
+    QString escritos;
+    ConDialogo<RegistroFrecuentes>([&] { escritos = registro.Registrar(0); }, [&](RegistroFrecuentes &d) {
+        EXPECT_EQ(nombres(d), (QStringList{QStringLiteral("Alquiler"), QStringLiteral("Sueldos parcial")}));
+        teclear(hijo(d, "tBuscar"), QStringLiteral("ALQ"));
+        EXPECT_EQ(nombres(d), QStringList{QStringLiteral("Alquiler")});
+        EXPECT_EQ(hijo<QTreeWidget>(d, "lvLineas")->topLevelItemCount(), 2);
+        EXPECT_TRUE(hijo<QLabel>(d, "lEstado")->text().isEmpty());
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+        ASSERT_EQ(QApplication::focusWidget(), hijo(d, "odFecha"));
+        hijo<CampoFecha>(d, "odFecha")->setDate(fecha);
+        QTest::keyClick(hijo(d, "odFecha"), Qt::Key_Return);
+    });
+    const qint32 asiento = escritos.toInt();
+    ASSERT_GT(asiento, 0) << escritos.toStdString();
+    EXPECT_EQ(registro.FrecuenteRegistrado(), alquiler);
+    EXPECT_EQ(lineas(asiento, false), lineas(alquiler, true));
+    EXPECT_EQ(valor(QStringLiteral("Select AsiEstado From cceAsientos Where AsiID = ?"), {asiento}).toInt(), EstadoAsiento::kRegistrado);
+    EXPECT_EQ(QDate::fromString(valor(QStringLiteral("Select AsiFechaAsiento From cceAsientos Where AsiID = ?"), {asiento}).toString().left(10),
+                                Qt::ISODate),
+              fecha);
+
+    ConDialogo<RegistroFrecuentes>([&] { escritos = registro.Registrar(0); }, [&](RegistroFrecuentes &d) {
+        teclear(hijo(d, "tBuscar"), QStringLiteral("sueldos"));
+        EXPECT_EQ(hijo<QLabel>(d, "lEstado")->text(), QStringLiteral("No balancea: quedará incompleto."));
+        hijo<QPushButton>(d, "bfOK")->click();
+    });
+    EXPECT_EQ(registro.FrecuenteRegistrado(), parcial);
+    EXPECT_EQ(valor(QStringLiteral("Select AsiEstado From cceAsientos Where AsiID = ?"), {escritos.toInt()}).toInt(),
+              EstadoAsiento::kInconcluso);
+
+    // Cancelled, nothing is written.
+    const QVariant ultimo = valor(QStringLiteral("Select Max(AsiID) From cceAsientos"));
+    ConDialogo<RegistroFrecuentes>([&] { escritos = registro.Registrar(0); });
+    EXPECT_TRUE(escritos.isEmpty());
+    EXPECT_EQ(registro.FrecuenteRegistrado(), 0);
+    EXPECT_EQ(valor(QStringLiteral("Select Max(AsiID) From cceAsientos")), ultimo);
+}
+
+// "Modificar" opens the chosen template and the list shows the change; "Eliminar" asks and
+// deletes only on yes.
+TEST_F(DialogosFrecuentes, DesdeElBuscadorSeModificaYSeEliminaTrasPreguntar)
+{
+    const qint32 id = plantilla(QStringLiteral("Agua"), {{"5.3.01", true, 100}, {"1.1.01", false, 100}});
+    plantilla(QStringLiteral("Gas"), {{"5.3.01", true, 200}, {"1.1.01", false, 200}});
+    m_mensajes.Responder(ServicioMensajes::Respuesta::No);
+    m_mensajes.Responder(ServicioMensajes::Respuesta::Si);
+
+    RegistroFrecuentes registro(m_datos, m_cuentas);
+    ConDialogo<RegistroFrecuentes>([&] { registro.Registrar(0); }, [&](RegistroFrecuentes &d) {
+        ASSERT_EQ(nombres(d).value(0), QStringLiteral("Agua"));
+        const int editores = ConDialogo<MovimientosFrecuentes>([&] { hijo<QPushButton>(d, "bfModificar")->click(); },
+                                                               [&](MovimientosFrecuentes &m) {
+                                                                   teclear(hijo(m, "tNombre"), QStringLiteral("Agua corriente"));
+                                                                   hijo<QPushButton>(m, "bfOK")->click();
+                                                               });
+        EXPECT_EQ(editores, 1);
+        EXPECT_EQ(nombres(d), (QStringList{QStringLiteral("Agua corriente"), QStringLiteral("Gas")}));
+        EXPECT_EQ(hijo<QTreeWidget>(d, "lvFrecuentes")->currentItem()->text(0), QStringLiteral("Agua corriente"));
+
+        hijo<QPushButton>(d, "bfEliminar")->click();
+        EXPECT_EQ(nombres(d).size(), 2);
+        hijo<QPushButton>(d, "bfEliminar")->click();
+        EXPECT_EQ(nombres(d), QStringList{QStringLiteral("Gas")});
+    });
+    EXPECT_EQ(m_mensajes.mostrados, (QStringList{QStringLiteral("pregunta: ¿Elimina el asiento frecuente «Agua corriente»?"),
+                                                 QStringLiteral("pregunta: ¿Elimina el asiento frecuente «Agua corriente»?")}));
+    EXPECT_EQ(valor(QStringLiteral("Select Count(*) From genMovimientosFrecuentes Where MFrID = ?"), {id}).toInt(), 0);
+    EXPECT_EQ(valor(QStringLiteral("Select Count(*) From genMovimientosFrecuentesLineas Where MFLIDMovimiento = ?"), {id}).toInt(), 0);
+}
+
+// Registered by its id, a scheduled template is dated at its due date, and its next date
+// moves a month on; one that no longer exists is said, and nothing is written.
+TEST_F(DialogosFrecuentes, UnAgendadoSeRegistraASuFechaYUnoQueNoExisteSeDice)
+{
+    const QDate vence = BaseDePrueba::Hoy().addDays(-5);
+    const qint32 id = plantilla(QStringLiteral("Cuota"), {{"5.3.01", true, 50}, {"1.1.01", false, 50}}, vence);
+    RegistroFrecuentes registro(m_datos, m_cuentas);
+    const qint32 asiento = registro.Registrar(id).toInt();
+    ASSERT_GT(asiento, 0);
+    EXPECT_EQ(QDate::fromString(valor(QStringLiteral("Select AsiFechaAsiento From cceAsientos Where AsiID = ?"), {asiento}).toString().left(10),
+                                Qt::ISODate),
+              vence);
+    EXPECT_EQ(QDate::fromString(valor(QStringLiteral("Select MFrFechaProxima From genMovimientosFrecuentes Where MFrID = ?"), {id})
+                                    .toString().left(10), Qt::ISODate),
+              vence.addMonths(1));
+
+    EXPECT_TRUE(registro.Registrar(id + 100).isEmpty());
+    EXPECT_EQ(registro.FrecuenteRegistrado(), 0);
+    EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("error: 1912")});
+}
+
+} // namespace
