@@ -219,7 +219,6 @@ TEST_P(ExportarDesdeLinea, PedidosMalosSeRechazanSinEscribir)
     EXPECT_FALSE(QFileInfo::exists(ruta("no")));
 }
 
-INSTANTIATE_TEST_SUITE_P(Motores, ExportarDesdeLinea, ::testing::ValuesIn(MotoresDePrueba()),
-                         [](const ::testing::TestParamInfo<Motor> &i) { return NombreMotor(i.param).toStdString(); });
+INSTANCIAR_EN_MOTORES(ExportarDesdeLinea);
 
 } // namespace

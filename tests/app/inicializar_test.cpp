@@ -282,7 +282,6 @@ TEST(InicializarLinea, UnaBaseDeSoloLecturaSeAbre)
     EXPECT_EQ(huella(db), antes);
 }
 
-INSTANTIATE_TEST_SUITE_P(Motores, Inicializar, ::testing::ValuesIn(MotoresDePrueba()),
-                         [](const ::testing::TestParamInfo<Motor> &i) { return NombreMotor(i.param).toStdString(); });
+INSTANCIAR_EN_MOTORES(Inicializar);
 
 } // namespace

@@ -70,6 +70,17 @@ std::vector<Motor> MotoresDePrueba()
     return motores;
 }
 
+QVariant BaseDePrueba::Valor(const QString &sql, const QVariantList &valores)
+{
+    auto rs = m_conexion->Abrir(sql, valores);
+    return rs->Fin() ? QVariant() : rs->Campo(0);
+}
+
+qint32 BaseDePrueba::IdCuenta(const char *codigo)
+{
+    return Valor(QStringLiteral("Select CueID From cceCuentas Where CueIDEmpresa = 1 And CueCodigo = ?"), {QString::fromLatin1(codigo)}).toInt();
+}
+
 QString NombreMotor(Motor motor)
 {
     return motor == Motor::SQLite ? QStringLiteral("SQLite") : QStringLiteral("PostgreSQL");

@@ -19,6 +19,10 @@ public:
     ~BaseDePrueba();
 
     Conexion &conexion() { return *m_conexion; }
+    // The first column of the first row a query gives; a null value when it gives none.
+    QVariant Valor(const QString &sql, const QVariantList &valores = {});
+    // The id of the account of the demo company with that code.
+    qint32 IdCuenta(const char *codigo);
     // The clock of this database's connection, fixed at noon of Hoy(); a test that needs
     // another day fixes it again, and hands it to every document it opens on the data.
     std::shared_ptr<Reloj> reloj() const { return m_reloj; }
@@ -44,3 +48,8 @@ private:
 // SQLite always; PostgreSQL too when ASIENTOS_TEST_PG holds a connection address.
 std::vector<Motor> MotoresDePrueba();
 QString NombreMotor(Motor motor);
+
+// A suite parameterised by engine, run on each engine of MotoresDePrueba and named by it.
+#define INSTANCIAR_EN_MOTORES(Suite)                                                                      \
+    INSTANTIATE_TEST_SUITE_P(Motores, Suite, ::testing::ValuesIn(MotoresDePrueba()),                      \
+                             [](const ::testing::TestParamInfo<Motor> &i) { return NombreMotor(i.param).toStdString(); })

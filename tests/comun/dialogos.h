@@ -22,6 +22,8 @@ int ConDialogo(const std::function<void()> &accion, const std::function<void(T &
             return;
         atendiendo = true;
         ++veces;
+        // Keys go where the focus is: the dialog is the active window, as on a screen.
+        QApplication::setActiveWindow(d);
         if (usuario)
             usuario(*d);
         if (d->isVisible())

@@ -69,7 +69,6 @@ TEST_P(Catalogo, MonedasDeLaDemo)
     EXPECT_EQ(c.DatoMoneda(Demo::kMonedaEuros, 5).toString(), QStringLiteral("#,##0.000"));
 }
 
-INSTANTIATE_TEST_SUITE_P(Motores, Catalogo, ::testing::ValuesIn(MotoresDePrueba()),
-                         [](const ::testing::TestParamInfo<Motor> &i) { return NombreMotor(i.param).toStdString(); });
+INSTANCIAR_EN_MOTORES(Catalogo);
 
 } // namespace

@@ -95,8 +95,7 @@ TEST_P(TipoCambio, ReglasDeFecha)
     EXPECT_EQ(f, QDate(2026, 11, 23));
 }
 
-INSTANTIATE_TEST_SUITE_P(Motores, TipoCambio, ::testing::ValuesIn(MotoresDePrueba()),
-                         [](const ::testing::TestParamInfo<Motor> &i) { return NombreMotor(i.param).toStdString(); });
+INSTANCIAR_EN_MOTORES(TipoCambio);
 
 TEST(TipoCambio, TextosSQL)
 {

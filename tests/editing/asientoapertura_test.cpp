@@ -51,7 +51,7 @@ protected:
     }
 
     void ejecutar(const QString &sql, const QVariantList &valores = {}) { m_base.conexion().Ejecutar(sql, valores); }
-    QVariant valor(const QString &sql, const QVariantList &valores = {}) { return m_base.conexion().Abrir(sql, valores)->Campo(0); }
+    QVariant valor(const QString &sql, const QVariantList &valores = {}) { return m_base.Valor(sql, valores); }
     void fijar(const char *campos, const char *codigo, const QVariantList &valores)
     {
         ejecutar(QStringLiteral("Update cceCuentas Set %1 Where CueCodigo = ?").arg(QLatin1String(campos)),
@@ -132,7 +132,7 @@ protected:
         d.Cabezal() = {0, Demo::kEmpresa, estado, fecha, QStringLiteral("Prueba"), libro};
         for (const auto &[codigo, importe] : importes) {
             LineaDatos l;
-            l.Cuenta = valor(QStringLiteral("Select CueID From cceCuentas Where CueCodigo = ?"), {QString::fromLatin1(codigo)}).toInt();
+            l.Cuenta = m_base.IdCuenta(codigo);
             l.AlDebe = importe > 0;
             l.Importe = l.ImporteMC = Importe::DesdeDouble(std::abs(importe));
             d.Lineas() << l;
@@ -427,7 +427,6 @@ TEST_P(Apertura, ConvertirConUnaCuentaCerrada1812Y1811)
     EXPECT_TRUE(aperturas().isEmpty());
 }
 
-INSTANTIATE_TEST_SUITE_P(Motores, Apertura, ::testing::ValuesIn(MotoresDePrueba()),
-                         [](const ::testing::TestParamInfo<Motor> &i) { return NombreMotor(i.param).toStdString(); });
+INSTANCIAR_EN_MOTORES(Apertura);
 
 } // namespace

@@ -232,8 +232,7 @@ TEST_P(SesionEnMotor, AjustesDelUsuarioSeGuardanAlConfirmar)
     EXPECT_EQ(otroUsuario.Leer(seccion, QStringLiteral("AsiSaveB")), QString());
 }
 
-INSTANTIATE_TEST_SUITE_P(Motores, SesionEnMotor, ::testing::ValuesIn(MotoresDePrueba()),
-                         [](const ::testing::TestParamInfo<Motor> &i) { return NombreMotor(i.param).toStdString(); });
+INSTANCIAR_EN_MOTORES(SesionEnMotor);
 
 TEST(Sesion, NombreDeEdicionYFormatoDeFecha)
 {

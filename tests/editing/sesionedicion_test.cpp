@@ -153,7 +153,7 @@ protected:
             l << qint32(rs->Entero(QStringLiteral("AsiID")));
         return l;
     }
-    int contar(const QString &sql, const QVariantList &valores = {}) { return m_base.conexion().Abrir(sql, valores)->Campo(0).toInt(); }
+    int contar(const QString &sql, const QVariantList &valores = {}) { return m_base.Valor(sql, valores).toInt(); }
     qint32 ultimoId() { return contar(QStringLiteral("Select Max(AsiID) From cceAsientos")); }
     // Puts a stored entry before the new-entry row; answers its header row.
     int cargar(qint32 id)
@@ -516,7 +516,6 @@ TEST_P(Edicion, CadaAsientoDeLaDemoAbiertoYAceptadoSinCambiosQuedaIgual)
     EXPECT_GT(escritos, todos.size() * 9 / 10);
 }
 
-INSTANTIATE_TEST_SUITE_P(Motores, Edicion, ::testing::ValuesIn(MotoresDePrueba()),
-                         [](const ::testing::TestParamInfo<Motor> &i) { return NombreMotor(i.param).toStdString(); });
+INSTANCIAR_EN_MOTORES(Edicion);
 
 } // namespace

@@ -313,7 +313,6 @@ TEST_P(Datos, UnSoloAsientoDeAperturaPorEmpresa)
     EXPECT_GT(escribir(kApertura, 1), 0);
 }
 
-INSTANTIATE_TEST_SUITE_P(Motores, Datos, ::testing::ValuesIn(MotoresDePrueba()),
-                         [](const ::testing::TestParamInfo<Motor> &i) { return NombreMotor(i.param).toStdString(); });
+INSTANCIAR_EN_MOTORES(Datos);
 
 } // namespace

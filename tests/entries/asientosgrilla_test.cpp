@@ -295,8 +295,7 @@ TEST_P(TasasDeUnaMonedaMenor, DolaresYYenesEnUnAsiento)
     EXPECT_EQ(linea(5).section(QLatin1Char(' '), 0, 1), QStringLiteral("3000 862.5"));
 }
 
-INSTANTIATE_TEST_SUITE_P(Motores, TasasDeUnaMonedaMenor, ::testing::ValuesIn(MotoresDePrueba()),
-                         [](const ::testing::TestParamInfo<Motor> &i) { return NombreMotor(i.param).toStdString(); });
+INSTANCIAR_EN_MOTORES(TasasDeUnaMonedaMenor);
 
 // What the grid holds is what it shows, and what is stored: amounts enter the grid rounded to
 // the mask of their cell.
@@ -381,7 +380,6 @@ TEST_P(Llenado, BalanceConMascaraEnBlancoOSinDecimales)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Motores, Llenado, ::testing::ValuesIn(MotoresDePrueba()),
-                         [](const ::testing::TestParamInfo<Motor> &i) { return NombreMotor(i.param).toStdString(); });
+INSTANCIAR_EN_MOTORES(Llenado);
 
 } // namespace

@@ -317,7 +317,6 @@ TEST_P(Frecuentes, BuscarPorParteDelNombreSinMayusculasYPorNombre)
     EXPECT_EQ(nombres(QString()).size(), contar(QStringLiteral("Select Count(*) From genMovimientosFrecuentes Where MFrEmpresa = 1")));
 }
 
-INSTANTIATE_TEST_SUITE_P(Motores, Frecuentes, ::testing::ValuesIn(MotoresDePrueba()),
-                         [](const ::testing::TestParamInfo<Motor> &i) { return NombreMotor(i.param).toStdString(); });
+INSTANCIAR_EN_MOTORES(Frecuentes);
 
 } // namespace

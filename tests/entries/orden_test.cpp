@@ -156,7 +156,6 @@ TEST_P(OrdenEnGrilla, PorCodigoOPorOrdenDeIngreso)
                                       QStringLiteral("/4.1.01 - Ventas"), QStringLiteral("/2.1.01 - Proveedores")}));
 }
 
-INSTANTIATE_TEST_SUITE_P(Motores, OrdenEnGrilla, ::testing::ValuesIn(MotoresDePrueba()),
-                         [](const ::testing::TestParamInfo<Motor> &i) { return NombreMotor(i.param).toStdString(); });
+INSTANCIAR_EN_MOTORES(OrdenEnGrilla);
 
 } // namespace

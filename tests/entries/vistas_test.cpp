@@ -197,7 +197,6 @@ TEST_P(VistasEnDemo, RecienIngresadosConservaBorradoresYNuevos)
     EXPECT_EQ(g.Texto(1, 0), QStringLiteral("Nuevo Asiento"));
 }
 
-INSTANTIATE_TEST_SUITE_P(Motores, VistasEnDemo, ::testing::ValuesIn(MotoresDePrueba()),
-                         [](const ::testing::TestParamInfo<Motor> &i) { return NombreMotor(i.param).toStdString(); });
+INSTANCIAR_EN_MOTORES(VistasEnDemo);
 
 } // namespace

@@ -45,12 +45,6 @@ protected:
         PrepararDatosDocumento(m_datos, m_base.conexion(), m_mensajes);
     }
 
-    qint32 cuenta(const char *codigo)
-    {
-        auto rs = m_base.conexion().Abrir(QStringLiteral("Select CueID From cceCuentas Where CueCodigo = ?"), {QString::fromLatin1(codigo)});
-        return qint32(rs->Entero(QStringLiteral("CueID")));
-    }
-
     // A template stored directly: (account, debit side, amount) lines in pesos.
     qint32 plantilla(const QString &nombre, const QList<std::tuple<const char *, bool, double>> &lineas, const QDate &agenda = {})
     {
@@ -67,7 +61,7 @@ protected:
         }
         for (const auto &[codigo, debe, importe] : lineas) {
             LineaDatos l;
-            l.Cuenta = cuenta(codigo);
+            l.Cuenta = m_base.IdCuenta(codigo);
             l.AlDebe = debe;
             l.Importe = l.ImporteMC = Importe::DesdeDouble(importe);
             l.Tasa = 1;
@@ -97,7 +91,6 @@ protected:
         return r;
     }
 
-    QVariant valor(const QString &sql, const QVariantList &valores = {}) { return m_base.conexion().Abrir(sql, valores)->Campo(0); }
 
     template<class T = QWidget>
     static T *hijo(QWidget &d, const char *nombre) { return d.findChild<T *>(QString::fromLatin1(nombre)); }
@@ -153,7 +146,8 @@ TEST_F(DialogosFrecuentes, UnaPlantillaNuevaSeEscribeConElTecladoYSeGuarda)
                                                     auto *editor = d.findChild<lumERAsiento *>();
                                                     teclear(editor->campoCuenta(true), QStringLiteral("1.1.01"));
                                                     guardar->click();
-                                                    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+                                                    ASSERT_EQ(QApplication::focusWidget(), editor->campo(lumERAsiento::kImporte));
+                                                    QTest::keyClick(editor->campo(lumERAsiento::kImporte), Qt::Key_Escape);
                                                     EXPECT_TRUE(d.isVisible()); // Escape in the editor is not the dialog's
                                                     guardar->click();
                                                 }),
@@ -163,11 +157,11 @@ TEST_F(DialogosFrecuentes, UnaPlantillaNuevaSeEscribeConElTecladoYSeGuarda)
                                                  QStringLiteral("advertencia: 1955")}));
     ASSERT_GT(id, 0);
     EXPECT_EQ(lineas(id, true), (QStringList{QStringLiteral("5.3.01|D|1500.00"), QStringLiteral("1.1.01|H|1500.00")}));
-    EXPECT_EQ(valor(QStringLiteral("Select MFrNombre From genMovimientosFrecuentes Where MFrID = ?"), {id}).toString(),
+    EXPECT_EQ(m_base.Valor(QStringLiteral("Select MFrNombre From genMovimientosFrecuentes Where MFrID = ?"), {id}).toString(),
               QStringLiteral("Alquiler oficina"));
-    EXPECT_EQ(valor(QStringLiteral("Select MFrLeyenda From genMovimientosFrecuentes Where MFrID = ?"), {id}).toString(),
+    EXPECT_EQ(m_base.Valor(QStringLiteral("Select MFrLeyenda From genMovimientosFrecuentes Where MFrID = ?"), {id}).toString(),
               QStringLiteral("Alquiler de la oficina"));
-    EXPECT_TRUE(valor(QStringLiteral("Select MFrRecurrencia From genMovimientosFrecuentes Where MFrID = ?"), {id}).toString().isEmpty());
+    EXPECT_TRUE(m_base.Valor(QStringLiteral("Select MFrRecurrencia From genMovimientosFrecuentes Where MFrID = ?"), {id}).toString().isEmpty());
 }
 
 // A stored template comes back with its lines; Supr on a line takes it out, and saving
@@ -193,7 +187,7 @@ TEST_F(DialogosFrecuentes, UnaPlantillaGuardadaSeCambiaYCancelarNoGuardaNada)
     });
     EXPECT_EQ(guardado, id);
     EXPECT_EQ(lineas(id, true), (QStringList{QStringLiteral("5.3.01|D|800.00"), QStringLiteral("1.1.01|H|500.00")}));
-    EXPECT_EQ(QDate::fromString(valor(QStringLiteral("Select MFrFechaProxima From genMovimientosFrecuentes Where MFrID = ?"), {id})
+    EXPECT_EQ(QDate::fromString(m_base.Valor(QStringLiteral("Select MFrFechaProxima From genMovimientosFrecuentes Where MFrID = ?"), {id})
                                     .toString().left(10), Qt::ISODate),
               primera);
 
@@ -204,7 +198,7 @@ TEST_F(DialogosFrecuentes, UnaPlantillaGuardadaSeCambiaYCancelarNoGuardaNada)
     });
     EXPECT_EQ(guardado, 0);
     EXPECT_EQ(lineas(id, true).size(), 2);
-    EXPECT_EQ(valor(QStringLiteral("Select MFrNombre From genMovimientosFrecuentes Where MFrID = ?"), {id}).toString(), QStringLiteral("Luz"));
+    EXPECT_EQ(m_base.Valor(QStringLiteral("Select MFrNombre From genMovimientosFrecuentes Where MFrID = ?"), {id}).toString(), QStringLiteral("Luz"));
 }
 
 // The finder lists the templates whose name holds what is typed; Enter goes name, list,
@@ -224,7 +218,8 @@ TEST_F(DialogosFrecuentes, SeBuscaPorNombreYSeRegistraALaFechaElegida)
         EXPECT_EQ(nombres(d), QStringList{QStringLiteral("Alquiler")});
         EXPECT_EQ(hijo<QTreeWidget>(d, "lvLineas")->topLevelItemCount(), 2);
         EXPECT_TRUE(hijo<QLabel>(d, "lEstado")->text().isEmpty());
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+        ASSERT_EQ(QApplication::focusWidget(), hijo(d, "lvFrecuentes"));
+        QTest::keyClick(hijo(d, "lvFrecuentes"), Qt::Key_Return);
         ASSERT_EQ(QApplication::focusWidget(), hijo(d, "odFecha"));
         hijo<CampoFecha>(d, "odFecha")->setDate(fecha);
         QTest::keyClick(hijo(d, "odFecha"), Qt::Key_Return);
@@ -233,8 +228,8 @@ TEST_F(DialogosFrecuentes, SeBuscaPorNombreYSeRegistraALaFechaElegida)
     ASSERT_GT(asiento, 0) << escritos.toStdString();
     EXPECT_EQ(registro.FrecuenteRegistrado(), alquiler);
     EXPECT_EQ(lineas(asiento, false), lineas(alquiler, true));
-    EXPECT_EQ(valor(QStringLiteral("Select AsiEstado From cceAsientos Where AsiID = ?"), {asiento}).toInt(), EstadoAsiento::kRegistrado);
-    EXPECT_EQ(QDate::fromString(valor(QStringLiteral("Select AsiFechaAsiento From cceAsientos Where AsiID = ?"), {asiento}).toString().left(10),
+    EXPECT_EQ(m_base.Valor(QStringLiteral("Select AsiEstado From cceAsientos Where AsiID = ?"), {asiento}).toInt(), EstadoAsiento::kRegistrado);
+    EXPECT_EQ(QDate::fromString(m_base.Valor(QStringLiteral("Select AsiFechaAsiento From cceAsientos Where AsiID = ?"), {asiento}).toString().left(10),
                                 Qt::ISODate),
               fecha);
 
@@ -244,15 +239,15 @@ TEST_F(DialogosFrecuentes, SeBuscaPorNombreYSeRegistraALaFechaElegida)
         hijo<QPushButton>(d, "bfOK")->click();
     });
     EXPECT_EQ(registro.FrecuenteRegistrado(), parcial);
-    EXPECT_EQ(valor(QStringLiteral("Select AsiEstado From cceAsientos Where AsiID = ?"), {escritos.toInt()}).toInt(),
+    EXPECT_EQ(m_base.Valor(QStringLiteral("Select AsiEstado From cceAsientos Where AsiID = ?"), {escritos.toInt()}).toInt(),
               EstadoAsiento::kInconcluso);
 
     // Cancelled, nothing is written.
-    const QVariant ultimo = valor(QStringLiteral("Select Max(AsiID) From cceAsientos"));
+    const QVariant ultimo = m_base.Valor(QStringLiteral("Select Max(AsiID) From cceAsientos"));
     ConDialogo<RegistroFrecuentes>([&] { escritos = registro.Registrar(0); });
     EXPECT_TRUE(escritos.isEmpty());
     EXPECT_EQ(registro.FrecuenteRegistrado(), 0);
-    EXPECT_EQ(valor(QStringLiteral("Select Max(AsiID) From cceAsientos")), ultimo);
+    EXPECT_EQ(m_base.Valor(QStringLiteral("Select Max(AsiID) From cceAsientos")), ultimo);
 }
 
 // "Modificar" opens the chosen template and the list shows the change; "Eliminar" asks and
@@ -283,8 +278,8 @@ TEST_F(DialogosFrecuentes, DesdeElBuscadorSeModificaYSeEliminaTrasPreguntar)
     });
     EXPECT_EQ(m_mensajes.mostrados, (QStringList{QStringLiteral("pregunta: ¿Elimina el asiento frecuente «Agua corriente»?"),
                                                  QStringLiteral("pregunta: ¿Elimina el asiento frecuente «Agua corriente»?")}));
-    EXPECT_EQ(valor(QStringLiteral("Select Count(*) From genMovimientosFrecuentes Where MFrID = ?"), {id}).toInt(), 0);
-    EXPECT_EQ(valor(QStringLiteral("Select Count(*) From genMovimientosFrecuentesLineas Where MFLIDMovimiento = ?"), {id}).toInt(), 0);
+    EXPECT_EQ(m_base.Valor(QStringLiteral("Select Count(*) From genMovimientosFrecuentes Where MFrID = ?"), {id}).toInt(), 0);
+    EXPECT_EQ(m_base.Valor(QStringLiteral("Select Count(*) From genMovimientosFrecuentesLineas Where MFLIDMovimiento = ?"), {id}).toInt(), 0);
 }
 
 // Registered by its id, a scheduled template is dated at its due date, and its next date
@@ -296,10 +291,10 @@ TEST_F(DialogosFrecuentes, UnAgendadoSeRegistraASuFechaYUnoQueNoExisteSeDice)
     RegistroFrecuentes registro(m_datos, m_cuentas);
     const qint32 asiento = registro.Registrar(id).toInt();
     ASSERT_GT(asiento, 0);
-    EXPECT_EQ(QDate::fromString(valor(QStringLiteral("Select AsiFechaAsiento From cceAsientos Where AsiID = ?"), {asiento}).toString().left(10),
+    EXPECT_EQ(QDate::fromString(m_base.Valor(QStringLiteral("Select AsiFechaAsiento From cceAsientos Where AsiID = ?"), {asiento}).toString().left(10),
                                 Qt::ISODate),
               vence);
-    EXPECT_EQ(QDate::fromString(valor(QStringLiteral("Select MFrFechaProxima From genMovimientosFrecuentes Where MFrID = ?"), {id})
+    EXPECT_EQ(QDate::fromString(m_base.Valor(QStringLiteral("Select MFrFechaProxima From genMovimientosFrecuentes Where MFrID = ?"), {id})
                                     .toString().left(10), Qt::ISODate),
               vence.addMonths(1));
 

@@ -164,12 +164,6 @@ protected:
         return ids(SqlBusqueda(c, Demo::kEmpresa, p.delimitadorFecha, p.formatoFecha));
     }
 
-    qint32 cuenta(const char *codigo)
-    {
-        auto rs = m_base.conexion().Abrir(QStringLiteral("Select CueID From cceCuentas Where CueCodigo = ?"), {QString::fromLatin1(codigo)});
-        return qint32(rs->Entero(QStringLiteral("CueID")));
-    }
-
     BaseDePrueba m_base;
 };
 
@@ -177,7 +171,7 @@ TEST_P(BusquedaEnBase, CoincideConUnaConsultaIndependiente)
 {
     const QDate desde = BaseDePrueba::Hoy().addMonths(-2);
     const QDate hasta = BaseDePrueba::Hoy();
-    const qint32 caja = cuenta("1.1.01");
+    const qint32 caja = m_base.IdCuenta("1.1.01");
     CriteriosBusqueda c;
     c.prmFInit = desde.toString(Qt::ISODate);
     c.prmFEnd = hasta.toString(Qt::ISODate);
@@ -239,7 +233,6 @@ TEST_P(BusquedaEnBase, LaLeyendaConComillasEncuentraYNoDania)
     EXPECT_EQ(conLeyenda(QStringLiteral("Ruta C:\\")), QSet<qint32>{cambiados[4]});
 }
 
-INSTANTIATE_TEST_SUITE_P(Motores, BusquedaEnBase, ::testing::ValuesIn(MotoresDePrueba()),
-                         [](const auto &info) { return NombreMotor(info.param).toStdString(); });
+INSTANCIAR_EN_MOTORES(BusquedaEnBase);
 
 } // namespace

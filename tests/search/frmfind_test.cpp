@@ -55,11 +55,6 @@ protected:
         m_dialogo = std::make_unique<frmFind>(m_datos, m_cuentas, listas);
         mostrar();
     }
-    qint32 idCuenta(const char *codigo)
-    {
-        auto rs = m_base.conexion().Abrir(QStringLiteral("Select CueID From cceCuentas Where CueCodigo = '%1'").arg(QLatin1String(codigo)));
-        return qint32(rs->Entero(QStringLiteral("CueID")));
-    }
 
     void mostrar()
     {
@@ -284,7 +279,7 @@ TEST_P(DialogoBusqueda, ProyectoYDepartamentoAcotanLaCuenta)
     EXPECT_FALSE(proyecto->isEnabled()); // nothing to narrow without an account
     EXPECT_EQ(proyecto->count(), 2 + m_datos.LeerProyectos().size());
 
-    m_cuentas.respuesta = {idCuenta("5.2.01"), 0, 0};
+    m_cuentas.respuesta = {m_base.IdCuenta("5.2.01"), 0, 0};
     escribir("tCuenta", QStringLiteral("sueldos"));
     tecla();
     EXPECT_TRUE(proyecto->isEnabled() && departamento->isEnabled());
@@ -308,7 +303,7 @@ TEST_P(DialogoBusqueda, ProyectoYDepartamentoAcotanLaCuenta)
     crear(false);
     EXPECT_FALSE(campo("cfProyecto")->isVisible());
     EXPECT_FALSE(campo("lbDepartamento")->isVisible());
-    m_cuentas.respuesta = {idCuenta("5.2.01"), 0, 0};
+    m_cuentas.respuesta = {m_base.IdCuenta("5.2.01"), 0, 0};
     escribir("tCuenta", QStringLiteral("sueldos"));
     tecla();
     EXPECT_EQ(foco(), QStringLiteral("ocImporte"));
@@ -344,7 +339,6 @@ TEST_P(DialogoBusqueda, ImportesLeidosYUnTextoQueNoEsNumeroRechazadoUnaVez)
     EXPECT_DOUBLE_EQ(criterios().prmImporte, 1250.5);
 }
 
-INSTANTIATE_TEST_SUITE_P(Motores, DialogoBusqueda, ::testing::ValuesIn(MotoresDePrueba()),
-                         [](const ::testing::TestParamInfo<Motor> &i) { return NombreMotor(i.param).toStdString(); });
+INSTANCIAR_EN_MOTORES(DialogoBusqueda);
 
 } // namespace

@@ -45,8 +45,7 @@ TEST_P(BusquedaDeCuentas, CodigoExactoOUnicaCoincidenciaYNuncaCarpetas)
     EXPECT_TRUE(hayDolares);
 }
 
-INSTANTIATE_TEST_SUITE_P(Motores, BusquedaDeCuentas, ::testing::ValuesIn(MotoresDePrueba()),
-                         [](const ::testing::TestParamInfo<Motor> &i) { return NombreMotor(i.param).toStdString(); });
+INSTANCIAR_EN_MOTORES(BusquedaDeCuentas);
 
 } // namespace
 
@@ -79,7 +78,6 @@ TEST_P(GestionDeLibros, AgregarRenombrarYEliminarSoloLosPropiosSinUso)
     EXPECT_EQ(libros.Listar().size(), antes);
 }
 
-INSTANTIATE_TEST_SUITE_P(Motores, GestionDeLibros, ::testing::ValuesIn(MotoresDePrueba()),
-                         [](const ::testing::TestParamInfo<Motor> &i) { return NombreMotor(i.param).toStdString(); });
+INSTANCIAR_EN_MOTORES(GestionDeLibros);
 
 } // namespace

@@ -839,7 +839,6 @@ TEST_P(Aleatorio, DosContadoresAlAzarNoRompenLosLibros)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Motores, Aleatorio, ::testing::ValuesIn(MotoresDePrueba()),
-                         [](const ::testing::TestParamInfo<Motor> &i) { return NombreMotor(i.param).toStdString(); });
+INSTANCIAR_EN_MOTORES(Aleatorio);
 
 } // namespace

@@ -47,10 +47,7 @@ protected:
     }
     static bool conAviso(lumIngAsiento &doc) { return doc.findChild<QFrame *>(QStringLiteral("picASI"))->isVisibleTo(&doc); }
 
-    int contar(const QString &sql, const QVariantList &valores = {})
-    {
-        return QVariant(m_base.conexion().Abrir(sql, valores)->Campo(0)).toInt();
-    }
+    int contar(const QString &sql, const QVariantList &valores = {}) { return m_base.Valor(sql, valores).toInt(); }
     QList<qint32> aperturas(int estado)
     {
         QList<qint32> l;
@@ -72,10 +69,10 @@ protected:
         AsientoDatos d(m_base.conexion());
         d.Cabezal() = {0, Demo::kEmpresa, estado, QDate(2024, 1, 1), QStringLiteral("Saldos"), Demo::kLibroPrimeraApertura};
         LineaDatos l;
-        l.Cuenta = contar(QStringLiteral("Select CueID From cceCuentas Where CueCodigo = '1.1.01'"));
+        l.Cuenta = m_base.IdCuenta("1.1.01");
         l.Importe = l.ImporteMC = 10_imp;
         LineaDatos capital = l;
-        capital.Cuenta = contar(QStringLiteral("Select CueID From cceCuentas Where CueCodigo = '3.1.01'"));
+        capital.Cuenta = m_base.IdCuenta("3.1.01");
         capital.AlDebe = false;
         d.Lineas() = {l, capital};
         const qint32 id = d.GrabarTodo();
@@ -167,7 +164,6 @@ TEST_P(AperturaEnDocumento, LaOpcionDeInicioSoloSinAsiento)
     EXPECT_TRUE(m_mensajes.mostrados.isEmpty());
 }
 
-INSTANTIATE_TEST_SUITE_P(Motores, AperturaEnDocumento, ::testing::ValuesIn(MotoresDePrueba()),
-                         [](const ::testing::TestParamInfo<Motor> &i) { return NombreMotor(i.param).toStdString(); });
+INSTANCIAR_EN_MOTORES(AperturaEnDocumento);
 
 } // namespace

@@ -90,10 +90,6 @@ protected:
     {
         AsientoDatos datos(m_base.conexion());
         datos.Cabezal() = CabezalDatos{0, Demo::kEmpresa, 1, fecha, leyenda, Demo::kLibroDiario};
-        auto cuenta = [this](const char *codigo) {
-            auto rs = m_base.conexion().Abrir(QStringLiteral("Select CueID From cceCuentas Where CueCodigo = ?"), {QString::fromLatin1(codigo)});
-            return qint32(rs->Entero(QStringLiteral("CueID")));
-        };
         datos.Lineas() = {LineaDatos{cuenta("1.1.01"), 0, 0, true, 100_imp, 1, 100_imp}, LineaDatos{cuenta("4.1.01"), 0, 0, false, 100_imp, 1, 100_imp}};
         return datos.GrabarTodo();
     }
@@ -191,7 +187,6 @@ TEST_P(Busquedas, UnaLeyendaConComillasSeBuscaComoTexto)
     EXPECT_EQ(idsEnGrilla(), QList<qint32>{id});
 }
 
-INSTANTIATE_TEST_SUITE_P(Motores, Busquedas, ::testing::ValuesIn(MotoresDePrueba()),
-                         [](const ::testing::TestParamInfo<Motor> &i) { return NombreMotor(i.param).toStdString(); });
+INSTANCIAR_EN_MOTORES(Busquedas);
 
 } // namespace

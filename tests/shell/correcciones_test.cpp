@@ -109,7 +109,6 @@ TEST_P(Correcciones, UnAsientoConUnaCuentaCerradaNoCambiaEnNada)
     EXPECT_EQ(enBase(id).sello, antes.sello);
 }
 
-INSTANTIATE_TEST_SUITE_P(Motores, Correcciones, ::testing::ValuesIn(MotoresDePrueba()),
-                         [](const auto &info) { return NombreMotor(info.param).toStdString(); });
+INSTANCIAR_EN_MOTORES(Correcciones);
 
 } // namespace

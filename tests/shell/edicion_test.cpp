@@ -98,32 +98,6 @@ TEST_P(Edicion, UnAsientoNuevoSoloConElTeclado)
     EXPECT_TRUE(m_doc->asientos().EsFilaNuevoAsiento(m_doc->grilla().Filas() - 1));
 }
 
-TEST_P(Edicion, EscapeConElAsientoSinCerrarLoGuardaIncompleto)
-{
-    const qint32 antes = ultimoId();
-    m_doc->edicion().NuevoAsiento();
-    m_doc->findChild<QComboBox *>(QStringLiteral("cfAutoriza"))->setCurrentIndex(0);
-    lumERAsiento *e = m_doc->editor();
-    e->SetFocusCtrl(lumERAsiento::kDebe, 0);
-    escribir(e->campoCuenta(true), QStringLiteral("1.1.01"));
-    enter(e->campoCuenta(true));
-    escribir(e->campo(lumERAsiento::kImporte), QStringLiteral("250"));
-    enter(e->campo(lumERAsiento::kImporte));
-    QTest::keyClick(e->campoCuenta(true), Qt::Key_Escape);
-    QApplication::processEvents();
-    EXPECT_EQ(m_doc->FilaEdicion(), 0);
-    const qint32 id = ultimoId();
-    ASSERT_GT(id, antes);
-    auto rs = m_base.conexion().Abrir(QStringLiteral("Select AsiEstado From cceAsientos Where AsiID = %1").arg(id));
-    EXPECT_EQ(rs->Entero(QStringLiteral("AsiEstado")), 2);
-    rs->Cerrar();
-    // Read back with its difference row.
-    bool diferencia = false;
-    for (int r = 1; r < m_doc->grilla().Filas(); ++r)
-        diferencia = diferencia || (m_doc->asientos().EsFilaDiferencia(r) && m_doc->grilla().Dato(r, 0).toInt() == id);
-    EXPECT_TRUE(diferencia);
-}
-
 TEST_P(Edicion, BorradoresSiEstaMarcado)
 {
     // "Pasar asientos nuevos como borrador".
@@ -145,44 +119,6 @@ TEST_P(Edicion, BorradoresSiEstaMarcado)
     EXPECT_EQ(rs->Entero(QStringLiteral("AsiEstado")), 0);
 }
 
-TEST_P(Edicion, OtraTasaParaLosMismosDolaresPregunta)
-{
-    m_doc->edicion().NuevoAsiento();
-    m_doc->campoFecha()->setDate(BaseDePrueba::Hoy().addDays(-3));
-    m_doc->findChild<QComboBox *>(QStringLiteral("cfAutoriza"))->setCurrentIndex(0);
-    lumERAsiento *e = m_doc->editor();
-    e->setFechaAsiento(m_doc->campoFecha()->date());
-    e->SetFocusCtrl(lumERAsiento::kDebe, 0);
-    escribir(e->campoCuenta(true), QStringLiteral("1.1.04"));
-    enter(e->campoCuenta(true));
-    const double cotizacion = e->ImporteTC();
-    EXPECT_GT(cotizacion, 30); // from the quotations of the demo
-    EXPECT_EQ(e->Operador(), QStringLiteral("*"));
-    escribir(e->campo(lumERAsiento::kImporte), QStringLiteral("100"));
-    enter(e->campo(lumERAsiento::kImporte));
-    ASSERT_GT(m_doc->FilaEdicion(), 0);
-    ASSERT_TRUE(m_mensajes.mostrados.isEmpty()) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
-
-    // The credit side in the other dollar account, at another rate.
-    enter(e->campoCuenta(true));
-    escribir(e->campoCuenta(false), QStringLiteral("1.1.08"));
-    enter(e->campoCuenta(false));
-    EXPECT_DOUBLE_EQ(e->ImporteTC(), cotizacion); // the rate the entry already uses
-    escribir(e->campo(lumERAsiento::kTCambio), QStringLiteral("50"));
-    enter(e->campo(lumERAsiento::kTCambio));
-    m_mensajes.Responder(ServicioMensajes::Respuesta::Cancelar); // keep the rate used so far
-    escribir(e->campo(lumERAsiento::kImporte), QStringLiteral("100"));
-    enter(e->campo(lumERAsiento::kImporte));
-    ASSERT_FALSE(m_mensajes.mostrados.isEmpty());
-    EXPECT_TRUE(m_mensajes.mostrados[0].startsWith(QStringLiteral("pregunta: La tasa de cambio ingresada afectará")));
-    EXPECT_TRUE(m_mensajes.mostrados[0].contains(QStringLiteral("50,000")));
-    // At the old rate the entry balances and is stored.
-    EXPECT_EQ(m_doc->FilaEdicion(), 0);
-    auto rs = m_base.conexion().Abrir(QStringLiteral("Select Count(*) From cceAsientoCuenta Where ACuIDAsiento = %1").arg(ultimoId()));
-    EXPECT_EQ(QVariant(rs->Campo(0)).toInt(), 2);
-}
-
-INSTANTIATE_TEST_SUITE_P(Motores, Edicion, ::testing::ValuesIn(MotoresDePrueba()),
-                         [](const ::testing::TestParamInfo<Motor> &i) { return NombreMotor(i.param).toStdString(); });
+INSTANCIAR_EN_MOTORES(Edicion);
 
 } // namespace

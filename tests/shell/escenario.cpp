@@ -150,8 +150,7 @@ QList<qint32> Escenario::ids(const QString &condicion)
 
 qint32 Escenario::cuenta(const char *codigo)
 {
-    auto rs = m_base.conexion().Abrir(QStringLiteral("Select CueID From cceCuentas Where CueCodigo = ?"), {QString::fromLatin1(codigo)});
-    return qint32(rs->Entero(QStringLiteral("CueID")));
+    return m_base.IdCuenta(codigo);
 }
 
 qint32 Escenario::asientoAlFinal(qint16 estado, const QString &leyenda, const QList<std::tuple<const char *, bool, double>> &lineas,

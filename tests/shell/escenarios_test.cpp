@@ -484,37 +484,6 @@ TEST_P(Escenarios, CopiarUnAsientoConUnaCuentaCerradaInformaYNoCopia)
     EXPECT_EQ(ultimoId(), ultimo);
 }
 
-// Every entry of the demo, opened and accepted unchanged, stays as it was but for its stamp.
-// An entry stored without a book is offered the default book, and takes it.
-TEST_P(Escenarios, CadaAsientoDeLaDemoAbiertoYAceptadoSinCambiosQuedaIgual)
-{
-    const QList<qint32> todos = ids(QStringLiteral("AsiEstado <> 9"));
-    ASSERT_GT(todos.size(), 300);
-    int escritos = 0;
-    for (qint32 id : todos) {
-        m_doc->ElegirVista(Vista::kUltimos5);
-        ASSERT_FALSE(CargarAsientoEnGrilla(m_doc->asientos(), *m_doc->proceso().conexion, id, m_doc->grilla().Filas() - 1));
-        AsientoEnBase antes = enBase(id);
-        if (QDate::fromString(antes.cabezal[1], Qt::ISODate) > BaseDePrueba::Hoy())
-            m_mensajes.Responder(ServicioMensajes::Respuesta::No); // 1807: do not schedule it
-        m_mensajes.mostrados.clear();
-        aceptarSinCambios(id);
-        const AsientoEnBase despues = enBase(id);
-        if (despues.sello != antes.sello) {
-            if (antes.cabezal[3] == QLatin1String("null"))
-                antes.cabezal[3] = QString::number(Demo::kLibroDiario);
-            if (antes.cabezal[4] == QLatin1String("0") || antes.cabezal[4] == QLatin1String("null"))
-                antes.cabezal[4] = primerAutorizador();
-        }
-        EXPECT_EQ(despues, antes) << "asiento " << id << " " << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
-        escritos += despues.sello != antes.sello ? 1 : 0;
-    }
-    // Refusals (closed accounts, a locked opening-balance entry) write nothing; the rest are
-    // written.
-    EXPECT_GT(escritos, todos.size() * 9 / 10);
-}
-
-INSTANTIATE_TEST_SUITE_P(Motores, Escenarios, ::testing::ValuesIn(MotoresDePrueba()),
-                         [](const ::testing::TestParamInfo<Motor> &i) { return NombreMotor(i.param).toStdString(); });
+INSTANCIAR_EN_MOTORES(Escenarios);
 
 } // namespace

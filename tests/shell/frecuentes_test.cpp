@@ -37,7 +37,7 @@ protected:
         return valor(ultima) > antes ? valor(ultima) : 0;
     }
 
-    qint32 valor(const QString &sql) { return QVariant(m_base.conexion().Abrir(sql)->Campo(0)).toInt(); }
+    qint32 valor(const QString &sql) { return m_base.Valor(sql).toInt(); }
 
     // The link's menu as the user opens it: its recent items as "name #id".
     QStringList recientes()
@@ -157,7 +157,6 @@ TEST_P(FrecuentesEnDocumento, UnRecienteSeRegistraSoloConSiYQuedaAlFinalDeLaGril
     EXPECT_EQ(m_mensajes.mostrados.size(), 2) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
 }
 
-INSTANTIATE_TEST_SUITE_P(Motores, FrecuentesEnDocumento, ::testing::ValuesIn(MotoresDePrueba()),
-                         [](const ::testing::TestParamInfo<Motor> &i) { return NombreMotor(i.param).toStdString(); });
+INSTANCIAR_EN_MOTORES(FrecuentesEnDocumento);
 
 } // namespace

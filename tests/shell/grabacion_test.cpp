@@ -42,12 +42,6 @@ protected:
         return doc;
     }
 
-    qint32 cuenta(const char *codigo)
-    {
-        auto rs = m_base.conexion().Abrir(QStringLiteral("Select CueID From cceCuentas Where CueCodigo = ?"), {QString::fromLatin1(codigo)});
-        return qint32(rs->Entero(QStringLiteral("CueID")));
-    }
-
     // An entry of "Caja" against "Ventas de mercadería" for an amount, or with the account given.
     qint32 asiento(const QDate &fecha, int estado, double importe, const char *debe = "1.1.01", qint16 libro = 1)
     {
@@ -58,13 +52,13 @@ protected:
         d.Cabezal().Leyenda = QStringLiteral("Prueba %1").arg(importe);
         d.Cabezal().Libro = libro;
         LineaDatos a, b;
-        a.Cuenta = cuenta(debe);
+        a.Cuenta = m_base.IdCuenta(debe);
         a.Importe = a.ImporteMC = Importe::DesdeDouble(importe);
-        b.Cuenta = cuenta("4.1.01");
+        b.Cuenta = m_base.IdCuenta("4.1.01");
         b.AlDebe = false;
         b.Importe = b.ImporteMC = Importe::DesdeDouble(importe);
         LineaDatos c = a;
-        c.Cuenta = cuenta("5.3.01");
+        c.Cuenta = m_base.IdCuenta("5.3.01");
         c.Importe = c.ImporteMC = Importe();
         d.Lineas() = {a, c, b};
         return d.GrabarTodo();
@@ -72,15 +66,11 @@ protected:
 
     int estadoEnBase(qint32 id)
     {
-        auto rs = m_base.conexion().Abrir(QStringLiteral("Select AsiEstado From cceAsientos Where AsiID = %1").arg(id));
-        return rs->Fin() ? -100 : int(rs->Entero(QStringLiteral("AsiEstado")));
+        const QVariant estado = m_base.Valor(QStringLiteral("Select AsiEstado From cceAsientos Where AsiID = ?"), {id});
+        return estado.isValid() ? estado.toInt() : -100;
     }
 
-    int contar(const QString &sql)
-    {
-        auto rs = m_base.conexion().Abrir(sql);
-        return QVariant(rs->Campo(0)).toInt();
-    }
+    int contar(const QString &sql) { return m_base.Valor(sql).toInt(); }
 
     int filaDe(lumIngAsiento &doc, qint32 id)
     {
@@ -298,10 +288,10 @@ TEST_P(Grabacion, UnificarLaTasaDeLosDolares)
     d.Cabezal().Fecha = BaseDePrueba::Hoy().addDays(-10);
     d.Cabezal().Leyenda = QStringLiteral("Transferencia en dólares");
     LineaDatos a, b;
-    a.Cuenta = cuenta("1.1.08");
+    a.Cuenta = m_base.IdCuenta("1.1.08");
     a.Importe = 100_imp;
     a.ImporteMC = 4000_imp;
-    b.Cuenta = cuenta("1.1.04");
+    b.Cuenta = m_base.IdCuenta("1.1.04");
     b.AlDebe = false;
     b.Importe = 100_imp;
     b.ImporteMC = 4000_imp;
@@ -375,8 +365,8 @@ TEST_P(Grabacion, UnificarQueDescuadraNuncaDejaUnRegistradoDescuadrado)
     d.Cabezal().Estado = 1;
     d.Cabezal().Fecha = BaseDePrueba::Hoy().addDays(-10);
     d.Cabezal().Leyenda = QStringLiteral("Dólares con diferencia de cambio");
-    d.Lineas() = {LineaDatos{cuenta("1.1.08"), 0, 0, true, 100_imp, 41, 4100_imp}, LineaDatos{cuenta("1.1.04"), 0, 0, false, 100_imp, 40, 4000_imp},
-                  LineaDatos{cuenta("4.1.01"), 0, 0, false, 100_imp, 1, 100_imp}};
+    d.Lineas() = {LineaDatos{m_base.IdCuenta("1.1.08"), 0, 0, true, 100_imp, 41, 4100_imp}, LineaDatos{m_base.IdCuenta("1.1.04"), 0, 0, false, 100_imp, 40, 4000_imp},
+                  LineaDatos{m_base.IdCuenta("4.1.01"), 0, 0, false, 100_imp, 1, 100_imp}};
     const qint32 id = d.GrabarTodo();
     ASSERT_GT(id, 0) << d.ultimoError().toStdString();
     auto doc = abrir();
@@ -438,7 +428,7 @@ TEST_P(Grabacion, UnInconclusoQueCierraSeRegistra)
     AsientoDatos d(m_base.conexion());
     ASSERT_TRUE(d.CargarAsiento(cierra));
     LineaDatos extra = d.Lineas().last();
-    extra.Cuenta = cuenta("5.3.01");
+    extra.Cuenta = m_base.IdCuenta("5.3.01");
     extra.Importe = extra.ImporteMC = 10_imp;
     extra.Orden = 0;
     d.Lineas().append(extra);
@@ -497,7 +487,6 @@ TEST_P(Grabacion, UnAsientoQueOtroEnvioALaPapeleraSaleDeLaGrilla)
     EXPECT_EQ(doc->grilla().Filas(), filas - 4); // its header and three lines
 }
 
-INSTANTIATE_TEST_SUITE_P(Motores, Grabacion, ::testing::ValuesIn(MotoresDePrueba()),
-                         [](const ::testing::TestParamInfo<Motor> &i) { return NombreMotor(i.param).toStdString(); });
+INSTANCIAR_EN_MOTORES(Grabacion);
 
 } // namespace

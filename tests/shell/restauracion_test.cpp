@@ -252,7 +252,6 @@ TEST_P(Restauracion, NadaPisaElCambioDeOtroUsuario)
     EXPECT_EQ(operaciones(id).size(), escrituras);
 }
 
-INSTANTIATE_TEST_SUITE_P(Motores, Restauracion, ::testing::ValuesIn(MotoresDePrueba()),
-                         [](const ::testing::TestParamInfo<Motor> &i) { return NombreMotor(i.param).toStdString(); });
+INSTANCIAR_EN_MOTORES(Restauracion);
 
 } // namespace

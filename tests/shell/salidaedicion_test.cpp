@@ -175,7 +175,6 @@ TEST_P(SalidaEdicion, UnaLineaGuardadaSinCambiosNoPregunta)
     EXPECT_TRUE(m_mensajes.mostrados.isEmpty()) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
 }
 
-INSTANTIATE_TEST_SUITE_P(Motores, SalidaEdicion, ::testing::ValuesIn(MotoresDePrueba()),
-                         [](const ::testing::TestParamInfo<Motor> &i) { return NombreMotor(i.param).toStdString(); });
+INSTANCIAR_EN_MOTORES(SalidaEdicion);
 
 } // namespace

@@ -308,7 +308,6 @@ TEST_P(Salidas, ImprimirAPDF)
     EXPECT_EQ(QApplication::focusWidget(), m_doc->grid());
 }
 
-INSTANTIATE_TEST_SUITE_P(Motores, Salidas, ::testing::ValuesIn(MotoresDePrueba()),
-                         [](const ::testing::TestParamInfo<Motor> &i) { return NombreMotor(i.param).toStdString(); });
+INSTANCIAR_EN_MOTORES(Salidas);
 
 } // namespace

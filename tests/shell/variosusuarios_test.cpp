@@ -240,7 +240,6 @@ TEST_P(VariosUsuarios, UnaGrabacionQueEsperaDemasiadoNoPierdeLoEscrito)
     EXPECT_EQ(m_doc->campoLeyenda()->text(), QStringLiteral("Escrita durante el bloqueo"));
 }
 
-INSTANTIATE_TEST_SUITE_P(Motores, VariosUsuarios, ::testing::ValuesIn(MotoresDePrueba()),
-                         [](const ::testing::TestParamInfo<Motor> &i) { return NombreMotor(i.param).toStdString(); });
+INSTANCIAR_EN_MOTORES(VariosUsuarios);
 
 } // namespace

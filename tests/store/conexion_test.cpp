@@ -256,8 +256,7 @@ TEST(Semejanza, ComodinesEscapeYMayusculas)
             << c.patron << " " << c.texto;
 }
 
-INSTANTIATE_TEST_SUITE_P(Motores, ConexionEnMotor, ::testing::ValuesIn(MotoresDePrueba()),
-                         [](const ::testing::TestParamInfo<Motor> &i) { return NombreMotor(i.param).toStdString(); });
+INSTANCIAR_EN_MOTORES(ConexionEnMotor);
 
 TEST(ConexionSQLite, ArchivosQueNoSePuedenAbrir)
 {

@@ -547,8 +547,7 @@ TEST_P(Multiusuario, EscrituraTrabadaEsperaYNoEscribeNada)
     EXPECT_EQ(filasHistorial(*uno, id), 2);
 }
 
-INSTANTIATE_TEST_SUITE_P(Motores, Multiusuario, ::testing::ValuesIn(MotoresDePrueba()),
-                         [](const ::testing::TestParamInfo<Motor> &i) { return NombreMotor(i.param).toStdString(); });
+INSTANCIAR_EN_MOTORES(Multiusuario);
 
 class MultiusuarioPostgreSQL : public ::testing::Test
 {
