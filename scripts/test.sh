@@ -31,7 +31,7 @@ else
     echo "Sin PostgreSQL: las pruebas corren solo sobre SQLite."
 fi
 
-como_usuario ctest --test-dir build --output-on-failure -j2
+como_usuario ctest --test-dir build --output-on-failure --timeout 300 -j2
 
 # The suite again with the machine's clock on two other days, on SQLite only, each day taking
 # every other test so that every test runs once more on another day. The tests fix the
@@ -45,6 +45,6 @@ for momento in '2028-02-29 23:59:30' '2025-02-28 12:00:00'; do
     fi
     echo "Pruebas con el reloj del sistema en $momento (solo SQLite)"
     como_usuario env -u ASIENTOS_TEST_PG faketime "$momento" \
-        ctest --test-dir build --output-on-failure -j2 -I "$mitad,,2" -E PostgreSQL
+        ctest --test-dir build --output-on-failure --timeout 300 -j2 -I "$mitad,,2" -E PostgreSQL
     mitad=2
 done

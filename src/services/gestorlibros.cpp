@@ -198,7 +198,8 @@ void GestorLibros::agregar()
     qint16 codigo = 0;
     const auto r = m_libros.Agregar(nombre, codigo);
     avisar(r);
-    cargar(codigo);
+    // The new book is chosen; after a refusal the choice stays where it was.
+    cargar(r == Libros::Resultado::Bien ? codigo : codigoActual());
 }
 
 qint16 GestorLibros::codigoActual() const
@@ -240,11 +241,14 @@ void GestorLibros::keyPressEvent(QKeyEvent *evento)
     case Qt::Key_Insert:
         agregar();
         return;
+    // The keys do what the buttons do, and only when they may: a system book is not offered.
     case Qt::Key_F2:
-        renombrar();
+        if (m_renombrar->isEnabled())
+            renombrar();
         return;
     case Qt::Key_Delete:
-        eliminar();
+        if (m_eliminar->isEnabled())
+            eliminar();
         return;
     default:
         QDialog::keyPressEvent(evento);

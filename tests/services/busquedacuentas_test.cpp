@@ -48,36 +48,3 @@ TEST_P(BusquedaDeCuentas, CodigoExactoOUnicaCoincidenciaYNuncaCarpetas)
 INSTANCIAR_EN_MOTORES(BusquedaDeCuentas);
 
 } // namespace
-
-#include "services/gestorlibros.h"
-
-namespace {
-
-class GestionDeLibros : public ::testing::TestWithParam<Motor>
-{
-};
-
-TEST_P(GestionDeLibros, AgregarRenombrarYEliminarSoloLosPropiosSinUso)
-{
-    BaseDePrueba base(GetParam(), BaseDePrueba::Contenido::Demo);
-    Libros libros(base.conexion());
-    const int antes = libros.Listar().size();
-    qint16 codigo = 0;
-    EXPECT_EQ(libros.Agregar(QStringLiteral("  Importaciones "), codigo), Libros::Resultado::Bien);
-    EXPECT_GT(codigo, Demo::kLibroPrimeraApertura);
-    EXPECT_EQ(libros.Listar().size(), antes + 1);
-    qint16 otro = 0;
-    EXPECT_EQ(libros.Agregar(QStringLiteral("importaciones"), otro), Libros::Resultado::NombreRepetido);
-    EXPECT_EQ(libros.Agregar(QStringLiteral("   "), otro), Libros::Resultado::NombreVacio);
-    EXPECT_EQ(libros.Renombrar(codigo, QStringLiteral("Importación")), Libros::Resultado::Bien);
-    EXPECT_EQ(libros.Renombrar(Demo::kLibroCierre, QStringLiteral("Otro")), Libros::Resultado::DelSistema);
-    EXPECT_EQ(libros.Eliminar(Demo::kLibroApertura), Libros::Resultado::DelSistema);
-    EXPECT_EQ(libros.Eliminar(Demo::kLibroDiario), Libros::Resultado::EnUso);
-    EXPECT_EQ(libros.Eliminar(codigo), Libros::Resultado::Bien);
-    EXPECT_EQ(libros.Eliminar(codigo), Libros::Resultado::NoExiste);
-    EXPECT_EQ(libros.Listar().size(), antes);
-}
-
-INSTANCIAR_EN_MOTORES(GestionDeLibros);
-
-} // namespace

@@ -200,6 +200,11 @@ TEST_P(Grabacion, RegistrarTodosLosBorradores)
     EXPECT_EQ(estadoEnBase(b), 0);
     EXPECT_EQ(estadoEnBase(futuro), 0);
     EXPECT_EQ(m_mensajes.mostrados.count(QStringLiteral("advertencia: Error en algunos asientos, no se cambiaron de estado a todos.")), 1);
+    // The grid shows what was written, and only that.
+    EXPECT_EQ(doc->grilla().Dato(filaDe(*doc, a), 3).toInt(), 1);
+    EXPECT_EQ(doc->grilla().Dato(filaDe(*doc, a), 4).toDateTime(),
+              m_base.Valor(QStringLiteral("Select AsiFechaModificado From cceAsientos Where AsiID = ?"), {a}).toDateTime());
+    EXPECT_EQ(doc->grilla().Dato(filaDe(*doc, b), 3).toInt(), 0);
 }
 
 TEST_P(Grabacion, EliminarAsientoYFila)
