@@ -252,8 +252,9 @@ qint32 ComandosAsiento::CrearMovimientoFrecuente(bool agendar, bool desdeElMesSi
     if (!agendar) {
         try {
             FrecuentesRecientes(m_datos).Agregar(id);
-        } catch (const ErrorBaseDatos &) {
-            // The entry is stored; only the shortcut to it is missing.
+        } catch (const ErrorBaseDatos &e) {
+            // The template is stored; only the shortcut to it is missing, and the user is told.
+            m_datos.Error(1920, DetalleError(e.numero(), e.descripcion()));
         }
     }
     return id;

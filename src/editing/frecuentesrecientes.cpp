@@ -19,12 +19,7 @@ QList<qint32> FrecuentesRecientes::Leer() const
     QList<qint32> ids;
     if (!m_datos.conexion())
         return ids;
-    QString texto;
-    try {
-        texto = ServicioConfigUsuario(*m_datos.conexion(), m_datos.usuario).Leer(kModuloAsientos, kClave);
-    } catch (const ErrorBaseDatos &) {
-        return ids;
-    }
+    const QString texto = ServicioConfigUsuario(*m_datos.conexion(), m_datos.usuario).Leer(kModuloAsientos, kClave);
     for (const QString &parte : texto.split(QLatin1Char(','), Qt::SkipEmptyParts)) {
         bool ok = false;
         const qint32 id = parte.trimmed().toInt(&ok);

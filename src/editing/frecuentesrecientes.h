@@ -16,9 +16,10 @@ public:
 
     explicit FrecuentesRecientes(const DatosDocumento &datos);
 
-    // The ids kept; empty when none, or when they cannot be read.
+    // The ids kept; empty when none. Throws ErrorBaseDatos when they cannot be read.
     QList<qint32> Leer() const;
-    // Puts an id first; throws ErrorBaseDatos when the settings cannot be written.
+    // Puts an id first; throws ErrorBaseDatos when the settings cannot be read or written,
+    // and then leaves the list kept as it was.
     void Agregar(qint32 mfrID);
     // The recent menu's items: the name and id of every kept template that still exists and
     // is not scheduled, in the order kept. Throws ErrorBaseDatos.

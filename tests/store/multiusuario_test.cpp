@@ -1,4 +1,5 @@
 #include "comun/basesprueba.h"
+#include "comun/conexionespia.h"
 
 #include "entries/asientodatos.h"
 #include "entries/historialasiento.h"
@@ -30,47 +31,6 @@ using Resultado = AsientoDatos::Resultado;
 // A connection that passes everything on and remembers the cause of the last error, so a
 // test sees what AsientoDatos turns into its own result. antesDeEscribir runs once, just
 // before the next statement that writes.
-class Espia final : public Conexion
-{
-public:
-    explicit Espia(Conexion &c)
-        : m(c)
-    {
-    }
-    std::optional<Causa> causa;
-    std::function<void()> antesDeEscribir;
-
-    Motor motor() const override { return m.motor(); }
-    bool abierta() const override { return m.abierta(); }
-    std::unique_ptr<Recordset> Abrir(const QString &s, const QVariantList &v = {}) override { return vigilar([&] { return m.Abrir(s, v); }); }
-    int Ejecutar(const QString &s, const QVariantList &v = {}) override
-    {
-        if (auto f = std::exchange(antesDeEscribir, {}))
-            f();
-        return vigilar([&] { return m.Ejecutar(s, v); });
-    }
-    qint64 Insertar(const QString &s, const QVariantList &v, const QString &id) override { return vigilar([&] { return m.Insertar(s, v, id); }); }
-    void Comenzar() override { vigilar([&] { m.Comenzar(); }); }
-    void Confirmar() override { vigilar([&] { m.Confirmar(); }); }
-    void Deshacer() override { vigilar([&] { m.Deshacer(); }); }
-    void Cerrar() override { m.Cerrar(); }
-    bool Escuchar(const QString &canal, std::function<void(const QString &)> aviso) override { return m.Escuchar(canal, aviso); }
-    void Avisar(const QString &canal, const QString &carga) override { vigilar([&] { m.Avisar(canal, carga); }); }
-
-private:
-    template <class F>
-    auto vigilar(F f) -> decltype(f())
-    {
-        try {
-            return f();
-        } catch (const ErrorBaseDatos &e) {
-            causa = e.causa();
-            throw;
-        }
-    }
-    Conexion &m;
-};
-
 QVariant valor(Conexion &c, const QString &sql, const QVariantList &v = {})
 {
     auto rs = c.Abrir(sql, v);

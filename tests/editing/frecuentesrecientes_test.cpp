@@ -1,0 +1,95 @@
+// The user's recent frequent entries: kept latest first, without repeats, at most ten; the
+// menu lists those that still exist and are not scheduled; a list that cannot be read is
+// never written over.
+#include "comun/conexionespia.h"
+#include "comun/datosdeprueba.h"
+#include "comun/mensajesguionados.h"
+
+#include "editing/frecuentesrecientes.h"
+#include "entries/frecuentesdatos.h"
+
+namespace {
+
+class Recientes : public ::testing::TestWithParam<Motor>
+{
+protected:
+    Recientes()
+        : m_base(GetParam(), BaseDePrueba::Contenido::Demo)
+    {
+        PrepararDatosDocumento(m_datos, m_base.conexion(), m_mensajes);
+    }
+
+    qint32 plantilla(const QString &nombre, bool agendada = false, qint32 empresa = Demo::kEmpresa)
+    {
+        MovimientoFrecuente m;
+        m.Empresa = empresa;
+        m.Nombre = nombre;
+        m.Fecha = BaseDePrueba::Hoy();
+        if (agendada) {
+            m.Recurrencia = QString::fromLatin1(FrecuentesDatos::kRecurrenciaAgendado);
+            m.FechaProxima = m.Fecha;
+        }
+        LineaDatos l;
+        l.Cuenta = m_base.IdCuenta("1.1.01");
+        l.Importe = l.ImporteMC = 10_imp;
+        m.Lineas = {l};
+        m.Monedas = {0};
+        FrecuentesDatos datos(m_base.conexion());
+        const qint32 id = datos.Guardar(m);
+        EXPECT_GT(id, 0) << datos.ultimoError().toStdString();
+        return id;
+    }
+
+    BaseDePrueba m_base;
+    MensajesGuionados m_mensajes;
+    DatosDocumento m_datos;
+};
+
+TEST_P(Recientes, ElUltimoPrimeroSinRepetirHastaDiez)
+{
+    FrecuentesRecientes recientes(m_datos);
+    EXPECT_TRUE(recientes.Leer().isEmpty());
+    for (qint32 id = 1; id <= 12; ++id)
+        recientes.Agregar(id);
+    recientes.Agregar(5);
+    recientes.Agregar(0);
+    recientes.Agregar(-3);
+    EXPECT_EQ(recientes.Leer(), (QList<qint32>{5, 12, 11, 10, 9, 8, 7, 6, 4, 3}));
+    // Another user's list is their own.
+    DatosDocumento otro = m_datos;
+    otro.usuario = Demo::kUsuarioContador;
+    EXPECT_TRUE(FrecuentesRecientes(otro).Leer().isEmpty());
+}
+
+TEST_P(Recientes, ElMenuSoloConLasQueExistenSinAgendaDeLaEmpresa)
+{
+    const qint32 alquiler = plantilla(QStringLiteral("Alquiler"));
+    const qint32 agendada = plantilla(QStringLiteral("Cuota"), true);
+    const qint32 ajena = plantilla(QStringLiteral("De otra empresa"), false, 2);
+    const qint32 luz = plantilla(QStringLiteral("Luz"));
+    FrecuentesRecientes recientes(m_datos);
+    for (const qint32 id : {alquiler, agendada, ajena, luz + 100, luz})
+        recientes.Agregar(id);
+    using Item = std::pair<QString, qint32>;
+    EXPECT_EQ(recientes.CargarFrecuentesRecientes(), (QList<Item>{{QStringLiteral("Luz"), luz}, {QStringLiteral("Alquiler"), alquiler}}));
+}
+
+// A read that fails while writes would work: nothing is written over the list kept.
+TEST_P(Recientes, UnaListaQueNoSePuedeLeerNoSePisa)
+{
+    FrecuentesRecientes(m_datos).Agregar(7);
+    FrecuentesRecientes(m_datos).Agregar(8);
+    Espia espia(m_base.conexion());
+    espia.fallar = [](const QString &sql) { return sql.startsWith(QLatin1String("Select")) && sql.contains(QLatin1String("genConfigUsuario")); };
+    DatosDocumento conFalla = m_datos;
+    auto proceso = std::make_shared<Proceso>(*m_datos.proceso);
+    proceso->conexion = std::shared_ptr<Conexion>(&espia, [](Conexion *) {});
+    conFalla.proceso = proceso;
+    EXPECT_THROW(FrecuentesRecientes(conFalla).Agregar(9), ErrorBaseDatos);
+    EXPECT_THROW(FrecuentesRecientes(conFalla).CargarFrecuentesRecientes(), ErrorBaseDatos);
+    EXPECT_EQ(FrecuentesRecientes(m_datos).Leer(), (QList<qint32>{8, 7}));
+}
+
+INSTANCIAR_EN_MOTORES(Recientes);
+
+} // namespace
