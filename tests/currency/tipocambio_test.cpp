@@ -75,6 +75,12 @@ TEST_P(TipoCambio, CruzadaCortadaATresDecimalesYNadaEsUno)
     EXPECT_EQ(tasa(6, 1, QDate(2026, 7, 1), f).aTexto(), QStringLiteral("1.0000"));
     EXPECT_EQ(f, QDate(2026, 7, 1));
     EXPECT_EQ(tasa(3, 4, QDate(2026, 4, 30), f).aTexto(), QStringLiteral("1.0000")); // nothing before that date
+
+    // Reales are quoted in pesos, euros in dollars: no common currency, so no rate across,
+    // even with a quotation of reales in dollars on record.
+    cotizacion("2026-07-01", 5, 2, 0.2);
+    EXPECT_EQ(tasa(3, 5, QDate(2026, 7, 2), f).aTexto(), QStringLiteral("1.0000"));
+    EXPECT_EQ(tasa(5, 3, QDate(2026, 7, 2), f).aTexto(), QStringLiteral("1.0000"));
 }
 
 TEST_P(TipoCambio, ReglasDeFecha)

@@ -1,5 +1,6 @@
 // The frequent-entry dialogs as a user drives them: a template typed with the keyboard and
 // stored, changed, found by name and registered, changed and deleted from the finder.
+#include "comun/busquedaexacta.h"
 #include "comun/datosdeprueba.h"
 #include "comun/dialogos.h"
 #include "comun/mensajesguionados.h"
@@ -21,20 +22,6 @@
 #include <QTreeWidget>
 
 namespace {
-
-// The real account search, as long as the text names one account.
-class BusquedaExacta final : public ServicioBusquedaCuentas
-{
-public:
-    bool Buscar(Conexion &conexion, qint32 empresa, const QString &texto, CuentaElegida &c, QWidget *) override
-    {
-        const auto coinciden = BusquedaCuentasQt::Coincidencias(BusquedaCuentasQt::Cuentas(conexion, empresa), texto);
-        if (coinciden.size() != 1)
-            return false;
-        c = {coinciden.first().id, 0, 0};
-        return true;
-    }
-};
 
 class DialogosFrecuentes : public ::testing::Test
 {

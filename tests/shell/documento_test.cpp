@@ -2,7 +2,8 @@
 #include "comun/datosdeprueba.h"
 #include "comun/hostdeprueba.h"
 #include "comun/mensajesguionados.h"
-#include "documentodeprueba.h"
+#include "comun/mensajesguionados.h"
+#include "shell/lumingasiento.h"
 
 #include "shell/idioma.h"
 #include "shell/lumingasiento.h"

@@ -1,10 +1,12 @@
 #pragma once
 
 #include "comun/basesprueba.h"
+#include "comun/busquedaexacta.h"
 #include "comun/datosdeprueba.h"
 #include "comun/hostdeprueba.h"
 #include "comun/mensajesguionados.h"
-#include "documentodeprueba.h"
+#include "comun/mensajesguionados.h"
+#include "shell/lumingasiento.h"
 
 #include "entries/vsgrid.h"
 #include "lineeditor/campocalculadora.h"
@@ -21,20 +23,6 @@
 
 #include <memory>
 #include <tuple>
-
-// The exact code the user types, as the search answers it without its dialog.
-class BusquedaExacta final : public ServicioBusquedaCuentas
-{
-public:
-    bool Buscar(Conexion &conexion, qint32 empresa, const QString &texto, CuentaElegida &c, QWidget *) override
-    {
-        const auto coinciden = BusquedaCuentasQt::Coincidencias(BusquedaCuentasQt::Cuentas(conexion, empresa), texto);
-        if (coinciden.size() != 1)
-            return false;
-        c = {coinciden.first().id, 0, 0};
-        return true;
-    }
-};
 
 // A started document of the user on the test database, on its clock, with its own host, messages
 // and layout folder, in a window shorter than a month of entries (the grid scrolls).

@@ -2,7 +2,7 @@
 #include "comun/datosdeprueba.h"
 #include "comun/hostdeprueba.h"
 #include "comun/mensajesguionados.h"
-#include "documentodeprueba.h"
+#include "escenario.h"
 
 #include "editing/comandosasiento.h"
 #include "entries/asientodatos.h"
@@ -28,18 +28,9 @@ protected:
     {
     }
 
-    std::unique_ptr<lumIngAsiento> abrir()
+    std::unique_ptr<lumIngAsiento> abrir(int usuario = Demo::kUsuarioAdministrador)
     {
-        m_host.base = QStringLiteral("x?psidusuario=1|psidempresa=1|psckey=lum01|pskeyinit=1|pstempdir=") + m_carpeta.path();
-        EntornoDocumento e;
-        e.host = &m_host;
-        e.mensajes = &m_mensajes;
-        e.ajustes.archivoAjustes = m_carpeta.filePath(QStringLiteral("a.ini"));
-        e.ajustes.baseDatos = m_base.direccion();
-        e.proceso = ProcesoDePrueba(m_base);
-        auto doc = std::make_unique<lumIngAsiento>(std::move(e));
-        doc->Iniciar();
-        return doc;
+        return DocumentoIniciado(m_base, m_host, m_mensajes, m_busqueda, m_carpeta, usuario);
     }
 
     // An entry of "Caja" against "Ventas de mercadería" for an amount, or with the account given.
@@ -86,6 +77,7 @@ protected:
     QTemporaryDir m_carpeta;
     HostDePrueba m_host;
     MensajesGuionados m_mensajes;
+    BusquedaExacta m_busqueda;
 };
 
 // The views of today and of the last 15 days count from the clock's day, across the ends of
@@ -195,6 +187,12 @@ TEST_P(Grabacion, RegistrarTodosLosBorradores)
     AsientoDatos otro(m_base.conexion());
     ASSERT_TRUE(otro.CargarAsiento(b));
     ASSERT_TRUE(otro.Grabar());
+    // A user who may only look registers nothing, whatever calls the command.
+    auto consulta = abrir(Demo::kUsuarioConsulta);
+    mostrarUltimos(*consulta);
+    consulta->comandos().RegistrarListados(0);
+    EXPECT_EQ(estadoEnBase(a), 0);
+
     doc->comandos().RegistrarListados(0);
     EXPECT_EQ(estadoEnBase(a), 1);
     EXPECT_EQ(estadoEnBase(b), 0);

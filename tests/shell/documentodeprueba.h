@@ -1,5 +1,0 @@
-#pragma once
-
-#include "comun/mensajesguionados.h"
-
-#include "shell/lumingasiento.h"
