@@ -226,8 +226,7 @@ void MovimientosFrecuentes::aceptarLinea()
         l.Importe = v.dImporte;
         l.ImporteMC = extranjera ? v.dImporteMC : v.dImporte;
         l.Tasa = extranjera ? v.dTCambio : (v.dImporte.esCero() ? 0 : 1);
-        l.Orden = qint16(m_movimiento.Lineas.size() + 1);
-        m_movimiento.Lineas.append(l);
+        m_movimiento.Lineas.append(l); // stored in this order, numbered from 1
         m_movimiento.Monedas.append(extranjera ? v.iMon : qint16(0));
     }
     mostrarLineas();
@@ -241,8 +240,6 @@ void MovimientosFrecuentes::quitarLinea()
         return;
     m_movimiento.Lineas.removeAt(i);
     m_movimiento.Monedas.removeAt(i);
-    for (int k = 0; k < m_movimiento.Lineas.size(); ++k)
-        m_movimiento.Lineas[k].Orden = qint16(k + 1);
     mostrarLineas();
     if (lvLineas->topLevelItemCount() > 0)
         lvLineas->setCurrentItem(lvLineas->topLevelItem(std::min(i, lvLineas->topLevelItemCount() - 1)));

@@ -144,6 +144,12 @@ TEST(PaginasGrilla, FilasPorPaginaEncabezadoYEscala)
     const double ancho = pagina.paintRect(QPageLayout::Point).width();
     EXPECT_NEAR(p.AnchoEnPapel(0) + p.AnchoEnPapel(1) + p.AnchoEnPapel(2), ancho, 1e-9);
     EXPECT_NEAR(p.AnchoEnPapel(0), ancho / 2, 1e-9);
+    // A hidden column keeps its width in the grid, and takes none on paper.
+    g.ocultas[1] = true;
+    p.Componer(g, pagina, QStringLiteral("T"));
+    EXPECT_EQ(p.AnchoEnPapel(1), 0);
+    EXPECT_NEAR(p.AnchoEnPapel(0) + p.AnchoEnPapel(2), ancho, 1e-9);
+    g.ocultas[1] = false;
 
     // An empty grid still makes one page with its heading.
     GrillaFalsa vacia(1, 2);

@@ -164,16 +164,20 @@ TEST_F(DialogosFrecuentes, UnaPlantillaGuardadaSeCambiaYCancelarNoGuardaNada)
         ASSERT_EQ(lista->topLevelItemCount(), 3);
         EXPECT_TRUE(lista->topLevelItem(1)->text(1).startsWith(QStringLiteral("1.1.01")));
         lista->setFocus();
-        lista->setCurrentItem(lista->topLevelItem(2));
+        lista->setCurrentItem(lista->topLevelItem(1));
         QTest::keyClick(lista, Qt::Key_Delete);
         EXPECT_EQ(lista->topLevelItemCount(), 2);
-        EXPECT_EQ(hijo<QLabel>(d, "lDiferencia")->text(), QStringLiteral("Falta 300,00 al haber."));
+        EXPECT_EQ(hijo<QLabel>(d, "lDiferencia")->text(), QStringLiteral("Falta 500,00 al haber."));
         hijo<QCheckBox>(d, "chkAgendar")->setChecked(true);
         hijo<CampoFecha>(d, "odDesde")->setDate(primera);
         hijo<QPushButton>(d, "bfOK")->click();
     });
     EXPECT_EQ(guardado, id);
-    EXPECT_EQ(lineas(id, true), (QStringList{QStringLiteral("5.3.01|D|800.00"), QStringLiteral("1.1.01|H|500.00")}));
+    EXPECT_EQ(lineas(id, true), (QStringList{QStringLiteral("5.3.01|D|800.00"), QStringLiteral("1.1.02|H|300.00")}));
+    // The lines left are numbered again from 1.
+    EXPECT_EQ(m_base.Valor(QStringLiteral("Select Min(MFLOrden) * 10 + Max(MFLOrden) From genMovimientosFrecuentesLineas Where MFLIDMovimiento = ?"),
+                           {id}).toInt(),
+              12);
     EXPECT_EQ(QDate::fromString(m_base.Valor(QStringLiteral("Select MFrFechaProxima From genMovimientosFrecuentes Where MFrID = ?"), {id})
                                     .toString().left(10), Qt::ISODate),
               primera);
