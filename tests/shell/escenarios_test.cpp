@@ -411,6 +411,40 @@ TEST_P(Escenarios, UnInconclusoDelLibroDeSaldosInicialesAlCerrar)
 }
 
 // A stamp stored without milliseconds ("…10:00:00") is the stamp read: the write goes through.
+// With the opening-balance entry there, one that comes to balance in that book is written
+// with another book only when the user says yes, and only when there is one: a "no", or
+// books the company has none of, write nothing (1837).
+TEST_P(Escenarios, UnSegundoDeSaldosInicialesSinSiOSinOtroLibroNoSeGraba)
+{
+    const qint32 id = AsientoDeSaldosIniciales(m_base.conexion(), EstadoAsiento::kInconcluso);
+    m_base.conexion().Ejecutar(QStringLiteral("Update cceAsientos Set AsiEstado = 9 Where AsiID = ?"), {id});
+    ASSERT_GT(AsientoDeSaldosIniciales(m_base.conexion(), EstadoAsiento::kRegistrado), 0);
+    m_base.conexion().Ejecutar(QStringLiteral("Update cceAsientos Set AsiEstado = 2 Where AsiID = ?"), {id});
+    const AsientoEnBase antes = enBase(id);
+    for (const bool sinLibros : {false, true}) {
+        if (sinLibros)
+            m_base.conexion().Ejecutar(QStringLiteral("Delete From genLibros Where LibDelSistema = 0"));
+        ASSERT_FALSE(CargarAsientoEnGrilla(m_doc->asientos(), *m_doc->proceso().conexion, id, m_doc->grilla().Filas() - 1));
+        abrir(filaDe(id) + 2);
+        escribir(editor()->campo(lumERAsiento::kImporte), QStringLiteral("5000"));
+        m_mensajes.mostrados.clear();
+        m_mensajes.Responder(ServicioMensajes::Respuesta::No);
+        aceptarLinea();
+        ASSERT_EQ(m_mensajes.mostrados.size(), 1) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
+        EXPECT_TRUE(m_mensajes.mostrados[0].startsWith(sinLibros ? QStringLiteral("error: El asiento de saldos iniciales ya fue realizado.")
+                                                                 : QStringLiteral("pregunta: Ya existe el asiento de saldos iniciales")))
+            << m_mensajes.mostrados[0].toStdString();
+        EXPECT_EQ(enBase(id), antes);
+        EXPECT_EQ(enBase(id).sello, antes.sello);
+        // Leaving drops what the refused write held, after the question.
+        m_mensajes.Responder(ServicioMensajes::Respuesta::No);
+        escape(foco());
+        EXPECT_EQ(m_doc->FilaEdicion(), 0);
+        EXPECT_EQ(enBase(id).sello, antes.sello);
+        m_doc->asientos().QuitarAsientoDeGrilla(id);
+    }
+}
+
 TEST_P(Escenarios, UnSelloSinMilisegundosNoImpideGuardar)
 {
     vista(Vista::kPrimerMes);
