@@ -204,6 +204,10 @@ TEST(SelloNuevo, ElAhoraDelRelojYSiempreDespuesDelLeido)
     // The clock runs on from the instant fixed: two stamps in a row never go back.
     EXPECT_LE(ms, AsientoDatos::SelloNuevo(reloj, QDateTime()));
 
+    // A stamp read before now gives way to now; one after now is passed by a step.
+    const QDateTime viejo(QDate(2020, 1, 1), QTime(10, 0, 0, 999), Qt::UTC);
+    EXPECT_GE(AsientoDatos::SelloNuevo(reloj, viejo), fijado);
+    EXPECT_GE(AsientoDatos::SelloNuevo(reloj, viejo, S::SegundosEnteros), fijado.addMSecs(-500));
     const QDateTime leido(QDate(2999, 1, 1), QTime(10, 0, 0, 999), Qt::UTC);
     EXPECT_EQ(AsientoDatos::SelloNuevo(reloj, leido), leido.addMSecs(1));
     EXPECT_EQ(AsientoDatos::SelloNuevo(reloj, leido, S::SegundosEnteros), QDateTime(QDate(2999, 1, 1), QTime(10, 0, 1), Qt::UTC));
