@@ -367,6 +367,12 @@ TEST_F(Documento, LaGrillaVuelveComoSeDejoYUnDisenoDanadoNoDetiene)
     const QString parametros = QStringLiteral("psidusuario=1|psidempresa=1|pskeyinit=1|pstempdir=")
                              + QString(carpeta).replace(QLatin1Char(' '), QLatin1String("%20"));
     int filas = 0;
+    static QStringList avisos; // what the program wrote to its log
+    avisos.clear();
+    const QtMessageHandler anterior = qInstallMessageHandler([](QtMsgType tipo, const QMessageLogContext &, const QString &texto) {
+        if (tipo == QtWarningMsg && texto.contains(QStringLiteral("diseño")))
+            avisos << texto;
+    });
     {
         auto doc = abrir(parametros);
         doc->ElegirVista(2);
@@ -375,6 +381,15 @@ TEST_F(Documento, LaGrillaVuelveComoSeDejoYUnDisenoDanadoNoDetiene)
     }
     const QString ruta = carpeta + QStringLiteral("/lg1a.tgr");
     ASSERT_TRUE(QFile::exists(ruta));
+    EXPECT_TRUE(avisos.isEmpty()) << avisos.join(QLatin1Char('\n')).toStdString(); // saved: nothing to say
+    {
+        // A layout that cannot be saved (its place is a folder) is told in the log.
+        const QString otra = m_carpeta.filePath(QStringLiteral("otra"));
+        QDir().mkpath(otra + QStringLiteral("/lg1a.tgr"));
+        abrir(QStringLiteral("psidusuario=1|psidempresa=1|pskeyinit=1|pstempdir=") + otra);
+    }
+    qInstallMessageHandler(anterior);
+    EXPECT_EQ(avisos.size(), 2) << avisos.join(QLatin1Char('\n')).toStdString(); // it could neither be read nor saved
     {
         auto doc = abrir(parametros);
         EXPECT_EQ(doc->grilla().Filas(), filas);
