@@ -129,6 +129,21 @@ void MovimientosFrecuentes::crearControles()
     todo->addLayout(botones);
     for (QWidget *w : std::initializer_list<QWidget *>{tNombre, tLeyenda, cfLibro})
         w->installEventFilter(this);
+    auto cambio = [this] { m_cambiado = true; };
+    connect(tNombre, &QLineEdit::textEdited, this, cambio);
+    connect(tLeyenda, &QLineEdit::textEdited, this, cambio);
+    connect(cfLibro, &QComboBox::activated, this, cambio);
+    connect(chkAgendar, &QCheckBox::clicked, this, cambio);
+    connect(odDesde, &QLineEdit::textEdited, this, cambio);
+}
+
+void MovimientosFrecuentes::reject()
+{
+    // What was typed, a line not yet taken included, is only dropped when the user says so.
+    const bool lineaEscrita = oraEdit->CuentaIngresadaAlDebe() || oraEdit->CuentaIngresadaAlHaber();
+    if ((m_cambiado || lineaEscrita) && !m_datos.Preguntar(1968))
+        return;
+    QDialog::reject();
 }
 
 void MovimientosFrecuentes::prepararEditor()
@@ -229,6 +244,7 @@ void MovimientosFrecuentes::aceptarLinea()
         m_movimiento.Lineas.append(l); // stored in this order, numbered from 1
         m_movimiento.Monedas.append(extranjera ? v.iMon : qint16(0));
     }
+    m_cambiado = true;
     mostrarLineas();
     oraEdit->SetFocusCtrl(lumERAsiento::kDebe, 0);
 }
@@ -240,6 +256,7 @@ void MovimientosFrecuentes::quitarLinea()
         return;
     m_movimiento.Lineas.removeAt(i);
     m_movimiento.Monedas.removeAt(i);
+    m_cambiado = true;
     mostrarLineas();
     if (lvLineas->topLevelItemCount() > 0)
         lvLineas->setCurrentItem(lvLineas->topLevelItem(std::min(i, lvLineas->topLevelItemCount() - 1)));
@@ -318,6 +335,7 @@ qint32 MovimientosFrecuentes::Editar(qint32 mfrID)
         odDesde->setDate(m_movimiento.FechaProxima);
     prepararEditor();
     mostrarLineas();
+    m_cambiado = false;
     tNombre->setFocus();
     exec();
     return m_guardado;

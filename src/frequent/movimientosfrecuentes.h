@@ -21,7 +21,8 @@ struct DatosDocumento;
 // one: its name, legend and book, whether it is scheduled (monthly, from a first date), and
 // its lines, typed with the line editor below the list of lines (Enter in the amount adds
 // the line; Supr on a line of the list takes it out). "Guardar" refuses a template without
-// a name or without lines, and tells a failure to store it with 1908.
+// a name or without lines, and tells a failure to store it with 1908. Leaving with changes
+// not saved (Cancel, Escape, closing the window) asks first (1968).
 class MovimientosFrecuentes : public QDialog
 {
     Q_OBJECT
@@ -32,6 +33,8 @@ public:
     // Shows the dialog for a new template (0) or a stored one; answers its MFrID once saved,
     // 0 when the user cancelled or the template does not exist.
     qint32 Editar(qint32 mfrID = 0);
+
+    void reject() override;
 
 protected:
     bool eventFilter(QObject *objeto, QEvent *evento) override;
@@ -50,6 +53,7 @@ private:
     ServicioBusquedaCuentas &m_cuentas;
     MovimientoFrecuente m_movimiento;
     qint32 m_guardado = 0;
+    bool m_cambiado = false; // something changed since the template was shown
 
     QLineEdit *tNombre = nullptr;
     QLineEdit *tLeyenda = nullptr;

@@ -182,14 +182,27 @@ TEST_F(DialogosFrecuentes, UnaPlantillaGuardadaSeCambiaYCancelarNoGuardaNada)
                                     .toString().left(10), Qt::ISODate),
               primera);
 
+    // Leaving with changes asks first: "No" stays in the dialog, "Yes" drops them.
+    m_mensajes.Responder(ServicioMensajes::Respuesta::No);
+    m_mensajes.Responder(ServicioMensajes::Respuesta::Si);
     ConDialogo<MovimientosFrecuentes>([&] { guardado = dialogo.Editar(id); }, [&](MovimientosFrecuentes &d) {
         QTest::keyClick(hijo<QTreeWidget>(d, "lvLineas"), Qt::Key_Delete);
         teclear(hijo(d, "tNombre"), QStringLiteral("Otro nombre"));
         hijo<QPushButton>(d, "bfCancel")->click();
+        EXPECT_TRUE(d.isVisible());
+        QTest::keyClick(hijo(d, "tNombre"), Qt::Key_Escape);
+        EXPECT_FALSE(d.isVisible());
     });
+    EXPECT_EQ(m_mensajes.mostrados, (QStringList(2, QStringLiteral("pregunta: 1968"))));
     EXPECT_EQ(guardado, 0);
     EXPECT_EQ(lineas(id, true).size(), 2);
     EXPECT_EQ(m_base.Valor(QStringLiteral("Select MFrNombre From genMovimientosFrecuentes Where MFrID = ?"), {id}).toString(), QStringLiteral("Luz"));
+
+    // Unchanged, it closes without a question.
+    m_mensajes.mostrados.clear();
+    ConDialogo<MovimientosFrecuentes>([&] { guardado = dialogo.Editar(id); },
+                                      [&](MovimientosFrecuentes &d) { hijo<QPushButton>(d, "bfCancel")->click(); });
+    EXPECT_TRUE(m_mensajes.mostrados.isEmpty());
 }
 
 // The finder lists the templates whose name holds what is typed; Enter goes name, list,
