@@ -4,6 +4,7 @@
 #include "comun/datosdeprueba.h"
 #include "comun/mensajesguionados.h"
 
+#include "editing/cambiosajenos.h"
 #include "editing/sesionedicion.h"
 #include "entries/vistas.h"
 #include "store/basedemo.h"
@@ -514,6 +515,32 @@ TEST_P(Edicion, CadaAsientoDeLaDemoAbiertoYAceptadoSinCambiosQuedaIgual)
         m_asientos.QuitarAsientoDeGrilla(id);
     }
     EXPECT_GT(escritos, todos.size() * 9 / 10);
+}
+
+// Another session's write is marked on the rows looked at, the last of them included, and
+// on no other; the mark says who wrote it.
+TEST_P(Edicion, UnaEscrituraAjenaSeMarcaEnLasFilasMiradas)
+{
+    const QList<qint32> registrados = ids(QStringLiteral("AsiEstado = 1 And AsiFechaAsiento < '2026-11-01'"));
+    ASSERT_GE(registrados.size(), 2);
+    const int primero = cargar(registrados[0]);
+    const int segundo = cargar(registrados[1]);
+    std::pair<int, int> miradas{primero, segundo};
+    CambiosAjenos vigia(m_datos, m_asientos, [&] { return miradas; });
+    for (const qint32 id : {registrados[0], registrados[1]}) {
+        AsientoDatos otro(m_base.conexion());
+        otro.FijarUsuario(Demo::kUsuarioContador);
+        ASSERT_TRUE(otro.CargarAsiento(id));
+        ASSERT_TRUE(otro.Grabar());
+    }
+    miradas = {segundo, segundo};
+    EXPECT_EQ(vigia.Revisar(), 1);
+    EXPECT_EQ(m_grilla.Fila(segundo).imagen, QLatin1String(CambiosAjenos::kImagen));
+    EXPECT_TRUE(vigia.Aviso(segundo).startsWith(QStringLiteral("Modificado por Contadora"))) << vigia.Aviso(segundo).toStdString();
+    EXPECT_NE(m_grilla.Fila(primero).imagen, QLatin1String(CambiosAjenos::kImagen));
+    EXPECT_TRUE(vigia.Aviso(primero).isEmpty());
+    miradas = {primero, segundo};
+    EXPECT_EQ(vigia.Revisar(), 1); // the one marked already is not marked again
 }
 
 INSTANCIAR_EN_MOTORES(Edicion);
