@@ -11,6 +11,8 @@
 #include "entries/vsgrid.h"
 #include "shell/lumingasiento.h"
 #include "shell/menusdocumento.h"
+#include "shell/idioma.h"
+#include "entries/vistas.h"
 #include "store/basedemo.h"
 
 #include <QAction>
@@ -162,6 +164,34 @@ TEST_P(AperturaEnDocumento, LaOpcionDeInicioSoloSinAsiento)
     EXPECT_EQ(doc->ComandoDiferido(), QString());
     EXPECT_FALSE(conAviso(*doc));
     EXPECT_TRUE(m_mensajes.mostrados.isEmpty());
+}
+
+// The entry menu offers what can be done on the row: making the opening-balance entry while
+// there is none; turning a stored entry into it while there is none, or it into an ordinary
+// one; nothing on the new-entry row.
+TEST_P(AperturaEnDocumento, ElMenuDeCadaFilaOfreceLoQueSePuede)
+{
+    auto doc = abrir();
+    auto estado = [&](int fila) {
+        doc->grid()->FijarFilaActual(fila);
+        doc->PrepararMenuEdicion();
+        QAction *hacer = doc->menus().accion(QStringLiteral("MnuEdiAPA"));
+        QAction *convertir = doc->menus().accion(QStringLiteral("MnuEdiASI"));
+        return QStringLiteral("%1|%2|%3").arg(hacer->isEnabled()).arg(convertir->text()).arg(convertir->isEnabled());
+    };
+    const QString aApertura = Idioma::resLoad(33);
+    const QString aNormal = Idioma::resLoad(34);
+    doc->ElegirVista(Vista::kUltimos5);
+    const int comun = doc->grilla().FilasFijas();
+    ASSERT_TRUE(doc->asientos().EsFilaCabezal(comun));
+    const int nuevo = doc->grilla().Filas() - 1;
+    EXPECT_EQ(estado(comun), QStringLiteral("1|%1|1").arg(aApertura));
+    EXPECT_EQ(estado(nuevo), QStringLiteral("1|%1|0").arg(aApertura));
+
+    const qint32 id = apertura(EstadoAsiento::kRegistrado);
+    ASSERT_FALSE(CargarAsientoEnGrilla(doc->asientos(), *doc->proceso().conexion, id, doc->grilla().Filas() - 1));
+    EXPECT_EQ(estado(filaDe(*doc, id)), QStringLiteral("0|%1|1").arg(aNormal));
+    EXPECT_EQ(estado(comun), QStringLiteral("0|%1|0").arg(aApertura));
 }
 
 INSTANCIAR_EN_MOTORES(AperturaEnDocumento);
