@@ -101,7 +101,7 @@ TEST_P(Correcciones, UnAsientoConUnaCuentaCerradaNoCambiaEnNada)
         m_doc->findChild<QComboBox *>(QStringLiteral("cfAutoriza"))->setCurrentIndex(0);
         enter(editor()->campo(lumERAsiento::kImporte));
     }
-    EXPECT_TRUE(m_mensajes.mostrados.contains(QStringLiteral("error: No se puede registrar el asiento ya que existen cuentas cerradas para la fecha.")))
+    EXPECT_TRUE(m_mensajes.mostrados.contains(Dicho("error", 1811)))
         << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
     if (m_doc->FilaEdicion() > 0)
         escape(foco());

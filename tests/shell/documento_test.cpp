@@ -1,3 +1,5 @@
+#include "escenario.h"
+
 #include "comun/basesprueba.h"
 #include "comun/datosdeprueba.h"
 #include "comun/hostdeprueba.h"
@@ -196,7 +198,7 @@ TEST_F(Documento, ParametrosDelSistemaQueFallanNoDetienenElArranque)
     auto doc = abrir(usuario(1));
     EXPECT_EQ(doc->estado(), lumIngAsiento::Estado::Listo);
     ASSERT_FALSE(m_mensajes.mostrados.isEmpty());
-    EXPECT_EQ(m_mensajes.mostrados[0], QStringLiteral("error: Error al cargar los parámetros del sistema."));
+    EXPECT_EQ(m_mensajes.mostrados[0], Dicho("error", 1926));
 }
 
 // The document inside a window, shown the way the program's host shows it, with the real

@@ -6,6 +6,7 @@
 #include "comun/hostdeprueba.h"
 #include "comun/mensajesguionados.h"
 #include "comun/mensajesguionados.h"
+#include "shell/idioma.h"
 #include "shell/lumingasiento.h"
 
 #include "entries/vsgrid.h"
@@ -23,6 +24,16 @@
 
 #include <memory>
 #include <tuple>
+
+// What the scripted message service records when the document shows catalogue text numero
+// as tipo ("pregunta", "advertencia", "error", "información"), in the language in use.
+inline QString Dicho(const char *tipo, int numero)
+{
+    const QString texto = Idioma::resLoad(numero - 1000);
+    if (texto.isEmpty())
+        ADD_FAILURE() << "sin texto " << numero << " en el catálogo cargado";
+    return QString::fromUtf8(tipo) + QStringLiteral(": ") + texto;
+}
 
 // A started document of the user on the test database, on its clock, with its own host, messages
 // and layout folder, in a window shorter than a month of entries (the grid scrolls).

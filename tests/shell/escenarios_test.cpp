@@ -270,7 +270,7 @@ TEST_P(Escenarios, UnaEscrituraRechazadaYEscapeMuestranElAsientoGuardado)
     const AsientoEnBase ajeno = enBase(id);
     escribir(m_doc->campoLeyenda(), QStringLiteral("Cambio que no se guarda"));
     aceptarLinea();
-    ASSERT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("error: Registro modificado con anterioridad.")});
+    ASSERT_EQ(m_mensajes.mostrados, QStringList{Dicho("error", 1820)});
     EXPECT_GT(m_doc->FilaEdicion(), 0);
     m_mensajes.Responder(ServicioMensajes::Respuesta::No); // 1956: discard what was typed
     escape(foco());
@@ -496,7 +496,7 @@ TEST_P(Escenarios, LaFechaEscritaYDejadaConTabLlegaAlEditorDeLinea)
     QApplication::processEvents();
     EXPECT_EQ(m_doc->campoFecha()->date(), QDate(2025, 12, 31));
     EXPECT_EQ(foco(), m_doc->campoFecha());
-    EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("error: La fecha ingresada no es válida.")});
+    EXPECT_EQ(m_mensajes.mostrados, QStringList{Dicho("error", 1951)});
     escape(foco());
 }
 
@@ -512,8 +512,8 @@ TEST_P(Escenarios, CopiarUnAsientoConUnaCuentaCerradaInformaYNoCopia)
     m_doc->grid()->FijarFilaActual(filaDe(id));
     m_mensajes.Responder(ServicioMensajes::Respuesta::Si);
     m_doc->menus().accion(QStringLiteral("MnuEdiCopy"))->trigger();
-    EXPECT_EQ(m_mensajes.mostrados, (QStringList{QStringLiteral("pregunta: ¿Confirma hacer una copia de este asiento?"),
-                                                 QStringLiteral("información: No se logro copiar el asiento ya que existen cuentas cerradas.")}));
+    EXPECT_EQ(m_mensajes.mostrados, (QStringList{Dicho("pregunta", 1806),
+                                                 Dicho("información", 1816)}));
     EXPECT_EQ(m_mensajes.titulosPreguntas, QStringList{QStringLiteral("Copiar Asiento")});
     EXPECT_EQ(ultimoId(), ultimo);
 }

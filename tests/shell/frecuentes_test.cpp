@@ -122,7 +122,7 @@ TEST_P(FrecuentesEnDocumento, UnRecienteSeRegistraSoloConSiYQuedaAlFinalDeLaGril
     const qint32 ultimo = ultimoId();
     m_mensajes.Responder(ServicioMensajes::Respuesta::No);
     elegir(alquiler);
-    EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("pregunta: ¿Confirma realizar el asiento?")});
+    EXPECT_EQ(m_mensajes.mostrados, QStringList{Dicho("pregunta", 1834)});
     EXPECT_TRUE(m_doc->ComandoDiferido().isEmpty()); // nothing left to run later
     EXPECT_EQ(ultimoId(), ultimo);
 

@@ -134,7 +134,7 @@ TEST_P(Grabacion, OtroUsuarioGraboAntes)
 
     doc->grid()->FijarFilaActual(filaDe(*doc, id));
     doc->comandos().RegistrarAsiento();
-    EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("error: Registro modificado con anterioridad.")});
+    EXPECT_EQ(m_mensajes.mostrados, QStringList{Dicho("error", 1820)});
     EXPECT_EQ(estadoEnBase(id), 0);
     EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientos Where AsiID = %1 And AsiLeyenda = 'cambiada por otro'").arg(id)), 1);
 }
@@ -173,7 +173,7 @@ TEST_P(Grabacion, CuentaCerradaNoSeRegistra)
     mostrarUltimos(*doc);
     doc->grid()->FijarFilaActual(filaDe(*doc, id));
     doc->comandos().RegistrarAsiento();
-    EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("error: No se puede registrar el asiento ya que existen cuentas cerradas para la fecha.")});
+    EXPECT_EQ(m_mensajes.mostrados, QStringList{Dicho("error", 1811)});
     EXPECT_EQ(estadoEnBase(id), 0);
 }
 
@@ -197,7 +197,7 @@ TEST_P(Grabacion, RegistrarTodosLosBorradores)
     EXPECT_EQ(estadoEnBase(a), 1);
     EXPECT_EQ(estadoEnBase(b), 0);
     EXPECT_EQ(estadoEnBase(futuro), 0);
-    EXPECT_EQ(m_mensajes.mostrados.count(QStringLiteral("advertencia: Error en algunos asientos, no se cambiaron de estado a todos.")), 1);
+    EXPECT_EQ(m_mensajes.mostrados.count(Dicho("advertencia", 1822)), 1);
     // The grid shows what was written, and only that.
     EXPECT_EQ(doc->grilla().Dato(filaDe(*doc, a), 3).toInt(), 1);
     EXPECT_EQ(doc->grilla().Dato(filaDe(*doc, a), 4).toDateTime(),
@@ -231,7 +231,7 @@ TEST_P(Grabacion, EliminarAsientoYFila)
     doc->comandos().EliminarAsiento(false);
     EXPECT_EQ(estadoEnBase(id), 1);
     EXPECT_EQ(filaDe(*doc, id), fila);
-    EXPECT_EQ(m_mensajes.mostrados.last(), QStringLiteral("pregunta: ¿Desea eliminar todo el asiento?"));
+    EXPECT_EQ(m_mensajes.mostrados.last(), Dicho("pregunta", 1804));
     doc->grid()->FijarFilaActual(fila);
     m_mensajes.Responder(ServicioMensajes::Respuesta::Si);
     doc->comandos().EliminarAsiento(false);
@@ -246,7 +246,7 @@ TEST_P(Grabacion, UnaFilaDeUnAsientoDeCierreNoSeElimina)
     mostrarUltimos(*doc);
     doc->grid()->FijarFilaActual(filaDe(*doc, id) + 1);
     doc->comandos().EliminarAsiento(true);
-    EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("advertencia: En este tipo de Asiento no se puede eliminar un único renglón.")});
+    EXPECT_EQ(m_mensajes.mostrados, QStringList{Dicho("advertencia", 1817)});
     EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientoCuenta Where ACuIDAsiento = %1").arg(id)), 3);
 }
 
@@ -271,7 +271,7 @@ TEST_P(Grabacion, CopiarYOcultar)
     m_mensajes.Responder(ServicioMensajes::Respuesta::Si);
     doc->comandos().CopiarAsiento();
     m_base.conexion().Ejecutar(QStringLiteral("Alter Table cceAsientosHistorialFuera Rename To cceAsientosHistorial"));
-    EXPECT_TRUE(m_mensajes.mostrados.last().startsWith(QStringLiteral("error: Error al copiar el asiento."))) << m_mensajes.mostrados.last().toStdString();
+    EXPECT_TRUE(m_mensajes.mostrados.last().startsWith(Dicho("error", 1915))) << m_mensajes.mostrados.last().toStdString();
     EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientos")), antes + 1);
     EXPECT_EQ(doc->grilla().Filas(), filas);
 
@@ -467,7 +467,7 @@ TEST_P(Grabacion, AgendarUnaCopiaViejaNoBorraElCambioDeOtro)
     doc->grid()->FijarFilaActual(filaDe(*doc, id));
     m_mensajes.Responder(ServicioMensajes::Respuesta::Si); // 1807: schedule it
     doc->comandos().RegistrarAsiento();
-    EXPECT_EQ(m_mensajes.mostrados.last(), QStringLiteral("error: Registro modificado con anterioridad."));
+    EXPECT_EQ(m_mensajes.mostrados.last(), Dicho("error", 1820));
     EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientos Where AsiID = %1 And AsiLeyenda = 'Cambio de la otra usuaria'").arg(id)), 1);
     EXPECT_EQ(contar(QStringLiteral("Select Count(*) From genMovimientosFrecuentes")), plantillas);
     EXPECT_GT(filaDe(*doc, id), 0);

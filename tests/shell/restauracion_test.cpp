@@ -69,7 +69,7 @@ TEST_P(Restauracion, EliminarPreguntaYLaPapeleraLoDevuelveEntero)
     const QStringList filas = filasVistas(id);
 
     suprimir(filaDe(id), ServicioMensajes::Respuesta::No);
-    EXPECT_EQ(m_mensajes.mostrados.last(), QStringLiteral("pregunta: ¿Desea eliminar todo el asiento?"));
+    EXPECT_EQ(m_mensajes.mostrados.last(), Dicho("pregunta", 1804));
     EXPECT_EQ(enBase(id), antes);
     EXPECT_EQ(filasVistas(id), filas);
 
@@ -124,7 +124,7 @@ TEST_P(Restauracion, DeLaPapeleraSoloLoQueUnaEscrituraPuede)
     tabla->setCurrentCell(0, 0);
     ASSERT_EQ(tabla->item(0, 1)->text(), QStringLiteral("Compra con flete"));
     dialogo->findChild<QPushButton *>(QStringLiteral("botonRestaurar"))->click();
-    EXPECT_EQ(m_mensajes.mostrados.last(), QStringLiteral("error: No se puede restaurar el asiento: tiene cuentas cerradas a su fecha."));
+    EXPECT_EQ(m_mensajes.mostrados.last(), Dicho("error", 1962));
     EXPECT_EQ(enBase(id).cabezal.value(0), QStringLiteral("9"));
     EXPECT_EQ(filaDe(id), -1);
     dialogo->close();
@@ -199,7 +199,7 @@ TEST_P(Restauracion, NadaPisaElCambioDeOtroUsuario)
     otroUsuarioCambia(id);
     const AsientoEnBase deOtro = enBase(id);
     deshacer();
-    EXPECT_EQ(m_mensajes.mostrados.last(), QStringLiteral("error: Registro modificado con anterioridad."));
+    EXPECT_EQ(m_mensajes.mostrados.last(), Dicho("error", 1820));
     EXPECT_EQ(enBase(id), deOtro);
 
     // The history read now offers the first version back.
@@ -219,7 +219,7 @@ TEST_P(Restauracion, NadaPisaElCambioDeOtroUsuario)
     const AsientoEnBase ultimo = enBase(id);
     m_mensajes.Responder(ServicioMensajes::Respuesta::Si);
     restaurar->click();
-    EXPECT_EQ(m_mensajes.mostrados.last(), QStringLiteral("error: Registro modificado con anterioridad."));
+    EXPECT_EQ(m_mensajes.mostrados.last(), Dicho("error", 1820));
     EXPECT_EQ(enBase(id), ultimo);
     historial->close();
     delete historial;
@@ -248,7 +248,7 @@ TEST_P(Restauracion, NadaPisaElCambioDeOtroUsuario)
     ASSERT_NE(historial, nullptr);
     historial->findChild<QTableWidget *>(QStringLiteral("tablaHistorial"))->setCurrentCell(0, 0);
     historial->findChild<QPushButton *>(QStringLiteral("botonRestaurarVersion"))->click();
-    EXPECT_EQ(m_mensajes.mostrados.last(), QStringLiteral("información: El asiento ya está como en esa versión: no hay nada que restaurar."));
+    EXPECT_EQ(m_mensajes.mostrados.last(), Dicho("información", 1965));
     EXPECT_EQ(operaciones(id).size(), escrituras);
 }
 

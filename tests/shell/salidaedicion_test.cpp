@@ -132,7 +132,7 @@ TEST_P(SalidaEdicion, TrasUnaEscrituraRechazadaLoEscritoQuedaHastaQueElUsuarioEl
     m_mensajes.Responder(Respuesta::Cancelar); // 1956: back to the edit
     escape(m_doc->campoLeyenda());
     ASSERT_EQ(m_mensajes.mostrados.size(), 2) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
-    EXPECT_EQ(m_mensajes.mostrados[0], QStringLiteral("error: Registro modificado con anterioridad."));
+    EXPECT_EQ(m_mensajes.mostrados[0], Dicho("error", 1820));
     EXPECT_EQ(m_mensajes.mostrados[1], pregunta(1961));
     ASSERT_GT(m_doc->FilaEdicion(), 0);
     EXPECT_EQ(m_doc->campoLeyenda()->text(), QStringLiteral("Leyenda que no se pudo guardar"));

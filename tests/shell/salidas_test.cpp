@@ -230,7 +230,7 @@ TEST_P(Salidas, CancelarOFallarNoEscribeNada)
     m_selector.respuesta = ruta("no-existe/mes");
     elegir("MnuExpExcell");
     ASSERT_EQ(m_mensajes.mostrados.size(), 2);
-    EXPECT_EQ(m_mensajes.mostrados.value(0), QStringLiteral("error: Error al exportar la información."));
+    EXPECT_EQ(m_mensajes.mostrados.value(0), Dicho("error", 1938));
     EXPECT_FALSE(m_mensajes.detalles.value(0).isEmpty());
     EXPECT_FALSE(QFileInfo::exists(ruta("no-existe")));
 

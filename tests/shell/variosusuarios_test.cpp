@@ -173,7 +173,7 @@ TEST_P(VariosUsuarios, DosGrabanElMismoAsientoAbiertoYGanaElPrimero)
     cambiarLeyendaYAceptar(*m_otro, m_mensajesB, QStringLiteral("Llega tarde"));
     QApplication::processEvents();
 
-    EXPECT_TRUE(m_mensajesB.mostrados.contains(QStringLiteral("error: Registro modificado con anterioridad.")))
+    EXPECT_TRUE(m_mensajesB.mostrados.contains(Dicho("error", 1820)))
         << m_mensajesB.mostrados.join(QLatin1Char('\n')).toStdString();
     EXPECT_EQ(enBase(id).cabezal.value(2), QStringLiteral("Gana el primero"));
     EXPECT_EQ(operaciones(id), (QStringList{QStringLiteral("alta:0"), QStringLiteral("cambio:%1").arg(Demo::kUsuarioAdministrador)}));
@@ -214,7 +214,7 @@ TEST_P(VariosUsuarios, UnaReleidaQueFallaDejaElAsientoEnLaGrilla)
     m_base.conexion().Ejecutar(QStringLiteral("Alter Table cceAsientoCuentaFuera Rename To cceAsientoCuenta"));
     EXPECT_EQ(filasVistas(id), antes);
     EXPECT_EQ(m_mensajes.mostrados.size(), 1);
-    EXPECT_TRUE(m_mensajes.mostrados.value(0).startsWith(QStringLiteral("error: Error al cargar el asiento.")))
+    EXPECT_TRUE(m_mensajes.mostrados.value(0).startsWith(Dicho("error", 1916)))
         << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
 }
 
@@ -232,7 +232,7 @@ TEST_P(VariosUsuarios, UnaGrabacionQueEsperaDemasiadoNoPierdeLoEscrito)
     cambiarLeyendaYAceptar(*m_doc, m_mensajes, QStringLiteral("Escrita durante el bloqueo"));
     otra->Deshacer();
     ASSERT_EQ(m_mensajes.mostrados.size(), 1);
-    EXPECT_EQ(m_mensajes.mostrados[0], QStringLiteral("error: Error al grabar el asiento."));
+    EXPECT_EQ(m_mensajes.mostrados[0], Dicho("error", 1924));
     EXPECT_TRUE(m_mensajes.detalles.value(0).startsWith(QStringLiteral("La base de datos está ocupada por otro usuario")))
         << m_mensajes.detalles.join(QLatin1Char('\n')).toStdString();
     EXPECT_EQ(enBase(id).cabezal.value(2), QStringLiteral("Antes del bloqueo"));
