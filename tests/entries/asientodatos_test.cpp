@@ -75,34 +75,6 @@ TEST_P(Datos, AsientoNuevoConSusLineasEnOrdenYElNumeroDelMotor)
     EXPECT_EQ(contar(QStringLiteral("Select ACuOrden From cceAsientoCuenta Where ACuIDAsiento = %1 And ACuCuenta = 11").arg(id)), 2);
 }
 
-TEST_P(Datos, DosUsuariosSobreElMismoAsientoSoloGanaElPrimero)
-{
-    AsientoDatos alta(d.conexion());
-    const qint32 id = nuevo(alta);
-    AsientoDatos uno(d.conexion());
-    AsientoDatos dos(d.conexion());
-    ASSERT_TRUE(uno.CargarAsiento(id));
-    ASSERT_TRUE(dos.CargarAsiento(id));
-    uno.Cabezal().Leyenda = QStringLiteral("primero");
-    uno.Lineas().removeLast();
-    dos.Cabezal().Leyenda = QStringLiteral("segundo");
-    ASSERT_GT(uno.GrabarTodo(), 0);
-    EXPECT_EQ(dos.GrabarTodo(), 0);
-    EXPECT_EQ(dos.ultimoResultado(), AsientoDatos::Resultado::Modificado);
-    dos.Cabezal().Estado = 0;
-    EXPECT_FALSE(dos.Grabar());
-    EXPECT_EQ(dos.ultimoResultado(), AsientoDatos::Resultado::Modificado);
-
-    AsientoDatos leido(d.conexion());
-    ASSERT_TRUE(leido.CargarAsiento(id));
-    EXPECT_EQ(leido.Cabezal().Leyenda, QStringLiteral("primero"));
-    EXPECT_EQ(leido.Lineas().size(), 2);
-    EXPECT_EQ(leido.Cabezal().Estado, 1);
-    // The winner can go on: its stamp is the stored one.
-    uno.Cabezal().Estado = 0;
-    EXPECT_TRUE(uno.Grabar());
-}
-
 TEST_P(Datos, UnaEscrituraQueFallaNoDejaNada)
 {
     AsientoDatos a(d.conexion());

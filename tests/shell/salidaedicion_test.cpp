@@ -108,6 +108,13 @@ TEST_P(SalidaEdicion, UnaLineaSinImporteSeRechaza)
     EXPECT_TRUE(m_mensajes.mostrados.contains(QStringLiteral("advertencia: ") + Idioma::resLoad(954)))
         << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
     EXPECT_GT(m_doc->FilaEdicion(), 0);
+    // Leaving by a command and saying yes to keep it: the refusal keeps the edit and the line.
+    m_mensajes.mostrados.clear();
+    m_mensajes.Responder(Respuesta::Si);
+    QTest::keyClick(editor()->campo(lumERAsiento::kImporte), Qt::Key_N, Qt::ControlModifier);
+    EXPECT_EQ(m_mensajes.mostrados.value(1), QStringLiteral("advertencia: ") + Idioma::resLoad(954));
+    EXPECT_GT(m_doc->FilaEdicion(), 0);
+    EXPECT_TRUE(m_doc->edicion().LineaSinAceptar());
     escape(foco());
     EXPECT_EQ(guardados(QStringLiteral("Escrito y no aceptado")), 0);
 }
