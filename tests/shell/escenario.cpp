@@ -183,7 +183,9 @@ void Escenario::nuevoConTeclado(const QString &leyenda, const QString &debe, con
     ASSERT_TRUE(editorALaVista()) << editor()->geometry().top() << " " << editor()->isVisible() << " " << m_doc->grid()->viewport()->height();
     ASSERT_EQ(foco(), m_doc->campoFecha()) << (foco() ? foco()->objectName().toStdString() : "none");
     enter(m_doc->campoFecha());
+    ASSERT_EQ(foco(), m_doc->listaLibros());
     enter(m_doc->listaLibros());
+    ASSERT_EQ(foco(), m_doc->campoLeyenda());
     escribir(m_doc->campoLeyenda(), leyenda);
     enter(m_doc->campoLeyenda());
     if (foco() != editor()->campoCuenta(true)) {
@@ -194,6 +196,7 @@ void Escenario::nuevoConTeclado(const QString &leyenda, const QString &debe, con
     ASSERT_EQ(foco(), editor()->campoCuenta(true));
     escribir(editor()->campoCuenta(true), debe);
     enter(editor()->campoCuenta(true));
+    ASSERT_EQ(foco(), editor()->campo(lumERAsiento::kImporte));
     escribir(editor()->campo(lumERAsiento::kImporte), importe);
     enter(editor()->campo(lumERAsiento::kImporte));
     ASSERT_TRUE(editorALaVista());
