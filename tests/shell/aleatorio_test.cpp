@@ -351,13 +351,6 @@ private:
                 filas << r;
         return filas;
     }
-    static int filaDe(Contador &c, qint32 id)
-    {
-        for (int r : cabezales(c))
-            if (c.doc->asientos().IdDeFila(r) == id)
-                return r;
-        return -1;
-    }
 
     // Opens a stored entry of the grid as a user does: a click on it ends an open edit
     // first, then Enter on its row. Answers the entry, 0 when none was opened.
@@ -369,7 +362,7 @@ private:
         const qint32 id = c.doc->asientos().IdDeFila(filas[al(int(filas.size()))]);
         anotar(c, QStringLiteral("abre el asiento %1").arg(id));
         if (editando(c)) {
-            const QModelIndex celda = c.doc->grid()->model()->index(filaDe(c, id) - c.doc->grilla().FilasFijas(), 1);
+            const QModelIndex celda = c.doc->grid()->model()->index(c.doc->FilaDeAsiento(id) - c.doc->grilla().FilasFijas(), 1);
             c.doc->grid()->scrollTo(celda);
             QTest::mouseClick(c.doc->grid()->viewport(), Qt::LeftButton, {}, c.doc->grid()->visualRect(celda).center());
             if (editando(c)) {
@@ -377,7 +370,7 @@ private:
                 return 0;
             }
         }
-        const int fila = filaDe(c, id);
+        const int fila = c.doc->FilaDeAsiento(id);
         if (fila < 0)
             return 0;
         m_abiertos << id;
@@ -566,7 +559,7 @@ private:
         const qint32 id = cabezal >= 0 && otro.doc->asientos().IdDeFila(cabezal) > 0 ? otro.doc->asientos().IdDeFila(cabezal)
                           : filas.isEmpty()                                          ? 0
                                                                                      : otro.doc->asientos().IdDeFila(filas[al(int(filas.size()))]);
-        if (id <= 0 || filaDe(c, id) >= 0)
+        if (id <= 0 || c.doc->FilaDeAsiento(id) >= 0)
             return cambiarVista(c);
         anotar(c, QStringLiteral("muestra el asiento %1 del otro").arg(id));
         EXPECT_FALSE(CargarAsientoEnGrilla(c.doc->asientos(), *c.doc->proceso().conexion, id, c.doc->grilla().Filas() - 1));

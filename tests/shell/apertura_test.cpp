@@ -58,13 +58,6 @@ protected:
             l << qint32(rs->Entero(QStringLiteral("AsiID")));
         return l;
     }
-    int filaDe(lumIngAsiento &doc, qint32 id)
-    {
-        for (int r = doc.grilla().FilasFijas(); r < doc.grilla().Filas(); ++r)
-            if (doc.asientos().EsFilaCabezal(r) && doc.asientos().IdDeFila(r) == id)
-                return r;
-        return -1;
-    }
     // A balanced entry of the opening-balance book, written straight to the store; its id.
     qint32 apertura(qint16 estado)
     {
@@ -112,7 +105,7 @@ TEST_P(AperturaEnDocumento, ElMenuLoHaceYBorrarloDevuelveElAviso)
 
     // Shown as the current entry, a row per line; the banner has gone. Registered and
     // balanced in pesos, it shows no difference row.
-    const int fila = filaDe(*doc, id);
+    const int fila = doc->FilaDeAsiento(id);
     ASSERT_GT(fila, 0);
     EXPECT_EQ(doc->grid()->FilaActual(), fila);
     const int ultima = doc->asientos().UltimaFilaAsiento(fila);
@@ -127,7 +120,7 @@ TEST_P(AperturaEnDocumento, ElMenuLoHaceYBorrarloDevuelveElAviso)
     doc->menus().accion(QStringLiteral("MnuEdiDel"))->trigger();
     EXPECT_EQ(m_mensajes.mostrados.filter(QStringLiteral("error: ")), QStringList{});
     EXPECT_EQ(aperturas(9), hechos);
-    EXPECT_EQ(filaDe(*doc, id), -1);
+    EXPECT_EQ(doc->FilaDeAsiento(id), -1);
     EXPECT_TRUE(conAviso(*doc));
 }
 
@@ -141,7 +134,7 @@ TEST_P(AperturaEnDocumento, UnaLineaAceptadaSinCambiosLoDejaRegistrado)
     doc->menus().accion(QStringLiteral("MnuEdiAPA"))->trigger();
     const QList<qint32> hechos = aperturas(1);
     ASSERT_EQ(hechos.size(), 1);
-    ASSERT_TRUE(doc->edicion().EntrarEdicion(filaDe(*doc, hechos.first()) + 1));
+    ASSERT_TRUE(doc->edicion().EntrarEdicion(doc->FilaDeAsiento(hechos.first()) + 1));
     doc->edicion().AceptarLinea();
     doc->edicion().SalirEdicion();
     EXPECT_EQ(aperturas(1), hechos);
@@ -190,7 +183,7 @@ TEST_P(AperturaEnDocumento, ElMenuDeCadaFilaOfreceLoQueSePuede)
 
     const qint32 id = apertura(EstadoAsiento::kRegistrado);
     ASSERT_FALSE(CargarAsientoEnGrilla(doc->asientos(), *doc->proceso().conexion, id, doc->grilla().Filas() - 1));
-    EXPECT_EQ(estado(filaDe(*doc, id)), QStringLiteral("0|%1|1").arg(aNormal));
+    EXPECT_EQ(estado(doc->FilaDeAsiento(id)), QStringLiteral("0|%1|1").arg(aNormal));
     EXPECT_EQ(estado(comun), QStringLiteral("0|%1|0").arg(aApertura));
 }
 

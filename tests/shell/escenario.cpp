@@ -57,13 +57,7 @@ void Escenario::escribir(QWidget *w, const QString &t)
     QTest::keyClicks(w, t);
 }
 
-int Escenario::filaDe(qint32 id) const
-{
-    for (int r = m_doc->grilla().FilasFijas(); r < m_doc->grilla().Filas(); ++r)
-        if (m_doc->asientos().EsFilaCabezal(r) && m_doc->grilla().Dato(r, 0).toInt() == id)
-            return r;
-    return -1;
-}
+
 
 void Escenario::abrir(int fila)
 {

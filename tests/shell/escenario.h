@@ -77,7 +77,7 @@ protected:
     // Loads a view of the view menu.
     void vista(int v) { m_doc->ElegirVista(v); }
     // The grid row of the entry's header; -1 when it is not shown.
-    int filaDe(qint32 id) const;
+    int filaDe(qint32 id) const { return m_doc->FilaDeAsiento(id); }
     // Puts the grid on a row and presses Enter there, as a user opens an entry.
     void abrir(int fila);
     // The rows of an entry as the user sees them, one text per row.

@@ -63,14 +63,6 @@ protected:
 
     int contar(const QString &sql) { return m_base.Valor(sql).toInt(); }
 
-    int filaDe(lumIngAsiento &doc, qint32 id)
-    {
-        for (int r = 1; r < doc.grilla().Filas(); ++r)
-            if (doc.asientos().EsFilaCabezal(r) && doc.grilla().Dato(r, 0).toInt() == id)
-                return r;
-        return -1;
-    }
-
     void mostrarUltimos(lumIngAsiento &doc) { doc.ElegirVista(Vista::kUltimos10); }
 
     BaseDePrueba m_base;
@@ -96,7 +88,7 @@ TEST_P(Grabacion, LasVistasDeHoyYDeQuinceDiasCuentanDesdeElDiaDelReloj)
             doc->ElegirVista(vista);
             QList<int> r;
             for (int i = 0; i < ids.size(); ++i)
-                if (filaDe(*doc, ids[i]) > 0)
+                if (doc->FilaDeAsiento(ids[i]) > 0)
                     r << dias[i];
             return r;
         };
@@ -110,7 +102,7 @@ TEST_P(Grabacion, RegistrarYVolverABorrador)
     const qint32 id = asiento(BaseDePrueba::Hoy().addDays(-3), 0, 150);
     auto doc = abrir();
     mostrarUltimos(*doc);
-    const int fila = filaDe(*doc, id);
+    const int fila = doc->FilaDeAsiento(id);
     ASSERT_GT(fila, 0);
     doc->grid()->FijarFilaActual(fila + 1); // a line row of the entry is enough
     doc->comandos().RegistrarAsiento();
@@ -132,7 +124,7 @@ TEST_P(Grabacion, OtroUsuarioGraboAntes)
     otro.Cabezal().Leyenda = QStringLiteral("cambiada por otro");
     ASSERT_TRUE(otro.Grabar());
 
-    doc->grid()->FijarFilaActual(filaDe(*doc, id));
+    doc->grid()->FijarFilaActual(doc->FilaDeAsiento(id));
     doc->comandos().RegistrarAsiento();
     EXPECT_EQ(m_mensajes.mostrados, QStringList{Dicho("error", 1820)});
     EXPECT_EQ(estadoEnBase(id), 0);
@@ -144,7 +136,7 @@ TEST_P(Grabacion, BorradorConFechaFuturaSeAgenda)
     const qint32 id = asiento(BaseDePrueba::Hoy().addDays(1), 0, 75);
     auto doc = abrir();
     mostrarUltimos(*doc);
-    doc->grid()->FijarFilaActual(filaDe(*doc, id));
+    doc->grid()->FijarFilaActual(doc->FilaDeAsiento(id));
     m_mensajes.Responder(ServicioMensajes::Respuesta::No);
     m_mensajes.Responder(ServicioMensajes::Respuesta::No);
     doc->comandos().RegistrarAsiento();
@@ -153,10 +145,10 @@ TEST_P(Grabacion, BorradorConFechaFuturaSeAgenda)
     EXPECT_TRUE(m_mensajes.mostrados[0].contains(QStringLiteral("posterior a la de hoy")));
 
     m_mensajes.Responder(ServicioMensajes::Respuesta::Si);
-    doc->grid()->FijarFilaActual(filaDe(*doc, id));
+    doc->grid()->FijarFilaActual(doc->FilaDeAsiento(id));
     doc->comandos().RegistrarAsiento();
     EXPECT_EQ(estadoEnBase(id), -100); // gone for good
-    EXPECT_EQ(filaDe(*doc, id), -1);
+    EXPECT_EQ(doc->FilaDeAsiento(id), -1);
     EXPECT_EQ(contar(QStringLiteral("Select Count(*) From genMovimientosFrecuentes Where MFrRecurrencia = 'mensual'")), 1);
     EXPECT_EQ(contar(QStringLiteral("Select Count(*) From genMovimientosFrecuentesLineas")), 3);
 }
@@ -171,7 +163,7 @@ TEST_P(Grabacion, CuentaCerradaNoSeRegistra)
     const qint32 id = asiento(cierre.addDays(-1), 0, 10, codigo.toLatin1().constData());
     auto doc = abrir();
     mostrarUltimos(*doc);
-    doc->grid()->FijarFilaActual(filaDe(*doc, id));
+    doc->grid()->FijarFilaActual(doc->FilaDeAsiento(id));
     doc->comandos().RegistrarAsiento();
     EXPECT_EQ(m_mensajes.mostrados, QStringList{Dicho("error", 1811)});
     EXPECT_EQ(estadoEnBase(id), 0);
@@ -199,10 +191,10 @@ TEST_P(Grabacion, RegistrarTodosLosBorradores)
     EXPECT_EQ(estadoEnBase(futuro), 0);
     EXPECT_EQ(m_mensajes.mostrados.count(Dicho("advertencia", 1822)), 1);
     // The grid shows what was written, and only that.
-    EXPECT_EQ(doc->grilla().Dato(filaDe(*doc, a), 3).toInt(), 1);
-    EXPECT_EQ(doc->grilla().Dato(filaDe(*doc, a), 4).toDateTime(),
+    EXPECT_EQ(doc->grilla().Dato(doc->FilaDeAsiento(a), 3).toInt(), 1);
+    EXPECT_EQ(doc->grilla().Dato(doc->FilaDeAsiento(a), 4).toDateTime(),
               m_base.Valor(QStringLiteral("Select AsiFechaModificado From cceAsientos Where AsiID = ?"), {a}).toDateTime());
-    EXPECT_EQ(doc->grilla().Dato(filaDe(*doc, b), 3).toInt(), 0);
+    EXPECT_EQ(doc->grilla().Dato(doc->FilaDeAsiento(b), 3).toInt(), 0);
 }
 
 TEST_P(Grabacion, EliminarAsientoYFila)
@@ -210,7 +202,7 @@ TEST_P(Grabacion, EliminarAsientoYFila)
     const qint32 id = asiento(BaseDePrueba::Hoy().addDays(-2), 1, 40);
     auto doc = abrir();
     mostrarUltimos(*doc);
-    int fila = filaDe(*doc, id);
+    int fila = doc->FilaDeAsiento(id);
     // The zero line of "5.3.01": the entry keeps the other two and is read again.
     int linea = -1;
     for (int r = fila + 1; r <= doc->asientos().UltimaFilaAsiento(fila); ++r)
@@ -221,7 +213,7 @@ TEST_P(Grabacion, EliminarAsientoYFila)
     m_mensajes.Responder(ServicioMensajes::Respuesta::Si);
     doc->comandos().EliminarAsiento(true);
     EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientoCuenta Where ACuIDAsiento = %1").arg(id)), 2);
-    fila = filaDe(*doc, id);
+    fila = doc->FilaDeAsiento(id);
     ASSERT_GT(fila, 0);
     EXPECT_EQ(doc->asientos().UltimaFilaAsiento(fila) - fila, 2);
 
@@ -230,13 +222,13 @@ TEST_P(Grabacion, EliminarAsientoYFila)
     m_mensajes.Responder(ServicioMensajes::Respuesta::No);
     doc->comandos().EliminarAsiento(false);
     EXPECT_EQ(estadoEnBase(id), 1);
-    EXPECT_EQ(filaDe(*doc, id), fila);
+    EXPECT_EQ(doc->FilaDeAsiento(id), fila);
     EXPECT_EQ(m_mensajes.mostrados.last(), Dicho("pregunta", 1804));
     doc->grid()->FijarFilaActual(fila);
     m_mensajes.Responder(ServicioMensajes::Respuesta::Si);
     doc->comandos().EliminarAsiento(false);
     EXPECT_EQ(estadoEnBase(id), 9);
-    EXPECT_EQ(filaDe(*doc, id), -1);
+    EXPECT_EQ(doc->FilaDeAsiento(id), -1);
 }
 
 TEST_P(Grabacion, UnaFilaDeUnAsientoDeCierreNoSeElimina)
@@ -244,7 +236,7 @@ TEST_P(Grabacion, UnaFilaDeUnAsientoDeCierreNoSeElimina)
     const qint32 id = asiento(BaseDePrueba::Hoy().addDays(-2), 1, 40, "1.1.01", Demo::kLibroCierre);
     auto doc = abrir();
     mostrarUltimos(*doc);
-    doc->grid()->FijarFilaActual(filaDe(*doc, id) + 1);
+    doc->grid()->FijarFilaActual(doc->FilaDeAsiento(id) + 1);
     doc->comandos().EliminarAsiento(true);
     EXPECT_EQ(m_mensajes.mostrados, QStringList{Dicho("advertencia", 1817)});
     EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientoCuenta Where ACuIDAsiento = %1").arg(id)), 3);
@@ -256,18 +248,18 @@ TEST_P(Grabacion, CopiarYOcultar)
     auto doc = abrir();
     mostrarUltimos(*doc);
     const int antes = contar(QStringLiteral("Select Count(*) From cceAsientos"));
-    doc->grid()->FijarFilaActual(filaDe(*doc, id));
+    doc->grid()->FijarFilaActual(doc->FilaDeAsiento(id));
     m_mensajes.Responder(ServicioMensajes::Respuesta::Si);
     doc->comandos().CopiarAsiento();
     EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientos")), antes + 1);
     const int copia = contar(QStringLiteral("Select Max(AsiID) From cceAsientos"));
     EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientoCuenta Where ACuIDAsiento = %1").arg(copia)), 3);
-    EXPECT_GT(filaDe(*doc, copia), 0);
+    EXPECT_GT(doc->FilaDeAsiento(copia), 0);
 
     // A copy the store cannot write is said, and nothing of it appears.
     const int filas = doc->grilla().Filas();
     m_base.conexion().Ejecutar(QStringLiteral("Alter Table cceAsientosHistorial Rename To cceAsientosHistorialFuera"));
-    doc->grid()->FijarFilaActual(filaDe(*doc, id));
+    doc->grid()->FijarFilaActual(doc->FilaDeAsiento(id));
     m_mensajes.Responder(ServicioMensajes::Respuesta::Si);
     doc->comandos().CopiarAsiento();
     m_base.conexion().Ejecutar(QStringLiteral("Alter Table cceAsientosHistorialFuera Rename To cceAsientosHistorial"));
@@ -275,12 +267,12 @@ TEST_P(Grabacion, CopiarYOcultar)
     EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientos")), antes + 1);
     EXPECT_EQ(doc->grilla().Filas(), filas);
 
-    doc->grid()->FijarFilaActual(filaDe(*doc, id));
+    doc->grid()->FijarFilaActual(doc->FilaDeAsiento(id));
     doc->comandos().OcultarAsiento();
-    EXPECT_EQ(filaDe(*doc, id), -1);
+    EXPECT_EQ(doc->FilaDeAsiento(id), -1);
     EXPECT_EQ(estadoEnBase(id), 1); // only the screen changed
     mostrarUltimos(*doc);
-    EXPECT_GT(filaDe(*doc, id), 0);
+    EXPECT_GT(doc->FilaDeAsiento(id), 0);
 }
 
 TEST_P(Grabacion, UnificarLaTasaDeLosDolares)
@@ -303,7 +295,7 @@ TEST_P(Grabacion, UnificarLaTasaDeLosDolares)
     ASSERT_GT(id, 0);
     auto doc = abrir();
     mostrarUltimos(*doc);
-    doc->grid()->FijarFilaActual(filaDe(*doc, id) + 1);
+    doc->grid()->FijarFilaActual(doc->FilaDeAsiento(id) + 1);
 
     m_mensajes.ResponderNumero(std::nullopt); // cancelled: nothing changes
     doc->comandos().UnificarTC(false);
@@ -311,7 +303,7 @@ TEST_P(Grabacion, UnificarLaTasaDeLosDolares)
     EXPECT_TRUE(m_mensajes.mostrados[0].startsWith(QStringLiteral("pedido: Ingrese el valor de la tasa de cambio [Unificar tasa de cambio] ")));
     EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientoCuenta Where ACuIDAsiento = %1 And ACuImporteMC = 4000").arg(id)), 2);
 
-    doc->grid()->FijarFilaActual(filaDe(*doc, id) + 1);
+    doc->grid()->FijarFilaActual(doc->FilaDeAsiento(id) + 1);
     m_mensajes.ResponderNumero(41);
     doc->comandos().UnificarTC(false);
     EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientoCuenta Where ACuIDAsiento = %1 And ACuImporteMC = 4100").arg(id)), 2);
@@ -342,8 +334,8 @@ TEST_P(Grabacion, UnificarLaTasaDeUnaMonedaQueValeMenosQueUnPeso)
     ASSERT_GT(id, 0);
     auto doc = abrir();
     mostrarUltimos(*doc);
-    ASSERT_GT(filaDe(*doc, id), 0);
-    doc->grid()->FijarFilaActual(filaDe(*doc, id) + 1);
+    ASSERT_GT(doc->FilaDeAsiento(id), 0);
+    doc->grid()->FijarFilaActual(doc->FilaDeAsiento(id) + 1);
     m_mensajes.ResponderNumero(5);
     doc->comandos().UnificarTC(false);
     ASSERT_EQ(m_mensajes.mostrados.size(), 1) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
@@ -351,7 +343,7 @@ TEST_P(Grabacion, UnificarLaTasaDeUnaMonedaQueValeMenosQueUnPeso)
                                     " And (ACuDebe = 1000 Or AcuHaber = 1000)").arg(id)), 2);
 
     // "a la moneda de la cuenta" keeps the pesos: 200 pesos at "/ 8" are ¥1600.
-    doc->grid()->FijarFilaActual(filaDe(*doc, id) + 1);
+    doc->grid()->FijarFilaActual(doc->FilaDeAsiento(id) + 1);
     m_mensajes.ResponderNumero(8);
     doc->comandos().UnificarTC(true);
     EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientoCuenta Where ACuIDAsiento = %1 And ACuImporteMC = 200"
@@ -376,7 +368,7 @@ TEST_P(Grabacion, UnificarQueDescuadraNuncaDejaUnRegistradoDescuadrado)
     mostrarUltimos(*doc);
     const QString lineas = QStringLiteral("Select Count(*) From cceAsientoCuenta Where ACuIDAsiento = %1 And ACuImporteMC = %2");
 
-    doc->grid()->FijarFilaActual(filaDe(*doc, id) + 1);
+    doc->grid()->FijarFilaActual(doc->FilaDeAsiento(id) + 1);
     m_mensajes.ResponderNumero(41);
     m_mensajes.Responder(ServicioMensajes::Respuesta::No); // keep it as it was
     doc->comandos().UnificarTC(false);
@@ -385,9 +377,9 @@ TEST_P(Grabacion, UnificarQueDescuadraNuncaDejaUnRegistradoDescuadrado)
         << m_mensajes.mostrados[1].toStdString();
     EXPECT_EQ(estadoEnBase(id), 1);
     EXPECT_EQ(contar(lineas.arg(id).arg(4000)), 1);
-    EXPECT_EQ(doc->grilla().Valor(filaDe(*doc, id) + 2, 3), 4000_imp) << "the grid shows the entry as stored";
+    EXPECT_EQ(doc->grilla().Valor(doc->FilaDeAsiento(id) + 2, 3), 4000_imp) << "the grid shows the entry as stored";
 
-    doc->grid()->FijarFilaActual(filaDe(*doc, id) + 1);
+    doc->grid()->FijarFilaActual(doc->FilaDeAsiento(id) + 1);
     m_mensajes.ResponderNumero(41);
     m_mensajes.Responder(ServicioMensajes::Respuesta::Si); // incomplete until corrected
     doc->comandos().UnificarTC(false);
@@ -396,7 +388,7 @@ TEST_P(Grabacion, UnificarQueDescuadraNuncaDejaUnRegistradoDescuadrado)
     EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientos Where AsiEstado = 1 And AsiID = %1").arg(id)), 0);
 
     // Back to the rates that balance: it is complete again.
-    doc->grid()->FijarFilaActual(filaDe(*doc, id) + 1);
+    doc->grid()->FijarFilaActual(doc->FilaDeAsiento(id) + 1);
     m_mensajes.ResponderNumero(40);
     doc->comandos().UnificarTC(false);
     EXPECT_EQ(contar(lineas.arg(id).arg(4000)), 2);
@@ -414,16 +406,16 @@ TEST_P(Grabacion, UnInconclusoQueCierraSeRegistra)
                                {noCierra});
     auto doc = abrir();
     mostrarUltimos(*doc);
-    doc->grid()->FijarFilaActual(filaDe(*doc, noCierra));
+    doc->grid()->FijarFilaActual(doc->FilaDeAsiento(noCierra));
     doc->comandos().RegistrarAsiento();
     EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("información: ") + Idioma::resLoad(952)});
     EXPECT_EQ(estadoEnBase(noCierra), 2);
 
-    doc->grid()->FijarFilaActual(filaDe(*doc, cierra));
+    doc->grid()->FijarFilaActual(doc->FilaDeAsiento(cierra));
     doc->comandos().RegistrarAsiento();
     EXPECT_EQ(estadoEnBase(cierra), 1);
-    EXPECT_EQ(doc->grilla().Dato(filaDe(*doc, cierra), 3).toInt(), 1);
-    EXPECT_FALSE(doc->asientos().EsFilaDiferencia(doc->asientos().UltimaFilaAsiento(filaDe(*doc, cierra))))
+    EXPECT_EQ(doc->grilla().Dato(doc->FilaDeAsiento(cierra), 3).toInt(), 1);
+    EXPECT_FALSE(doc->asientos().EsFilaDiferencia(doc->asientos().UltimaFilaAsiento(doc->FilaDeAsiento(cierra))))
         << "no missing line is proposed any more";
 
     // An extra line of 10 at the credit of a balanced incomplete entry: deleting it leaves it
@@ -437,8 +429,8 @@ TEST_P(Grabacion, UnInconclusoQueCierraSeRegistra)
     d.Lineas().append(extra);
     d.Cabezal().Estado = 2;
     ASSERT_GT(d.GrabarTodo(), 0) << d.ultimoError().toStdString();
-    doc->comandos().RecargarAsiento(cierra, filaDe(*doc, cierra));
-    const int fila = filaDe(*doc, cierra);
+    doc->comandos().RecargarAsiento(cierra, doc->FilaDeAsiento(cierra));
+    const int fila = doc->FilaDeAsiento(cierra);
     int filaExtra = -1;
     for (int r = fila + 1; r <= doc->asientos().UltimaFilaAsiento(fila); ++r)
         if (doc->asientos().LineaDeFila(r).lCta == extra.Cuenta && !doc->asientos().LineaDeFila(r).bEsAlDebe)
@@ -457,20 +449,20 @@ TEST_P(Grabacion, AgendarUnaCopiaViejaNoBorraElCambioDeOtro)
     const qint32 id = asiento(BaseDePrueba::Hoy().addDays(20), 0, 300);
     auto doc = abrir();
     mostrarUltimos(*doc);
-    ASSERT_GT(filaDe(*doc, id), 0);
+    ASSERT_GT(doc->FilaDeAsiento(id), 0);
     AsientoDatos otro(m_base.conexion());
     ASSERT_TRUE(otro.CargarAsiento(id));
     otro.Cabezal().Leyenda = QStringLiteral("Cambio de la otra usuaria");
     ASSERT_TRUE(otro.Grabar());
     const int plantillas = contar(QStringLiteral("Select Count(*) From genMovimientosFrecuentes"));
 
-    doc->grid()->FijarFilaActual(filaDe(*doc, id));
+    doc->grid()->FijarFilaActual(doc->FilaDeAsiento(id));
     m_mensajes.Responder(ServicioMensajes::Respuesta::Si); // 1807: schedule it
     doc->comandos().RegistrarAsiento();
     EXPECT_EQ(m_mensajes.mostrados.last(), Dicho("error", 1820));
     EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientos Where AsiID = %1 And AsiLeyenda = 'Cambio de la otra usuaria'").arg(id)), 1);
     EXPECT_EQ(contar(QStringLiteral("Select Count(*) From genMovimientosFrecuentes")), plantillas);
-    EXPECT_GT(filaDe(*doc, id), 0);
+    EXPECT_GT(doc->FilaDeAsiento(id), 0);
 }
 
 // An entry another session sent to the trash leaves the grid when it is read again, instead
@@ -480,13 +472,13 @@ TEST_P(Grabacion, UnAsientoQueOtroEnvioALaPapeleraSaleDeLaGrilla)
     const qint32 id = asiento(BaseDePrueba::Hoy().addDays(-2), 1, 75);
     auto doc = abrir();
     mostrarUltimos(*doc);
-    ASSERT_GT(filaDe(*doc, id), 0);
+    ASSERT_GT(doc->FilaDeAsiento(id), 0);
     AsientoDatos otro(m_base.conexion());
     ASSERT_TRUE(otro.CargarAsiento(id));
     ASSERT_FALSE(otro.EnviarPapelera(id, 1, otro.Cabezal().FechaModificado).isEmpty());
     const int filas = doc->grilla().Filas();
-    doc->comandos().RecargarAsiento(id, filaDe(*doc, id));
-    EXPECT_EQ(filaDe(*doc, id), -1);
+    doc->comandos().RecargarAsiento(id, doc->FilaDeAsiento(id));
+    EXPECT_EQ(doc->FilaDeAsiento(id), -1);
     EXPECT_EQ(doc->grilla().Filas(), filas - 4); // its header and three lines
 }
 

@@ -33,19 +33,11 @@ protected:
         ASSERT_EQ(m_otro->estado(), lumIngAsiento::Estado::Listo);
     }
 
-    static int filaEn(lumIngAsiento &doc, qint32 id)
-    {
-        for (int r = doc.grilla().FilasFijas(); r < doc.grilla().Filas(); ++r)
-            if (doc.asientos().EsFilaCabezal(r) && doc.grilla().Dato(r, 0).toInt() == id)
-                return r;
-        return -1;
-    }
-
     // Opens the entry's first line in a document with Enter, as a user does.
     static void abrirEn(lumIngAsiento &doc, qint32 id)
     {
         QApplication::setActiveWindow(&doc);
-        doc.grid()->FijarFilaActual(filaEn(doc, id));
+        doc.grid()->FijarFilaActual(doc.FilaDeAsiento(id));
         doc.grid()->setFocus();
         QTest::keyClick(doc.grid(), Qt::Key_Return);
     }
@@ -72,7 +64,7 @@ protected:
     static bool esperarMarca(lumIngAsiento &doc, qint32 id, int milisegundos)
     {
         return QTest::qWaitFor([&] {
-            const int r = filaEn(doc, id);
+            const int r = doc.FilaDeAsiento(id);
             return r >= 0 && doc.grilla().Fila(r).imagen == QLatin1String(CambiosAjenos::kImagen);
         }, milisegundos);
     }
@@ -109,8 +101,8 @@ TEST_P(VariosUsuarios, UnCambioDeOtroSeMarcaSeReleeAlAbrirloYQuedaEnElHistorial)
 {
     abrirOtro();
     const qint32 id = asientoDePrueba();
-    ASSERT_GT(filaEn(*m_otro, id), 0);
-    ASSERT_EQ(m_otro->grilla().Fila(filaEn(*m_otro, id)).imagen, QStringLiteral("asiento"));
+    ASSERT_GT(m_otro->FilaDeAsiento(id), 0);
+    ASSERT_EQ(m_otro->grilla().Fila(m_otro->FilaDeAsiento(id)).imagen, QStringLiteral("asiento"));
 
     // The administrator changes the legend in the first document.
     abrirEn(*m_doc, id);
@@ -121,9 +113,9 @@ TEST_P(VariosUsuarios, UnCambioDeOtroSeMarcaSeReleeAlAbrirloYQuedaEnElHistorial)
 
     // The accountant's grid marks the entry within a poll, saying who changed it.
     ASSERT_TRUE(esperarMarca(*m_otro, id, 3 * CambiosAjenos::kIntervaloMs));
-    const QString aviso = ayuda(*m_otro, filaEn(*m_otro, id));
+    const QString aviso = ayuda(*m_otro, m_otro->FilaDeAsiento(id));
     EXPECT_TRUE(aviso.startsWith(QStringLiteral("Modificado por Administrador el "))) << aviso.toStdString();
-    EXPECT_TRUE(ayuda(*m_otro, filaEn(*m_otro, id) + 1).isEmpty());
+    EXPECT_TRUE(ayuda(*m_otro, m_otro->FilaDeAsiento(id) + 1).isEmpty());
     // The administrator's own grid is not marked for its own write.
     EXPECT_EQ(m_doc->grilla().Fila(filaDe(id)).imagen, QStringLiteral("asiento"));
 
@@ -135,13 +127,13 @@ TEST_P(VariosUsuarios, UnCambioDeOtroSeMarcaSeReleeAlAbrirloYQuedaEnElHistorial)
     EXPECT_EQ(m_otro->FilaEdicion(), 0);
     EXPECT_TRUE(m_mensajesB.mostrados.isEmpty()) << m_mensajesB.mostrados.join(QLatin1Char('\n')).toStdString();
     EXPECT_EQ(enBase(id).cabezal.value(2), QStringLiteral("Cambiada por la contadora"));
-    EXPECT_TRUE(ayuda(*m_otro, filaEn(*m_otro, id)).isEmpty());
+    EXPECT_TRUE(ayuda(*m_otro, m_otro->FilaDeAsiento(id)).isEmpty());
 
     EXPECT_EQ(operaciones(id), (QStringList{QStringLiteral("alta:0"), QStringLiteral("cambio:%1").arg(Demo::kUsuarioAdministrador),
                                             QStringLiteral("cambio:%1").arg(Demo::kUsuarioContador)}));
 
     // The history, from the entry menu, shows the three writes, oldest first.
-    m_otro->grid()->FijarFilaActual(filaEn(*m_otro, id));
+    m_otro->grid()->FijarFilaActual(m_otro->FilaDeAsiento(id));
     m_otro->menus().accion(QStringLiteral("MnuEdiHistorial"))->trigger();
     auto *dialogo = m_otro->findChild<DialogoHistorial *>();
     ASSERT_NE(dialogo, nullptr);
