@@ -113,9 +113,16 @@ TEST_P(DialogoBusqueda, SinCriterioNoHayBusquedaNiConUnaLeyendaDeBlancosOSinEsta
     EXPECT_FALSE(criterios().FindOK);
     EXPECT_TRUE(criterios().prmLeyenda.isEmpty());
 
-    // The third state is the registered one (3); Delete leaves the list with none.
+    // The first state is the draft (1), the third the registered one (3); Delete leaves the
+    // list with none.
     mostrar();
     campo("cfEstado")->setFocus();
+    tecla(Qt::Key_Down);
+    aceptar();
+    EXPECT_EQ(criterios().prmEstado, 1);
+    mostrar();
+    campo("cfEstado")->setFocus();
+    tecla(Qt::Key_Delete);
     for (int i = 0; i < 3; ++i)
         tecla(Qt::Key_Down);
     aceptar();
