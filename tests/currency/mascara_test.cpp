@@ -62,16 +62,6 @@ TEST(Mascaras, TextoAlrededorDeLosDigitosSeConserva)
     EXPECT_EQ(Mascara(QStringLiteral("U$S #,##0.00")).Formatear(1234.5, kEs), QStringLiteral("U$S 1.234,50"));
 }
 
-TEST(Mascaras, NumerosQueNoSonNumerosNoSeLeen)
-{
-    double v = 0;
-    EXPECT_FALSE(LeerNumero(QStringLiteral("12a"), v, kEs));
-    EXPECT_FALSE(LeerNumero(QStringLiteral("1-2"), v, kEs));
-    EXPECT_FALSE(LeerNumero(QString(), v, kEs));
-    EXPECT_TRUE(LeerNumero(QStringLiteral(" -1.234,5 "), v, kEs));
-    EXPECT_DOUBLE_EQ(v, -1234.5);
-}
-
 // One rule for a typed number, whatever the locale: the locale's decimal mark is always the
 // decimal mark; the other mark is one too when it is the last separator and not followed by
 // exactly three digits; group separators stand only between groups of three.

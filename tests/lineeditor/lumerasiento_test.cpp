@@ -141,87 +141,68 @@ TEST_F(EditorDeLinea, CuentaEnPesosEImporte)
     EXPECT_TRUE(m_mensajes.mostrados.isEmpty());
 }
 
-TEST_F(EditorDeLinea, CuentaEnDolaresPorCuarenta)
-{
-    escribir(haber(), QStringLiteral("1.1.02"));
-    EXPECT_EQ(monedas(), (QStringList{QStringLiteral("U$S"), QStringLiteral("$")}));
-    EXPECT_EQ(m_editor->MonedaCombo(), 2);
-    EXPECT_DOUBLE_EQ(m_editor->ImporteTC(), 40);
-    EXPECT_EQ(m_editor->Operador(), QStringLiteral("*"));
-    EXPECT_EQ(m_resultado, QStringLiteral("$ *"));
-    escribir(campo(lumERAsiento::kImporte), QStringLiteral("100"));
-    EXPECT_EQ(m_editor->ImporteMC(), Importe::DesdeDouble(4000));
-    EXPECT_EQ(m_aceptadas, 1);
-    const ValorLinea v = m_editor->GetValorCuentaHaber();
-    EXPECT_EQ(v.lCta, 11);
-    EXPECT_EQ(v.dImporte, Importe::DesdeDouble(100));
-    EXPECT_DOUBLE_EQ(v.dTCambio, 40);
-    EXPECT_EQ(v.dImporteMC, Importe::DesdeDouble(4000));
-
-    // In pesos the lookup of pesos in dollars gives 0.025, shown as 40 with "/".
-    QComboBox *lista = m_editor->listaMonedas();
-    lista->setCurrentIndex(lista->findText(QStringLiteral("$")));
-    emit lista->activated(lista->currentIndex());
-    EXPECT_DOUBLE_EQ(m_editor->ImporteTC(), 40);
-    EXPECT_EQ(m_editor->Operador(), QStringLiteral("/"));
-    EXPECT_EQ(m_resultado, QStringLiteral("U$S /"));
-    escribir(campo(lumERAsiento::kImporte), QStringLiteral("4000"));
-    EXPECT_EQ(m_editor->ImporteMC(), Importe::DesdeDouble(100));
-    const ValorLinea w = m_editor->GetValorCuentaHaber();
-    EXPECT_EQ(w.dImporte, Importe::DesdeDouble(100));
-    EXPECT_EQ(w.dImporteMC, Importe::DesdeDouble(4000));
-}
-
-TEST_F(EditorDeLinea, ElContenedorDaLaTasa)
-{
-    QObject::connect(m_editor.get(), &lumERAsiento::GetTCME, [](qint16 *mon, double *tc) {
-        if (*mon == 2)
-            *tc = 40;
-    });
-    m_editor->SetCuenta(true, 11, 0, 0, 2, QStringLiteral("1.1.02 - Banco U$S"), QDate());
-    m_editor->setMonedaCombo(1);
-    m_editor->SetFocusCtrl(lumERAsiento::kImporte, 0); // as the document starts a line: the rate fields enabled
-    emit m_editor->listaMonedas()->activated(m_editor->listaMonedas()->currentIndex());
-    // The container's 40 is pesos a dollar: in pesos, dollars = pesos / 40, shown as the
-    // quotations' answer is, never as "/ 0.025" (4000 pesos would be 160000 dollars).
-    EXPECT_DOUBLE_EQ(m_editor->ImporteTC(), 40);
-    EXPECT_EQ(m_editor->Operador(), QStringLiteral("/"));
-    escribir(campo(lumERAsiento::kImporte), QStringLiteral("4000"));
-    EXPECT_EQ(m_editor->ImporteMC(), Importe::DesdeDouble(100));
-    const ValorLinea v = m_editor->GetValorCuentaDebe();
-    EXPECT_EQ(v.dImporte, Importe::DesdeDouble(100));
-    EXPECT_DOUBLE_EQ(v.dTCambio, 40);
-    EXPECT_EQ(v.dImporteMC, Importe::DesdeDouble(4000));
-}
-
-// The container's rate for a currency worth less (0.25 pesos a yen) follows the same rule
-// as a rate found in the quotations: "/ 4" with the yen selected, "* 4" with the peso.
-TEST_F(EditorDeLinea, ElContenedorDaLaTasaDeUnaMonedaMenor)
+// Where a foreign line's rate comes from (the quotations, or the entry's container) and
+// which currency the amount is typed in: the rate is shown as a factor of at least one with
+// its operator, and the line hands over its amount, the factor and the accounting amount.
+// Dollars are 40 pesos; yen 0.25 pesos.
+TEST_F(EditorDeLinea, TasaDeUnaLineaEnMonedaExtranjera)
 {
     Conexion &c = m_base.conexion();
     c.Ejecutar(QStringLiteral("Insert Into genMonedas (MonID, MonSimbolo, MonCotizaEn, MonRedondeo, MonFormatoCotizacion, MonTipo)"
                               " Values (3, 'Y', 1, '#,##0.00', '#,##0.000', 1)"));
+    c.Ejecutar(QStringLiteral("Insert Into genCotizacionesMoneda (CMoFecha, CMoMoneda, CMoCotizaEn, CMoTipoCotizacion, CMoCompra, CMoVenta)"
+                              " Values ('2026-03-01', 3, 1, 1, 0.25, 0.26)"));
+    c.Ejecutar(QStringLiteral("Insert Into cceCuentas (CueID, CueIDEmpresa, CueCodigo, CueNombre, CueMoneda, CueFechaCerrada, CueEsCarpeta)"
+                              " Values (15, 1, '1.1.05', 'Banco Yenes', 3, Null, 0)"));
     m_monedas.CargarMonedas(c);
     m_monedas.FijarMonedaContabilidad(1);
-    QObject::connect(m_editor.get(), &lumERAsiento::GetTCME, [](qint16 *mon, double *tc) {
-        if (*mon == 3)
-            *tc = 0.25;
-    });
-    m_editor->SetCuenta(true, 16, 0, 0, 3, QStringLiteral("1.1.06 - Caja Yenes"), QDate());
-    m_editor->setMonedaCombo(1);
-    m_editor->SetFocusCtrl(lumERAsiento::kImporte, 0);
-    QComboBox *lista = m_editor->listaMonedas();
-    emit lista->activated(lista->currentIndex());
-    EXPECT_DOUBLE_EQ(m_editor->ImporteTC(), 4);
-    EXPECT_EQ(m_editor->Operador(), QStringLiteral("*"));
-
-    lista->setCurrentIndex(lista->findData(3));
-    emit lista->activated(lista->currentIndex());
-    EXPECT_DOUBLE_EQ(m_editor->ImporteTC(), 4);
-    EXPECT_EQ(m_editor->Operador(), QStringLiteral("/"));
-    escribir(campo(lumERAsiento::kImporte), QStringLiteral("1000"));
-    EXPECT_EQ(m_editor->ImporteMC(), Importe::DesdeDouble(250));
-    EXPECT_DOUBLE_EQ(m_editor->GetValorCuentaDebe().dTCambio, 0.25);
+    QObject::connect(m_editor.get(), &lumERAsiento::GetTCME, [](qint16 *mon, double *tc) { *tc = *mon == 2 ? 40 : 0.25; });
+    const struct
+    {
+        bool delContenedor; // else from the quotations
+        const char *cuenta;
+        qint16 moneda;
+        bool enPesos;       // the amount typed in pesos
+        double tc;
+        const char *operador;
+        const char *escrito;
+        double importe, mc;  // what the line hands over, in the account's currency and in pesos
+    } casos[] = {
+        {false, "1.1.02", 2, false, 40, "*", "100", 100, 4000},
+        {false, "1.1.02", 2, true, 40, "/", "4000", 100, 4000},
+        {true, "1.1.02", 2, true, 40, "/", "4000", 100, 4000}, // never "/ 0.025"
+        {false, "1.1.05", 3, false, 4, "/", "1000", 1000, 250},
+        {false, "1.1.05", 3, true, 4, "*", "250", 1000, 250},
+        {true, "1.1.05", 3, false, 4, "/", "1000", 1000, 250},
+        {true, "1.1.05", 3, true, 4, "*", "250", 1000, 250},
+    };
+    for (const auto &k : casos) {
+        SCOPED_TRACE(std::string(k.cuenta) + (k.delContenedor ? " contenedor" : " cotizaciones") + (k.enPesos ? " en pesos" : ""));
+        m_editor->InitRegistro();
+        QComboBox *lista = m_editor->listaMonedas();
+        if (k.delContenedor) {
+            m_editor->SetCuenta(false, k.moneda == 2 ? 11 : 15, 0, 0, k.moneda, QString::fromLatin1(k.cuenta), QDate());
+            m_editor->setMonedaCombo(1);
+            m_editor->SetFocusCtrl(lumERAsiento::kImporte, 0); // as the document starts a line
+            emit lista->activated(lista->currentIndex());
+        } else {
+            escribir(haber(), QString::fromLatin1(k.cuenta));
+            EXPECT_EQ(m_editor->MonedaCombo(), k.moneda);
+            EXPECT_EQ(lista->currentText(), m_monedas.DatoMoneda(k.moneda, 2).toString());
+        }
+        lista->setCurrentIndex(lista->findData(k.enPesos ? 1 : k.moneda));
+        emit lista->activated(lista->currentIndex());
+        EXPECT_DOUBLE_EQ(m_editor->ImporteTC(), k.tc);
+        EXPECT_EQ(m_editor->Operador(), QString::fromLatin1(k.operador));
+        EXPECT_EQ(m_resultado, (k.enPesos ? m_monedas.DatoMoneda(k.moneda, 2).toString() : QStringLiteral("$")) + QLatin1Char(' ')
+                                   + QString::fromLatin1(k.operador));
+        escribir(campo(lumERAsiento::kImporte), QString::fromLatin1(k.escrito));
+        EXPECT_EQ(m_editor->ImporteMC(), Importe::DesdeDouble(k.enPesos ? k.importe : k.mc)); // the other currency's amount
+        const ValorLinea v = m_editor->GetValorCuentaHaber();
+        EXPECT_EQ(v.dImporte, Importe::DesdeDouble(k.importe));
+        EXPECT_DOUBLE_EQ(v.dTCambio, k.mc / k.importe);
+        EXPECT_EQ(v.dImporteMC, Importe::DesdeDouble(k.mc));
+    }
 }
 
 TEST_F(EditorDeLinea, CuentasRechazadas)
@@ -371,43 +352,6 @@ TEST_F(EditorDeLinea, TasaRechazadaYEditorOcultoSinMensaje)
 // A currency worth a quarter of a peso: the rate found, 0.25, is shown as 4 with "/", and
 // the line read by the container carries accounting units per unit, 0.25, as a loaded line
 // does, whichever of the two currencies is selected.
-TEST_F(EditorDeLinea, MonedaQueValeMenosQueLaDeLaContabilidad)
-{
-    Conexion &c = m_base.conexion();
-    c.Ejecutar(QStringLiteral("Insert Into genMonedas (MonID, MonSimbolo, MonCotizaEn, MonRedondeo, MonFormatoCotizacion, MonTipo)"
-                              " Values (3, 'Y', 1, '#,##0.00', '#,##0.000', 1)"));
-    c.Ejecutar(QStringLiteral("Insert Into genCotizacionesMoneda (CMoFecha, CMoMoneda, CMoCotizaEn, CMoTipoCotizacion, CMoCompra, CMoVenta)"
-                              " Values ('2026-03-01', 3, 1, 1, 0.25, 0.26)"));
-    c.Ejecutar(QStringLiteral("Insert Into cceCuentas (CueID, CueIDEmpresa, CueCodigo, CueNombre, CueMoneda, CueFechaCerrada, CueEsCarpeta)"
-                              " Values (15, 1, '1.1.05', 'Banco Yenes', 3, Null, 0)"));
-    m_monedas.CargarMonedas(c);
-    m_monedas.FijarMonedaContabilidad(1);
-
-    escribir(haber(), QStringLiteral("1.1.05"));
-    EXPECT_EQ(m_editor->MonedaCombo(), 3);
-    EXPECT_DOUBLE_EQ(m_editor->ImporteTC(), 4);
-    EXPECT_EQ(m_editor->Operador(), QStringLiteral("/"));
-    escribir(campo(lumERAsiento::kImporte), QStringLiteral("1000"));
-    EXPECT_EQ(m_editor->ImporteMC(), Importe::DesdeDouble(250));
-    const ValorLinea v = m_editor->GetValorCuentaHaber();
-    EXPECT_EQ(v.dImporte, Importe::DesdeDouble(1000));
-    EXPECT_DOUBLE_EQ(v.dTCambio, 0.25);
-    EXPECT_EQ(v.dImporteMC, Importe::DesdeDouble(250));
-
-    // In pesos the lookup of pesos in yen gives 4, shown with "*".
-    QComboBox *lista = m_editor->listaMonedas();
-    lista->setCurrentIndex(lista->findText(QStringLiteral("$")));
-    emit lista->activated(lista->currentIndex());
-    EXPECT_DOUBLE_EQ(m_editor->ImporteTC(), 4);
-    EXPECT_EQ(m_editor->Operador(), QStringLiteral("*"));
-    escribir(campo(lumERAsiento::kImporte), QStringLiteral("250"));
-    EXPECT_EQ(m_editor->ImporteMC(), Importe::DesdeDouble(1000));
-    const ValorLinea w = m_editor->GetValorCuentaHaber();
-    EXPECT_EQ(w.dImporte, Importe::DesdeDouble(1000));
-    EXPECT_DOUBLE_EQ(w.dTCambio, 0.25);
-    EXPECT_EQ(w.dImporteMC, Importe::DesdeDouble(250));
-}
-
 TEST_F(EditorDeLinea, EscribirSobreLaCuentaLaQuitaConSusImportes)
 {
     escribir(debe(), QStringLiteral("1.1.02"));
