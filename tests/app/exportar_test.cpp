@@ -2,6 +2,7 @@
 // compared with the database, and every bad request refused with a message and a status.
 #include "comun/archivosleidos.h"
 #include "comun/basesprueba.h"
+#include "programa.h"
 
 #include "store/basedemo.h"
 #include "store/conexion.h"
@@ -19,12 +20,6 @@
 
 namespace {
 
-struct Salida
-{
-    int estado = -1;
-    QString errores;
-};
-
 class ExportarDesdeLinea : public ::testing::TestWithParam<Motor>
 {
 protected:
@@ -35,16 +30,7 @@ protected:
 
     Salida correr(const QStringList &argumentos)
     {
-        QProcess p;
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert(QStringLiteral("HOME"), m_carpeta.path());
-        env.insert(QStringLiteral("LC_ALL"), QStringLiteral("es_UY.UTF-8"));
-        env.remove(QStringLiteral("QT_QPA_PLATFORM")); // the export must need no display
-        env.remove(QStringLiteral("DISPLAY"));
-        p.setProcessEnvironment(env);
-        p.start(QStringLiteral(ASIENTOS_PROGRAMA), QStringList{QStringLiteral("--db"), m_base.direccion()} + argumentos);
-        p.waitForFinished(120000);
-        return {p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1, QString::fromUtf8(p.readAllStandardError())};
+        return Correr(QStringList{QStringLiteral("--db"), m_base.direccion()} + argumentos, m_carpeta.path());
     }
 
     QString ruta(const char *nombre) const { return m_carpeta.filePath(QString::fromLatin1(nombre)); }

@@ -2,6 +2,7 @@
 // in an empty database, nothing changed in one that has tables, and a database the user
 // may only read still opened.
 #include "comun/basesprueba.h"
+#include "programa.h"
 
 #include "store/basedemo.h"
 #include "store/conexionqt.h"
@@ -19,29 +20,6 @@
 #include <unistd.h>
 
 namespace {
-
-struct Salida
-{
-    int estado = -1;
-    QString salida;
-    QString errores;
-};
-
-// antes: what runs the program (another user); programa: a copy of it that user may reach.
-Salida correr(const QStringList &argumentos, const QString &home, const QStringList &antes = {},
-              const QString &programa = QStringLiteral(ASIENTOS_PROGRAMA))
-{
-    QProcess p;
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert(QStringLiteral("HOME"), home);
-    env.remove(QStringLiteral("DISPLAY"));
-    p.setProcessEnvironment(env);
-    const QStringList todo = antes + QStringList{programa} + argumentos;
-    p.start(todo.first(), todo.mid(1));
-    p.waitForFinished(120000);
-    return {p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1, QString::fromUtf8(p.readAllStandardOutput()),
-            QString::fromUtf8(p.readAllStandardError())};
-}
 
 QByteArray huella(const QString &archivo)
 {
@@ -91,7 +69,7 @@ TEST_P(Inicializar, CreaLaBaseUnaVezYDespuesNoCambiaNada)
     BaseDePrueba vacia(GetParam(), BaseDePrueba::Contenido::Vacia);
     const QString db = GetParam() == Motor::SQLite ? m_carpeta.filePath(QStringLiteral("nueva.sqlite")) : vacia.direccion();
 
-    Salida s = correr({QStringLiteral("--db"), db, QStringLiteral("--inicializar")}, m_carpeta.path());
+    Salida s = Correr({QStringLiteral("--db"), db, QStringLiteral("--inicializar")}, m_carpeta.path());
     ASSERT_EQ(s.estado, 0) << s.errores.toStdString();
     EXPECT_TRUE(s.salida.contains(QStringLiteral("creada con la empresa de demostración"))) << s.salida.toStdString();
     auto conexion = ConexionQt::Abrir(DireccionBD::Leer(db));
@@ -101,7 +79,7 @@ TEST_P(Inicializar, CreaLaBaseUnaVezYDespuesNoCambiaNada)
     EXPECT_TRUE(s.salida.contains(QString::number(asientos))) << s.salida.toStdString();
     EXPECT_EQ(ExaminarEsquema(*conexion), EstadoEsquema::DelPrograma);
 
-    s = correr({QStringLiteral("--db"), db, QStringLiteral("--inicializar")}, m_carpeta.path());
+    s = Correr({QStringLiteral("--db"), db, QStringLiteral("--inicializar")}, m_carpeta.path());
     EXPECT_EQ(s.estado, 0);
     EXPECT_TRUE(s.salida.contains(QStringLiteral("ya tiene las tablas"))) << s.salida.toStdString();
     EXPECT_EQ(contar(*conexion, "Select Count(*) From cceAsientos"), asientos);
@@ -112,7 +90,7 @@ TEST_P(Inicializar, CreaLaBaseUnaVezYDespuesNoCambiaNada)
     if (GetParam() == Motor::PostgreSQL) {
         QString conClave = db;
         conClave.replace(QStringLiteral("postgresql://postgres@"), QStringLiteral("postgresql://postgres:nodecir@"));
-        s = correr({QStringLiteral("--db"), conClave, QStringLiteral("--inicializar")}, m_carpeta.path());
+        s = Correr({QStringLiteral("--db"), conClave, QStringLiteral("--inicializar")}, m_carpeta.path());
         EXPECT_FALSE((s.salida + s.errores).contains(QStringLiteral("nodecir"))) << s.salida.toStdString();
     }
 }
@@ -121,7 +99,7 @@ TEST_P(Inicializar, SinDemoUnaEmpresaVaciaQueElAdministradorPuedeUsar)
 {
     BaseDePrueba vacia(GetParam(), BaseDePrueba::Contenido::Vacia);
     const QString db = GetParam() == Motor::SQLite ? m_carpeta.filePath(QStringLiteral("vacia.sqlite")) : vacia.direccion();
-    const Salida s = correr({QStringLiteral("--db"), db, QStringLiteral("--inicializar"), QStringLiteral("--sin-demo")}, m_carpeta.path());
+    const Salida s = Correr({QStringLiteral("--db"), db, QStringLiteral("--inicializar"), QStringLiteral("--sin-demo")}, m_carpeta.path());
     ASSERT_EQ(s.estado, 0) << s.errores.toStdString();
     auto c = ConexionQt::Abrir(DireccionBD::Leer(db));
     EXPECT_EQ(contar(*c, "Select Count(*) From cceAsientos"), 0);
@@ -133,7 +111,7 @@ TEST_P(Inicializar, SinDemoUnaEmpresaVaciaQueElAdministradorPuedeUsar)
     c->Cerrar();
 
     // The empty company opens: the command-line export finds nothing and says so without failing.
-    const Salida e = correr({QStringLiteral("--db"), db, QStringLiteral("--exportar"), m_carpeta.filePath(QStringLiteral("x.csv")),
+    const Salida e = Correr({QStringLiteral("--db"), db, QStringLiteral("--exportar"), m_carpeta.filePath(QStringLiteral("x.csv")),
                              QStringLiteral("--vista"), QStringLiteral("1")},
                             m_carpeta.path());
     EXPECT_EQ(e.estado, 0) << e.errores.toStdString();
@@ -152,7 +130,7 @@ TEST_P(Inicializar, LosLibrosSeCopianAUnaBaseVacia)
     origen.conexion().Ejecutar(QStringLiteral("Delete From cceAsientoCuenta Where ACuIDAsiento = ?"), {mayor});
     origen.conexion().Ejecutar(QStringLiteral("Delete From cceAsientos Where AsiID = ?"), {mayor});
 
-    Salida s = correr({QStringLiteral("--db"), origen.direccion(), QStringLiteral("--copiar-a"), db}, m_carpeta.path());
+    Salida s = Correr({QStringLiteral("--db"), origen.direccion(), QStringLiteral("--copiar-a"), db}, m_carpeta.path());
     ASSERT_EQ(s.estado, 0) << s.errores.toStdString();
     EXPECT_TRUE(s.salida.contains(QStringLiteral("coinciden"))) << s.salida.toStdString();
     auto copia = ConexionQt::Abrir(DireccionBD::Leer(db));
@@ -165,12 +143,12 @@ TEST_P(Inicializar, LosLibrosSeCopianAUnaBaseVacia)
 
     const QString mes = BaseDePrueba::Hoy().toString(QStringLiteral("yyyy-MM"));
     for (const auto &[base, archivo] : {std::pair{origen.direccion(), QStringLiteral("origen.csv")}, std::pair{db, QStringLiteral("copia.csv")}})
-        ASSERT_EQ(correr({QStringLiteral("--db"), base, QStringLiteral("--exportar"), m_carpeta.filePath(archivo), QStringLiteral("--mes"), mes},
+        ASSERT_EQ(Correr({QStringLiteral("--db"), base, QStringLiteral("--exportar"), m_carpeta.filePath(archivo), QStringLiteral("--mes"), mes},
                          m_carpeta.path()).estado, 0);
     EXPECT_EQ(huella(m_carpeta.filePath(QStringLiteral("copia.csv"))), huella(m_carpeta.filePath(QStringLiteral("origen.csv"))));
 
     const qint64 lineas = contar(*copia, "Select Count(*) From cceAsientoCuenta");
-    s = correr({QStringLiteral("--db"), origen.direccion(), QStringLiteral("--copiar-a"), db}, m_carpeta.path());
+    s = Correr({QStringLiteral("--db"), origen.direccion(), QStringLiteral("--copiar-a"), db}, m_carpeta.path());
     EXPECT_EQ(s.estado, 1);
     EXPECT_TRUE(s.errores.contains(QStringLiteral("no está vacía"))) << s.errores.toStdString();
     EXPECT_EQ(contar(*copia, "Select Count(*) From cceAsientoCuenta"), lineas);
@@ -179,20 +157,20 @@ TEST_P(Inicializar, LosLibrosSeCopianAUnaBaseVacia)
 TEST(InicializarLinea, PedidosMalosYBasesAjenasNoCambianNada)
 {
     QTemporaryDir carpeta;
-    EXPECT_EQ(correr({QStringLiteral("--inicializar")}, carpeta.path()).estado, 2);
-    EXPECT_EQ(correr({QStringLiteral("--db"), carpeta.filePath(QStringLiteral("a.sqlite")), QStringLiteral("--sin-demo")}, carpeta.path()).estado, 2);
-    EXPECT_EQ(correr({QStringLiteral("--copiar-a"), carpeta.filePath(QStringLiteral("a.sqlite"))}, carpeta.path()).estado, 2);
-    EXPECT_EQ(correr({QStringLiteral("--db"), carpeta.filePath(QStringLiteral("a.sqlite")), QStringLiteral("--copiar-a"), QString()},
+    EXPECT_EQ(Correr({QStringLiteral("--inicializar")}, carpeta.path()).estado, 2);
+    EXPECT_EQ(Correr({QStringLiteral("--db"), carpeta.filePath(QStringLiteral("a.sqlite")), QStringLiteral("--sin-demo")}, carpeta.path()).estado, 2);
+    EXPECT_EQ(Correr({QStringLiteral("--copiar-a"), carpeta.filePath(QStringLiteral("a.sqlite"))}, carpeta.path()).estado, 2);
+    EXPECT_EQ(Correr({QStringLiteral("--db"), carpeta.filePath(QStringLiteral("a.sqlite")), QStringLiteral("--copiar-a"), QString()},
                      carpeta.path()).estado, 2);
     EXPECT_FALSE(QFile::exists(carpeta.filePath(QStringLiteral("a.sqlite"))));
     // Books copied onto themselves, or from a database that is not the program's: nothing
     // is made.
     const QString libros = carpeta.filePath(QStringLiteral("libros.sqlite"));
-    ASSERT_EQ(correr({QStringLiteral("--db"), libros, QStringLiteral("--inicializar"), QStringLiteral("--sin-demo")}, carpeta.path()).estado, 0);
+    ASSERT_EQ(Correr({QStringLiteral("--db"), libros, QStringLiteral("--inicializar"), QStringLiteral("--sin-demo")}, carpeta.path()).estado, 0);
     const QByteArray librosAntes = huella(libros);
-    EXPECT_EQ(correr({QStringLiteral("--db"), libros, QStringLiteral("--copiar-a"), libros}, carpeta.path()).estado, 1);
+    EXPECT_EQ(Correr({QStringLiteral("--db"), libros, QStringLiteral("--copiar-a"), libros}, carpeta.path()).estado, 1);
     EXPECT_EQ(huella(libros), librosAntes);
-    EXPECT_EQ(correr({QStringLiteral("--db"), carpeta.filePath(QStringLiteral("nada.sqlite")), QStringLiteral("--copiar-a"),
+    EXPECT_EQ(Correr({QStringLiteral("--db"), carpeta.filePath(QStringLiteral("nada.sqlite")), QStringLiteral("--copiar-a"),
                       carpeta.filePath(QStringLiteral("b.sqlite"))}, carpeta.path()).estado, 1);
     EXPECT_FALSE(QFile::exists(carpeta.filePath(QStringLiteral("b.sqlite"))));
 
@@ -206,20 +184,20 @@ TEST(InicializarLinea, PedidosMalosYBasesAjenasNoCambianNada)
         c->Cerrar();
     }
     const QByteArray antes = huella(ajena);
-    EXPECT_EQ(correr({QStringLiteral("--db"), libros, QStringLiteral("--copiar-a"), ajena}, carpeta.path()).estado, 1);
+    EXPECT_EQ(Correr({QStringLiteral("--db"), libros, QStringLiteral("--copiar-a"), ajena}, carpeta.path()).estado, 1);
     EXPECT_EQ(huella(ajena), antes);
     // A file that holds only a view is not empty either.
     const QString conVista = carpeta.filePath(QStringLiteral("vista.db"));
     ConexionQt::Abrir(DireccionBD::Leer(conVista), true)->Ejecutar(QStringLiteral("Create View v As Select 1 As uno"));
     const QByteArray vistaAntes = huella(conVista);
-    const Salida vista = correr({QStringLiteral("--db"), libros, QStringLiteral("--copiar-a"), conVista}, carpeta.path());
+    const Salida vista = Correr({QStringLiteral("--db"), libros, QStringLiteral("--copiar-a"), conVista}, carpeta.path());
     EXPECT_EQ(vista.estado, 1);
     EXPECT_EQ(vista.errores.count(QLatin1Char('\n')), 1) << vista.errores.toStdString();
     EXPECT_EQ(huella(conVista), vistaAntes);
-    Salida s = correr({QStringLiteral("--db"), ajena, QStringLiteral("--inicializar")}, carpeta.path());
+    Salida s = Correr({QStringLiteral("--db"), ajena, QStringLiteral("--inicializar")}, carpeta.path());
     EXPECT_EQ(s.estado, 1);
     EXPECT_TRUE(s.errores.contains(QStringLiteral("no es de este programa"))) << s.errores.toStdString();
-    s = correr({QStringLiteral("--db"), ajena, QStringLiteral("--exportar"), carpeta.filePath(QStringLiteral("x.csv")),
+    s = Correr({QStringLiteral("--db"), ajena, QStringLiteral("--exportar"), carpeta.filePath(QStringLiteral("x.csv")),
                 QStringLiteral("--vista"), QStringLiteral("1")},
                carpeta.path());
     EXPECT_EQ(s.estado, 1);
@@ -243,7 +221,7 @@ TEST(InicializarLinea, UnaBaseDeSoloLecturaSeAbre)
     QDir().mkpath(dir);
     QDir().mkpath(salidas);
     const QString db = dir + QStringLiteral("/libros.sqlite");
-    ASSERT_EQ(correr({QStringLiteral("--db"), db, QStringLiteral("--inicializar")}, carpeta.path()).estado, 0);
+    ASSERT_EQ(Correr({QStringLiteral("--db"), db, QStringLiteral("--inicializar")}, carpeta.path()).estado, 0);
     {
         auto c = ConexionQt::Abrir(DireccionBD::Leer(db));
         auto rs = c->Abrir(QStringLiteral("PRAGMA journal_mode"));
@@ -272,7 +250,7 @@ TEST(InicializarLinea, UnaBaseDeSoloLecturaSeAbre)
     }
 
     const QString csv = salidas + QStringLiteral("/mes.csv");
-    const Salida s = correr({QStringLiteral("--db"), db, QStringLiteral("--exportar"), csv, QStringLiteral("--mes"),
+    const Salida s = Correr({QStringLiteral("--db"), db, QStringLiteral("--exportar"), csv, QStringLiteral("--mes"),
                              BaseDePrueba::Hoy().toString(QStringLiteral("yyyy-MM"))},
                             salidas, como, programa);
     QFile::setPermissions(dir, soloLectura | QFileDevice::WriteOwner);
