@@ -1,5 +1,6 @@
 // The opening-balance entry in the document: the banner that asks for it, the menu command
 // that makes it, and the start-up option that asks for it at once.
+#include "comun/asientosdeprueba.h"
 #include "comun/basesprueba.h"
 #include "comun/datosdeprueba.h"
 #include "comun/hostdeprueba.h"
@@ -61,18 +62,8 @@ protected:
     // A balanced entry of the opening-balance book, written straight to the store; its id.
     qint32 apertura(qint16 estado)
     {
-        AsientoDatos d(m_base.conexion());
-        d.Cabezal() = {0, Demo::kEmpresa, estado, QDate(2024, 1, 1), QStringLiteral("Saldos"), Demo::kLibroPrimeraApertura};
-        LineaDatos l;
-        l.Cuenta = m_base.IdCuenta("1.1.01");
-        l.Importe = l.ImporteMC = 10_imp;
-        LineaDatos capital = l;
-        capital.Cuenta = m_base.IdCuenta("3.1.01");
-        capital.AlDebe = false;
-        d.Lineas() = {l, capital};
-        const qint32 id = d.GrabarTodo();
-        EXPECT_GT(id, 0) << d.ultimoError().toStdString();
-        return id;
+        return GrabarAsientoDePrueba(m_base, estado, QDate(2024, 1, 1), QStringLiteral("Saldos"), Demo::kLibroPrimeraApertura,
+                                     {{"1.1.01", true, 10}, {"3.1.01", false, 10}});
     }
 
     BaseDePrueba m_base;

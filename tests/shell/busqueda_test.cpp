@@ -88,10 +88,7 @@ protected:
     // Stores a registered entry straight into the database: 1.1.01 against 4.1.01 for 100.
     qint32 grabarAsiento(const QDate &fecha, const QString &leyenda)
     {
-        AsientoDatos datos(m_base.conexion());
-        datos.Cabezal() = CabezalDatos{0, Demo::kEmpresa, 1, fecha, leyenda, Demo::kLibroDiario};
-        datos.Lineas() = {LineaDatos{cuenta("1.1.01"), 0, 0, true, 100_imp, 1, 100_imp}, LineaDatos{cuenta("4.1.01"), 0, 0, false, 100_imp, 1, 100_imp}};
-        return datos.GrabarTodo();
+        return GrabarAsientoDePrueba(m_base, 1, fecha, leyenda, Demo::kLibroDiario, {{"1.1.01", true, 100}, {"4.1.01", false, 100}});
     }
 };
 

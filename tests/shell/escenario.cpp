@@ -150,22 +150,7 @@ qint32 Escenario::cuenta(const char *codigo)
 qint32 Escenario::asientoAlFinal(qint16 estado, const QString &leyenda, const QList<std::tuple<const char *, bool, double>> &lineas,
                                  qint16 libro)
 {
-    AsientoDatos d(m_base.conexion());
-    d.Cabezal().Empresa = Demo::kEmpresa;
-    d.Cabezal().Estado = estado;
-    d.Cabezal().Fecha = BaseDePrueba::Hoy().addDays(-1);
-    d.Cabezal().Leyenda = leyenda;
-    d.Cabezal().Libro = libro;
-    for (const auto &[codigo, debe, importe] : lineas) {
-        LineaDatos l;
-        l.Cuenta = cuenta(codigo);
-        l.AlDebe = debe;
-        l.Importe = l.ImporteMC = Importe::DesdeDouble(importe);
-        l.Tasa = 1;
-        d.Lineas() << l;
-    }
-    const qint32 id = d.GrabarTodo();
-    EXPECT_GT(id, 0) << d.ultimoError().toStdString();
+    const qint32 id = GrabarAsientoDePrueba(m_base, estado, BaseDePrueba::Hoy().addDays(-1), leyenda, libro, lineas);
     EXPECT_FALSE(CargarAsientoEnGrilla(m_doc->asientos(), *m_doc->proceso().conexion, id, m_doc->grilla().Filas() - 1));
     return id;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "comun/asientosdeprueba.h"
 #include "comun/basesprueba.h"
 #include "comun/busquedaexacta.h"
 #include "comun/datosdeprueba.h"

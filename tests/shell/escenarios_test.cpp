@@ -296,28 +296,16 @@ TEST_P(Escenarios, AgendarDesdeUnaLineaNoTocaElAsientoSiguiente)
 
 // Writes an entry of the opening-balance book straight into the database: 1.1.01 against
 // 3.1.01 for 5000, in the given state; answers its id.
-qint32 AsientoDeSaldosIniciales(Conexion &c, qint16 estado)
+qint32 AsientoDeSaldosIniciales(BaseDePrueba &base, qint16 estado)
 {
-    AsientoDatos datos(c);
-    datos.Cabezal().Empresa = Demo::kEmpresa;
-    datos.Cabezal().Estado = estado;
-    datos.Cabezal().Fecha = QDate(BaseDePrueba::Hoy().year(), 1, 1);
-    datos.Cabezal().Leyenda = QStringLiteral("Asiento de Saldos Iniciales");
-    datos.Cabezal().Libro = Demo::kLibroPrimeraApertura;
-    auto cuenta = [&](const char *codigo) {
-        auto rs = c.Abrir(QStringLiteral("Select CueID From cceCuentas Where CueCodigo = ?"), {QString::fromLatin1(codigo)});
-        return qint32(rs->Entero(QStringLiteral("CueID")));
-    };
-    LineaDatos debe{cuenta("1.1.01"), 0, 0, true, 5000_imp, 1, 5000_imp};
     const double credito = estado == EstadoAsiento::kInconcluso ? 4000 : 5000;
-    LineaDatos haber{cuenta("3.1.01"), 0, 0, false, Importe::DesdeDouble(credito), 1, Importe::DesdeDouble(credito)};
-    datos.Lineas() = {debe, haber};
-    return datos.GrabarTodo();
+    return GrabarAsientoDePrueba(base, estado, QDate(BaseDePrueba::Hoy().year(), 1, 1), QStringLiteral("Asiento de Saldos Iniciales"),
+                                 Demo::kLibroPrimeraApertura, {{"1.1.01", true, 5000}, {"3.1.01", false, credito}}, false);
 }
 
 TEST_P(Escenarios, ElAsientoDeSaldosInicialesConservaSuLibro)
 {
-    const qint32 id = AsientoDeSaldosIniciales(m_base.conexion(), EstadoAsiento::kRegistrado);
+    const qint32 id = AsientoDeSaldosIniciales(m_base, EstadoAsiento::kRegistrado);
     ASSERT_GT(id, 0);
     ASSERT_FALSE(CargarAsientoEnGrilla(m_doc->asientos(), *m_doc->proceso().conexion, id, m_doc->grilla().Filas() - 1));
     const AsientoEnBase antes = enBase(id);
@@ -339,15 +327,15 @@ TEST_P(Escenarios, ElAsientoDeSaldosInicialesConservaSuLibro)
 TEST_P(Escenarios, UnInconclusoDelLibroDeSaldosInicialesAlCerrar)
 {
     for (const bool yaExiste : {false, true}) {
-        const qint32 id = AsientoDeSaldosIniciales(m_base.conexion(), EstadoAsiento::kInconcluso);
+        const qint32 id = AsientoDeSaldosIniciales(m_base, EstadoAsiento::kInconcluso);
         ASSERT_GT(id, 0);
         // The store no longer lets a second one be made beside it: an incomplete one beside
         // the registered one is data written before that rule.
         if (yaExiste) {
-            const qint32 registrado = AsientoDeSaldosIniciales(m_base.conexion(), EstadoAsiento::kRegistrado);
+            const qint32 registrado = AsientoDeSaldosIniciales(m_base, EstadoAsiento::kRegistrado);
             EXPECT_EQ(registrado, 0);
             m_base.conexion().Ejecutar(QStringLiteral("Update cceAsientos Set AsiEstado = 9 Where AsiID = ?"), {id});
-            ASSERT_GT(AsientoDeSaldosIniciales(m_base.conexion(), EstadoAsiento::kRegistrado), 0);
+            ASSERT_GT(AsientoDeSaldosIniciales(m_base, EstadoAsiento::kRegistrado), 0);
             m_base.conexion().Ejecutar(QStringLiteral("Update cceAsientos Set AsiEstado = 2 Where AsiID = ?"), {id});
         }
         ASSERT_FALSE(CargarAsientoEnGrilla(m_doc->asientos(), *m_doc->proceso().conexion, id, m_doc->grilla().Filas() - 1));
@@ -383,9 +371,9 @@ TEST_P(Escenarios, UnInconclusoDelLibroDeSaldosInicialesAlCerrar)
 // books the company has none of, write nothing (1837).
 TEST_P(Escenarios, UnSegundoDeSaldosInicialesSinSiOSinOtroLibroNoSeGraba)
 {
-    const qint32 id = AsientoDeSaldosIniciales(m_base.conexion(), EstadoAsiento::kInconcluso);
+    const qint32 id = AsientoDeSaldosIniciales(m_base, EstadoAsiento::kInconcluso);
     m_base.conexion().Ejecutar(QStringLiteral("Update cceAsientos Set AsiEstado = 9 Where AsiID = ?"), {id});
-    ASSERT_GT(AsientoDeSaldosIniciales(m_base.conexion(), EstadoAsiento::kRegistrado), 0);
+    ASSERT_GT(AsientoDeSaldosIniciales(m_base, EstadoAsiento::kRegistrado), 0);
     m_base.conexion().Ejecutar(QStringLiteral("Update cceAsientos Set AsiEstado = 2 Where AsiID = ?"), {id});
     const AsientoEnBase antes = enBase(id);
     for (const bool sinLibros : {false, true}) {

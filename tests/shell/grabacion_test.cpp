@@ -36,23 +36,8 @@ protected:
     // An entry of "Caja" against "Ventas de mercadería" for an amount, or with the account given.
     qint32 asiento(const QDate &fecha, int estado, double importe, const char *debe = "1.1.01", qint16 libro = 1)
     {
-        AsientoDatos d(m_base.conexion());
-        d.Cabezal().Empresa = 1;
-        d.Cabezal().Estado = qint16(estado);
-        d.Cabezal().Fecha = fecha;
-        d.Cabezal().Leyenda = QStringLiteral("Prueba %1").arg(importe);
-        d.Cabezal().Libro = libro;
-        LineaDatos a, b;
-        a.Cuenta = m_base.IdCuenta(debe);
-        a.Importe = a.ImporteMC = Importe::DesdeDouble(importe);
-        b.Cuenta = m_base.IdCuenta("4.1.01");
-        b.AlDebe = false;
-        b.Importe = b.ImporteMC = Importe::DesdeDouble(importe);
-        LineaDatos c = a;
-        c.Cuenta = m_base.IdCuenta("5.3.01");
-        c.Importe = c.ImporteMC = Importe();
-        d.Lineas() = {a, c, b};
-        return d.GrabarTodo();
+        return GrabarAsientoDePrueba(m_base, qint16(estado), fecha, QStringLiteral("Prueba %1").arg(importe), libro,
+                                     {{debe, true, importe}, {"5.3.01", true, 0}, {"4.1.01", false, importe}}, false);
     }
 
     int estadoEnBase(qint32 id)

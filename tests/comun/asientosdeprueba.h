@@ -1,0 +1,18 @@
+#pragma once
+
+#include "comun/basesprueba.h"
+
+#include <QDate>
+#include <QList>
+#include <QString>
+
+#include <tuple>
+
+// A line of a test entry: the demo account's code, whether it is at the debit, and the
+// amount in the accounting currency.
+using LineaDePrueba = std::tuple<const char *, bool, double>;
+
+// Writes an entry of the demo company through the data service, as a document would;
+// answers its id, 0 when the service refused it (the test fails then, unless it expects so).
+qint32 GrabarAsientoDePrueba(BaseDePrueba &base, qint16 estado, const QDate &fecha, const QString &leyenda, qint16 libro,
+                             const QList<LineaDePrueba> &lineas, bool debeGrabarse = true);
