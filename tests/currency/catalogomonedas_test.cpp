@@ -1,7 +1,6 @@
 #include "comun/basesprueba.h"
 
 #include "currency/catalogomonedas.h"
-#include "store/basedemo.h"
 
 #include <gtest/gtest.h>
 
@@ -56,17 +55,6 @@ TEST_P(Catalogo, ErrorDeLaBaseConservaLoLeido)
     CatalogoMonedas c;
     EXPECT_FALSE(c.CargarMonedas(base.conexion()));
     EXPECT_EQ(c.monedas().size(), 1);
-}
-
-TEST_P(Catalogo, MonedasDeLaDemo)
-{
-    BaseDePrueba base(GetParam(), BaseDePrueba::Contenido::Demo);
-    CatalogoMonedas c;
-    ASSERT_TRUE(c.CargarMonedas(base.conexion()));
-    c.FijarMonedaContabilidad(Demo::kMonedaPesos);
-    EXPECT_EQ(c.monedas().size(), 4);
-    EXPECT_EQ(c.DatoMoneda(Demo::kMonedaEuros, 4).toString(), QStringLiteral("#,##0.00"));
-    EXPECT_EQ(c.DatoMoneda(Demo::kMonedaEuros, 5).toString(), QStringLiteral("#,##0.000"));
 }
 
 INSTANCIAR_EN_MOTORES(Catalogo);
