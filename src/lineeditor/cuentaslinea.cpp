@@ -148,6 +148,8 @@ void lumERAsiento::EnterEnCuenta(bool bEsAlDebe)
     if (caja->text().trimmed().isEmpty()) {
         if (bEsAlDebe)
             tHaber->setFocus();
+        else if (CuentaIngresadaAlDebe())
+            PrepararImportes(true, true); // a line of its debit account alone: on to the amount
         return;
     }
     if ((bEsAlDebe ? m_tagDebe : m_tagHaber).isEmpty()) {

@@ -126,11 +126,18 @@ TEST_F(DialogosFrecuentes, UnaPlantillaNuevaSeEscribeConElTecladoYSeGuarda)
                                                     EXPECT_EQ(QApplication::focusWidget(), hijo(d, "tLeyenda"));
                                                     teclear(hijo(d, "tLeyenda"), QStringLiteral("Alquiler de la oficina"));
                                                     guardar->click();
-                                                    linea(d, true, "5.3.01", "1500");
+                                                    // The keyboard alone: the account, Enter, Enter past the
+                                                    // other side, the amount, Enter.
+                                                    auto *editor = d.findChild<lumERAsiento *>();
+                                                    editor->campoCuenta(true)->setFocus();
+                                                    for (const char *tecla : {"5.3.01\n", "\n", "1500\n"}) {
+                                                        const QString t = QString::fromLatin1(tecla);
+                                                        QTest::keyClicks(QApplication::focusWidget(), t.chopped(1));
+                                                        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+                                                    }
                                                     EXPECT_EQ(hijo<QLabel>(d, "lDiferencia")->text(), QStringLiteral("Falta 1.500,00 al haber."));
                                                     linea(d, false, "1.1.01", "1500");
                                                     EXPECT_EQ(hijo<QLabel>(d, "lDiferencia")->text(), QStringLiteral("Balanceado."));
-                                                    auto *editor = d.findChild<lumERAsiento *>();
                                                     teclear(editor->campoCuenta(true), QStringLiteral("1.1.01"));
                                                     guardar->click();
                                                     ASSERT_EQ(QApplication::focusWidget(), editor->campo(lumERAsiento::kImporte));
