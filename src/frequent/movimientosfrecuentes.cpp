@@ -19,6 +19,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QTimer>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
@@ -337,6 +338,9 @@ qint32 MovimientosFrecuentes::Editar(qint32 mfrID)
     mostrarLineas();
     m_cambiado = false;
     tNombre->setFocus();
+    // The list's stretched columns take their widths once the dialog is laid out on screen;
+    // the line editor's fields follow them then.
+    QTimer::singleShot(0, this, &MovimientosFrecuentes::colocarEditor);
     exec();
     return m_guardado;
 }

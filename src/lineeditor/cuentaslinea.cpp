@@ -159,8 +159,9 @@ void lumERAsiento::EnterEnCuenta(bool bEsAlDebe)
             return;
         }
     }
-    const bool otraLibre = bEsAlDebe ? !CuentaIngresadaAlHaber() : !CuentaIngresadaAlDebe();
-    if (otraLibre && m_permitirDosCtas) {
+    // Where a line may carry both accounts, Enter goes from the debit account to the credit
+    // one; from the credit account it goes on to the amount, as the fields are in order.
+    if (bEsAlDebe && m_permitirDosCtas && !CuentaIngresadaAlHaber()) {
         otraCaja->setFocus();
         return;
     }

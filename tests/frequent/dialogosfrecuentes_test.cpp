@@ -90,13 +90,6 @@ protected:
         if (enter)
             QTest::keyClick(w, Qt::Key_Return);
     }
-    // A line typed in the template dialog's line editor: the account on its side, the amount.
-    static void linea(QWidget &d, bool debe, const char *codigo, const char *importe)
-    {
-        auto *editor = d.findChild<lumERAsiento *>();
-        teclear(editor->campoCuenta(debe), QString::fromLatin1(codigo));
-        teclear(editor->campo(lumERAsiento::kImporte), QString::fromLatin1(importe));
-    }
     static QStringList nombres(QWidget &d)
     {
         QStringList r;
@@ -136,7 +129,16 @@ TEST_F(DialogosFrecuentes, UnaPlantillaNuevaSeEscribeConElTecladoYSeGuarda)
                                                         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
                                                     }
                                                     EXPECT_EQ(hijo<QLabel>(d, "lDiferencia")->text(), QStringLiteral("Falta 1.500,00 al haber."));
-                                                    linea(d, false, "1.1.01", "1500");
+                                                    // A credit line: Enter past the empty debit, the account, Enter,
+                                                    // and the missing amount proposed.
+                                                    for (const char *tecla : {"\n", "1.1.01\n"}) {
+                                                        const QString t = QString::fromLatin1(tecla);
+                                                        QTest::keyClicks(QApplication::focusWidget(), t.chopped(1));
+                                                        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+                                                    }
+                                                    EXPECT_EQ(QApplication::focusWidget(), editor->campo(lumERAsiento::kImporte));
+                                                    EXPECT_EQ(editor->ImporteCta(), 1500_imp);
+                                                    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
                                                     EXPECT_EQ(hijo<QLabel>(d, "lDiferencia")->text(), QStringLiteral("Balanceado."));
                                                     teclear(editor->campoCuenta(true), QStringLiteral("1.1.01"));
                                                     guardar->click();
