@@ -2,6 +2,8 @@
 
 #include "comun/basesprueba.h"
 
+#include "entries/asientodatos.h"
+
 #include <QDate>
 #include <QList>
 #include <QString>
@@ -11,6 +13,9 @@
 // A line of a test entry: the demo account's code, whether it is at the debit, and the
 // amount in the accounting currency.
 using LineaDePrueba = std::tuple<const char *, bool, double>;
+
+// The lines as the data services take them, in pesos at rate 1, numbered in order.
+QVector<LineaDatos> LineasDePrueba(BaseDePrueba &base, const QList<LineaDePrueba> &lineas);
 
 // Writes an entry of the demo company through the data service, as a document would;
 // answers its id, 0 when the service refused it (the test fails then, unless it expects so).

@@ -1,5 +1,6 @@
 // The frequent-entry dialogs as a user drives them: a template typed with the keyboard and
 // stored, changed, found by name and registered, changed and deleted from the finder.
+#include "comun/asientosdeprueba.h"
 #include "comun/busquedaexacta.h"
 #include "comun/datosdeprueba.h"
 #include "comun/dialogos.h"
@@ -33,7 +34,7 @@ protected:
     }
 
     // A template stored directly: (account, debit side, amount) lines in pesos.
-    qint32 plantilla(const QString &nombre, const QList<std::tuple<const char *, bool, double>> &lineas, const QDate &agenda = {})
+    qint32 plantilla(const QString &nombre, const QList<LineaDePrueba> &lineas, const QDate &agenda = {})
     {
         MovimientoFrecuente m;
         m.Empresa = Demo::kEmpresa;
@@ -46,16 +47,8 @@ protected:
             m.Recurrencia = QString::fromLatin1(FrecuentesDatos::kRecurrenciaAgendado);
             m.FechaProxima = agenda;
         }
-        for (const auto &[codigo, debe, importe] : lineas) {
-            LineaDatos l;
-            l.Cuenta = m_base.IdCuenta(codigo);
-            l.AlDebe = debe;
-            l.Importe = l.ImporteMC = Importe::DesdeDouble(importe);
-            l.Tasa = 1;
-            l.Orden = qint16(m.Lineas.size() + 1);
-            m.Lineas.append(l);
-            m.Monedas.append(0);
-        }
+        m.Lineas = LineasDePrueba(m_base, lineas);
+        m.Monedas = QVector<qint16>(m.Lineas.size(), 0);
         FrecuentesDatos datos(m_base.conexion());
         const qint32 id = datos.Guardar(m);
         EXPECT_GT(id, 0) << datos.ultimoError().toStdString();
