@@ -212,7 +212,10 @@ TEST(InicializarLinea, PedidosMalosYBasesAjenasNoCambianNada)
 // and is left unchanged. As root the program runs as nobody, to whom the folder is read-only.
 TEST(InicializarLinea, UnaBaseDeSoloLecturaSeAbre)
 {
-    QTemporaryDir carpeta;
+    // The other user must reach the folder: it goes under /tmp, which everyone may cross,
+    // even when this user's temporary folder is private.
+    QTemporaryDir carpeta(QStringLiteral("/tmp/asientos-solo-lectura-XXXXXX"));
+    ASSERT_TRUE(carpeta.isValid());
     QFile::setPermissions(carpeta.path(), QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner
                                               | QFileDevice::ReadOther | QFileDevice::ExeOther | QFileDevice::ReadGroup
                                               | QFileDevice::ExeGroup);
