@@ -363,6 +363,14 @@ TEST_F(EditorDeLinea, EscribirSobreLaCuentaLaQuitaConSusImportes)
     EXPECT_TRUE(campo(lumERAsiento::kImporte)->text().isEmpty());
     EXPECT_TRUE(campo(lumERAsiento::kImporteMC)->text().isEmpty());
     EXPECT_EQ(m_editor->MonedaCombo(), 0);
+
+    // A key the document hands over as it opens the field does the same, on its own side.
+    escribir(haber(), QStringLiteral("4.1.01"));
+    escribir(debe(), QStringLiteral("1.1.01"));
+    m_editor->SetFocusCtrl(lumERAsiento::kDebe, '4');
+    EXPECT_EQ(debe()->text(), QStringLiteral("4"));
+    EXPECT_FALSE(m_editor->CuentaIngresadaAlDebe());
+    EXPECT_TRUE(m_editor->CuentaIngresadaAlHaber());
 }
 
 TEST_F(EditorDeLinea, LaDiferenciaSePropone)
