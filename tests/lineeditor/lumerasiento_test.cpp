@@ -371,6 +371,11 @@ TEST_F(EditorDeLinea, EscribirSobreLaCuentaLaQuitaConSusImportes)
     EXPECT_EQ(debe()->text(), QStringLiteral("4"));
     EXPECT_FALSE(m_editor->CuentaIngresadaAlDebe());
     EXPECT_TRUE(m_editor->CuentaIngresadaAlHaber());
+    // Typing over it leaves the typing where it is, whatever the other side holds.
+    escribir(debe(), QStringLiteral("1.1.01"));
+    debe()->setFocus();
+    QTest::keyClick(debe(), Qt::Key_Backspace);
+    EXPECT_EQ(QApplication::focusWidget(), debe());
 }
 
 TEST_F(EditorDeLinea, LaDiferenciaSePropone)
