@@ -188,7 +188,10 @@ TEST_F(DialogosFrecuentes, UnaPlantillaGuardadaSeCambiaYCancelarNoGuardaNada)
     m_mensajes.Responder(ServicioMensajes::Respuesta::No);
     m_mensajes.Responder(ServicioMensajes::Respuesta::Si);
     ConDialogo<MovimientosFrecuentes>([&] { guardado = dialogo.Editar(id); }, [&](MovimientosFrecuentes &d) {
-        QTest::keyClick(hijo<QTreeWidget>(d, "lvLineas"), Qt::Key_Delete);
+        auto *lista = hijo<QTreeWidget>(d, "lvLineas");
+        lista->setCurrentItem(lista->topLevelItem(0)); // the first line goes too
+        QTest::keyClick(lista, Qt::Key_Delete);
+        EXPECT_EQ(lista->topLevelItemCount(), 1);
         teclear(hijo(d, "tNombre"), QStringLiteral("Otro nombre"));
         hijo<QPushButton>(d, "bfCancel")->click();
         EXPECT_TRUE(d.isVisible());
