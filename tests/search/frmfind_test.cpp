@@ -204,6 +204,10 @@ TEST_P(DialogoBusqueda, ElLibroEscritoDebeSerUnoDeLaLista)
     aceptar();
     EXPECT_TRUE(criterios().FindOK);
     EXPECT_EQ(criterios().prmLibro, 7);
+    mostrar();
+    escribir("cfLibro", QStringLiteral("diario")); // the first of the list
+    aceptar();
+    EXPECT_EQ(criterios().prmLibro, 1);
 }
 
 TEST_P(DialogoBusqueda, CancelarDejaLosCriteriosDelUltimoAceptarYLosCamposComoQuedaron)
