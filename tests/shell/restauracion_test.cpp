@@ -110,6 +110,30 @@ TEST_P(Restauracion, EliminarPreguntaYLaPapeleraLoDevuelveEntero)
     dialogo->close();
 }
 
+// After the last row of the trash comes back, the row before it is the one chosen, so
+// Enter or a button goes on working without a click.
+TEST_P(Restauracion, TrasRestaurarLaUltimaFilaLaEleccionSigueEnLaLista)
+{
+    m_base.conexion().Ejecutar(QStringLiteral("Delete From cceAsientoCuenta Where ACuIDAsiento In (Select AsiID From cceAsientos Where AsiEstado = 9)"));
+    m_base.conexion().Ejecutar(QStringLiteral("Delete From cceAsientos Where AsiEstado = 9"));
+    const qint32 primero = nuevoAsiento();
+    suprimir(filaDe(primero), ServicioMensajes::Respuesta::Si);
+    const qint32 segundo = nuevoAsiento();
+    suprimir(filaDe(segundo), ServicioMensajes::Respuesta::Si);
+    DialogoPapelera *dialogo = papelera();
+    ASSERT_NE(dialogo, nullptr);
+    auto *tabla = dialogo->findChild<QTableWidget *>(QStringLiteral("tablaPapelera"));
+    auto *restaurar = dialogo->findChild<QPushButton *>(QStringLiteral("botonRestaurar"));
+    ASSERT_EQ(tabla->rowCount(), 2);
+    tabla->setCurrentCell(1, 0); // the first one sent, listed last
+    restaurar->click();
+    EXPECT_EQ(enBase(primero).cabezal.value(0), QStringLiteral("1"));
+    ASSERT_EQ(tabla->rowCount(), 1);
+    EXPECT_EQ(tabla->currentRow(), 0);
+    EXPECT_TRUE(restaurar->isEnabled());
+    dialogo->close();
+}
+
 // Restoring from the trash obeys the rules of any write: another user's opening-balance
 // entry keeps a trashed one out, and an account closed since keeps the entry where it is.
 TEST_P(Restauracion, DeLaPapeleraSoloLoQueUnaEscrituraPuede)
