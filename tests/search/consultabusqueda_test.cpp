@@ -100,6 +100,8 @@ TEST(SqlBusqueda, CadaPiezaEnSuOrden)
              + QStringLiteral(" Where CSQ.ACuImporteMC between 10 And 20) And AsiLeyenda Like 'caja%ref%' And AsiTipo = 4)")},
         {"libro cero o negativo no cuenta", con([](auto &c) { c.prmLibro = -3; }), QStringLiteral(" And AsiEstado <> 9 ")},
         {"cuenta cero no cuenta", con([](auto &c) { c.prmCta = 0; c.prmPry = 5; }), QStringLiteral(" And AsiEstado <> 9 ")},
+        {"la cuenta 1 sí", con([](auto &c) { c.prmCta = 1; c.prmPry = c.prmDep = CriteriosBusqueda::kCualquiera; }),
+         QStringLiteral(" And AsiEstado <> 9  And (") + sub + QStringLiteral(" Where (CSQ.AcuCuenta = 1)))")},
     };
     for (const Caso &caso : casos) {
         SCOPED_TRACE(caso.nombre);
