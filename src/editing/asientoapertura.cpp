@@ -77,14 +77,11 @@ void AsientoApertura::MnuEdiAPA()
 
 void AsientoApertura::MostrarAsiento(qint32 asiID)
 {
-    Grilla &g = m_asientos.grilla();
-    for (int r = g.FilasFijas(); r < g.Filas(); ++r) {
-        if (m_asientos.EsFilaCabezal(r) && m_asientos.IdDeFila(r) == asiID) {
-            m_pantalla.SeleccionarFila(r);
-            return;
-        }
+    if (const int r = m_asientos.FilaDeAsiento(asiID); r >= 0) {
+        m_pantalla.SeleccionarFila(r);
+        return;
     }
-    const int fila = g.Filas() - 1;
+    const int fila = m_asientos.grilla().Filas() - 1;
     m_comandos.CargarAsiento(asiID, fila);
     m_pantalla.SeleccionarFila(fila);
 }

@@ -215,13 +215,7 @@ bool ComandosRestauracion::Deshacer()
 void ComandosRestauracion::mostrarEnGrilla(qint32 asiID)
 {
     m_grilla.FijarRedibujar(false);
-    int cabezal = -1;
-    for (int r = m_grilla.FilasFijas(); r < m_grilla.Filas(); ++r) {
-        if (m_asientos.EsFilaCabezal(r) && m_asientos.IdDeFila(r) == asiID) {
-            cabezal = r;
-            break;
-        }
-    }
+    int cabezal = m_asientos.FilaDeAsiento(asiID);
     if (cabezal >= 0) {
         m_comandos.RecargarAsiento(asiID, cabezal);
     } else {

@@ -324,6 +324,14 @@ void AsientosGrilla::ActualizarCabezalFila(int filaCabezal, const QDateTime &sel
     ClaveEstado(filaCabezal, estado);
 }
 
+int AsientosGrilla::FilaDeAsiento(qint32 asiID) const
+{
+    for (int r = m_g.FilasFijas(); r < m_g.Filas(); ++r)
+        if (EsFilaCabezal(r) && IdDeFila(r) == asiID)
+            return r;
+    return -1;
+}
+
 void AsientosGrilla::QuitarAsientoDeGrilla(qint32 asiID)
 {
     std::vector<bool> quitar(size_t(m_g.Filas()), false);

@@ -122,6 +122,8 @@ public:
     // The last row of the entry whose header is filaCabezal (its difference row included).
     int UltimaFilaAsiento(int filaCabezal) const;
     qint32 IdDeFila(int fila) const;
+    // The header row of the entry with that id, or -1 when the grid does not show it.
+    int FilaDeAsiento(qint32 asiID) const;
 
     // Runs sql (the loading query) and puts its entries before row fila (0: at the end).
     // Throws ErrorBaseDatos; the rows written until then stay. Answers the first row filled,

@@ -212,10 +212,7 @@ void lumIngAsiento::OrdenarCuentasGrilla()
 
 int lumIngAsiento::FilaDeAsiento(qint32 id) const
 {
-    for (int r = m_grilla.FilasFijas(); r < m_grilla.Filas(); ++r)
-        if (m_asientos.EsFilaCabezal(r) && m_asientos.IdDeFila(r) == id)
-            return r;
-    return -1;
+    return m_asientos.FilaDeAsiento(id);
 }
 
 void lumIngAsiento::SeleccionarFila(int fila)
