@@ -4,16 +4,11 @@
 #include "comun/basesprueba.h"
 #include "programa.h"
 
-#include "store/basedemo.h"
-#include "store/conexion.h"
-
-#include <QFile>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
-#include <QProcess>
+#include <QJsonArray>
+#include <QJsonObject>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -23,145 +18,111 @@ namespace {
 class ExportarDesdeLinea : public ::testing::TestWithParam<Motor>
 {
 protected:
-    ExportarDesdeLinea()
-        : m_base(GetParam(), BaseDePrueba::Contenido::Demo)
+    Salida correr(const QString &archivo, const QStringList &argumentos)
     {
+        return Correr(QStringList{QStringLiteral("--db"), m_base.direccion(), QStringLiteral("--exportar"), archivo} + argumentos,
+                      m_carpeta.path());
     }
-
-    Salida correr(const QStringList &argumentos)
-    {
-        return Correr(QStringList{QStringLiteral("--db"), m_base.direccion()} + argumentos, m_carpeta.path());
-    }
-
     QString ruta(const char *nombre) const { return m_carpeta.filePath(QString::fromLatin1(nombre)); }
-
-    // The debit and credit sums in cents and the count of lines and entries of a month.
-    std::tuple<qint64, qint64, int, int> totalesDelMes(const QString &desde, const QString &hasta)
+    // The rows of an exported CSV whose first column is a date: the entries' header rows.
+    int cabezales(const QJsonArray &filas)
     {
-        auto rs = m_base.conexion().Abrir(
-            QStringLiteral("Select Sum(Case When ACuDebe Is Not Null Then ACuImporteMC Else 0 End),"
-                           " Sum(Case When ACuDebe Is Null Then ACuImporteMC Else 0 End), Count(*),"
-                           " Count(Distinct AsiID) From cceAsientos Inner Join cceAsientoCuenta On AsiID = ACuIDAsiento"
-                           " Where AsiEmpresa = 1 And AsiEstado <> 9 And AsiFechaAsiento Between ? And ?"),
-            {desde, hasta});
-        return {qRound64(rs->Campo(0).toDouble() * 100), qRound64(rs->Campo(1).toDouble() * 100), rs->Campo(2).toInt(),
-                rs->Campo(3).toInt()};
+        int n = 0;
+        for (const auto &f : filas)
+            n += QDate::fromString(f.toArray().at(0).toString(), QStringLiteral("dd/MM/yyyy")).isValid() ? 1 : 0;
+        return n;
     }
 
-    static qint64 centavos(const QString &texto)
-    {
-        QString t = texto;
-        t.remove(QLatin1Char('.')).replace(QLatin1Char(','), QLatin1Char('.'));
-        return qRound64(t.toDouble() * 100);
-    }
-
-    BaseDePrueba m_base;
+    BaseDePrueba m_base{GetParam(), BaseDePrueba::Contenido::Demo};
     QTemporaryDir m_carpeta;
 };
 
+// The month's entries, lines and sums in the file are the database's.
 TEST_P(ExportarDesdeLinea, MesEnCSVCuadraConLaBase)
 {
     const QDate hoy = BaseDePrueba::Hoy();
-    const QString mes = hoy.toString(QStringLiteral("yyyy-MM"));
-    const Salida s = correr({QStringLiteral("--exportar"), ruta("mes.csv"), QStringLiteral("--mes"), mes});
+    const Salida s = correr(ruta("mes.csv"), {QStringLiteral("--mes"), hoy.toString(QStringLiteral("yyyy-MM"))});
     ASSERT_EQ(s.estado, 0) << s.errores.toStdString();
-
     const QJsonArray filas = LeerArchivoExportado("csv", ruta("mes.csv"));
     ASSERT_GT(filas.size(), 1);
     EXPECT_EQ(filas.at(0).toArray().at(2).toString(), QStringLiteral("Debe"));
-    qint64 debe = 0;
-    qint64 haber = 0;
-    int lineas = 0;
-    int asientos = 0;
+    auto centavos = [](const QJsonValue &v) {
+        return qRound64(v.toString().remove(QLatin1Char('.')).replace(QLatin1Char(','), QLatin1Char('.')).toDouble() * 100);
+    };
+    qint64 debe = 0, haber = 0, lineas = 0;
     for (qsizetype i = 1; i < filas.size(); ++i) {
         const QJsonArray f = filas.at(i).toArray();
         ASSERT_EQ(f.size(), 6);
         EXPECT_NE(f.at(0).toString(), QStringLiteral("Nuevo Asiento"));
-        if (f.at(0).toString().isEmpty() && f.at(1).toString().isEmpty())
+        // Blank rows, the entries' header rows and the difference row of an unbalanced entry
+        // (which is not stored) are no lines.
+        if ((f.at(0).toString().isEmpty() && f.at(1).toString().isEmpty())
+            || QDate::fromString(f.at(0).toString(), QStringLiteral("dd/MM/yyyy")).isValid()
+            || f.at(0).toString().startsWith(QStringLiteral("....")) || f.at(1).toString().startsWith(QStringLiteral("....")))
             continue;
-        if (QDate::fromString(f.at(0).toString(), QStringLiteral("dd/MM/yyyy")).isValid()) {
-            ++asientos;
-            continue;
-        }
-        if (f.at(0).toString().startsWith(QStringLiteral("....")) || f.at(1).toString().startsWith(QStringLiteral("....")))
-            continue; // the difference row of an unbalanced entry is not stored
         ++lineas;
-        debe += centavos(f.at(2).toString());
-        haber += centavos(f.at(3).toString());
+        debe += centavos(f.at(2));
+        haber += centavos(f.at(3));
     }
-    const auto [debeBase, haberBase, lineasBase, asientosBase] =
-        totalesDelMes(QDate(hoy.year(), hoy.month(), 1).toString(Qt::ISODate),
-                      QDate(hoy.year(), hoy.month(), hoy.daysInMonth()).toString(Qt::ISODate));
-    EXPECT_EQ(asientos, asientosBase);
-    EXPECT_EQ(lineas, lineasBase);
-    EXPECT_EQ(debe, debeBase);
-    EXPECT_EQ(haber, haberBase);
+    auto rs = m_base.conexion().Abrir(
+        QStringLiteral("Select Sum(Case When ACuDebe Is Not Null Then ACuImporteMC Else 0 End),"
+                       " Sum(Case When ACuDebe Is Null Then ACuImporteMC Else 0 End), Count(*), Count(Distinct AsiID)"
+                       " From cceAsientos Inner Join cceAsientoCuenta On AsiID = ACuIDAsiento"
+                       " Where AsiEmpresa = 1 And AsiEstado <> 9 And AsiFechaAsiento Between ? And ?"),
+        {QDate(hoy.year(), hoy.month(), 1).toString(Qt::ISODate), QDate(hoy.year(), hoy.month(), hoy.daysInMonth()).toString(Qt::ISODate)});
+    EXPECT_EQ(cabezales(filas), rs->Campo(3).toInt());
+    EXPECT_EQ(lineas, rs->Campo(2).toInt());
+    EXPECT_EQ(debe, qRound64(rs->Campo(0).toDouble() * 100));
+    EXPECT_EQ(haber, qRound64(rs->Campo(1).toDouble() * 100));
 }
 
 // An account searched without a project or department finds its lines of every project and
 // department: 5.2.01 Sueldos carries them on all its lines.
 TEST_P(ExportarDesdeLinea, UnaCuentaConProyectosSeEncuentraEntera)
 {
-    const Salida s = correr({QStringLiteral("--exportar"), ruta("sueldos.csv"), QStringLiteral("--cuenta"), QStringLiteral("5.2.01")});
+    const Salida s = correr(ruta("sueldos.csv"), {QStringLiteral("--cuenta"), QStringLiteral("5.2.01")});
     ASSERT_EQ(s.estado, 0) << s.errores.toStdString();
-    int asientos = 0;
-    const QJsonArray filas = LeerArchivoExportado("csv", ruta("sueldos.csv"));
-    for (qsizetype i = 1; i < filas.size(); ++i) {
-        const QJsonArray f = filas.at(i).toArray();
-        if (QDate::fromString(f.at(0).toString(), QStringLiteral("dd/MM/yyyy")).isValid())
-            ++asientos;
-    }
     auto rs = m_base.conexion().Abrir(QStringLiteral(
         "Select Count(Distinct AsiID), Sum(Case When ACuProyecto <> 0 Or ACuDepartamento <> 0 Then 1 Else 0 End)"
         " From cceAsientos Inner Join cceAsientoCuenta On AsiID = ACuIDAsiento Inner Join cceCuentas On CueID = ACuCuenta"
         " Where AsiEmpresa = 1 And AsiEstado <> 9 And CueCodigo = '5.2.01'"));
     ASSERT_GT(rs->Campo(1).toInt(), 0) << "the demo's salaries carry projects or departments";
-    EXPECT_EQ(asientos, rs->Campo(0).toInt());
+    EXPECT_EQ(cabezales(LeerArchivoExportado("csv", ruta("sueldos.csv"))), rs->Campo(0).toInt());
 }
 
+// A search between two dates for an account, to a workbook, a PDF and a page: the entries of
+// those dates with the account, amounts with the currency's mask; the page's footer names the
+// edition, as the window's export does.
 TEST_P(ExportarDesdeLinea, BusquedaEnLibroYPDF)
 {
     const QDate hoy = BaseDePrueba::Hoy();
-    const QStringList busqueda{QStringLiteral("--desde"), hoy.addMonths(-2).toString(Qt::ISODate), QStringLiteral("--hasta"),
-                               hoy.toString(Qt::ISODate), QStringLiteral("--cuenta"), QStringLiteral("1.1.01")};
-    Salida s = correr(QStringList{QStringLiteral("--exportar"), ruta("caja.xlsx")} + busqueda);
-    ASSERT_EQ(s.estado, 0) << s.errores.toStdString();
-    const QJsonArray filas = LeerArchivoExportado("xlsx", ruta("caja.xlsx"));
-    ASSERT_GT(filas.size(), 2);
-    int fechas = 0;
-    bool conCaja = true;
-    bool enEsteAsiento = false;
-    for (qsizetype i = 1; i < filas.size(); ++i) {
-        const QJsonArray f = filas.at(i).toArray();
-        if (f.at(0).isObject()) {
-            // A new entry: the previous one must have had the account.
-            conCaja = conCaja && (fechas == 0 || enEsteAsiento);
-            enEsteAsiento = false;
-            const QDate fecha = QDate::fromString(f.at(0).toObject().value(QStringLiteral("fecha")).toString(), Qt::ISODate);
-            EXPECT_TRUE(fecha >= hoy.addMonths(-2) && fecha <= hoy) << fecha.toString().toStdString();
-            ++fechas;
-        }
-        for (int c : {0, 1})
-            enEsteAsiento = enEsteAsiento || f.at(c).toString().startsWith(QStringLiteral("1.1.01"));
+    const QDate desde = hoy.addMonths(-2);
+    const QStringList busqueda{QStringLiteral("--desde"), desde.toString(Qt::ISODate), QStringLiteral("--hasta"), hoy.toString(Qt::ISODate),
+                               QStringLiteral("--cuenta"), QStringLiteral("1.1.01")};
+    ASSERT_EQ(correr(ruta("caja.xlsx"), busqueda).estado, 0);
+    int asientos = 0;
+    for (const auto &fila : LeerArchivoExportado("xlsx", ruta("caja.xlsx"))) {
+        const QJsonArray f = fila.toArray();
+        asientos += f.at(0).isObject() ? 1 : 0; // a header row: its date as a date cell
         if (f.at(2).isObject())
             EXPECT_EQ(f.at(2).toObject().value(QStringLiteral("formato")).toString(), QStringLiteral("#,##0.00"));
     }
-    EXPECT_TRUE(conCaja && enEsteAsiento);
-    EXPECT_GT(fechas, 2);
+    EXPECT_GT(asientos, 2);
+    EXPECT_EQ(asientos, m_base.Valor(QStringLiteral("Select Count(Distinct AsiID) From cceAsientos Inner Join cceAsientoCuenta On AsiID = ACuIDAsiento"
+                                                    " Inner Join cceCuentas On CueID = ACuCuenta Where AsiEmpresa = 1 And AsiEstado <> 9"
+                                                    " And CueCodigo = '1.1.01' And AsiFechaAsiento Between ? And ?"),
+                                     {desde.toString(Qt::ISODate), hoy.toString(Qt::ISODate)})
+                            .toInt());
 
-    s = correr(QStringList{QStringLiteral("--exportar"), ruta("caja.pdf")} + busqueda);
-    ASSERT_EQ(s.estado, 0) << s.errores.toStdString();
+    ASSERT_EQ(correr(ruta("caja.pdf"), busqueda).estado, 0);
     QProcess p;
     p.start(QStringLiteral("pdftotext"), {ruta("caja.pdf"), QStringLiteral("-")});
     p.waitForFinished(60000);
     const QString texto = QString::fromUtf8(p.readAllStandardOutput());
-    EXPECT_TRUE(texto.contains(QStringLiteral("Ingreso de Asientos")));
-    EXPECT_TRUE(texto.contains(QStringLiteral("Página 1 de ")));
-    EXPECT_TRUE(texto.contains(QStringLiteral("1.1.01")));
+    for (const char *parte : {"Ingreso de Asientos", "Página 1 de ", "1.1.01"})
+        EXPECT_TRUE(texto.contains(QString::fromUtf8(parte))) << parte;
 
-    // A page names the edition in its footer, as the window's export does.
-    s = correr(QStringList{QStringLiteral("--exportar"), ruta("caja.htm")} + busqueda);
-    ASSERT_EQ(s.estado, 0) << s.errores.toStdString();
+    ASSERT_EQ(correr(ruta("caja.htm"), busqueda).estado, 0);
     QFile pagina(ruta("caja.htm"));
     ASSERT_TRUE(pagina.open(QIODevice::ReadOnly));
     EXPECT_TRUE(QString::fromUtf8(pagina.readAll()).contains(QStringLiteral("<span class=\"stTitle\">Tarvo Contable</span>")));
@@ -172,33 +133,32 @@ TEST_P(ExportarDesdeLinea, PedidosMalosSeRechazanSinEscribir)
     const QString mes = BaseDePrueba::Hoy().toString(QStringLiteral("yyyy-MM"));
     const struct
     {
+        const char *archivo;
         QStringList argumentos;
         int estado;
         const char *mensaje;
     } casos[] = {
-        {{QStringLiteral("--exportar"), ruta("x.csv"), QStringLiteral("--mes"), QStringLiteral("2026-13")}, 2, "--mes"},
-        {{QStringLiteral("--exportar"), ruta("x.csv")}, 2, "Indique qué asientos"},
-        {{QStringLiteral("--exportar"), ruta("x.csv"), QStringLiteral("--mes"), mes, QStringLiteral("--vista"), QStringLiteral("1")}, 2, "una sola forma"},
-        {{QStringLiteral("--exportar"), ruta("x.doc"), QStringLiteral("--mes"), mes}, 2, ".csv, .xlsx, .htm o .pdf"},
-        {{QStringLiteral("--exportar"), ruta("x.csv"), QStringLiteral("--desde"), QStringLiteral("31/12/2026")}, 2, "--desde"},
-        {{QStringLiteral("--exportar"), ruta("x.csv"), QStringLiteral("--vista"), QStringLiteral("7")}, 2, "--vista"},
-        {{QStringLiteral("--exportar"), ruta("x.csv"), QStringLiteral("--cuenta"), QStringLiteral("9.9.99")}, 1, "No existe la cuenta"},
-        {{QStringLiteral("--exportar"), ruta("x.csv"), QStringLiteral("--cuenta"), QStringLiteral("5.2")}, 1, "agrupa otras cuentas"},
-        {{QStringLiteral("--exportar"), QString(), QStringLiteral("--mes"), mes}, 2, "necesita el archivo"},
-        {{QStringLiteral("--exportar"), ruta("no/x.htm"), QStringLiteral("--mes"), mes}, 1, "Error al exportar la información."},
-        {{QStringLiteral("--exportar"), ruta("no/x.xlsx"), QStringLiteral("--mes"), mes}, 1, "Error al exportar la información."},
-        {{QStringLiteral("--exportar"), ruta("no/x.pdf"), QStringLiteral("--mes"), mes}, 1, "Error al exportar la información."},
+        {"x.csv", {"--mes", "2026-13"}, 2, "--mes"},
+        {"x.csv", {}, 2, "Indique qué asientos"},
+        {"x.csv", {"--mes", mes, "--vista", "1"}, 2, "una sola forma"},
+        {"x.doc", {"--mes", mes}, 2, ".csv, .xlsx, .htm o .pdf"},
+        {"x.csv", {"--desde", "31/12/2026"}, 2, "--desde"},
+        {"x.csv", {"--vista", "7"}, 2, "--vista"},
+        {"x.csv", {"--cuenta", "9.9.99"}, 1, "No existe la cuenta"},
+        {"x.csv", {"--cuenta", "5.2"}, 1, "agrupa otras cuentas"},
+        {nullptr, {"--mes", mes}, 2, "necesita el archivo"},
+        {"no/x.htm", {"--mes", mes}, 1, "Error al exportar la información."},
+        {"no/x.xlsx", {"--mes", mes}, 1, "Error al exportar la información."},
+        {"no/x.pdf", {"--mes", mes}, 1, "Error al exportar la información."},
         // The command line admits whom the window admits: a user without rights, or none.
-        {{QStringLiteral("--exportar"), ruta("x.csv"), QStringLiteral("--mes"), mes, QStringLiteral("--user"), QStringLiteral("3")}, 1,
-         "Acceso denegado: el usuario 3"},
-        {{QStringLiteral("--exportar"), ruta("x.csv"), QStringLiteral("--mes"), mes, QStringLiteral("--user"), QStringLiteral("99")}, 1,
-         "Acceso denegado: el usuario 99"},
-        {{QStringLiteral("--exportar"), ruta("x.csv"), QStringLiteral("--mes"), mes, QStringLiteral("--company"), QStringLiteral("7")}, 1,
-         "Acceso denegado: el usuario 1 no puede ver los asientos de la empresa 7"},
+        {"x.csv", {"--mes", mes, "--user", "3"}, 1, "Acceso denegado: el usuario 3"},
+        {"x.csv", {"--mes", mes, "--user", "99"}, 1, "Acceso denegado: el usuario 99"},
+        {"x.csv", {"--mes", mes, "--company", "7"}, 1, "Acceso denegado: el usuario 1 no puede ver los asientos de la empresa 7"},
     };
     for (const auto &c : casos) {
-        const Salida s = correr(c.argumentos);
-        EXPECT_EQ(s.estado, c.estado) << c.argumentos.join(QLatin1Char(' ')).toStdString();
+        SCOPED_TRACE((QString::fromLatin1(c.archivo) + QLatin1Char(' ') + c.argumentos.join(QLatin1Char(' '))).toStdString());
+        const Salida s = correr(c.archivo ? ruta(c.archivo) : QString(), c.argumentos);
+        EXPECT_EQ(s.estado, c.estado);
         EXPECT_TRUE(s.errores.contains(QString::fromUtf8(c.mensaje))) << s.errores.toStdString();
     }
     EXPECT_EQ(QDir(m_carpeta.path()).entryList(QDir::Files | QDir::Hidden), QStringList{});

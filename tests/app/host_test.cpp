@@ -8,58 +8,63 @@
 #include <QDialog>
 #include <QTemporaryDir>
 #include <QTextBrowser>
-#include <QTest>
 
 #include <gtest/gtest.h>
 
 namespace {
 
+// The options of a command line, the program's name left out.
+OpcionesHost leer(QStringList argumentos)
+{
+    argumentos.prepend(QStringLiteral("asientos"));
+    return OpcionesHost::Leer(argumentos);
+}
+
+DatosHost datos(const OpcionesHost &o)
+{
+    DatosHost d;
+    EXPECT_TRUE(LeerParametrosHost(ExtraerParametrosHost(o.DireccionBase(QStringLiteral("/x"))), d).exito);
+    return d;
+}
+
 TEST(OpcionesHost, ArmanLaDireccionQueElDocumentoLee)
 {
-    const OpcionesHost o = OpcionesHost::Leer({QStringLiteral("asientos"), QStringLiteral("--user"), QStringLiteral("2"),
-                                               QStringLiteral("--company"), QStringLiteral("5"), QStringLiteral("--asiento"),
-                                               QStringLiteral("77"), QStringLiteral("--opening"), QStringLiteral("--temp"),
-                                               QStringLiteral("/tmp/mis datos")});
+    const OpcionesHost o = leer({"--user", "2", "--company", "5", "--asiento", "77", "--opening", "--temp", "/tmp/mis datos"});
     ASSERT_TRUE(o.error.isEmpty());
-    DatosHost d;
-    const LecturaHost r = LeerParametrosHost(ExtraerParametrosHost(o.DireccionBase(QStringLiteral("/x"))), d);
-    EXPECT_TRUE(r.exito);
+    const DatosHost d = datos(o);
     EXPECT_EQ(d.IDUsuario, 2);
     EXPECT_EQ(d.IDEmpresa, 5);
-    EXPECT_TRUE(d.PrefijoUsuario.startsWith(QStringLiteral("2_"))) << "another company, another layout";
     EXPECT_EQ(d.CarpetaTemporal, QStringLiteral("\\tmp\\mis datos"));
     EXPECT_TRUE(d.PedidoAsientoApertura);
     EXPECT_EQ(IdAsientoPendiente(d.SolicitudPendiente), 77);
+    EXPECT_EQ(leer({"--href", "a?b=c"}).DireccionBase(QStringLiteral("/x")), QStringLiteral("a?b=c"));
 }
 
 // Each database and company keeps its own layout file; the default ones keep the plain
 // user number, and a prefix given wins.
 TEST(OpcionesHost, CadaBaseYEmpresaTieneSuDiseno)
 {
-    auto prefijo = [](QStringList argumentos) {
-        argumentos.prepend(QStringLiteral("asientos"));
-        const OpcionesHost o = OpcionesHost::Leer(argumentos);
-        DatosHost d;
-        LeerParametrosHost(ExtraerParametrosHost(o.DireccionBase(QStringLiteral("/x"))), d);
-        return d.PrefijoUsuario;
-    };
-    const QString a = prefijo({QStringLiteral("--db"), QStringLiteral("/datos/a.sqlite")});
+    auto prefijo = [](const QStringList &argumentos) { return datos(leer(argumentos)).PrefijoUsuario; };
+    const QString a = prefijo({"--db", "/datos/a.sqlite"});
     EXPECT_EQ(prefijo({}), QStringLiteral("1"));
-    EXPECT_EQ(a, prefijo({QStringLiteral("--db"), QStringLiteral("/datos/a.sqlite")}));
+    EXPECT_TRUE(prefijo({"--user", "2", "--company", "5"}).startsWith(QStringLiteral("2_")));
+    EXPECT_EQ(a, prefijo({"--db", "/datos/a.sqlite"}));
     EXPECT_TRUE(a.startsWith(QStringLiteral("1_")));
-    EXPECT_NE(a, prefijo({QStringLiteral("--db"), QStringLiteral("/datos/b.sqlite")}));
-    EXPECT_NE(a, prefijo({QStringLiteral("--db"), QStringLiteral("/datos/a.sqlite"), QStringLiteral("--company"), QStringLiteral("2")}));
-    EXPECT_EQ(prefijo({QStringLiteral("--db"), QStringLiteral("/datos/a.sqlite"), QStringLiteral("--prefix"), QStringLiteral("mio")}),
-              QStringLiteral("mio"));
+    EXPECT_NE(a, prefijo({"--db", "/datos/b.sqlite"}));
+    EXPECT_NE(a, prefijo({"--db", "/datos/a.sqlite", "--company", "2"}));
+    EXPECT_EQ(prefijo({"--db", "/datos/a.sqlite", "--prefix", "mio"}), QStringLiteral("mio"));
 }
 
-TEST(OpcionesHost, HrefSeUsaTalCualYLosErroresSeDicen)
+// Requests that make no sense are refused before anything is opened or made.
+TEST(OpcionesHost, PedidosMalosSonErrores)
 {
-    const OpcionesHost o = OpcionesHost::Leer({QStringLiteral("asientos"), QStringLiteral("--href"), QStringLiteral("a?b=c")});
-    EXPECT_EQ(o.DireccionBase(QStringLiteral("/x")), QStringLiteral("a?b=c"));
-    EXPECT_FALSE(OpcionesHost::Leer({QStringLiteral("asientos"), QStringLiteral("--user"), QStringLiteral("x")}).error.isEmpty());
-    EXPECT_FALSE(OpcionesHost::Leer({QStringLiteral("asientos"), QStringLiteral("--db")}).error.isEmpty());
-    EXPECT_FALSE(OpcionesHost::Leer({QStringLiteral("asientos"), QStringLiteral("--nada")}).error.isEmpty());
+    const QStringList malos[] = {
+        {"--user", "x"},  {"--db"}, {"--nada"}, {"--inicializar"}, {"--db", "a", "--sin-demo"}, {"--copiar-a", "b"},
+        {"--db", "a", "--copiar-a", ""}, {"--exportar", " "}, {"--db", "a", "--copiar-a", "b", "--inicializar"},
+    };
+    for (const auto &argumentos : malos)
+        EXPECT_FALSE(leer(argumentos).error.isEmpty()) << argumentos.join(QLatin1Char(' ')).toStdString();
+    EXPECT_TRUE(leer({"--db", "a", "--inicializar", "--sin-demo"}).error.isEmpty());
 }
 
 class Host : public ::testing::Test
@@ -67,7 +72,7 @@ class Host : public ::testing::Test
 protected:
     std::unique_ptr<VentanaHost> abrir(const QStringList &argumentos, const QString &baseDatos)
     {
-        auto v = std::make_unique<VentanaHost>(OpcionesHost::Leer(QStringList{QStringLiteral("asientos")} + argumentos),
+        auto v = std::make_unique<VentanaHost>(leer(argumentos),
                                                baseDatos, m_carpeta.filePath(QStringLiteral("a.ini")), m_carpeta.path(),
                                                true);
         v->show();
@@ -90,11 +95,10 @@ TEST_F(Host, ErrorDeArranqueMuestraLaPaginaConElTexto)
 TEST_F(Host, AccesoDenegadoYAyuda)
 {
     BaseDePrueba base(Motor::SQLite, BaseDePrueba::Contenido::Demo);
-    auto denegado = abrir({QStringLiteral("--user"), QStringLiteral("3")}, base.direccion());
-    EXPECT_EQ(denegado->paginaActual()->objectName(), QStringLiteral("paginaAccesoDenegado"));
-    denegado.reset();
+    EXPECT_EQ(abrir({"--user", "3"}, base.direccion())->paginaActual()->objectName(),
+              QStringLiteral("paginaAccesoDenegado"));
 
-    auto v = abrir({QStringLiteral("--user"), QStringLiteral("1")}, base.direccion());
+    auto v = abrir({"--user", "1"}, base.direccion());
     EXPECT_EQ(v->paginaActual(), v->documento());
     v->Navegar(QStringLiteral("lumNav:navhelp?Main|asientos\\asiento_de_saldos_iniciales.htm"), QString());
     QCoreApplication::processEvents();

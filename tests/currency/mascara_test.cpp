@@ -3,144 +3,93 @@
 
 #include <gtest/gtest.h>
 
-#include <iterator>
+#include <initializer_list>
 #include <limits>
-#include <ostream>
-#include <vector>
 
 namespace {
 
 const QLocale kEs(QLocale::Spanish, QLocale::Uruguay);
 const QLocale kEn(QLocale::English, QLocale::UnitedStates);
 
-struct CasoMascara
+// A mask prints the value in the locale, rounded half away from zero as its digits are
+// written; the text around the digits stays; a blank mask does not group.
+TEST(Mascaras, ImprimeEnElLocale)
 {
-    const char *mascara;
-    double valor;
-    const char *es;
-    const char *en;
-};
-
-class Mascaras : public ::testing::TestWithParam<CasoMascara>
-{
-};
-
-TEST_P(Mascaras, ImprimeEnElLocaleYSeLeeDeVuelta)
-{
-    const CasoMascara &c = GetParam();
-    const Mascara m(QString::fromUtf8(c.mascara));
-    EXPECT_EQ(m.Formatear(c.valor, kEs).toStdString(), c.es);
-    EXPECT_EQ(m.Formatear(c.valor, kEn).toStdString(), c.en);
-    // What is printed reads back as the value rounded to the mask's decimals.
-    double es = 0, en = 0;
-    ASSERT_TRUE(LeerNumero(QString::fromUtf8(c.es), es, kEs));
-    ASSERT_TRUE(LeerNumero(QString::fromUtf8(c.en), en, kEn));
-    EXPECT_DOUBLE_EQ(es, en);
-    EXPECT_DOUBLE_EQ(RedondearConMascara(c.valor, QString::fromUtf8(c.mascara), kEs), es);
+    const struct
+    {
+        const char *mascara;
+        double valor;
+        const char *es, *en;
+    } casos[] = {
+        {"#,##0.00", 1234.5, "1.234,50", "1,234.50"},
+        {"#,##0.00", 0, "0,00", "0.00"},
+        {"#,##0.00", -1234567.891, "-1.234.567,89", "-1,234,567.89"},
+        {"#,##0.00", 999.995, "1.000,00", "1,000.00"}, // carry into a new group
+        {"#,##0.00", 2.675, "2,68", "2.68"},
+        {"#,##0.00", -2.675, "-2,68", "-2.68"},
+        {"#,##0.00", -0.004, "0,00", "0.00"}, // no "-0,00"
+        {"#,##0.000", 40.12345, "40,123", "40.123"},
+        {"#,##0.0000", 38.12345, "38,1235", "38.1235"},
+        {"#.000", 1.0 / 3.0, ",333", ".333"},
+        {"#.000", 25, "25,000", "25.000"},
+        {"0", 1234.5, "1235", "1235"},
+        {"#,##0", 1234567, "1.234.567", "1,234,567"},
+        {"#,##0.##", 12.5, "12,5", "12.5"},
+        {"U$S #,##0.00", 1234.5, "U$S 1.234,50", "U$S 1,234.50"},
+        {"", 1234567.5, "1234567,5", "1234567.5"},
+    };
+    for (const auto &c : casos) {
+        const Mascara m(QString::fromUtf8(c.mascara));
+        EXPECT_EQ(m.Formatear(c.valor, kEs).toStdString(), c.es) << c.mascara << " " << c.valor;
+        EXPECT_EQ(m.Formatear(c.valor, kEn).toStdString(), c.en) << c.mascara << " " << c.valor;
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Comunes, Mascaras,
-    ::testing::Values(CasoMascara{"#,##0.00", 1234.5, "1.234,50", "1,234.50"},
-                      CasoMascara{"#,##0.00", 0, "0,00", "0.00"},
-                      CasoMascara{"#,##0.00", -1234567.891, "-1.234.567,89", "-1,234,567.89"},
-                      CasoMascara{"#,##0.00", 999.995, "1.000,00", "1,000.00"},       // carry into a new group
-                      CasoMascara{"#,##0.00", 2.675, "2,68", "2.68"},                 // half away from zero, as written
-                      CasoMascara{"#,##0.00", -2.675, "-2,68", "-2.68"},
-                      CasoMascara{"#,##0.00", 0.004, "0,00", "0.00"},
-                      CasoMascara{"#,##0.00", -0.004, "0,00", "0.00"},                // no "-0,00"
-                      CasoMascara{"#,##0.000", 40.12345, "40,123", "40.123"},
-                      CasoMascara{"#,##0.0000", 38.12345, "38,1235", "38.1235"},
-                      CasoMascara{"#.000", 1.0 / 3.0, ",333", ".333"},
-                      CasoMascara{"#.000", 25, "25,000", "25.000"},
-                      CasoMascara{"0", 1234.5, "1235", "1235"},
-                      CasoMascara{"#,##0", 1234567, "1.234.567", "1,234,567"},
-                      CasoMascara{"#,##0.##", 12.5, "12,5", "12.5"}));
-
-TEST(Mascaras, TextoAlrededorDeLosDigitosSeConserva)
-{
-    EXPECT_EQ(Mascara(QStringLiteral("U$S #,##0.00")).Formatear(1234.5, kEs), QStringLiteral("U$S 1.234,50"));
-}
-
-// One rule for a typed number, whatever the locale: the locale's decimal mark is always the
-// decimal mark; the other mark is one too when it is the last separator and not followed by
-// exactly three digits; group separators stand only between groups of three.
-struct CasoLectura
-{
-    const char *locale;
-    const char *texto;
-    bool valido;
-    double valor;
-};
-
-void PrintTo(const CasoLectura &c, std::ostream *os)
-{
-    *os << c.locale << " \"" << c.texto << "\"";
-}
-
-class Lecturas : public ::testing::TestWithParam<CasoLectura>
-{
-};
 
 QLocale LocaleDe(const char *nombre)
 {
     return QLatin1String(nombre) == QLatin1String("C") ? QLocale::c() : QLocale(QString::fromLatin1(nombre));
 }
 
-TEST_P(Lecturas, UnaReglaQueNuncaEscala)
+// One rule for a typed number, whatever the locale: the locale's decimal mark is always the
+// decimal mark; the other mark is one too when it is the last separator and not followed by
+// exactly three digits; group separators stand only between groups of three. A refused text
+// leaves the value alone.
+TEST(Lecturas, UnaReglaQueNuncaEscala)
 {
-    const CasoLectura &c = GetParam();
-    double v = -777;
-    EXPECT_EQ(LeerNumero(QString::fromUtf8(c.texto), v, LocaleDe(c.locale)), c.valido);
-    if (c.valido)
-        EXPECT_DOUBLE_EQ(v, c.valor);
-    else
-        EXPECT_DOUBLE_EQ(v, -777); // a refused text leaves the value alone
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    UruguayYEspana, Lecturas,
-    ::testing::ValuesIn([] {
-        std::vector<CasoLectura> casos;
-        for (const char *l : {"es_UY", "es_ES"}) {
-            const CasoLectura propios[] = {
-                {l, "12,5", true, 12.5},           {l, "12.5", true, 12.5},         {l, "1500.50", true, 1500.5},
-                {l, "1.500", true, 1500},          {l, "1.500,5", true, 1500.5},    {l, "1.500.000", true, 1500000},
-                {l, "1.500.000,25", true, 1500000.25}, {l, "1,500", true, 1.5},     {l, "1500,505", true, 1500.505},
-                {l, "1.5000", true, 1.5},          {l, ",25", true, 0.25},          {l, ".5", true, 0.5},
-                {l, "12,", true, 12},              {l, "12.", true, 12},            {l, "0,500", true, 0.5},
-                {l, "1 500,5", true, 1500.5},      {l, "-1.234,5", true, -1234.5},  {l, "- 3", true, -3},
-                {l, " 007 ", true, 7},             {l, "1234567,891", true, 1234567.891},
-                {l, "1500.505", false, 0},         // "." before three digits groups, and 1500 is no group
-                {l, "1.2.3,4", false, 0},          {l, "1,23,4", false, 0},         {l, "0.500", false, 0},
-                {l, ".500", false, 0},             {l, "1.234.5", false, 0},        {l, "1,234.5", false, 0},
-                {l, "1.234 567", false, 0},        {l, "1,2,3", false, 0},          {l, "1..5", false, 0},
-                {l, "12a", false, 0},              {l, "1-2", false, 0},            {l, "", false, 0},
-                {l, ",", false, 0},                {l, "-", false, 0},              {l, "1e5", false, 0},
-            };
-            casos.insert(casos.end(), std::begin(propios), std::end(propios));
+    struct Leido
+    {
+        const char *texto;
+        double valor;
+    };
+    auto probar = [](const char *locale, std::initializer_list<Leido> buenos, std::initializer_list<const char *> malos) {
+        for (const Leido &c : buenos) {
+            double v = -777;
+            EXPECT_TRUE(LeerNumero(QString::fromUtf8(c.texto), v, LocaleDe(locale))) << locale << " \"" << c.texto << '"';
+            EXPECT_DOUBLE_EQ(v, c.valor) << locale << " \"" << c.texto << '"';
         }
-        return casos;
-    }()));
-
-INSTANTIATE_TEST_SUITE_P(
-    EstadosUnidos, Lecturas,
-    ::testing::Values(CasoLectura{"en_US", "12,5", true, 12.5}, CasoLectura{"en_US", "12.5", true, 12.5},
-                      CasoLectura{"en_US", "1,500", true, 1500}, CasoLectura{"en_US", "1.500", true, 1.5},
-                      CasoLectura{"en_US", "1500,50", true, 1500.5}, CasoLectura{"en_US", "1,500.25", true, 1500.25},
-                      CasoLectura{"en_US", "1,234,567", true, 1234567}, CasoLectura{"en_US", "-1,234.5", true, -1234.5},
-                      CasoLectura{"en_US", ".25", true, 0.25}, CasoLectura{"en_US", "1,5000", true, 1.5},
-                      CasoLectura{"en_US", "1.500,25", false, 0}, CasoLectura{"en_US", "1,23,4", false, 0},
-                      CasoLectura{"en_US", "1.2.3,4", false, 0}, CasoLectura{"en_US", "0,500", false, 0},
-                      CasoLectura{"en_US", "1500,505", false, 0}, CasoLectura{"en_US", "1.5.0", false, 0}));
-
-INSTANTIATE_TEST_SUITE_P(
-    LocaleC, Lecturas,
-    ::testing::Values(CasoLectura{"C", "12,5", true, 12.5}, CasoLectura{"C", "12.5", true, 12.5},
-                      CasoLectura{"C", "1,500", true, 1500}, CasoLectura{"C", "1,500.5", true, 1500.5},
-                      CasoLectura{"C", "1500,50", true, 1500.5}, CasoLectura{"C", "1 000 000", true, 1000000},
-                      CasoLectura{"C", "1.2.3,4", false, 0}, CasoLectura{"C", "1,23,4", false, 0},
-                      CasoLectura{"C", "1.500,5", false, 0}, CasoLectura{"C", "1,5,0", false, 0}));
+        for (const char *t : malos) {
+            double v = -777;
+            EXPECT_FALSE(LeerNumero(QString::fromUtf8(t), v, LocaleDe(locale))) << locale << " \"" << t << '"';
+            EXPECT_DOUBLE_EQ(v, -777) << locale << " \"" << t << '"';
+        }
+    };
+    for (const char *l : {"es_UY", "es_ES"})
+        probar(l,
+               {{"12,5", 12.5}, {"12.5", 12.5}, {"1500.50", 1500.5}, {"1.500", 1500}, {"1.500,5", 1500.5}, {"1.500.000", 1500000},
+                {"1.500.000,25", 1500000.25}, {"1,500", 1.5}, {"1500,505", 1500.505}, {"1.5000", 1.5}, {",25", 0.25}, {".5", 0.5},
+                {"12,", 12}, {"12.", 12}, {"0,500", 0.5}, {"1 500,5", 1500.5}, {"-1.234,5", -1234.5}, {"- 3", -3}, {" 007 ", 7},
+                {"1234567,891", 1234567.891}},
+               // "1500.505": "." before three digits groups, and 1500 is no group.
+               {"1500.505", "1.2.3,4", "1,23,4", "0.500", ".500", "1.234.5", "1,234.5", "1.234 567", "1,2,3", "1..5", "12a", "1-2",
+                "", ",", "-", "1e5"});
+    probar("en_US",
+           {{"12,5", 12.5}, {"12.5", 12.5}, {"1,500", 1500}, {"1.500", 1.5}, {"1500,50", 1500.5}, {"1,500.25", 1500.25},
+            {"1,234,567", 1234567}, {"-1,234.5", -1234.5}, {".25", 0.25}, {"1,5000", 1.5}},
+           {"1.500,25", "1,23,4", "1.2.3,4", "0,500", "1500,505", "1.5.0"});
+    probar("C",
+           {{"12,5", 12.5}, {"12.5", 12.5}, {"1,500", 1500}, {"1,500.5", 1500.5}, {"1500,50", 1500.5}, {"1 000 000", 1000000}},
+           {"1.2.3,4", "1,23,4", "1.500,5", "1,5,0"});
+}
 
 // Whatever a mask prints in any of the four locales reads back as the value it shows.
 TEST(Lecturas, LoQueImprimeUnaMascaraSeLeeEnLosCuatroLocales)
@@ -163,16 +112,6 @@ TEST(Lecturas, LoQueImprimeUnaMascaraSeLeeEnLosCuatroLocales)
     }
 }
 
-TEST(Mascaras, MascaraEnBlancoNoAgrupaYConTextoSeRedondeaIgual)
-{
-    // Qt groups es_ES as "1234.567,5", which no reader takes; a blank mask does not group.
-    const QLocale es(QLocale::Spanish, QLocale::Spain);
-    EXPECT_EQ(Mascara(QString()).Formatear(1234567.5, es), QStringLiteral("1234567,5"));
-    EXPECT_DOUBLE_EQ(RedondearConMascara(1234567.5, QString(), es), 1234567.5);
-    // The text around the digits is not read back as part of the number.
-    EXPECT_DOUBLE_EQ(RedondearConMascara(1234.567, QStringLiteral("U$S #,##0.00"), kEs), 1234.57);
-}
-
 // An amount prints from its own digits: past 2^53 ten-thousandths a double no longer holds
 // them (922337203685477.5807 is 922337203685477.625 as a double).
 TEST(Mascaras, UnImporteSeImprimeYRedondeaDesdeSusDigitos)
@@ -182,17 +121,18 @@ TEST(Mascaras, UnImporteSeImprimeYRedondeaDesdeSusDigitos)
     EXPECT_EQ(dos.Formatear(-Importe::Maximo(), kEn), QStringLiteral("-922,337,203,685,477.58"));
     EXPECT_EQ(Mascara(QStringLiteral("U$S #,##0.000")).Formatear(-2.6755_imp, kEs), QStringLiteral("U$S -2,676"));
     EXPECT_EQ(Mascara(QStringLiteral("#,##0")).Formatear(0.4999_imp, kEn), QStringLiteral("0"));
+    // The text around the digits is not read back as part of the number.
+    EXPECT_DOUBLE_EQ(RedondearConMascara(1234.567, QStringLiteral("U$S #,##0.00"), kEs), 1234.57);
 
-    struct Caso
+    const struct
     {
         double valor;
         const char *mascara;
         Importe esperado;
-    };
-    const Caso casos[] = {{2.675, "#,##0.00", 2.68_imp},  {2.674951, "#,##0.00", 2.67_imp}, {-2.675, "#,##0.00", -2.68_imp},
+    } casos[] = {{2.675, "#,##0.00", 2.68_imp},  {2.674951, "#,##0.00", 2.67_imp}, {-2.675, "#,##0.00", -2.68_imp},
                           {1234.5, "#,##0", 1235_imp},   {0.123456, "", 0.1235_imp},      {0.123456, "#,##0.000000", 0.1235_imp},
                           {38.12345, "#.000", 38.123_imp}};
-    for (const Caso &c : casos) {
+    for (const auto &c : casos) {
         EXPECT_EQ(ImporteConMascara(c.valor, QString::fromLatin1(c.mascara)), c.esperado) << c.valor << " " << c.mascara;
         // An amount already has four decimals at most; it rounds the same when it is the value.
         if (Importe::DesdeDouble(c.valor).aDouble() == c.valor)
@@ -202,16 +142,15 @@ TEST(Mascaras, UnImporteSeImprimeYRedondeaDesdeSusDigitos)
 
 TEST(Mascaras, RedondearADecimalesComoImprimeLaMascara)
 {
-    struct Caso
+    const struct
     {
         double valor;
         int decimales;
         double esperado;
-    };
-    const Caso casos[] = {{2.675, 2, 2.68},   {-2.675, 2, -2.68},     {1.005, 2, 1.01},        {2.674951, 2, 2.67},
+    } casos[] = {{2.675, 2, 2.68},   {-2.675, 2, -2.68},     {1.005, 2, 1.01},        {2.674951, 2, 2.67},
                           {100.555, 2, 100.56}, {4169.5634, 2, 4169.56}, {0.125, 2, 0.13},      {1234567.125, 2, 1234567.13},
                           {123456789012.345, 2, 123456789012.35},      {38.12345, 3, 38.123},  {1234.5, 0, 1235}};
-    for (const Caso &c : casos)
+    for (const auto &c : casos)
         EXPECT_DOUBLE_EQ(RedondearADecimales(c.valor, c.decimales), c.esperado) << c.valor << " " << c.decimales;
     // The fast way and the printed way agree, near halves and far from them.
     const Mascara dos(QStringLiteral("0.00"));
@@ -221,7 +160,8 @@ TEST(Mascaras, RedondearADecimalesComoImprimeLaMascara)
     }
 }
 
-TEST(Importe, RedondeaACuatroDecimalesComoSeEscribe)
+// Amounts are rounded to four decimals as they are written, added and read exactly.
+TEST(Importe, RedondeaACuatroDecimalesYSumaExacto)
 {
     EXPECT_EQ(Importe::DesdeDouble(1.00005).diezmilesimos(), 10001);
     EXPECT_EQ(Importe::DesdeDouble(-1.00005).diezmilesimos(), -10001);
@@ -229,6 +169,17 @@ TEST(Importe, RedondeaACuatroDecimalesComoSeEscribe)
     EXPECT_EQ(Importe::DesdeDouble(38.1234).aTexto(), QStringLiteral("38.1234"));
     EXPECT_EQ(Importe::DesdeDouble(-0.00004).aTexto(), QStringLiteral("0.0000"));
     EXPECT_EQ(Importe::DesdeDouble(922337203685.4775).diezmilesimos(), 9223372036854775);
+
+    Importe suma;
+    for (int i = 0; i < 1000; ++i)
+        suma += Importe::DesdeDouble(0.1);
+    EXPECT_EQ(suma, Importe::DesdeDouble(100));
+    EXPECT_EQ((Importe::DesdeDouble(10) - Importe::DesdeDouble(10.0001)).aTexto(), QStringLiteral("-0.0001"));
+    Importe leido;
+    EXPECT_TRUE(Importe::DesdeTexto(QStringLiteral("1234.56789"), leido));
+    EXPECT_EQ(leido.aTexto(), QStringLiteral("1234.5679"));
+    EXPECT_FALSE(Importe::DesdeTexto(QStringLiteral("12,5"), leido));
+    EXPECT_FALSE(Importe::DesdeTexto(QStringLiteral("abc"), leido));
 }
 
 // Past its range the type holds its end: never 0, never the other sign.
@@ -246,21 +197,6 @@ TEST(Importe, FueraDeRangoNiCeroNiDaLaVuelta)
     EXPECT_EQ(suma, Importe::Maximo()) << "a refused sum adds nothing";
     EXPECT_TRUE(suma.SumarComprobado(-uno));
     EXPECT_LT(suma, Importe::Maximo());
-}
-
-TEST(Importe, SumasExactas)
-{
-    Importe suma;
-    for (int i = 0; i < 1000; ++i)
-        suma += Importe::DesdeDouble(0.1);
-    EXPECT_EQ(suma, Importe::DesdeDouble(100));
-    EXPECT_EQ((Importe::DesdeDouble(10) - Importe::DesdeDouble(10.0001)).aTexto(), QStringLiteral("-0.0001"));
-
-    Importe leido;
-    EXPECT_TRUE(Importe::DesdeTexto(QStringLiteral("1234.56789"), leido));
-    EXPECT_EQ(leido.aTexto(), QStringLiteral("1234.5679"));
-    EXPECT_FALSE(Importe::DesdeTexto(QStringLiteral("12,5"), leido));
-    EXPECT_FALSE(Importe::DesdeTexto(QStringLiteral("abc"), leido));
 }
 
 } // namespace

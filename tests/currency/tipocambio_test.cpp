@@ -26,11 +26,12 @@ protected:
                                    {QString::fromLatin1(fecha), moneda, cotizaEn, tipo, compra, compra + 1});
     }
 
-    Importe tasa(int origen, int destino, const QDate &fecha, QDate &fechaCotizacion, quint8 regla = 0)
+    // The rate as text, to four decimals, and the date of the quotation it came from.
+    QString tasa(int origen, int destino, const QDate &fecha, QDate &fechaCotizacion, quint8 regla = 0)
     {
         ReglasCotizacion r;
         r.fechaCotizacion = regla;
-        return BuscarTipoCambio(m_base.conexion(), qint16(origen), qint16(destino), 1, fecha, fechaCotizacion, r);
+        return BuscarTipoCambio(m_base.conexion(), qint16(origen), qint16(destino), 1, fecha, fechaCotizacion, r).aTexto();
     }
 
     BaseDePrueba m_base;
@@ -43,15 +44,15 @@ TEST_P(TipoCambio, DirectaInversaYLaMasReciente)
     cotizacion("2026-03-20", 2, 1, 50);         // after the date: never used
     cotizacion("2026-03-12", 2, 1, 99, 2);      // another quotation type
     QDate f;
-    EXPECT_EQ(tasa(2, 1, QDate(2026, 3, 15), f).aTexto(), QStringLiteral("40.0000"));
+    EXPECT_EQ(tasa(2, 1, QDate(2026, 3, 15), f), QStringLiteral("40.0000"));
     EXPECT_EQ(f, QDate(2026, 3, 12));
-    EXPECT_EQ(tasa(2, 1, QDate(2026, 3, 11), f).aTexto(), QStringLiteral("38.1234")); // direct keeps four decimals
+    EXPECT_EQ(tasa(2, 1, QDate(2026, 3, 11), f), QStringLiteral("38.1234")); // direct keeps four decimals
     EXPECT_EQ(f, QDate(2026, 3, 10));
-    EXPECT_EQ(tasa(1, 2, QDate(2026, 3, 11), f).aTexto(), QStringLiteral("0.0262")); // 1 / 38.1234
+    EXPECT_EQ(tasa(1, 2, QDate(2026, 3, 11), f), QStringLiteral("0.0262")); // 1 / 38.1234
 
     cotizacion("2026-04-01", 2, 1, 41);
     cotizacion("2026-04-01", 1, 2, 0.02);       // same date: the direct one stays
-    EXPECT_EQ(tasa(2, 1, QDate(2026, 4, 2), f).aTexto(), QStringLiteral("41.0000"));
+    EXPECT_EQ(tasa(2, 1, QDate(2026, 4, 2), f), QStringLiteral("41.0000"));
     EXPECT_EQ(f, QDate(2026, 4, 1));
 }
 
@@ -60,27 +61,27 @@ TEST_P(TipoCambio, CruzadaCortadaATresDecimalesYNadaEsUno)
     cotizacion("2026-05-01", 3, 2, 100);
     cotizacion("2026-05-02", 4, 2, 4);
     QDate f;
-    EXPECT_EQ(tasa(3, 4, QDate(2026, 5, 3), f).aTexto(), QStringLiteral("25.0000"));
+    EXPECT_EQ(tasa(3, 4, QDate(2026, 5, 3), f), QStringLiteral("25.0000"));
     EXPECT_EQ(f, QDate(2026, 5, 2));            // the date of the second currency's quotation
-    EXPECT_EQ(tasa(4, 3, QDate(2026, 5, 3), f).aTexto(), QStringLiteral("0.0400"));
+    EXPECT_EQ(tasa(4, 3, QDate(2026, 5, 3), f), QStringLiteral("0.0400"));
 
     cotizacion("2026-06-01", 3, 2, 1);
     cotizacion("2026-06-01", 4, 2, 3);
-    EXPECT_EQ(tasa(3, 4, QDate(2026, 6, 1), f).aTexto(), QStringLiteral("0.3330"));
+    EXPECT_EQ(tasa(3, 4, QDate(2026, 6, 1), f), QStringLiteral("0.3330"));
 
     cotizacion("2026-07-01", 3, 2, 38.1234);
     cotizacion("2026-07-01", 4, 2, 1);
-    EXPECT_EQ(tasa(3, 4, QDate(2026, 7, 1), f).aTexto(), QStringLiteral("38.1230")); // the same 38.1234, reached across
+    EXPECT_EQ(tasa(3, 4, QDate(2026, 7, 1), f), QStringLiteral("38.1230")); // the same 38.1234, reached across
 
-    EXPECT_EQ(tasa(6, 1, QDate(2026, 7, 1), f).aTexto(), QStringLiteral("1.0000"));
+    EXPECT_EQ(tasa(6, 1, QDate(2026, 7, 1), f), QStringLiteral("1.0000"));
     EXPECT_EQ(f, QDate(2026, 7, 1));
-    EXPECT_EQ(tasa(3, 4, QDate(2026, 4, 30), f).aTexto(), QStringLiteral("1.0000")); // nothing before that date
+    EXPECT_EQ(tasa(3, 4, QDate(2026, 4, 30), f), QStringLiteral("1.0000")); // nothing before that date
 
     // Reales are quoted in pesos, euros in dollars: no common currency, so no rate across,
     // even with a quotation of reales in dollars on record.
     cotizacion("2026-07-01", 5, 2, 0.2);
-    EXPECT_EQ(tasa(3, 5, QDate(2026, 7, 2), f).aTexto(), QStringLiteral("1.0000"));
-    EXPECT_EQ(tasa(5, 3, QDate(2026, 7, 2), f).aTexto(), QStringLiteral("1.0000"));
+    EXPECT_EQ(tasa(3, 5, QDate(2026, 7, 2), f), QStringLiteral("1.0000"));
+    EXPECT_EQ(tasa(5, 3, QDate(2026, 7, 2), f), QStringLiteral("1.0000"));
 }
 
 TEST_P(TipoCambio, ReglasDeFecha)
@@ -91,32 +92,16 @@ TEST_P(TipoCambio, ReglasDeFecha)
     cotizacion("2026-03-14", 2, 1, 42);
     QDate f;
     // Rule 3: the last day of the previous month.
-    EXPECT_EQ(tasa(2, 1, QDate(2026, 3, 15), f, 3).aTexto(), QStringLiteral("40.0000"));
+    EXPECT_EQ(tasa(2, 1, QDate(2026, 3, 15), f, 3), QStringLiteral("40.0000"));
     // Rule 2: the day before.
-    EXPECT_EQ(tasa(2, 1, QDate(2026, 3, 1), f, 2).aTexto(), QStringLiteral("40.0000"));
-    EXPECT_EQ(tasa(2, 1, QDate(2026, 3, 15), f, 2).aTexto(), QStringLiteral("42.0000"));
+    EXPECT_EQ(tasa(2, 1, QDate(2026, 3, 1), f, 2), QStringLiteral("40.0000"));
+    EXPECT_EQ(tasa(2, 1, QDate(2026, 3, 15), f, 2), QStringLiteral("42.0000"));
     // The empty date is today (23 November 2026).
-    EXPECT_EQ(tasa(2, 1, QDate(1900, 1, 1), f).aTexto(), QStringLiteral("42.0000"));
-    EXPECT_EQ(tasa(6, 1, QDate(1900, 1, 1), f).aTexto(), QStringLiteral("1.0000"));
+    EXPECT_EQ(tasa(2, 1, QDate(1900, 1, 1), f), QStringLiteral("42.0000"));
+    EXPECT_EQ(tasa(6, 1, QDate(1900, 1, 1), f), QStringLiteral("1.0000"));
     EXPECT_EQ(f, QDate(2026, 11, 23));
 }
 
 INSTANCIAR_EN_MOTORES(TipoCambio);
-
-TEST(TipoCambio, TextosSQL)
-{
-    EXPECT_EQ(SqlCotizacion(2, 1, 1, QStringLiteral("'2026-03-15'")),
-              QStringLiteral("Select Top 1 CMoFecha, CMoCompra, CMoVenta  From genCotizacionesMoneda "
-                             " Where CMoFecha IN (Select MAX(CMoFecha) from genCotizacionesMoneda "
-                             " Where CMoFecha <= '2026-03-15' And CMoMoneda = 2 And CMoCotizaEn = 1 And CMoTipoCotizacion = 1)"
-                             " And CMoMoneda = 2 And CMoCotizaEn = 1 And CMoTipoCotizacion = 1"
-                             " UNION ALL "
-                             "Select Top 1 CMoFecha, 1/CMoCompra, 1/CMoVenta  From genCotizacionesMoneda "
-                             " Where CMoFecha IN (Select MAX(CMoFecha) from genCotizacionesMoneda "
-                             " Where CMoFecha <= '2026-03-15' And CMoMoneda = 1 And CMoCotizaEn = 2 And CMoTipoCotizacion = 1)"
-                             " And CMoMoneda = 1 And CMoCotizaEn = 2 And CMoTipoCotizacion = 1"));
-    EXPECT_EQ(SqlMonedasCruzadas(3, 4),
-              QStringLiteral("Select MonID, MonCotizaEn From genMonedas  Where MonTipo = 1 And MonCotizaEn Is Not Null And MonID IN (3, 4)"));
-}
 
 } // namespace

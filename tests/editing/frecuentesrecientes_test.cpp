@@ -1,6 +1,7 @@
 // The user's recent frequent entries: kept latest first, without repeats, at most ten; the
 // menu lists those that still exist and are not scheduled; a list that cannot be read is
 // never written over.
+#include "comun/asientosdeprueba.h"
 #include "comun/conexionespia.h"
 #include "comun/datosdeprueba.h"
 #include "comun/mensajesguionados.h"
@@ -29,15 +30,9 @@ protected:
             m.Recurrencia = QString::fromLatin1(FrecuentesDatos::kRecurrenciaAgendado);
             m.FechaProxima = m.Fecha;
         }
-        LineaDatos l;
-        l.Cuenta = m_base.IdCuenta("1.1.01");
-        l.Importe = l.ImporteMC = 10_imp;
-        m.Lineas = {l};
+        m.Lineas = LineasDePrueba(m_base, {{"1.1.01", true, 10}});
         m.Monedas = {0};
-        FrecuentesDatos datos(m_base.conexion());
-        const qint32 id = datos.Guardar(m);
-        EXPECT_GT(id, 0) << datos.ultimoError().toStdString();
-        return id;
+        return FrecuentesDatos(m_base.conexion()).Guardar(m);
     }
 
     BaseDePrueba m_base;

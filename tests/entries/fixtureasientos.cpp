@@ -1,6 +1,8 @@
 #include "fixtureasientos.h"
 
-#include "store/esquema.h"
+#include "entries/vistas.h"
+
+#include <gtest/gtest.h>
 
 DatosAsientos::DatosAsientos(Motor motor)
     : m_base(motor, BaseDePrueba::Contenido::Esquema)
@@ -50,6 +52,44 @@ qint32 DatosAsientos::Asiento(const QDate &fecha, int estado, const QString &lin
                    {id, p[0].toInt(), debe ? QVariant(importe) : nulo, debe ? nulo : QVariant(importe), mc, ++orden});
     }
     return qint32(id);
+}
+
+QStringList DatosAsientos::Filas(const QString &sql, const QVariantList &valores)
+{
+    QStringList r;
+    for (auto rs = conexion().Abrir(sql, valores); !rs->Fin(); rs->MoverSiguiente()) {
+        QStringList celdas;
+        for (int c = 0; c < rs->CantidadCampos(); ++c) {
+            const QVariant v = rs->Campo(c);
+            // PostgreSQL hands numeric columns back as text with their scale.
+            const bool decimal = v.typeId() == QMetaType::Double || v.toString().contains(QLatin1Char('.'));
+            celdas << (v.isNull() ? QStringLiteral("null") : decimal ? QString::number(v.toDouble(), 'f', 2) : v.toString());
+        }
+        r << celdas.join(QLatin1Char('|'));
+    }
+    return r;
+}
+
+void DatosAsientos::Cargar(qint32 id)
+{
+    ASSERT_FALSE(CargarAsientoEnGrilla(asientos, conexion(), id, 0));
+    for (int r = grilla.FilasFijas(); r < grilla.Filas(); ++r)
+        if (asientos.EsFilaCabezal(r) && grilla.Dato(r, 0).toInt() == id)
+            return asientos.TomarAsientoDeFila(r);
+    ADD_FAILURE() << "entry " << id << " not in the grid";
+}
+
+LineaDatos Linea(qint32 cuenta, bool debe, double importe, double mc, qint16 pry, qint16 dep)
+{
+    LineaDatos l;
+    l.Cuenta = cuenta;
+    l.AlDebe = debe;
+    l.Importe = Importe::DesdeDouble(importe);
+    l.ImporteMC = Importe::DesdeDouble(mc < 0 ? importe : mc);
+    l.Tasa = importe != 0 ? l.ImporteMC.aDouble() / importe : 0;
+    l.Proyecto = pry;
+    l.Departamento = dep;
+    return l;
 }
 
 QString FilaComoTexto(const Grilla &g, int fila)

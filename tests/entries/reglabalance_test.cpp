@@ -3,8 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <ostream>
-
 namespace {
 
 // Pesos (1) are the accounting currency, "#,##0.00"; dollars (2) "#,##0.00"; yen (3) "#,##0".
@@ -29,11 +27,6 @@ struct Caso
     double diferenciaMC;
     double diferenciaME;
 };
-
-void PrintTo(const Caso &c, std::ostream *os)
-{
-    *os << c.nombre;
-}
 
 class Balance : public ::testing::TestWithParam<Caso>
 {

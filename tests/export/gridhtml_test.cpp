@@ -25,8 +25,7 @@ QStringList Celdas(const QString &html)
 
 QString Pagina(const FuenteGrilla &g)
 {
-    return GridHTML(g, QStringLiteral("T"), QStringLiteral("E"), QStringLiteral("Ed"), QStringLiteral("dd/mm/yyyy"),
-                    QDateTime(QDate(2026, 11, 23), QTime(14, 5, 9)));
+    return GridHTML(g, QStringLiteral("T"), QStringLiteral("E"), QStringLiteral("Ed"), QStringLiteral("dd/mm/yyyy"), QDateTime());
 }
 
 } // namespace
@@ -72,39 +71,18 @@ TEST(EsNumero, SoloDigitosComasUnPuntoYMenosAlPrincipio)
         EXPECT_EQ(EsNumero(QString::fromUtf8(texto)), esperado) << texto;
 }
 
-TEST(GridHTML, PaginaCompleta)
+// The page around the table: the title and the company escaped in the heading, the table as
+// wide as its columns, the moment in the user's date format and the edition in the footer.
+TEST(GridHTML, EncabezadoYPie)
 {
     GrillaFalsa g(2, 2);
-    g.textos[{0, 0}] = QStringLiteral("A");
-    g.textos[{0, 1}] = QStringLiteral("B");
-    g.textos[{1, 0}] = QStringLiteral("1,5");
-    const QString esperado = QStringLiteral(
-        "<html>\r\n<head>\r\n<title>T</title>\r\n"
-        "<style>.stBody{FONT-WEIGHT: normal; FONT-SIZE: 8pt; COLOR: #666666;Font -FAMILY: tahoma , arial}"
-        " .stTbTitleMargin {PADDING-RIGHT: 2px; PADDING-LEFT: 2px; PADDING-BOTTOM: 2px; PADDING-TOP: 2px}"
-        ".stTitle {FONT-SIZE: 8pt; COLOR: #586a9c; Font -FAMILY: tahoma , arial}\r\n"
-        ".stTitleC {FONT-WEIGHT: bold; FONT-SIZE: 10pt; COLOR: #586a9c; Font -FAMILY: tahoma , arial}\r\n"
-        ".stTDFixed{FONT-SIZE: 9pt; FONT-FAMILY: tahoma, arial}.stTDFont{FONT-SIZE: 8pt; FONT-FAMILY: tahoma, arial}"
-        ".stTableH { BORDER-BOTTOM: #000000 1px solid}.stTableF { BORDER-TOP: #000000 1px solid}</style></head>\r\n"
-        "<body class=\"stBody\">\r\n"
-        "<table width=\"260\" border=\"0\" cellpadding=\"0\" cellspacing=\"0\" class=\"stTableH\">\r\n"
-        "<tr><td align=\"left\" width=\"60%\" class=\"stTbTitleMargin\"><span class=\"stTitleC\">T</span></td>"
-        "<td align=\"right\" width=\"40%\" class=\"stTbTitleMargin\"><span class=\"stTitle\">E</span></td></tr>\r\n"
-        "</table><br>\r\n"
-        "<TABLE CELLSPACING=0 CELLPADDING=0 vALIGN=CENTER WIDTH=260>\r\n"
-        "<TR>\r\n"
-        "<td class=\"stTDFixed\" Width = \"50%\" BGCOLOR=\"#C0C0C0\" BORDERCOLOR=\"#808080\"><FONT COLOR=\"#800000\">A</FONT></TD>\r\n"
-        "<td class=\"stTDFixed\" Width = \"50%\" BGCOLOR=\"#C0C0C0\" BORDERCOLOR=\"#808080\"><FONT COLOR=\"#800000\">B</FONT></TD>\r\n"
-        "</TR>\r\n"
-        "<TR>\r\n"
-        "<td class=\"stTDFont\" Width = \"50%\" ALIGN=RIGHT>1,5</TD>\r\n"
-        "<td class=\"stTDFont\" Width = \"50%\" ALIGN=RIGHT>&nbsp;</TD>\r\n"
-        "</TR>\r\n"
-        "</TABLE>\r\n\r\n"
-        "\r\n<br><table width=\"260\" border=\"0\" cellpadding=\"0\" cellspacing=\"0\" class=\"stTableF\">\r\n"
-        "<tr><td><span class=stTitle>23/11/2026 14:05:09</span></td><td align=right><span class=\"stTitle\">Ed</span></td></tr></table>"
-        "</body></html>");
-    EXPECT_EQ(Pagina(g), esperado);
+    const QString html = GridHTML(g, QStringLiteral("Asientos <1>"), QStringLiteral("Pérez & cía"), QStringLiteral("Ed"),
+                                  QStringLiteral("dd/mm/yyyy"), QDateTime(QDate(2026, 11, 23), QTime(14, 5, 9)));
+    EXPECT_TRUE(html.startsWith(QStringLiteral("<html>\r\n<head>\r\n<title>Asientos &lt;1&gt;</title>")));
+    for (const char *parte : {"<span class=\"stTitleC\">Asientos &lt;1&gt;</span>", "<span class=\"stTitle\">Pérez &amp; cía</span>",
+                              "<table width=\"260\" ", " WIDTH=260>\r\n<TR>", "<span class=stTitle>23/11/2026 14:05:09</span>",
+                              "<span class=\"stTitle\">Ed</span></td></tr></table></body></html>"})
+        EXPECT_TRUE(html.contains(QString::fromUtf8(parte))) << parte;
 }
 
 TEST(GridHTML, CeldaCombinadaLlevaSusSpansYTapaLasOtras)
@@ -188,8 +166,10 @@ TEST(GridHTML, ColoresEstilosYCeldasFijas)
     const QStringList c = Celdas(Pagina(g));
     EXPECT_EQ(c[3], QStringLiteral("<td class=\"stTDFont\" Width = \"50%\" BGCOLOR=\"#00FF00\">"
                                    "<FONT COLOR=\"#FF0000\"><B><I><U>x&lt;y</B></I></U></FONT></TD>"));
-    // A fixed column's cell with its own back colour keeps it, with the fixed text colour
-    // and grid-line colour; empty, it counts as a number in a general column.
+    // A fixed cell takes the fixed colours; one with its own back colour keeps it. Empty, it
+    // counts as a number in a general column.
+    EXPECT_EQ(c[1], QStringLiteral("<td class=\"stTDFixed\" Width = \"50%\" BGCOLOR=\"#C0C0C0\" ALIGN=RIGHT BORDERCOLOR=\"#808080\">"
+                                   "<FONT COLOR=\"#800000\">&nbsp;</FONT></TD>"));
     EXPECT_EQ(c[2], QStringLiteral("<td class=\"stTDFixed\" Width = \"50%\" BGCOLOR=\"#0000FF\" ALIGN=RIGHT BORDERCOLOR=\"#808080\">"
                                    "<FONT COLOR=\"#800000\">&nbsp;</FONT></TD>"));
 }

@@ -5,10 +5,12 @@
 #include "entries/asientosgrilla.h"
 #include "entries/grilla.h"
 #include "export/escritores.h"
+#include "export/exportacionlinea.h"
 #include "export/impresiongrilla.h"
 #include "export/paginasgrilla.h"
 
-#include <QRectF>
+#include <QImage>
+#include <QPainter>
 
 #include <gtest/gtest.h>
 
@@ -155,6 +157,50 @@ TEST(PaginasGrilla, FilasPorPaginaEncabezadoYEscala)
     GrillaFalsa vacia(1, 2);
     p.Componer(vacia, pagina, QStringLiteral("T"));
     EXPECT_EQ(p.Paginas(), 1);
+}
+
+// The heading's "left|centre|right" pieces go to their places; a title without "|" is all at
+// the left.
+TEST(PaginasGrilla, EncabezadoEnSusTresLugares)
+{
+    GrillaFalsa g(3, 2);
+    const QPageLayout pagina(QPageSize(QPageSize::A4), QPageLayout::Landscape, QMarginsF(36, 36, 36, 36), QPageLayout::Point);
+    const QRectF area = pagina.paintRect(QPageLayout::Point);
+    auto tinta = [&](const QString &titulo) {
+        PaginasGrilla p;
+        p.Componer(g, pagina, titulo);
+        QImage imagen(area.size().toSize(), QImage::Format_RGB32);
+        imagen.fill(Qt::white);
+        QPainter pintor(&imagen);
+        p.DibujarPagina(pintor, 0);
+        pintor.end();
+        QString tercios; // "x" for a third of the heading's band with ink in it
+        for (int t = 0; t < 3; ++t) {
+            bool hay = false;
+            for (int y = 0; y < int(PaginasGrilla::kAltoTitulo) - 8 && !hay; ++y)
+                for (int x = t * imagen.width() / 3; x < (t + 1) * imagen.width() / 3 && !hay; ++x)
+                    hay = imagen.pixel(x, y) != qRgb(255, 255, 255);
+            tercios += hay ? QLatin1Char('x') : QLatin1Char('-');
+        }
+        return tercios;
+    };
+    EXPECT_EQ(tinta(QStringLiteral("Asientos|Diario|Empresa")), QStringLiteral("xxx"));
+    EXPECT_EQ(tinta(QStringLiteral("Asientos")), QStringLiteral("x--"));
+    EXPECT_EQ(tinta(QStringLiteral("||Empresa | Sucursal")), QStringLiteral("--x"));
+}
+
+// A search by one date alone is a request; one whose end comes before its start is not.
+TEST(PedidoExportacion, FechasDeLaBusqueda)
+{
+    PedidoExportacion p;
+    p.archivo = QStringLiteral("x.csv");
+    p.hayCriterios = true;
+    for (const auto &[desde, hasta, valido] : {std::tuple{"2026-01-01", "", true}, std::tuple{"", "2026-01-01", true},
+                                              std::tuple{"2026-01-31", "2026-01-31", true}, std::tuple{"2026-02-01", "2026-01-31", false}}) {
+        p.criterios.prmFInit = QString::fromLatin1(desde);
+        p.criterios.prmFEnd = QString::fromLatin1(hasta);
+        EXPECT_EQ(p.Validar().isEmpty(), valido) << desde << " " << hasta;
+    }
 }
 
 TEST(Escritores, CamposCSVYFormatosDeLibro)

@@ -33,7 +33,7 @@ protected:
         PrepararDatosDocumento(m_datos, m_base.conexion(), m_mensajes);
     }
 
-    // A template stored directly: (account, debit side, amount) lines in pesos.
+    // A template stored directly, scheduled from agenda when one is given.
     qint32 plantilla(const QString &nombre, const QList<LineaDePrueba> &lineas, const QDate &agenda = {})
     {
         MovimientoFrecuente m;
@@ -71,17 +71,26 @@ protected:
         return r;
     }
 
+    // A date column of the row with that id.
+    QDate fecha(const char *sql, qint32 id) { return QDate::fromString(m_base.Valor(QString::fromLatin1(sql), {id}).toString().left(10), Qt::ISODate); }
 
     template<class T = QWidget>
     static T *hijo(QWidget &d, const char *nombre) { return d.findChild<T *>(QString::fromLatin1(nombre)); }
-    static void teclear(QWidget *w, const QString &texto, bool enter = true)
+    static void teclear(QWidget *w, const QString &texto)
     {
         w->setFocus();
         if (auto *e = qobject_cast<QLineEdit *>(w))
             e->selectAll();
         QTest::keyClicks(w, texto);
-        if (enter)
-            QTest::keyClick(w, Qt::Key_Return);
+        QTest::keyClick(w, Qt::Key_Return);
+    }
+    // Each text typed where the focus is, then Enter.
+    static void conEnter(std::initializer_list<const char *> textos)
+    {
+        for (const char *t : textos) {
+            QTest::keyClicks(QApplication::focusWidget(), QString::fromLatin1(t));
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+        }
     }
     static QStringList nombres(QWidget &d)
     {
@@ -116,19 +125,11 @@ TEST_F(DialogosFrecuentes, UnaPlantillaNuevaSeEscribeConElTecladoYSeGuarda)
                                                     // other side, the amount, Enter.
                                                     auto *editor = d.findChild<lumERAsiento *>();
                                                     editor->campoCuenta(true)->setFocus();
-                                                    for (const char *tecla : {"5.3.01\n", "\n", "1500\n"}) {
-                                                        const QString t = QString::fromLatin1(tecla);
-                                                        QTest::keyClicks(QApplication::focusWidget(), t.chopped(1));
-                                                        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
-                                                    }
+                                                    conEnter({"5.3.01", "", "1500"});
                                                     EXPECT_EQ(hijo<QLabel>(d, "lDiferencia")->text(), QStringLiteral("Falta 1.500,00 al haber."));
                                                     // A credit line: Enter past the empty debit, the account, Enter,
                                                     // and the missing amount proposed.
-                                                    for (const char *tecla : {"\n", "1.1.01\n"}) {
-                                                        const QString t = QString::fromLatin1(tecla);
-                                                        QTest::keyClicks(QApplication::focusWidget(), t.chopped(1));
-                                                        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
-                                                    }
+                                                    conEnter({"", "1.1.01"});
                                                     EXPECT_EQ(QApplication::focusWidget(), editor->campo(lumERAsiento::kImporte));
                                                     EXPECT_EQ(editor->ImporteCta(), 1500_imp);
                                                     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
@@ -146,11 +147,9 @@ TEST_F(DialogosFrecuentes, UnaPlantillaNuevaSeEscribeConElTecladoYSeGuarda)
                                                  QStringLiteral("advertencia: 1955")}));
     ASSERT_GT(id, 0);
     EXPECT_EQ(lineas(id, true), (QStringList{QStringLiteral("5.3.01|D|1500.00"), QStringLiteral("1.1.01|H|1500.00")}));
-    EXPECT_EQ(m_base.Valor(QStringLiteral("Select MFrNombre From genMovimientosFrecuentes Where MFrID = ?"), {id}).toString(),
-              QStringLiteral("Alquiler oficina"));
-    EXPECT_EQ(m_base.Valor(QStringLiteral("Select MFrLeyenda From genMovimientosFrecuentes Where MFrID = ?"), {id}).toString(),
-              QStringLiteral("Alquiler de la oficina"));
-    EXPECT_TRUE(m_base.Valor(QStringLiteral("Select MFrRecurrencia From genMovimientosFrecuentes Where MFrID = ?"), {id}).toString().isEmpty());
+    EXPECT_EQ(m_base.Valor(QStringLiteral("Select MFrNombre || '|' || MFrLeyenda || '|' || Coalesce(MFrRecurrencia, '')"
+                                          " From genMovimientosFrecuentes Where MFrID = ?"), {id}).toString(),
+              QStringLiteral("Alquiler oficina|Alquiler de la oficina|"));
 }
 
 // A stored template comes back with its lines; Supr on a line takes it out, and saving
@@ -166,6 +165,9 @@ TEST_F(DialogosFrecuentes, UnaPlantillaGuardadaSeCambiaYCancelarNoGuardaNada)
         ASSERT_EQ(lista->topLevelItemCount(), 3);
         EXPECT_TRUE(lista->topLevelItem(1)->text(1).startsWith(QStringLiteral("1.1.01")));
         lista->setFocus();
+        lista->setCurrentItem(nullptr);
+        QTest::keyClick(lista, Qt::Key_Delete); // no line chosen: none goes
+        EXPECT_EQ(lista->topLevelItemCount(), 3);
         lista->setCurrentItem(lista->topLevelItem(1));
         QTest::keyClick(lista, Qt::Key_Delete);
         EXPECT_EQ(lista->topLevelItemCount(), 2);
@@ -180,9 +182,7 @@ TEST_F(DialogosFrecuentes, UnaPlantillaGuardadaSeCambiaYCancelarNoGuardaNada)
     EXPECT_EQ(m_base.Valor(QStringLiteral("Select Min(MFLOrden) * 10 + Max(MFLOrden) From genMovimientosFrecuentesLineas Where MFLIDMovimiento = ?"),
                            {id}).toInt(),
               12);
-    EXPECT_EQ(QDate::fromString(m_base.Valor(QStringLiteral("Select MFrFechaProxima From genMovimientosFrecuentes Where MFrID = ?"), {id})
-                                    .toString().left(10), Qt::ISODate),
-              primera);
+    EXPECT_EQ(fecha("Select MFrFechaProxima From genMovimientosFrecuentes Where MFrID = ?", id), primera);
 
     // Leaving with changes asks first: "No" stays in the dialog, "Yes" drops them.
     m_mensajes.Responder(ServicioMensajes::Respuesta::No);
@@ -217,7 +217,7 @@ TEST_F(DialogosFrecuentes, SeBuscaPorNombreYSeRegistraALaFechaElegida)
 {
     const qint32 alquiler = plantilla(QStringLiteral("Alquiler"), {{"5.3.01", true, 1500}, {"1.1.01", false, 1500}});
     const qint32 parcial = plantilla(QStringLiteral("Sueldos parcial"), {{"5.2.01", true, 900}, {"1.1.01", false, 400}});
-    const QDate fecha = BaseDePrueba::Hoy().addDays(-3);
+    const QDate dia = BaseDePrueba::Hoy().addDays(-3);
 
     RegistroFrecuentes registro(m_datos, m_cuentas);
     QString escritos;
@@ -230,7 +230,7 @@ TEST_F(DialogosFrecuentes, SeBuscaPorNombreYSeRegistraALaFechaElegida)
         ASSERT_EQ(QApplication::focusWidget(), hijo(d, "lvFrecuentes"));
         QTest::keyClick(hijo(d, "lvFrecuentes"), Qt::Key_Return);
         ASSERT_EQ(QApplication::focusWidget(), hijo(d, "odFecha"));
-        hijo<CampoFecha>(d, "odFecha")->setDate(fecha);
+        hijo<CampoFecha>(d, "odFecha")->setDate(dia);
         QTest::keyClick(hijo(d, "odFecha"), Qt::Key_Return);
     });
     const qint32 asiento = escritos.toInt();
@@ -238,9 +238,7 @@ TEST_F(DialogosFrecuentes, SeBuscaPorNombreYSeRegistraALaFechaElegida)
     EXPECT_EQ(registro.FrecuenteRegistrado(), alquiler);
     EXPECT_EQ(lineas(asiento, false), lineas(alquiler, true));
     EXPECT_EQ(m_base.Valor(QStringLiteral("Select AsiEstado From cceAsientos Where AsiID = ?"), {asiento}).toInt(), EstadoAsiento::kRegistrado);
-    EXPECT_EQ(QDate::fromString(m_base.Valor(QStringLiteral("Select AsiFechaAsiento From cceAsientos Where AsiID = ?"), {asiento}).toString().left(10),
-                                Qt::ISODate),
-              fecha);
+    EXPECT_EQ(fecha("Select AsiFechaAsiento From cceAsientos Where AsiID = ?", asiento), dia);
 
     ConDialogo<RegistroFrecuentes>([&] { escritos = registro.Registrar(0); }, [&](RegistroFrecuentes &d) {
         teclear(hijo(d, "tBuscar"), QStringLiteral("sueldos"));
@@ -300,12 +298,8 @@ TEST_F(DialogosFrecuentes, UnAgendadoSeRegistraASuFechaYUnoQueNoExisteSeDice)
     RegistroFrecuentes registro(m_datos, m_cuentas);
     const qint32 asiento = registro.Registrar(id).toInt();
     ASSERT_GT(asiento, 0);
-    EXPECT_EQ(QDate::fromString(m_base.Valor(QStringLiteral("Select AsiFechaAsiento From cceAsientos Where AsiID = ?"), {asiento}).toString().left(10),
-                                Qt::ISODate),
-              vence);
-    EXPECT_EQ(QDate::fromString(m_base.Valor(QStringLiteral("Select MFrFechaProxima From genMovimientosFrecuentes Where MFrID = ?"), {id})
-                                    .toString().left(10), Qt::ISODate),
-              vence.addMonths(1));
+    EXPECT_EQ(fecha("Select AsiFechaAsiento From cceAsientos Where AsiID = ?", asiento), vence);
+    EXPECT_EQ(fecha("Select MFrFechaProxima From genMovimientosFrecuentes Where MFrID = ?", id), vence.addMonths(1));
 
     EXPECT_TRUE(registro.Registrar(id + 100).isEmpty());
     EXPECT_EQ(registro.FrecuenteRegistrado(), 0);

@@ -8,8 +8,6 @@
 
 #include <gtest/gtest.h>
 
-#include <memory>
-#include <ostream>
 
 namespace {
 
@@ -18,60 +16,37 @@ QLocale LocaleDe(const char *nombre)
     return QLatin1String(nombre) == QLatin1String("C") ? QLocale::c() : QLocale(QString::fromLatin1(nombre));
 }
 
-struct CasoCuenta
+// Each number of a calculation is read by the one rule of LeerNumero, in the locale given;
+// cases without a locale answer the same in every locale.
+TEST(CampoCalculadora, EvaluarLeeCadaNumeroPorLaMismaRegla)
 {
-    const char *locale;
-    const char *texto;
-    bool valido;
-    double valor;
-};
-
-void PrintTo(const CasoCuenta &c, std::ostream *os)
-{
-    *os << c.locale << " \"" << c.texto << "\"";
-}
-
-class Cuentas : public ::testing::TestWithParam<CasoCuenta>
-{
-};
-
-// Each number of a calculation is read by the one rule of LeerNumero.
-TEST_P(Cuentas, CadaNumeroPorLaMismaRegla)
-{
-    const CasoCuenta &c = GetParam();
-    double v = 0;
-    EXPECT_EQ(CampoCalculadora::Evaluar(QString::fromUtf8(c.texto), v, LocaleDe(c.locale)), c.valido);
-    if (c.valido)
-        EXPECT_DOUBLE_EQ(v, c.valor);
-}
-
-std::vector<CasoCuenta> casosEnTodos()
-{
-    // The same answer in every locale.
-    const CasoCuenta comunes[] = {
+    const struct
+    {
+        const char *locale;
+        const char *texto;
+        bool valido;
+        double valor;
+    } casos[] = {
         {"", "1250*1,22", true, 1525}, {"", "1250*1.22", true, 1525}, {"", "100+25,5-3", true, 122.5},
         {"", "-40", true, -40},        {"", "10/4", true, 2.5},       {"", "2+3*4", true, 14},
         {"", "5*-3", true, -15},       {"", "10/0", false, 0},        {"", "abc", false, 0},
         {"", "", false, 0},            {"", "5*", false, 0},          {"", "*5", false, 0},
         {"", "1.2.3,4", false, 0},     {"", "1,23,4+1", false, 0},    {"", "2*1.2.3", false, 0},
+        {"es_UY", "1.250,5", true, 1250.5}, {"es_UY", "1.250*2", true, 2500}, {"es_UY", "1,250*2", true, 2.5},
+        {"es_ES", "1.500+0,5", true, 1500.5}, {"en_US", "1,250*2", true, 2500}, {"en_US", "1.250*2", true, 2.5},
+        {"C", "1,250*2", true, 2500},  {"C", "12,5+1", true, 13.5},
     };
-    std::vector<CasoCuenta> casos;
-    for (const char *l : {"es_UY", "es_ES", "en_US", "C"})
-        for (CasoCuenta c : comunes) {
-            c.locale = l;
-            casos.push_back(c);
+    for (const auto &c : casos)
+        for (const char *l : {"es_UY", "es_ES", "en_US", "C"}) {
+            if (*c.locale && qstrcmp(c.locale, l) != 0)
+                continue;
+            SCOPED_TRACE(std::string(l) + " \"" + c.texto + "\"");
+            double v = 0;
+            EXPECT_EQ(CampoCalculadora::Evaluar(QString::fromUtf8(c.texto), v, LocaleDe(l)), c.valido);
+            if (c.valido)
+                EXPECT_DOUBLE_EQ(v, c.valor);
         }
-    return casos;
 }
-
-INSTANTIATE_TEST_SUITE_P(EnTodos, Cuentas, ::testing::ValuesIn(casosEnTodos()));
-
-INSTANTIATE_TEST_SUITE_P(
-    SegunElLocale, Cuentas,
-    ::testing::Values(CasoCuenta{"es_UY", "1.250,5", true, 1250.5}, CasoCuenta{"es_UY", "1.250*2", true, 2500},
-                      CasoCuenta{"es_UY", "1,250*2", true, 2.5}, CasoCuenta{"es_ES", "1.500+0,5", true, 1500.5},
-                      CasoCuenta{"en_US", "1,250*2", true, 2500}, CasoCuenta{"en_US", "1.250*2", true, 2.5},
-                      CasoCuenta{"C", "1,250*2", true, 2500}, CasoCuenta{"C", "12,5+1", true, 13.5}));
 
 // A field typed into with the keyboard, in a window of its own with a second field to move to.
 class CampoEscrito : public ::testing::TestWithParam<const char *>
@@ -91,7 +66,7 @@ protected:
         m_campo->setFocus();
     }
 
-    // Types the text over whatever the field holds, then moves on with Tab.
+    // Types the text over whatever the field holds.
     void escribir(const QString &texto)
     {
         m_campo->setFocus();
@@ -104,31 +79,26 @@ protected:
     CampoCalculadora *m_otro = nullptr;
 };
 
-TEST_P(CampoEscrito, LoEscritoSeLeePorLaRegla)
+// What is typed is read in the field's locale.
+TEST_P(CampoEscrito, LoEscritoSeLeeEnElLocaleDelCampo)
 {
-    const QLocale l = LocaleDe(GetParam());
-    struct Caso
+    const bool comaDecimal = LocaleDe(GetParam()).decimalPoint() == QLatin1String(",");
+    const struct
     {
         QString texto;
         bool valido;
         double valor;
-    };
-    const bool comaDecimal = l.decimalPoint() == QLatin1String(",");
-    const Caso casos[] = {
-        {QStringLiteral("12,5"), true, 12.5},
-        {QStringLiteral("1500.50"), true, 1500.5},
+    } casos[] = {
         {QStringLiteral("1.500"), true, comaDecimal ? 1500.0 : 1.5},
         {QStringLiteral("1,500"), true, comaDecimal ? 1.5 : 1500.0},
-        {QStringLiteral("1250*1,22"), true, 1525},
         {QStringLiteral("1.2.3,4"), false, 0},
-        {QStringLiteral("1,23,4"), false, 0},
     };
-    for (const Caso &c : casos) {
+    for (const auto &c : casos) {
+        SCOPED_TRACE(c.texto.toStdString());
         escribir(c.texto);
-        EXPECT_EQ(m_campo->text(), c.texto);
-        EXPECT_EQ(m_campo->EsNumeroValido(), c.valido) << c.texto.toStdString();
-        EXPECT_EQ(m_campo->EsTextoInvalido(), !c.valido) << c.texto.toStdString();
-        EXPECT_DOUBLE_EQ(m_campo->Valor(), c.valor) << c.texto.toStdString();
+        EXPECT_EQ(m_campo->EsNumeroValido(), c.valido);
+        EXPECT_EQ(m_campo->EsTextoInvalido(), !c.valido);
+        EXPECT_DOUBLE_EQ(m_campo->Valor(), c.valor);
     }
 }
 
@@ -168,15 +138,13 @@ TEST_P(CampoEscrito, UnTextoRechazadoSeAvisaAlSalirYQuedaComoSeEscribio)
     QApplication::sendEvent(m_campo, &emergente);
     EXPECT_EQ(avisos.count(), 2);
 
-    // A good number or an empty field is no refusal; a good one is shown with the mask.
-    escribir(QStringLiteral("1500.5"));
-    QTest::keyClick(m_campo, Qt::Key_Tab);
-    escribir(QString());
+    // An empty field is no refusal; a good number is shown with the mask.
+    m_campo->setFocus();
     m_campo->clear();
     QTest::keyClick(m_campo, Qt::Key_Tab);
-    EXPECT_EQ(avisos.count(), 2);
     escribir(QStringLiteral("1500.5"));
     QTest::keyClick(m_campo, Qt::Key_Tab);
+    EXPECT_EQ(avisos.count(), 2);
     const QLocale l = LocaleDe(GetParam());
     EXPECT_EQ(m_campo->text(), QStringLiteral("1") + l.groupSeparator() + QStringLiteral("500") + l.decimalPoint() + QStringLiteral("50"));
     EXPECT_DOUBLE_EQ(m_campo->Valor(), 1500.5);
@@ -189,19 +157,16 @@ TEST_P(CampoEscrito, UnTextoRechazadoSeAvisaAlSalirYQuedaComoSeEscribio)
 INSTANTIATE_TEST_SUITE_P(Locales, CampoEscrito, ::testing::Values("es_UY", "es_ES", "en_US", "C"),
                          [](const ::testing::TestParamInfo<const char *> &i) { return std::string(i.param); });
 
-TEST(CampoCalculadora, MuestraConMascaraSinFoco)
+// A value set shows with the mask; an empty field is incomplete, not refused.
+TEST(CampoCalculadora, ValorFijadoConMascaraYCampoVacio)
 {
     CampoCalculadora campo(QStringLiteral("ocImporte"));
     campo.FijarMascara(QStringLiteral("#,##0.00"));
     campo.FijarValor(1234.5);
     EXPECT_EQ(campo.text(), QStringLiteral("1.234,50"));
-    EXPECT_DOUBLE_EQ(campo.Valor(), 1234.5);
-    campo.setText(QStringLiteral("3*3"));
-    EXPECT_TRUE(campo.EsNumeroValido());
-    EXPECT_DOUBLE_EQ(campo.Valor(), 9);
     campo.Limpiar();
     EXPECT_FALSE(campo.EsNumeroValido());
-    EXPECT_FALSE(campo.EsTextoInvalido()); // empty: incomplete, not refused
+    EXPECT_FALSE(campo.EsTextoInvalido());
 }
 
 } // namespace

@@ -18,9 +18,12 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 namespace {
 
-// Records each text looked up and answers the prepared account (none while its id is 0).
+// Records each text looked up and answers the prepared account (none while its id is 0);
+// one not accepted is one the user saw in the chooser and then cancelled.
 class CuentaGuionada final : public ServicioBusquedaCuentas
 {
 public:
@@ -28,9 +31,10 @@ public:
     {
         pedidos << texto;
         elegida = respuesta;
-        return respuesta.id > 0;
+        return acepta && respuesta.id > 0;
     }
     CuentaElegida respuesta;
+    bool acepta = true;
     QStringList pedidos;
 };
 
@@ -93,6 +97,7 @@ protected:
         tecla();
     }
     const CriteriosBusqueda &criterios() const { return m_dialogo->criterios; }
+    std::tuple<qint32, int, int> cuenta() const { return {criterios().prmCta, criterios().prmPry, criterios().prmDep}; }
 
     BaseDePrueba m_base;
     MensajesGuionados m_mensajes;
@@ -113,22 +118,15 @@ TEST_P(DialogoBusqueda, SinCriterioNoHayBusquedaNiConUnaLeyendaDeBlancosOSinEsta
     EXPECT_FALSE(criterios().FindOK);
     EXPECT_TRUE(criterios().prmLeyenda.isEmpty());
 
-    // The first state is the draft (1), the third the registered one (3); Delete leaves the
-    // list with none.
+    // The list starts with no state (above: none), the third is the registered one (3); Delete
+    // leaves the list with none again.
     mostrar();
     campo("cfEstado")->setFocus();
-    tecla(Qt::Key_Down);
-    aceptar();
-    EXPECT_EQ(criterios().prmEstado, 1);
-    mostrar();
-    campo("cfEstado")->setFocus();
-    tecla(Qt::Key_Delete);
     for (int i = 0; i < 3; ++i)
         tecla(Qt::Key_Down);
     aceptar();
     EXPECT_TRUE(criterios().FindOK);
     EXPECT_EQ(criterios().prmEstado, 3);
-    EXPECT_TRUE(criterios().prmLeyenda.isEmpty());
     mostrar();
     campo("cfEstado")->setFocus();
     tecla(Qt::Key_Delete);
@@ -238,18 +236,18 @@ TEST_P(DialogoBusqueda, CancelarDejaLosCriteriosDelUltimoAceptarYLosCamposComoQu
 
 TEST_P(DialogoBusqueda, LaCuentaBuscadaEntraConSuProyectoYDepartamento)
 {
-    auto rs = m_base.conexion().Abrir(QStringLiteral("Select CueID, CueNombre From cceCuentas Where CueCodigo = '1.1.01'"));
-    const qint32 id = qint32(rs->Entero(QStringLiteral("CueID")));
-    const QString nombre = rs->Texto(QStringLiteral("CueNombre")).trimmed();
-    rs->Cerrar();
+    const qint32 id = m_base.IdCuenta("1.1.01");
+    const QString nombre = m_base.Valor(QStringLiteral("Select CueNombre From cceCuentas Where CueID = ?"), {id}).toString().trimmed();
 
-    // No account came: the dialog stays on the account.
+    // The chooser was cancelled, with an account in view: no account, the dialog stays on it.
+    m_cuentas.respuesta = {id, 3, 2};
+    m_cuentas.acepta = false;
     escribir("tCuenta", QStringLiteral("caja"));
     aceptar();
     EXPECT_TRUE(m_dialogo->isVisible());
     EXPECT_EQ(foco(), QStringLiteral("tCuenta"));
 
-    m_cuentas.respuesta = {id, 3, 2};
+    m_cuentas.acepta = true;
     m_cuentas.pedidos.clear();
     escribir("tCuenta", QStringLiteral("caja"));
     tecla();
@@ -264,9 +262,7 @@ TEST_P(DialogoBusqueda, LaCuentaBuscadaEntraConSuProyectoYDepartamento)
     aceptar();
     EXPECT_EQ(m_cuentas.pedidos.size(), 1); // the account found is not looked up again
     EXPECT_TRUE(criterios().FindOK);
-    EXPECT_EQ(criterios().prmCta, id);
-    EXPECT_EQ(criterios().prmPry, 3);
-    EXPECT_EQ(criterios().prmDep, 2);
+    EXPECT_EQ(cuenta(), std::tuple(id, 3, 2));
 
     // A blank account is no account, with no project or department.
     mostrar();
@@ -275,9 +271,7 @@ TEST_P(DialogoBusqueda, LaCuentaBuscadaEntraConSuProyectoYDepartamento)
     EXPECT_FALSE(m_dialogo->isVisible());
     EXPECT_EQ(m_cuentas.pedidos.size(), 1);
     EXPECT_FALSE(criterios().FindOK);
-    EXPECT_EQ(criterios().prmCta, 0);
-    EXPECT_EQ(criterios().prmPry, 0);
-    EXPECT_EQ(criterios().prmDep, 0);
+    EXPECT_EQ(cuenta(), std::tuple(0, 0, 0));
 }
 
 // An account alone finds its lines of every project and department; the lists narrow it to
@@ -290,13 +284,13 @@ TEST_P(DialogoBusqueda, ProyectoYDepartamentoAcotanLaCuenta)
     EXPECT_FALSE(proyecto->isEnabled()); // nothing to narrow without an account
     EXPECT_EQ(proyecto->count(), 2 + m_datos.LeerProyectos().size());
 
-    m_cuentas.respuesta = {m_base.IdCuenta("5.2.01"), 0, 0};
+    const qint32 cuentaSueldos = m_base.IdCuenta("5.2.01");
+    m_cuentas.respuesta = {cuentaSueldos, 0, 0};
     escribir("tCuenta", QStringLiteral("sueldos"));
     tecla();
     EXPECT_TRUE(proyecto->isEnabled() && departamento->isEnabled());
     aceptar();
-    EXPECT_EQ(criterios().prmPry, CriteriosBusqueda::kCualquiera);
-    EXPECT_EQ(criterios().prmDep, CriteriosBusqueda::kCualquiera);
+    EXPECT_EQ(cuenta(), std::tuple(cuentaSueldos, CriteriosBusqueda::kCualquiera, CriteriosBusqueda::kCualquiera));
 
     mostrar();
     proyecto->setFocus();
@@ -306,21 +300,17 @@ TEST_P(DialogoBusqueda, ProyectoYDepartamentoAcotanLaCuenta)
     departamento->setFocus();
     tecla(Qt::Key_Down);
     aceptar();
-    EXPECT_EQ(criterios().prmPry, qint16(proyecto->itemData(3).toInt()));
-    EXPECT_EQ(criterios().prmPry, 2);
-    EXPECT_EQ(criterios().prmDep, 0);
+    EXPECT_EQ(cuenta(), std::tuple(cuentaSueldos, 2, 0));
 
     // Books without projects or departments show no lists, and restrict nothing.
     crear(false);
     EXPECT_FALSE(campo("cfProyecto")->isVisible());
     EXPECT_FALSE(campo("lbDepartamento")->isVisible());
-    m_cuentas.respuesta = {m_base.IdCuenta("5.2.01"), 0, 0};
     escribir("tCuenta", QStringLiteral("sueldos"));
     tecla();
     EXPECT_EQ(foco(), QStringLiteral("ocImporte"));
     aceptar();
-    EXPECT_EQ(criterios().prmPry, CriteriosBusqueda::kCualquiera);
-    EXPECT_EQ(criterios().prmDep, CriteriosBusqueda::kCualquiera);
+    EXPECT_EQ(cuenta(), std::tuple(cuentaSueldos, CriteriosBusqueda::kCualquiera, CriteriosBusqueda::kCualquiera));
 }
 
 TEST_P(DialogoBusqueda, ImportesLeidosYUnTextoQueNoEsNumeroRechazadoUnaVez)
@@ -348,6 +338,29 @@ TEST_P(DialogoBusqueda, ImportesLeidosYUnTextoQueNoEsNumeroRechazadoUnaVez)
     EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("error: 1950")});
     EXPECT_EQ(foco(), QStringLiteral("ocImporte2"));
     EXPECT_DOUBLE_EQ(criterios().prmImporte, 1250.5);
+}
+
+// Leaving a typed account for another field, by keyboard or mouse, looks it up as Enter
+// does; the focus moved by the program (a message, say) does not. A caption's click takes the
+// focus to its field.
+TEST_P(DialogoBusqueda, DejarLaCuentaConTeclaORatonLaBusca)
+{
+    escribir("tCuenta", QStringLiteral("caja"));
+    campo("tLeyenda")->setFocus();
+    QApplication::processEvents();
+    EXPECT_TRUE(m_cuentas.pedidos.isEmpty());
+
+    campo("tCuenta")->setFocus();
+    tecla(Qt::Key_Backtab);
+    EXPECT_EQ(m_cuentas.pedidos, QStringList{QStringLiteral("caja")});
+    QTest::mouseClick(campo("lbCuenta"), Qt::LeftButton);
+    QApplication::processEvents();
+    EXPECT_EQ(foco(), QStringLiteral("tCuenta"));
+    EXPECT_EQ(campo<QLineEdit>("tCuenta")->selectedText(), QStringLiteral("caja"));
+    QTest::mouseClick(campo("tLeyenda"), Qt::LeftButton);
+    QApplication::processEvents();
+    EXPECT_EQ(foco(), QStringLiteral("tLeyenda"));
+    EXPECT_EQ(m_cuentas.pedidos.size(), 2);
 }
 
 INSTANCIAR_EN_MOTORES(DialogoBusqueda);

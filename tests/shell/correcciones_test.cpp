@@ -109,6 +109,36 @@ TEST_P(Correcciones, UnAsientoConUnaCuentaCerradaNoCambiaEnNada)
     EXPECT_EQ(enBase(id).sello, antes.sello);
 }
 
+// A new entry moved to a date on which one of its accounts is closed is not stored when it
+// balances (1811): the edit stays open with its lines, nothing is written.
+TEST_P(Correcciones, UnNuevoLlevadoAUnDiaConUnaCuentaCerradaNoSeGraba)
+{
+    const QString codigo = m_base.Valor(QStringLiteral("Select CueCodigo From cceCuentas Where CueFechaCerrada Is Not Null")).toString();
+    const QDate cierre = m_base.Valor(QStringLiteral("Select CueFechaCerrada From cceCuentas Where CueCodigo = ?"), {codigo}).toDate();
+    ASSERT_FALSE(codigo.isEmpty());
+    QTest::keyClick(m_doc->grid(), Qt::Key_N, Qt::ControlModifier);
+    ASSERT_GT(m_doc->FilaEdicion(), 0);
+    m_doc->campoFecha()->setDate(cierre.addDays(1)); // the account is open after its closing day
+    QTest::keyClick(m_doc->campoFecha(), Qt::Key_Tab);
+    escribir(m_doc->campoLeyenda(), QStringLiteral("Con cuenta cerrada"));
+    m_doc->findChild<QComboBox *>(QStringLiteral("cfAutoriza"))->setCurrentIndex(0);
+    editor()->SetFocusCtrl(lumERAsiento::kDebe, 0);
+    escribir(editor()->campoCuenta(true), codigo);
+    enter(editor()->campoCuenta(true));
+    escribir(editor()->campo(lumERAsiento::kImporte), QStringLiteral("100"));
+    enter(editor()->campo(lumERAsiento::kImporte));
+    ASSERT_GT(m_doc->FilaEdicion(), 0);
+    m_doc->campoFecha()->setDate(cierre);
+    QTest::keyClick(m_doc->campoFecha(), Qt::Key_Tab);
+    enter(editor()->campoCuenta(true));
+    escribir(editor()->campoCuenta(false), QStringLiteral("4.1.01"));
+    enter(editor()->campoCuenta(false));
+    enter(editor()->campo(lumERAsiento::kImporte));
+    EXPECT_TRUE(m_mensajes.mostrados.contains(Dicho("error", 1811))) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
+    EXPECT_GT(m_doc->FilaEdicion(), 0);
+    EXPECT_TRUE(ids(QStringLiteral("AsiLeyenda = 'Con cuenta cerrada'")).isEmpty());
+}
+
 INSTANCIAR_EN_MOTORES(Correcciones);
 
 } // namespace

@@ -138,6 +138,22 @@ TEST_P(Grabacion, BorradorConFechaFuturaSeAgenda)
     EXPECT_EQ(contar(QStringLiteral("Select Count(*) From genMovimientosFrecuentesLineas")), 3);
 }
 
+// The opening-balance entry goes back to draft and is registered again like any other: being
+// the company's one is no reason to refuse it (1837 is for a second one).
+TEST_P(Grabacion, ElDeSaldosInicialesVuelveABorradorYSeRegistraDeNuevo)
+{
+    const qint32 id = asiento(BaseDePrueba::Hoy().addDays(-3), 1, 50, "1.1.01", Demo::kLibroPrimeraApertura);
+    ASSERT_GT(id, 0);
+    auto doc = abrir();
+    mostrarUltimos(*doc);
+    for (const int estado : {0, 1}) {
+        doc->grid()->FijarFilaActual(doc->FilaDeAsiento(id));
+        doc->comandos().RegistrarAsiento();
+        EXPECT_EQ(estadoEnBase(id), estado);
+    }
+    EXPECT_TRUE(m_mensajes.mostrados.isEmpty()) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
+}
+
 TEST_P(Grabacion, CuentaCerradaNoSeRegistra)
 {
     // "Banco Comercial" was closed in the demo; an entry dated before its closing uses it.
@@ -180,6 +196,13 @@ TEST_P(Grabacion, RegistrarTodosLosBorradores)
     EXPECT_EQ(doc->grilla().Dato(doc->FilaDeAsiento(a), 4).toDateTime(),
               m_base.Valor(QStringLiteral("Select AsiFechaModificado From cceAsientos Where AsiID = ?"), {a}).toDateTime());
     EXPECT_EQ(doc->grilla().Dato(doc->FilaDeAsiento(b), 3).toInt(), 0);
+
+    // Read again, it is registered too, and with nothing refused nothing is said.
+    doc->comandos().RecargarAsiento(b, doc->FilaDeAsiento(b));
+    m_mensajes.mostrados.clear();
+    doc->comandos().RegistrarListados(0);
+    EXPECT_EQ(estadoEnBase(b), 1);
+    EXPECT_TRUE(m_mensajes.mostrados.isEmpty()) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
 }
 
 TEST_P(Grabacion, EliminarAsientoYFila)
@@ -256,6 +279,7 @@ TEST_P(Grabacion, CopiarYOcultar)
     doc->comandos().OcultarAsiento();
     EXPECT_EQ(doc->FilaDeAsiento(id), -1);
     EXPECT_EQ(estadoEnBase(id), 1); // only the screen changed
+    EXPECT_TRUE(doc->grilla().Redibujar());
     mostrarUltimos(*doc);
     EXPECT_GT(doc->FilaDeAsiento(id), 0);
 }
@@ -403,8 +427,8 @@ TEST_P(Grabacion, UnInconclusoQueCierraSeRegistra)
     EXPECT_FALSE(doc->asientos().EsFilaDiferencia(doc->asientos().UltimaFilaAsiento(doc->FilaDeAsiento(cierra))))
         << "no missing line is proposed any more";
 
-    // An extra line of 10 at the credit of a balanced incomplete entry: deleting it leaves it
-    // balanced and registered.
+    // An extra line of 10 at the credit of a balanced incomplete entry dated after today:
+    // deleting it leaves it balanced, and a draft until its day.
     AsientoDatos d(m_base.conexion());
     ASSERT_TRUE(d.CargarAsiento(cierra));
     LineaDatos extra = d.Lineas().last();
@@ -413,6 +437,7 @@ TEST_P(Grabacion, UnInconclusoQueCierraSeRegistra)
     extra.Orden = 0;
     d.Lineas().append(extra);
     d.Cabezal().Estado = 2;
+    d.Cabezal().Fecha = BaseDePrueba::Hoy().addDays(5);
     ASSERT_GT(d.GrabarTodo(), 0) << d.ultimoError().toStdString();
     doc->comandos().RecargarAsiento(cierra, doc->FilaDeAsiento(cierra));
     const int fila = doc->FilaDeAsiento(cierra);
@@ -424,7 +449,7 @@ TEST_P(Grabacion, UnInconclusoQueCierraSeRegistra)
     doc->grid()->FijarFilaActual(filaExtra);
     m_mensajes.Responder(ServicioMensajes::Respuesta::Si); // 1805
     doc->comandos().EliminarAsiento(true);
-    EXPECT_EQ(estadoEnBase(cierra), 1);
+    EXPECT_EQ(estadoEnBase(cierra), 0);
 }
 
 // A draft dated in the future that another user changed after it was shown: choosing

@@ -125,6 +125,8 @@ TEST_P(Restauracion, TrasRestaurarLaUltimaFilaLaEleccionSigueEnLaLista)
     auto *tabla = dialogo->findChild<QTableWidget *>(QStringLiteral("tablaPapelera"));
     auto *restaurar = dialogo->findChild<QPushButton *>(QStringLiteral("botonRestaurar"));
     ASSERT_EQ(tabla->rowCount(), 2);
+    EXPECT_EQ(tabla->currentRow(), 0); // opened, the newest is chosen
+    EXPECT_TRUE(restaurar->isEnabled());
     tabla->setCurrentCell(1, 0); // the first one sent, listed last
     restaurar->click();
     EXPECT_EQ(enBase(primero).cabezal.value(0), QStringLiteral("1"));

@@ -131,6 +131,7 @@ TEST_P(SalidaEdicion, TrasUnaEscrituraRechazadaLoEscritoQuedaHastaQueElUsuarioEl
             id = c;
     ASSERT_GT(id, 0);
     const AsientoEnBase antes = enBase(id);
+    const QStringList filasAntes = filasVistas(id);
     abrir(filaDe(id));
     ASSERT_GT(m_doc->FilaEdicion(), 0);
     m_base.conexion().Ejecutar(QStringLiteral("Update cceAsientos Set AsiFechaModificado = ? Where AsiID = ?"),
@@ -144,11 +145,13 @@ TEST_P(SalidaEdicion, TrasUnaEscrituraRechazadaLoEscritoQuedaHastaQueElUsuarioEl
     ASSERT_GT(m_doc->FilaEdicion(), 0);
     EXPECT_EQ(m_doc->campoLeyenda()->text(), QStringLiteral("Leyenda que no se pudo guardar"));
 
+    // Leaving again asks again, without trying the refused write a second time.
     m_mensajes.Responder(Respuesta::No); // discard
     escape(m_doc->campoLeyenda());
+    EXPECT_EQ(m_mensajes.mostrados.mid(2), QStringList{pregunta(1961)});
     EXPECT_EQ(m_doc->FilaEdicion(), 0);
-    EXPECT_EQ(enBase(id).cabezal, antes.cabezal);
-    EXPECT_EQ(enBase(id).lineas, antes.lineas);
+    EXPECT_EQ(enBase(id), antes);
+    EXPECT_EQ(filasVistas(id), filasAntes);
 }
 
 // Opening a stored line and leaving by a command asks nothing when nothing was typed, also

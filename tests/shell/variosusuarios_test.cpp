@@ -42,8 +42,6 @@ protected:
         QTest::keyClick(doc.grid(), Qt::Key_Return);
     }
 
-    // Types a new legend and accepts the open line with Enter in its amount; an entry
-    // without an authoriser is given the first one offered.
     // Types the legend over and accepts the line with Enter in the amount; an entry without
     // an authoriser is given the first one when the document asks for it (1953), and Enter
     // on the list takes the line. The request is not kept among the texts shown.
@@ -144,31 +142,6 @@ TEST_P(VariosUsuarios, UnCambioDeOtroSeMarcaSeReleeAlAbrirloYQuedaEnElHistorial)
     EXPECT_EQ(tabla->item(2, 2)->text(), QStringLiteral("Cambio"));
     EXPECT_TRUE(tabla->item(2, 3)->text().contains(QStringLiteral("Cambiada por la contadora"))) << tabla->item(2, 3)->text().toStdString();
     dialogo->close();
-}
-
-TEST_P(VariosUsuarios, DosGrabanElMismoAsientoAbiertoYGanaElPrimero)
-{
-    abrirOtro();
-    const qint32 id = asientoDePrueba();
-    // Both open the entry before either writes.
-    abrirEn(*m_doc, id);
-    abrirEn(*m_otro, id);
-    ASSERT_GT(m_doc->FilaEdicion(), 0);
-    ASSERT_GT(m_otro->FilaEdicion(), 0);
-    QApplication::setActiveWindow(m_doc.get());
-    ASSERT_GT(m_doc->FilaEdicion(), 0);
-    ASSERT_GT(m_otro->FilaEdicion(), 0);
-
-    cambiarLeyendaYAceptar(*m_doc, m_mensajes, QStringLiteral("Gana el primero"));
-    EXPECT_TRUE(m_mensajes.mostrados.isEmpty()) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
-    QApplication::setActiveWindow(m_otro.get());
-    cambiarLeyendaYAceptar(*m_otro, m_mensajesB, QStringLiteral("Llega tarde"));
-    QApplication::processEvents();
-
-    EXPECT_TRUE(m_mensajesB.mostrados.contains(Dicho("error", 1820)))
-        << m_mensajesB.mostrados.join(QLatin1Char('\n')).toStdString();
-    EXPECT_EQ(enBase(id).cabezal.value(2), QStringLiteral("Gana el primero"));
-    EXPECT_EQ(operaciones(id), (QStringList{QStringLiteral("alta:0"), QStringLiteral("cambio:%1").arg(Demo::kUsuarioAdministrador)}));
 }
 
 TEST_P(VariosUsuarios, UnaLeyendaMasLargaQueLaColumnaNoSeEscribe)

@@ -1,4 +1,5 @@
 #include "comun/basesprueba.h"
+#include "comun/columna.h"
 #include "comun/conexionespia.h"
 
 #include "entries/asientodatos.h"
@@ -16,10 +17,8 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
 #include <barrier>
 #include <functional>
-#include <iostream>
 #include <optional>
 #include <thread>
 
@@ -28,9 +27,6 @@ namespace {
 using Causa = ErrorBaseDatos::Causa;
 using Resultado = AsientoDatos::Resultado;
 
-// A connection that passes everything on and remembers the cause of the last error, so a
-// test sees what AsientoDatos turns into its own result. antesDeEscribir runs once, just
-// before the next statement that writes.
 QVariant valor(Conexion &c, const QString &sql, const QVariantList &v = {})
 {
     auto rs = c.Abrir(sql, v);
@@ -47,39 +43,23 @@ qint64 filasHistorial(Conexion &c, qint32 id)
 // Every table of the database with its number of rows: what "nothing changed" compares.
 QMap<QString, qint64> Contenido(Conexion &c)
 {
-    auto rs = c.Abrir(c.motor() == Motor::SQLite
-                          ? QStringLiteral("Select name From sqlite_master Where type = 'table'")
-                          : QStringLiteral("Select table_name From information_schema.tables Where table_schema = current_schema()"));
-    QStringList tablas;
-    for (; !rs->Fin(); rs->MoverSiguiente())
-        tablas << rs->Campo(0).toString();
-    rs->Cerrar();
     QMap<QString, qint64> r;
-    for (const QString &t : tablas)
+    for (const QString &t : Columna(c, c.motor() == Motor::SQLite
+                                           ? QStringLiteral("Select name From sqlite_master Where type = 'table'")
+                                           : QStringLiteral("Select table_name From information_schema.tables Where table_schema = current_schema()")))
         r.insert(t.toLower(), valor(c, QStringLiteral("Select Count(*) From ") + t).toLongLong());
     return r;
 }
 
 LineaDatos linea(qint32 cuenta, bool debe, double importe)
 {
-    LineaDatos l;
-    l.Cuenta = cuenta;
-    l.AlDebe = debe;
-    l.Importe = l.ImporteMC = Importe::DesdeDouble(importe);
-    l.Tasa = 1;
-    return l;
+    return {cuenta, 0, 0, debe, Importe::DesdeDouble(importe), 1, Importe::DesdeDouble(importe)};
 }
 
-// A balanced entry of user 1, written by the given AsientoDatos; answers its id.
-qint32 Nuevo(AsientoDatos &a, const QString &leyenda, double importe)
+// A balanced entry written by the given AsientoDatos; answers its id.
+qint32 Nuevo(AsientoDatos &a, const QString &leyenda, double importe, qint16 libro = Demo::kLibroDiario)
 {
-    a.Cabezal() = CabezalDatos();
-    a.Cabezal().Empresa = Demo::kEmpresa;
-    a.Cabezal().Estado = 1;
-    a.Cabezal().Fecha = QDate(2026, 5, 4);
-    a.Cabezal().Leyenda = leyenda;
-    a.Cabezal().Libro = Demo::kLibroDiario;
-    a.Cabezal().Usuario = Demo::kUsuarioAdministrador;
+    a.Cabezal() = CabezalDatos{0, Demo::kEmpresa, 1, QDate(2026, 5, 4), leyenda, libro};
     a.Lineas() = {linea(22, true, importe), linea(11, false, importe)};
     return a.GrabarTodo();
 }
@@ -104,32 +84,6 @@ QString EnDosHilos(std::barrier<> &paso, const std::function<void(int lado)> &se
     return (fallo[0] + QLatin1Char(' ') + fallo[1]).trimmed();
 }
 
-// A database with nothing in it: a SQLite path with no file yet, or an empty schema.
-struct BaseSinNada
-{
-    explicit BaseSinNada(Motor motor)
-    {
-        if (motor == Motor::PostgreSQL)
-            pg = std::make_unique<BaseDePrueba>(motor, BaseDePrueba::Contenido::Vacia);
-        direccion = pg ? pg->direccion() : carpeta.filePath(QStringLiteral("nueva.sqlite"));
-    }
-    QTemporaryDir carpeta;
-    std::unique_ptr<BaseDePrueba> pg;
-    QString direccion;
-};
-
-QString ModoDiario(const QString &archivo)
-{
-    auto c = ConexionQt::Abrir(DireccionBD::Leer(archivo));
-    return valor(*c, QStringLiteral("PRAGMA journal_mode")).toString().toLower();
-}
-
-QByteArray Bytes(const QString &archivo)
-{
-    QFile f(archivo);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray("(no se pudo leer)");
-}
-
 class Multiusuario : public ::testing::TestWithParam<Motor>
 {
 };
@@ -138,35 +92,33 @@ TEST_P(Multiusuario, InicializarCreaLaBaseUnaSolaVez)
 {
     for (const bool conDemo : {true, false}) {
         SCOPED_TRACE(conDemo ? "con demo" : "sin demo");
-        BaseSinNada nueva(GetParam());
-        const Inicializacion r = InicializarBase(nueva.direccion, conDemo, BaseDePrueba::Hoy());
+        BaseDePrueba nueva(GetParam(), BaseDePrueba::Contenido::Vacia);
+        const Inicializacion r = InicializarBase(nueva.direccion(), conDemo, BaseDePrueba::Hoy());
         ASSERT_EQ(r.resultado, Inicializacion::Resultado::Creada) << r.informe.toStdString();
         EXPECT_FALSE(r.informe.contains(QLatin1Char('\n')));
 
-        auto c = AbrirBaseDelPrograma(nueva.direccion);
+        auto c = AbrirBaseDelPrograma(nueva.direccion());
         EXPECT_FALSE(c->soloLectura());
         const auto contenido = Contenido(*c);
         for (const QString &t : TablasEsquema())
             EXPECT_TRUE(contenido.contains(t.toLower())) << t.toStdString();
         EXPECT_EQ(contenido.value(QStringLiteral("cceempresas")), 1);
-        EXPECT_EQ(valor(*c, QStringLiteral("Select PerLetras From segPermisos Where PerUsuario = 1")).toString(), QStringLiteral("AMEQ"));
+        EXPECT_EQ(valor(*c, QStringLiteral("Select Count(*) From segPermisos Where PerUsuario = 1 And PerLetras = 'AMEQ' And PerAutoriza = 1")).toInt(), 1);
+        EXPECT_EQ(valor(*c, QStringLiteral("Select Count(*) From genParametros Where ParNombre = 'sis_Multiusuario' And ParValor = 1")).toInt(), 1);
         EXPECT_GT(valor(*c, QStringLiteral("Select Count(*) From genMonedas m Join cceEmpresas e On e.EmpMonedaContabilidad = m.MonID"))
                       .toInt(), 0);
-        QList<int> sistema;
-        for (auto rs = c->Abrir(QStringLiteral("Select LibCodigo From genLibros Where LibDelSistema = 1 Order By LibCodigo"));
-             !rs->Fin(); rs->MoverSiguiente())
-            sistema << int(rs->Entero(QStringLiteral("LibCodigo")));
-        EXPECT_EQ(sistema, (QList<int>{Demo::kLibroResumen, Demo::kLibroApertura, Demo::kLibroCierre, Demo::kLibroADC,
-                                       Demo::kLibroPrimeraApertura}));
-        if (conDemo) {
-            EXPECT_GT(contenido.value(QStringLiteral("cceasientos")), 0);
-            EXPECT_TRUE(r.informe.contains(QString::number(contenido.value(QStringLiteral("cceasientos"))))) << r.informe.toStdString();
-        } else {
-            EXPECT_EQ(contenido.value(QStringLiteral("cceasientos")), 0);
+        QStringList sistema;
+        for (int libro : {Demo::kLibroResumen, Demo::kLibroApertura, Demo::kLibroCierre, Demo::kLibroADC, Demo::kLibroPrimeraApertura})
+            sistema << QString::number(libro);
+        EXPECT_EQ(Columna(*c, QStringLiteral("Select LibCodigo From genLibros Where LibDelSistema = 1 Order By LibCodigo")), sistema);
+        const qint64 asientos = contenido.value(QStringLiteral("cceasientos"));
+        EXPECT_EQ(asientos > 0, conDemo);
+        if (conDemo)
+            EXPECT_TRUE(r.informe.contains(QString::number(asientos))) << r.informe.toStdString();
+        else
             EXPECT_EQ(contenido.value(QStringLiteral("ccecuentas")), 0);
-        }
 
-        const Inicializacion otra = InicializarBase(nueva.direccion, !conDemo, BaseDePrueba::Hoy());
+        const Inicializacion otra = InicializarBase(nueva.direccion(), !conDemo, BaseDePrueba::Hoy());
         EXPECT_EQ(otra.resultado, Inicializacion::Resultado::YaExistia) << otra.informe.toStdString();
         EXPECT_EQ(Contenido(*c), contenido);
     }
@@ -217,29 +169,34 @@ TEST_P(Multiusuario, BaseVaciaOAjenaSeRechazaSinTocarla)
 // nothing yet, is left byte for byte as it was; the program's own goes to WAL when opened.
 TEST(MultiusuarioSQLite, SoloLaBaseDelProgramaPasaAWal)
 {
+    auto modo = [](const QString &archivo) {
+        return valor(*ConexionQt::Abrir(DireccionBD::Leer(archivo)), QStringLiteral("PRAGMA journal_mode")).toString().toLower();
+    };
+    auto bytes = [](const QString &archivo) {
+        QFile f(archivo);
+        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray("(no se pudo leer)");
+    };
     QTemporaryDir carpeta;
     const QString ajeno = carpeta.filePath(QStringLiteral("ajeno.sqlite"));
-    {
-        auto c = ConexionQt::Abrir(DireccionBD::Leer(ajeno), true);
-        c->Ejecutar(QStringLiteral("Create Table clientes (id Integer Primary Key, nombre Text)"));
-        c->Ejecutar(QStringLiteral("Insert Into clientes (nombre) Values ('Ana')"));
-    }
+    ConexionQt::Abrir(DireccionBD::Leer(ajeno), true)->Ejecutar(QStringLiteral("Create Table clientes (id Integer Primary Key, nombre Text)"));
     BaseDePrueba vacia(Motor::SQLite, BaseDePrueba::Contenido::Vacia);
     for (const QString &archivo : {ajeno, vacia.direccion()}) {
-        const QByteArray antes = Bytes(archivo);
+        const QByteArray antes = bytes(archivo);
         EXPECT_THROW(AbrirBaseDelPrograma(archivo), ErrorBaseDatos);
-        EXPECT_EQ(Bytes(archivo), antes) << archivo.toStdString();
+        EXPECT_EQ(bytes(archivo), antes) << archivo.toStdString();
         EXPECT_FALSE(QFile::exists(archivo + QStringLiteral("-wal")));
-        EXPECT_NE(ModoDiario(archivo), QStringLiteral("wal"));
+        EXPECT_NE(modo(archivo), QStringLiteral("wal"));
     }
 
     const QString propia = carpeta.filePath(QStringLiteral("propia.sqlite"));
     CrearBaseVacia(*ConexionQt::Abrir(DireccionBD::Leer(propia), true), BaseDePrueba::Hoy());
-    ASSERT_EQ(ModoDiario(propia), QStringLiteral("delete"));
+    ASSERT_EQ(modo(propia), QStringLiteral("delete"));
     auto c = AbrirBaseDelPrograma(propia);
-    EXPECT_EQ(ModoDiario(propia), QStringLiteral("wal"));
+    EXPECT_EQ(modo(propia), QStringLiteral("wal"));
 }
 
+// Each write adds exactly one history row, for this entry, by the user set, of its kind, and
+// starting where the last one left it; a write refused for a stale stamp adds none.
 TEST_P(Multiusuario, CadaEscrituraDejaUnaFilaDeHistorial)
 {
     BaseDePrueba base(GetParam(), BaseDePrueba::Contenido::Esquema);
@@ -247,37 +204,18 @@ TEST_P(Multiusuario, CadaEscrituraDejaUnaFilaDeHistorial)
     c.Ejecutar(QStringLiteral("Insert Into segUsuarios (UsuID, UsuNombre) Values (4, 'Contadora')"));
     AsientoDatos a(c);
     a.FijarUsuario(Demo::kUsuarioContador);
-    qint32 id = 0;
-    // Each write adds exactly one row, for this entry, by the user set, of the kind given.
-    auto unaFilaMas = [&](const char *operacion, qint64 antes) {
-        SCOPED_TRACE(operacion);
-        EXPECT_EQ(filasHistorial(c, id), antes + 1);
-        auto rs = c.Abrir(QStringLiteral("Select * From cceAsientosHistorial Where HisAsiento = ? Order By HisID Desc"), {id});
-        ASSERT_FALSE(rs->Fin());
-        EXPECT_EQ(rs->Texto(QStringLiteral("HisOperacion")), QLatin1String(operacion));
-        EXPECT_EQ(rs->Entero(QStringLiteral("HisUsuario")), Demo::kUsuarioContador);
-        EXPECT_EQ(rs->Entero(QStringLiteral("HisEmpresa")), Demo::kEmpresa);
-        EXPECT_EQ(rs->EsNulo(QStringLiteral("HisAntes")), operacion == HistorialAsiento::kAlta);
-        EXPECT_EQ(rs->EsNulo(QStringLiteral("HisDespues")), operacion == HistorialAsiento::kEliminacion);
-    };
-
-    id = Nuevo(a, QStringLiteral("Compra de útiles"), 300);
+    const qint32 id = Nuevo(a, QStringLiteral("Compra de útiles"), 300);
     ASSERT_GT(id, 0);
-    unaFilaMas(HistorialAsiento::kAlta, 0);
     AsientoDatos viejo(c);
     ASSERT_TRUE(viejo.CargarAsiento(id));
 
     a.Lineas() = {linea(22, true, 450.25), linea(11, false, 450.25)};
     ASSERT_GT(a.GrabarTodo(), 0);
-    unaFilaMas(HistorialAsiento::kCambio, 1);
     a.Cabezal().Estado = 0;
     ASSERT_TRUE(a.Grabar());
-    unaFilaMas(HistorialAsiento::kEstado, 2);
     a.Cabezal().Leyenda = QStringLiteral("Compra corregida");
     ASSERT_TRUE(a.Grabar());
-    unaFilaMas(HistorialAsiento::kCambio, 3);
 
-    // Writes refused for a stale stamp leave no row.
     viejo.Cabezal().Leyenda = QStringLiteral("no debe quedar");
     EXPECT_FALSE(viejo.Grabar());
     EXPECT_EQ(viejo.GrabarTodo(), 0);
@@ -286,178 +224,117 @@ TEST_P(Multiusuario, CadaEscrituraDejaUnaFilaDeHistorial)
     EXPECT_EQ(filasHistorial(c, id), 4);
 
     EXPECT_EQ(a.EnviarPapelera(id, 1, a.Cabezal().FechaModificado), QString::number(id));
-    unaFilaMas(HistorialAsiento::kPapelera, 4);
     EXPECT_FALSE(viejo.EliminarDefinitivo(id, viejo.Cabezal().FechaModificado));
     ASSERT_TRUE(a.EliminarDefinitivo(id, a.Cabezal().FechaModificado));
-    unaFilaMas(HistorialAsiento::kEliminacion, 5);
 
     const QList<HistorialAsiento::Fila> filas = HistorialAsiento::Leer(c, id);
-    ASSERT_EQ(filas.size(), 6);
-    QStringList operaciones;
+    const QStringList operaciones{HistorialAsiento::kAlta,   HistorialAsiento::kCambio,   HistorialAsiento::kEstado,
+                                  HistorialAsiento::kCambio, HistorialAsiento::kPapelera, HistorialAsiento::kEliminacion};
+    ASSERT_EQ(filas.size(), operaciones.size());
     for (int i = 0; i < filas.size(); ++i) {
-        operaciones << filas[i].operacion;
+        SCOPED_TRACE(i);
+        EXPECT_EQ(filas[i].operacion, operaciones[i]);
+        EXPECT_EQ(filas[i].usuario, Demo::kUsuarioContador);
         EXPECT_EQ(filas[i].nombreUsuario, QStringLiteral("Contadora"));
+        EXPECT_EQ(filas[i].antes.isEmpty(), i == 0);
+        EXPECT_EQ(filas[i].despues.isEmpty(), i == 5);
         if (i > 0) {
-            EXPECT_EQ(filas[i].antes, filas[i - 1].despues) << "fila " << i; // each write starts where the last one left it
+            EXPECT_EQ(filas[i].antes, filas[i - 1].despues);
             EXPECT_GE(filas[i].momento, filas[i - 1].momento);
         }
     }
-    EXPECT_EQ(operaciones, (QStringList{QStringLiteral("alta"), QStringLiteral("cambio"), QStringLiteral("estado"),
-                                        QStringLiteral("cambio"), QStringLiteral("papelera"), QStringLiteral("eliminacion")}));
-    auto importe = [](const QJsonObject &o, int i, const char *lado) {
-        return o.value(QStringLiteral("Lineas")).toArray().at(i).toObject().value(QLatin1String(lado)).toDouble();
-    };
-    EXPECT_EQ(filas[0].despues.value(QStringLiteral("Leyenda")).toString(), QStringLiteral("Compra de útiles"));
-    EXPECT_EQ(importe(filas[0].despues, 0, "Debe"), 300);
-    EXPECT_EQ(importe(filas[1].antes, 1, "Haber"), 300);
-    EXPECT_EQ(importe(filas[1].despues, 0, "Debe"), 450.25);
-    EXPECT_EQ(importe(filas[1].despues, 1, "Haber"), 450.25);
-    EXPECT_EQ(filas[2].antes.value(QStringLiteral("Estado")).toInt(), 1);
+    EXPECT_EQ(valor(c, QStringLiteral("Select Count(*) From cceAsientosHistorial Where HisEmpresa Is Null Or HisEmpresa <> ?"), {Demo::kEmpresa}).toInt(), 0);
+    auto debe = [](const QJsonObject &o) { return o.value(QStringLiteral("Lineas")).toArray().at(0).toObject().value(QStringLiteral("Debe")).toDouble(); };
+    EXPECT_EQ(debe(filas[0].despues), 300);
+    EXPECT_EQ(debe(filas[1].despues), 450.25);
     EXPECT_EQ(filas[2].despues.value(QStringLiteral("Estado")).toInt(), 0);
-    EXPECT_EQ(filas[3].despues.value(QStringLiteral("Leyenda")).toString(), QStringLiteral("Compra corregida"));
     EXPECT_EQ(filas[4].despues.value(QStringLiteral("Estado")).toInt(), 9);
-    EXPECT_EQ(filas[5].antes.value(QStringLiteral("Leyenda")).toString(), QStringLiteral("Compra corregida"));
-    EXPECT_TRUE(filas[5].despues.isEmpty());
 }
 
-// Two sessions, each in its own thread, load the same entry and save it at the same moment,
-// over and over: every time exactly one wins, the other is refused, and nothing is lost.
-TEST_P(Multiusuario, CarreraDeDosSesionesUnSoloGanador)
+// Two sessions, each in its own thread, race over and over: both save an entry they loaded,
+// at the same moment, then both make the company's opening-balance entry. Each time exactly
+// one wins and the other is refused (on SQLite it may find the file busy instead): the
+// winner's write is the one stored, with its history row, and the company never has two
+// opening entries.
+TEST_P(Multiusuario, CarrerasDeDosSesionesUnSoloGanador)
 {
     constexpr int kVueltas = 40;
-    BaseDePrueba base(GetParam(), BaseDePrueba::Contenido::Esquema);
-    qint32 id = 0;
-    {
-        AsientoDatos a(base.conexion());
-        id = Nuevo(a, QStringLiteral("inicial"), 10);
-    }
-    ASSERT_GT(id, 0);
-    const qint64 historialInicial = filasHistorial(base.conexion(), id);
-
-    struct Vuelta
-    {
-        qint32 id[2] = {};
-        Resultado resultado[2] = {};
-        std::optional<Causa> causa[2];
-        QString leyendaGuardada, ultimaLeyendaHistorial;
-        qint64 historial = 0, ultimoUsuario = 0;
-    };
-    std::vector<Vuelta> vueltas(kVueltas);
-    std::barrier paso(2);
-    const QString direccion = base.direccion();
-    auto leyendaDe = [](int lado, int vuelta) { return QStringLiteral("lado %1 vuelta %2").arg(lado).arg(vuelta); };
-    auto usuarioDe = [](int lado) { return qint16(lado == 0 ? Demo::kUsuarioAdministrador : Demo::kUsuarioContador); };
-
-    const QString fallo = EnDosHilos(paso, [&](int lado) {
-        auto c = AbrirBaseDelPrograma(direccion);
-        Espia espia(*c);
-        AsientoDatos a(espia);
-        a.FijarUsuario(usuarioDe(lado));
-        for (int v = 0; v < kVueltas; ++v) {
-            Vuelta &t = vueltas[v];
-            if (!a.CargarAsiento(id))
-                throw std::runtime_error(a.ultimoError().toStdString());
-            paso.arrive_and_wait();
-            a.Cabezal().Leyenda = leyendaDe(lado, v);
-            espia.causa.reset();
-            t.id[lado] = a.GrabarTodo();
-            t.resultado[lado] = a.ultimoResultado();
-            t.causa[lado] = espia.causa;
-            paso.arrive_and_wait();
-            if (lado == 0) {
-                t.leyendaGuardada = valor(*c, QStringLiteral("Select AsiLeyenda From cceAsientos Where AsiID = ?"), {id}).toString();
-                t.historial = filasHistorial(*c, id);
-                const auto ultimo = HistorialAsiento::Leer(*c, id).last();
-                t.ultimoUsuario = ultimo.usuario;
-                t.ultimaLeyendaHistorial = ultimo.despues.value(QStringLiteral("Leyenda")).toString();
-            }
-        }
-    });
-    ASSERT_TRUE(fallo.isEmpty()) << fallo.toStdString();
-
-    int ganadores = 0, rechazos = 0, ocupadas = 0, otros = 0, perdidas = 0;
-    for (int v = 0; v < kVueltas; ++v) {
-        const Vuelta &t = vueltas[v];
-        int ganaron = 0, ganador = -1;
-        for (int lado : {0, 1}) {
-            if (t.id[lado] == id && t.resultado[lado] == Resultado::Bien) {
-                ++ganaron;
-                ganador = lado;
-            } else if (t.resultado[lado] == Resultado::Modificado) {
-                ++rechazos;
-            } else if (GetParam() == Motor::SQLite && t.causa[lado] == Causa::Ocupada) {
-                ++ocupadas;
-            } else {
-                ++otros;
-            }
-        }
-        ganadores += ganaron;
-        SCOPED_TRACE(v);
-        EXPECT_EQ(ganaron, 1);
-        if (ganaron != 1 || t.leyendaGuardada != leyendaDe(ganador, v) || t.historial != historialInicial + v + 1
-            || t.ultimaLeyendaHistorial != t.leyendaGuardada || t.ultimoUsuario != usuarioDe(ganador))
-            ++perdidas;
-    }
-    std::cout << "[ carrera  ] " << NombreMotor(GetParam()).toStdString() << ": vueltas " << kVueltas << ", ganadores " << ganadores
-              << ", rechazos " << rechazos << ", ocupadas " << ocupadas << ", otros errores " << otros << ", perdidas " << perdidas
-              << std::endl;
-    EXPECT_EQ(ganadores, kVueltas);
-    EXPECT_EQ(rechazos + ocupadas, kVueltas);
-    EXPECT_EQ(otros, 0);
-    EXPECT_EQ(perdidas, 0);
-    EXPECT_EQ(filasHistorial(base.conexion(), id), historialInicial + kVueltas);
-}
-
-// Two sessions make the company's opening-balance entry at the same moment, over and over:
-// each time one of them is stored and the other is refused, so the company never has two.
-TEST_P(Multiusuario, DosSesionesNuncaHacenDosAsientosDeApertura)
-{
-    constexpr int kVueltas = 20;
-    constexpr qint16 kLibroApertura = 97;
+    const qint16 usuarios[] = {Demo::kUsuarioAdministrador, Demo::kUsuarioContador};
     BaseDePrueba base(GetParam(), BaseDePrueba::Contenido::Esquema);
     base.conexion().Ejecutar(QStringLiteral("Insert Into genParametros (ParNombre, ParValor) Values ('sis_LibroAsientoPrimeraApertura', 97)"));
     base.conexion().Ejecutar(QStringLiteral("Insert Into cceEmpresas (EmpID, EmpNombre, EmpMonedaContabilidad) Values (?, 'Prueba', 1)"),
                              {Demo::kEmpresa});
-    std::vector<std::array<Resultado, 2>> resultados(kVueltas);
-    std::vector<std::array<std::optional<Causa>, 2>> causas(kVueltas);
-    std::vector<int> vivos(kVueltas);
+    AsientoDatos inicial(base.conexion());
+    const qint32 id = Nuevo(inicial, QStringLiteral("inicial"), 10);
+    ASSERT_GT(id, 0);
+    struct Intento
+    {
+        bool gano = false;
+        Resultado resultado = Resultado::Bien;
+        std::optional<Causa> causa;
+    };
+    struct Vuelta
+    {
+        Intento cambio[2], apertura[2];
+        QString leyenda;
+        qint64 historial = 0;
+        HistorialAsiento::Fila ultima;
+        int aperturas = 0;
+    };
+    std::vector<Vuelta> vueltas(kVueltas);
+    auto leyendaDe = [](int lado, int vuelta) { return QStringLiteral("lado %1 vuelta %2").arg(lado).arg(vuelta); };
     std::barrier paso(2);
     const QString direccion = base.direccion();
     const QString fallo = EnDosHilos(paso, [&](int lado) {
         auto c = AbrirBaseDelPrograma(direccion);
         Espia espia(*c);
+        auto anotar = [&](Intento &i, qint32 grabado, const AsientoDatos &d) {
+            i = {grabado > 0 && d.ultimoResultado() == Resultado::Bien, d.ultimoResultado(), espia.causa};
+        };
+        AsientoDatos a(espia);
+        a.FijarUsuario(usuarios[lado]);
         for (int v = 0; v < kVueltas; ++v) {
-            AsientoDatos a(espia);
-            a.Cabezal().Empresa = Demo::kEmpresa;
-            a.Cabezal().Estado = 1;
-            a.Cabezal().Fecha = QDate(2026, 1, 1);
-            a.Cabezal().Leyenda = QStringLiteral("Saldos iniciales %1").arg(lado);
-            a.Cabezal().Libro = kLibroApertura;
-            a.Lineas() = {linea(22, true, 100 + v), linea(11, false, 100 + v)};
+            Vuelta &t = vueltas[v];
+            if (!a.CargarAsiento(id))
+                throw std::runtime_error(a.ultimoError().toStdString());
+            a.Cabezal().Leyenda = leyendaDe(lado, v);
             paso.arrive_and_wait();
             espia.causa.reset();
-            a.GrabarTodo();
-            resultados[v][lado] = a.ultimoResultado();
-            causas[v][lado] = espia.causa;
+            anotar(t.cambio[lado], a.GrabarTodo(), a);
+            AsientoDatos apertura(espia);
+            paso.arrive_and_wait();
+            espia.causa.reset();
+            anotar(t.apertura[lado], Nuevo(apertura, QStringLiteral("Saldos iniciales %1").arg(lado), 100 + v, 97), apertura);
             paso.arrive_and_wait();
             if (lado == 0) {
-                vivos[v] = valor(*c, QStringLiteral("Select Count(*) From cceAsientos Where AsiTipo = 97 And AsiEstado <> 9")).toInt();
+                t.leyenda = valor(*c, QStringLiteral("Select AsiLeyenda From cceAsientos Where AsiID = ?"), {id}).toString();
+                t.historial = filasHistorial(*c, id);
+                t.ultima = HistorialAsiento::Leer(*c, id).last();
+                t.aperturas = valor(*c, QStringLiteral("Select Count(*) From cceAsientos Where AsiTipo = 97 And AsiEstado <> 9")).toInt();
                 c->Ejecutar(QStringLiteral("Update cceAsientos Set AsiEstado = 9 Where AsiTipo = 97"));
             }
             paso.arrive_and_wait();
         }
     });
     ASSERT_TRUE(fallo.isEmpty()) << fallo.toStdString();
+    // Which side won; the other was refused as said, or found the file busy.
+    auto ganador = [&](const Intento (&intentos)[2], Resultado rechazo) {
+        EXPECT_NE(intentos[0].gano, intentos[1].gano) << "ganaron ambos o ninguno";
+        for (const Intento &i : intentos)
+            if (!i.gano)
+                EXPECT_TRUE(i.resultado == rechazo || (GetParam() == Motor::SQLite && i.causa == Causa::Ocupada)) << int(i.resultado);
+        return intentos[0].gano ? 0 : 1;
+    };
     for (int v = 0; v < kVueltas; ++v) {
         SCOPED_TRACE(v);
-        EXPECT_EQ(vivos[v], 1);
-        const int ganaron = (resultados[v][0] == Resultado::Bien) + (resultados[v][1] == Resultado::Bien);
-        EXPECT_EQ(ganaron, 1);
-        for (int lado : {0, 1}) {
-            if (resultados[v][lado] != Resultado::Bien)
-                EXPECT_TRUE(resultados[v][lado] == Resultado::AperturaDuplicada
-                            || (GetParam() == Motor::SQLite && causas[v][lado] == Causa::Ocupada));
-        }
+        const Vuelta &t = vueltas[v];
+        const int lado = ganador(t.cambio, Resultado::Modificado);
+        EXPECT_EQ(t.leyenda, leyendaDe(lado, v));
+        EXPECT_EQ(t.historial, v + 2);
+        EXPECT_EQ(t.ultima.usuario, usuarios[lado]);
+        EXPECT_EQ(t.ultima.despues.value(QStringLiteral("Leyenda")).toString(), t.leyenda);
+        ganador(t.apertura, Resultado::AperturaDuplicada);
+        EXPECT_EQ(t.aperturas, 1);
     }
 }
 
@@ -467,18 +344,13 @@ TEST_P(Multiusuario, DosSesionesNuncaHacenDosAsientosDeApertura)
 TEST_P(Multiusuario, EscrituraTrabadaEsperaYNoEscribeNada)
 {
     BaseDePrueba base(GetParam(), BaseDePrueba::Contenido::Esquema);
-    qint32 id = 0;
-    {
-        AsientoDatos a(base.conexion());
-        id = Nuevo(a, QStringLiteral("original"), 10);
-    }
+    AsientoDatos a(base.conexion());
+    const qint32 id = Nuevo(a, QStringLiteral("original"), 10);
     constexpr int kEspera = 400;
     auto uno = AbrirBaseDelPrograma(base.direccion());
     auto dos = AbrirBaseDelPrograma(base.direccion(), kEspera);
     Espia espia(*dos);
     AsientoDatos b(espia);
-    ASSERT_TRUE(b.CargarAsiento(id));
-
     uno->Comenzar();
     if (GetParam() == Motor::SQLite)
         uno->Ejecutar(QStringLiteral("Update cceAsientos Set AsiEstado = 1 Where AsiID = ?"), {id});
@@ -492,14 +364,12 @@ TEST_P(Multiusuario, EscrituraTrabadaEsperaYNoEscribeNada)
     const qint64 esperado = reloj.elapsed();
     uno->Deshacer();
 
-    std::cout << "[ espera   ] " << NombreMotor(GetParam()).toStdString() << ": " << esperado << " ms" << std::endl;
     EXPECT_GE(esperado, kEspera - 50);
     EXPECT_LE(esperado, kEspera + 2000);
     EXPECT_EQ(b.ultimoResultado(), Resultado::ErrorBase);
     EXPECT_EQ(espia.causa, Causa::Ocupada);
     EXPECT_TRUE(b.ultimoError().contains(QStringLiteral("ocupada por otro usuario: se esperó 0,4 segundos"))) << b.ultimoError().toStdString();
-    EXPECT_FALSE(b.ultimoError().contains(QStringLiteral("locked"), Qt::CaseInsensitive));
-    EXPECT_FALSE(b.ultimoError().contains(QStringLiteral("lock timeout"), Qt::CaseInsensitive));
+    EXPECT_FALSE(b.ultimoError().contains(QStringLiteral("lock"), Qt::CaseInsensitive)) << b.ultimoError().toStdString();
     EXPECT_EQ(valor(*uno, QStringLiteral("Select AsiLeyenda From cceAsientos Where AsiID = ?"), {id}).toString(), QStringLiteral("original"));
     EXPECT_EQ(filasHistorial(*uno, id), 1);
 
@@ -518,6 +388,11 @@ protected:
             GTEST_SKIP() << "sin servidor PostgreSQL de prueba (ASIENTOS_TEST_PG)";
         base = std::make_unique<BaseDePrueba>(Motor::PostgreSQL, BaseDePrueba::Contenido::Esquema);
     }
+    qint64 sesion(Conexion &c) { return valor(c, QStringLiteral("Select pg_backend_pid()")).toLongLong(); }
+    void cortar(qint64 pid)
+    {
+        ASSERT_TRUE(valor(base->conexion(), QStringLiteral("Select pg_terminate_backend(%1, 3000)").arg(pid)).toBool());
+    }
     std::unique_ptr<BaseDePrueba> base;
 };
 
@@ -526,19 +401,14 @@ protected:
 TEST_F(MultiusuarioPostgreSQL, SesionPerdidaSeRestablece)
 {
     auto c = AbrirBaseDelPrograma(base->direccion());
-    auto sesion = [&] { return valor(*c, QStringLiteral("Select pg_backend_pid()")).toLongLong(); };
-    auto cortar = [&](qint64 pid) {
-        ASSERT_TRUE(valor(base->conexion(), QStringLiteral("Select pg_terminate_backend(%1, 3000)").arg(pid)).toBool());
-    };
-    auto libros = [&] { return valor(base->conexion(), QStringLiteral("Select Count(*) From genLibros")).toInt(); };
-
-    const qint64 primera = sesion();
+    auto libros = [&] { return base->Valor(QStringLiteral("Select Count(*) From genLibros")).toInt(); };
+    const qint64 primera = sesion(*c);
     cortar(primera);
     EXPECT_EQ(valor(*c, QStringLiteral("Select Count(*) From cceAsientos")).toInt(), 0);
-    EXPECT_NE(sesion(), primera);
+    EXPECT_NE(sesion(*c), primera);
     EXPECT_EQ(valor(*c, QStringLiteral("Show lock_timeout")).toString(), QStringLiteral("5s"));
 
-    cortar(sesion());
+    cortar(sesion(*c));
     const QString alta = QStringLiteral("Insert Into genLibros (LibCodigo, LibNombre) Values (7, 'Siete')");
     try {
         c->Ejecutar(alta);
@@ -557,37 +427,32 @@ TEST_F(MultiusuarioPostgreSQL, SesionPerdidaSeRestablece)
     const qint32 id = Nuevo(a, QStringLiteral("antes del corte"), 10);
     ASSERT_GT(id, 0);
     a.Cabezal().Leyenda = QStringLiteral("durante el corte");
-    const qint64 pid = sesion();
+    const qint64 pid = sesion(*c);
     espia.antesDeEscribir = [&] { cortar(pid); };
     EXPECT_EQ(a.GrabarTodo(), 0);
     EXPECT_EQ(espia.causa, Causa::ConexionPerdida);
     EXPECT_TRUE(a.ultimoError().contains(QStringLiteral("no se grabó"))) << a.ultimoError().toStdString();
-    EXPECT_EQ(valor(base->conexion(), QStringLiteral("Select AsiLeyenda From cceAsientos Where AsiID = ?"), {id}).toString(),
-              QStringLiteral("antes del corte"));
+    EXPECT_EQ(base->Valor(QStringLiteral("Select AsiLeyenda From cceAsientos Where AsiID = ?"), {id}).toString(), QStringLiteral("antes del corte"));
     EXPECT_EQ(filasHistorial(base->conexion(), id), 1);
     EXPECT_EQ(a.GrabarTodo(), id) << a.ultimoError().toStdString();
     EXPECT_EQ(filasHistorial(base->conexion(), id), 2);
 }
 
 // Notices reach the other sessions with "entry|company|user"; a refused write sends none, a
-// session is not told of its own writes, and a session that reconnected still hears each once.
+// session is not told of its own writes, nor of another schema's (whose entries are numbered
+// from 1 too), and a session that reconnected still hears each once.
 TEST_F(MultiusuarioPostgreSQL, AvisosDeEscriturasDeOtrasSesiones)
 {
     auto uno = AbrirBaseDelPrograma(base->direccion());
     auto dos = AbrirBaseDelPrograma(base->direccion());
     QStringList recibidos;
     ASSERT_TRUE(dos->Escuchar(QString::fromLatin1(HistorialAsiento::kCanal), [&](const QString &carga) { recibidos << carga; }));
+    auto esperar = [&](int cuantos) { return QTest::qWaitFor([&] { return recibidos.size() >= cuantos; }, 2000); };
 
-    // Books in another schema of the same database (as every test here keeps its own) are not
-    // heard: their entries are numbered from 1 too.
     BaseDePrueba vecina(Motor::PostgreSQL, BaseDePrueba::Contenido::Demo);
     auto deLaVecina = AbrirBaseDelPrograma(vecina.direccion());
     AsientoDatos ajeno(*deLaVecina);
-    ajeno.FijarUsuario(Demo::kUsuarioAdministrador);
     ASSERT_GT(Nuevo(ajeno, QStringLiteral("en otro esquema"), 7), 0);
-    auto esperar = [&](int cuantos) {
-        QTest::qWaitFor([&] { return recibidos.size() >= cuantos; }, 2000);
-    };
 
     AsientoDatos a(*uno);
     a.FijarUsuario(Demo::kUsuarioContador);
@@ -597,10 +462,8 @@ TEST_F(MultiusuarioPostgreSQL, AvisosDeEscriturasDeOtrasSesiones)
     EXPECT_EQ(recibidos, QStringList{QStringLiteral("%1|1|4").arg(id)});
 
     AsientoDatos viejo(*uno);
-    viejo.FijarUsuario(Demo::kUsuarioConsulta);
     ASSERT_TRUE(viejo.CargarAsiento(id));
     AsientoDatos propio(*dos);
-    propio.FijarUsuario(Demo::kUsuarioAdministrador);
     ASSERT_TRUE(propio.CargarAsiento(id));
     propio.Cabezal().Leyenda = QStringLiteral("de la sesión que escucha");
     ASSERT_EQ(propio.GrabarTodo(), id);
@@ -615,8 +478,7 @@ TEST_F(MultiusuarioPostgreSQL, AvisosDeEscriturasDeOtrasSesiones)
     esperar(2);
     EXPECT_EQ(recibidos, (QStringList{QStringLiteral("%1|1|4").arg(id), QStringLiteral("%1|1|3").arg(otro)}));
 
-    const qint64 sesion = valor(*dos, QStringLiteral("Select pg_backend_pid()")).toLongLong();
-    ASSERT_TRUE(valor(base->conexion(), QStringLiteral("Select pg_terminate_backend(%1, 3000)").arg(sesion)).toBool());
+    cortar(sesion(*dos));
     EXPECT_EQ(valor(*dos, QStringLiteral("Select Count(*) From cceAsientos")).toInt(), 2); // reconnects
     const qint32 tercero = Nuevo(ultimo, QStringLiteral("tras reconectar"), 5);
     esperar(3);
@@ -628,10 +490,9 @@ TEST_F(MultiusuarioPostgreSQL, AvisosDeEscriturasDeOtrasSesiones)
 TEST(HistorialEnPalabras, DiferenciasLegibles)
 {
     auto linea = [](const char *codigo, bool debe, double importe) {
-        QJsonObject l{{QStringLiteral("Cuenta"), 7}, {QStringLiteral("Codigo"), QString::fromLatin1(codigo)},
-                      {QStringLiteral("Debe"), debe ? QJsonValue(importe) : QJsonValue()},
-                      {QStringLiteral("Haber"), debe ? QJsonValue() : QJsonValue(importe)}};
-        return l;
+        return QJsonObject{{QStringLiteral("Cuenta"), 7}, {QStringLiteral("Codigo"), QString::fromLatin1(codigo)},
+                           {QStringLiteral("Debe"), debe ? QJsonValue(importe) : QJsonValue()},
+                           {QStringLiteral("Haber"), debe ? QJsonValue() : QJsonValue(importe)}};
     };
     const QJsonObject antes{{QStringLiteral("Estado"), 0}, {QStringLiteral("Leyenda"), QStringLiteral("a")},
                             {QStringLiteral("Autoriza"), QJsonValue()},

@@ -1,0 +1,134 @@
+#pragma once
+
+// A document's entry commands without a window: the demo company, a grid holding only the
+// new-entry row, and a screen of plain values. The database is read back afterwards.
+#include "comun/basesprueba.h"
+#include "comun/datosdeprueba.h"
+#include "comun/mensajesguionados.h"
+
+#include "editing/comandosasiento.h"
+#include "entries/vistas.h"
+#include "store/basedemo.h"
+#include "store/valoressql.h"
+
+#include <gtest/gtest.h>
+
+// The header and the line typed are values the test sets; what the session shows is
+// recorded. Loading a row into the line editor puts that row's line in it, so accepting
+// without touching it hands the same line back.
+class VistaDePrueba final : public VistaEdicion
+{
+public:
+    int FilaActual() const override { return fila; }
+    void SeleccionarFila(int f) override { fila = f; }
+    void ActualizarContexto() override {}
+    void FijarLibros(const QList<std::pair<QString, qint16>> &) override {}
+    bool ConAutoriza() const override { return true; }
+    void AbrirCabezal(const ValoresCabezal &v) override { cabezal = v; }
+    ValoresCabezal LeerCabezal() override { return cabezal; }
+    void FijarFecha(const QDate &f) override
+    {
+        fechasFijadas << f;
+        cabezal.fecha = f; // the field shows it, as the real one does
+    }
+    void EnfocarFecha() override { ++enfoquesFecha; }
+    void CargarEditor(const QDate &, std::optional<std::pair<bool, Importe>> d, const std::optional<RegistroLinea> &l) override
+    {
+        diferencia = d;
+        debe = haber = std::nullopt;
+        if (l) {
+            const QDate cierre = QDate::fromString(l->dFechaCierre, Qt::ISODate);
+            (l->bEsAlDebe ? debe : haber) = ValorLinea{l->lCta, l->iPry, l->iDep, l->iMon, l->dImporte, l->dTCambio,
+                                                       l->dImporteMC, l->sTextDisplay, cierre.isValid() ? cierre : QDate(1901, 1, 1)};
+        }
+    }
+    std::optional<ValorLinea> LineaDelEditor(bool d) const override { return d ? debe : haber; }
+    void MostrarEditor(int f, bool) override { editores << f; }
+    void CerrarEdicion(int f) override { cerrada = f; }
+
+    int fila = 0;
+    ValoresCabezal cabezal;                // LeerCabezal answers it
+    std::optional<ValorLinea> debe, haber; // what LineaDelEditor answers
+    std::optional<std::pair<bool, Importe>> diferencia;
+    QList<int> editores;
+    QList<QDate> fechasFijadas;
+    int enfoquesFecha = 0;
+    int cerrada = -1;
+};
+
+class DocumentoSinVentana : public ::testing::TestWithParam<Motor>
+{
+protected:
+    DocumentoSinVentana()
+        : m_base(GetParam(), BaseDePrueba::Contenido::Demo)
+    {
+        PrepararDatosDocumento(m_datos, m_base.conexion(), m_mensajes);
+        m_ctx = {&m_datos.monedas(), m_datos.empresa.monedaContabilidad, m_datos.empresa.mostrarCodigoCta, m_datos.formatoFecha,
+                 m_datos.texto};
+        m_ctx.empresa = Demo::kEmpresa;
+        m_ctx.reloj = m_base.reloj();
+        m_ctx.delimitadorFecha = m_datos.parametros().delimitadorFecha;
+        m_ctx.patronFecha = m_datos.parametros().formatoFecha;
+        PrepararGrillaAsientos(m_grilla, QStringLiteral("<Cuenta|<|>Debe|>Haber|>T. Cambio|>Importe M/E"));
+        for (int c : {2, 3})
+            m_grilla.FijarFormatoColumna(c, m_datos.monedas().DatoMoneda(0, 4).toString());
+        m_asientos.FilaNuevoAsiento();
+    }
+
+    void ejecutar(const QString &sql, const QVariantList &valores = {}) { m_base.conexion().Ejecutar(sql, valores); }
+    int contar(const QString &sql, const QVariantList &valores = {}) { return m_base.Valor(sql, valores).toInt(); }
+    qint32 ultimoId() { return contar(QStringLiteral("Select Max(AsiID) From cceAsientos")); }
+    QList<qint32> ids(const QString &condicion)
+    {
+        QList<qint32> l;
+        for (auto rs = m_base.conexion().Abrir(QStringLiteral("Select AsiID From cceAsientos Where %1 Order By AsiID").arg(condicion));
+             !rs->Fin(); rs->MoverSiguiente())
+            l << qint32(rs->Entero(QStringLiteral("AsiID")));
+        return l;
+    }
+    // Puts a stored entry before the new-entry row and makes its header row current.
+    int cargar(qint32 id)
+    {
+        m_vista.fila = m_grilla.Filas() - 1;
+        EXPECT_FALSE(CargarAsientoEnGrilla(m_asientos, m_base.conexion(), id, m_vista.fila));
+        return m_vista.fila;
+    }
+    // A stored entry as text: "estado|fecha|leyenda|libro|autoriza", then its lines in their
+    // order as "código|D or H|importe|importe MC|orden|proyecto|departamento"; with conSello,
+    // the modification stamp last.
+    QStringList enBase(qint32 id, bool conSello = false)
+    {
+        auto rs = m_base.conexion().Abrir(QStringLiteral("Select * From cceAsientos Where AsiID = ?"), {id});
+        if (rs->Fin())
+            return {};
+        auto texto = [&](const char *campo) {
+            const QVariant v = rs->Campo(QString::fromLatin1(campo));
+            return v.isNull() ? QStringLiteral("null") : v.toString();
+        };
+        QStringList a{QStringList{texto("AsiEstado"), rs->Fecha(QStringLiteral("AsiFechaAsiento")).toString(Qt::ISODate),
+                                  texto("AsiLeyenda"), texto("AsiTipo"), texto("AsiUsuarioVerificador")}.join(u'|')};
+        const QString sello = rs->FechaHora(QStringLiteral("AsiFechaModificado")).toString(Qt::ISODateWithMs);
+        rs->Cerrar();
+        rs = m_base.conexion().Abrir(QStringLiteral("Select * From cceAsientoCuenta INNER JOIN cceCuentas ON CueID = ACuCuenta"
+                                                    " Where ACuIDAsiento = ? Order By ACuOrden, CueCodigo"), {id});
+        for (; !rs->Fin(); rs->MoverSiguiente()) {
+            const bool debe = rs->EsNulo(QStringLiteral("AcuHaber"));
+            a << QStringList{texto("CueCodigo"), debe ? QStringLiteral("D") : QStringLiteral("H"),
+                             NumeroSQL(rs->Numero(debe ? QStringLiteral("ACuDebe") : QStringLiteral("AcuHaber"))),
+                             NumeroSQL(rs->Numero(QStringLiteral("ACuImporteMC"))), texto("ACuOrden"), texto("ACuProyecto"),
+                             texto("ACuDepartamento")}.join(u'|');
+        }
+        return conSello ? a << sello : a;
+    }
+    // "estado|fecha|leyenda|libro" of a stored entry.
+    QString cabezal(qint32 id) { return enBase(id).value(0).section(u'|', 0, 3); }
+
+    BaseDePrueba m_base;
+    MensajesGuionados m_mensajes;
+    DatosDocumento m_datos;
+    ContextoAsientos m_ctx;
+    Grilla m_grilla;
+    AsientosGrilla m_asientos{m_grilla, m_ctx};
+    VistaDePrueba m_vista;
+    ComandosAsiento m_comandos{m_datos, m_asientos, m_vista};
+};
