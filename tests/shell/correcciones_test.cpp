@@ -139,6 +139,24 @@ TEST_P(Correcciones, UnNuevoLlevadoAUnDiaConUnaCuentaCerradaNoSeGraba)
     EXPECT_TRUE(ids(QStringLiteral("AsiLeyenda = 'Con cuenta cerrada'")).isEmpty());
 }
 
+// An account closed in the entry above, in the grid, does not keep this one from moving to
+// an earlier day: only the entry's own lines count.
+TEST_P(Correcciones, LaCuentaCerradaDelAsientoDeArribaNoTrabaLaFecha)
+{
+    m_base.conexion().Ejecutar(QStringLiteral("Update cceCuentas Set CueFechaCerrada = ? Where CueID = ?"),
+                               {Conexion::ValorFecha(BaseDePrueba::Hoy().addDays(-10)), cuenta("1.1.01")});
+    asiento({{"5.3.01", true, 70}, {"1.1.01", false, 70}});
+    const qint32 id = asiento({{"5.3.01", true, 80}, {"4.1.01", false, 80}});
+    abrir(filaDe(id));
+    ASSERT_GT(m_doc->FilaEdicion(), 0);
+    m_doc->campoFecha()->setDate(BaseDePrueba::Hoy().addDays(-20));
+    QTest::keyClick(m_doc->campoFecha(), Qt::Key_Tab);
+    m_doc->findChild<QComboBox *>(QStringLiteral("cfAutoriza"))->setCurrentIndex(0);
+    enter(editor()->campo(lumERAsiento::kImporte));
+    EXPECT_TRUE(m_mensajes.mostrados.isEmpty()) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
+    EXPECT_EQ(enBase(id).cabezal.value(1), BaseDePrueba::Hoy().addDays(-20).toString(Qt::ISODate));
+}
+
 INSTANCIAR_EN_MOTORES(Correcciones);
 
 } // namespace

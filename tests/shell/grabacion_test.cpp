@@ -129,6 +129,15 @@ TEST_P(Grabacion, BorradorConFechaFuturaSeAgenda)
     ASSERT_EQ(m_mensajes.mostrados.size(), 2);
     EXPECT_TRUE(m_mensajes.mostrados[0].contains(QStringLiteral("posterior a la de hoy")));
 
+    // A template that cannot be stored keeps the entry where it was.
+    m_base.conexion().Ejecutar(QStringLiteral("Alter Table genMovimientosFrecuentesLineas Rename To mflFuera"));
+    m_mensajes.Responder(ServicioMensajes::Respuesta::Si);
+    doc->grid()->FijarFilaActual(doc->FilaDeAsiento(id));
+    doc->comandos().RegistrarAsiento();
+    m_base.conexion().Ejecutar(QStringLiteral("Alter Table mflFuera Rename To genMovimientosFrecuentesLineas"));
+    EXPECT_EQ(estadoEnBase(id), 0);
+    EXPECT_TRUE(m_mensajes.mostrados.last().startsWith(Dicho("error", 1908))) << m_mensajes.mostrados.last().toStdString();
+
     m_mensajes.Responder(ServicioMensajes::Respuesta::Si);
     doc->grid()->FijarFilaActual(doc->FilaDeAsiento(id));
     doc->comandos().RegistrarAsiento();
