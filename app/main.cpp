@@ -2,7 +2,7 @@
 #include "ventanahost.h"
 
 #include "editing/sesion.h"
-#include "export/exportacionlinea.h"
+#include "exportacionlinea.h"
 #include "services/serviciopermisos.h"
 #include "services/servicioconexion.h"
 #include "shell/idioma.h"

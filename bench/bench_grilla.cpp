@@ -7,7 +7,7 @@
 #include "currency/catalogomonedas.h"
 #include "entries/asientosgrilla.h"
 #include "entries/vistas.h"
-#include "entries/vsgrid.h"
+#include "grid/vsgrid.h"
 #include "search/consultabusqueda.h"
 #include "store/conexionqt.h"
 #include "store/esquema.h"

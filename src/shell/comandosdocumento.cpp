@@ -19,7 +19,7 @@
 #include "frequent/registrofrecuentes.h"
 #include "search/busquedaasientos.h"
 #include "entries/vistas.h"
-#include "entries/vsgrid.h"
+#include "grid/vsgrid.h"
 #include "services/gestorlibros.h"
 
 #include <QAction>

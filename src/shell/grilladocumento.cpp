@@ -6,7 +6,7 @@
 #include "menusdocumento.h"
 #include "currency/catalogomonedas.h"
 #include "entries/vistas.h"
-#include "entries/vsgrid.h"
+#include "grid/vsgrid.h"
 #include "editing/asientoapertura.h"
 #include "editing/comandosasiento.h"
 #include "editing/sesionedicion.h"

@@ -14,7 +14,7 @@
 #include "editing/sesionedicion.h"
 #include "search/busquedaasientos.h"
 #include "entries/vistas.h"
-#include "entries/vsgrid.h"
+#include "grid/vsgrid.h"
 #include "lineeditor/contextodocumento.h"
 #include "lineeditor/lumerasiento.h"
 #include "services/serviciobusquedacuentas.h"

@@ -6,7 +6,7 @@
 #include "editing/sesionedicion.h"
 #include "entries/asientodatos.h"
 #include "entries/grilla.h"
-#include "entries/vsgrid.h"
+#include "grid/vsgrid.h"
 #include "lineeditor/campofecha.h"
 #include "lineeditor/lumerasiento.h"
 

@@ -7,7 +7,7 @@
 #include "pvprevia.h"
 #include "editing/sesion.h"
 #include "editing/sesionedicion.h"
-#include "entries/vsgrid.h"
+#include "grid/vsgrid.h"
 #include "export/exportacion.h"
 #include "export/impresiongrilla.h"
 #include "services/serviciomensajes.h"

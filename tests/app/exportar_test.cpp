@@ -2,6 +2,7 @@
 // compared with the database, and every bad request refused with a message and a status.
 #include "comun/archivosleidos.h"
 #include "comun/basesprueba.h"
+#include "exportacionlinea.h"
 #include "programa.h"
 
 #include <QDir>
@@ -168,3 +169,17 @@ TEST_P(ExportarDesdeLinea, PedidosMalosSeRechazanSinEscribir)
 INSTANCIAR_EN_MOTORES(ExportarDesdeLinea);
 
 } // namespace
+
+// A search by one date alone is a request; one whose end comes before its start is not.
+TEST(PedidoExportacion, FechasDeLaBusqueda)
+{
+    PedidoExportacion p;
+    p.archivo = QStringLiteral("x.csv");
+    p.hayCriterios = true;
+    for (const auto &[desde, hasta, valido] : {std::tuple{"2026-01-01", "", true}, std::tuple{"", "2026-01-01", true},
+                                              std::tuple{"2026-01-31", "2026-01-31", true}, std::tuple{"2026-02-01", "2026-01-31", false}}) {
+        p.criterios.prmFInit = QString::fromLatin1(desde);
+        p.criterios.prmFEnd = QString::fromLatin1(hasta);
+        EXPECT_EQ(p.Validar().isEmpty(), valido) << desde << " " << hasta;
+    }
+}

@@ -1,7 +1,7 @@
 #include "fixtureasientos.h"
 
 #include "comun/sinesperar.h"
-#include "entries/vsgrid.h"
+#include "grid/vsgrid.h"
 
 #include <QAbstractItemModelTester>
 #include <QCryptographicHash>

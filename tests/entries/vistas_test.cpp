@@ -1,7 +1,7 @@
 #include "fixtureasientos.h"
 
 #include "entries/vistas.h"
-#include "entries/vsgrid.h"
+#include "grid/vsgrid.h"
 #include "store/basedemo.h"
 
 #include <QSet>

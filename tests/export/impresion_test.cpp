@@ -5,7 +5,6 @@
 #include "entries/asientosgrilla.h"
 #include "entries/grilla.h"
 #include "export/escritores.h"
-#include "export/exportacionlinea.h"
 #include "export/impresiongrilla.h"
 #include "export/paginasgrilla.h"
 
@@ -187,20 +186,6 @@ TEST(PaginasGrilla, EncabezadoEnSusTresLugares)
     EXPECT_EQ(tinta(QStringLiteral("Asientos|Diario|Empresa")), QStringLiteral("xxx"));
     EXPECT_EQ(tinta(QStringLiteral("Asientos")), QStringLiteral("x--"));
     EXPECT_EQ(tinta(QStringLiteral("||Empresa | Sucursal")), QStringLiteral("--x"));
-}
-
-// A search by one date alone is a request; one whose end comes before its start is not.
-TEST(PedidoExportacion, FechasDeLaBusqueda)
-{
-    PedidoExportacion p;
-    p.archivo = QStringLiteral("x.csv");
-    p.hayCriterios = true;
-    for (const auto &[desde, hasta, valido] : {std::tuple{"2026-01-01", "", true}, std::tuple{"", "2026-01-01", true},
-                                              std::tuple{"2026-01-31", "2026-01-31", true}, std::tuple{"2026-02-01", "2026-01-31", false}}) {
-        p.criterios.prmFInit = QString::fromLatin1(desde);
-        p.criterios.prmFEnd = QString::fromLatin1(hasta);
-        EXPECT_EQ(p.Validar().isEmpty(), valido) << desde << " " << hasta;
-    }
 }
 
 TEST(Escritores, CamposCSVYFormatosDeLibro)

@@ -9,7 +9,7 @@
 #include "editing/sesionedicion.h"
 #include "entries/asientodatos.h"
 #include "entries/modeloasiento.h"
-#include "entries/vsgrid.h"
+#include "grid/vsgrid.h"
 #include "shell/lumingasiento.h"
 #include "shell/menusdocumento.h"
 #include "shell/idioma.h"

@@ -10,7 +10,7 @@
 #include "shell/idioma.h"
 #include "shell/lumingasiento.h"
 
-#include "entries/vsgrid.h"
+#include "grid/vsgrid.h"
 #include "lineeditor/campocalculadora.h"
 #include "lineeditor/campofecha.h"
 #include "lineeditor/lumerasiento.h"

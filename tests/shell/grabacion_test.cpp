@@ -7,7 +7,7 @@
 #include "editing/comandosasiento.h"
 #include "entries/asientodatos.h"
 #include "entries/vistas.h"
-#include "entries/vsgrid.h"
+#include "grid/vsgrid.h"
 #include "shell/idioma.h"
 #include "shell/lumingasiento.h"
 #include "store/basedemo.h"

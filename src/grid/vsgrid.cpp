@@ -1,6 +1,6 @@
 #include "vsgrid.h"
 
-#include "asientosgrilla.h"
+#include "entries/asientosgrilla.h"
 
 #include <QHeaderView>
 #include <QKeyEvent>

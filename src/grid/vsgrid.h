@@ -1,6 +1,6 @@
 #pragma once
 
-#include "grilla.h"
+#include "entries/grilla.h"
 
 #include <QAbstractTableModel>
 #include <QStyledItemDelegate>

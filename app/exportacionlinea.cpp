@@ -1,9 +1,9 @@
 #include "exportacionlinea.h"
 
-#include "exportacion.h"
-#include "fuentegrilla.h"
-#include "impresiongrilla.h"
-#include "paginasgrilla.h"
+#include "export/exportacion.h"
+#include "export/fuentegrilla.h"
+#include "export/impresiongrilla.h"
+#include "export/paginasgrilla.h"
 
 #include "currency/catalogomonedas.h"
 #include "editing/sesion.h"
