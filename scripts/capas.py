@@ -1,0 +1,39 @@
+#!/usr/bin/env python3
+"""Checks that each library under src/ includes only itself and the libraries it links,
+directly or through them, so a lower library never includes a higher one. Prints each
+offending include and ends with status 1 when there is one."""
+import pathlib
+import re
+import sys
+
+raiz = pathlib.Path(__file__).resolve().parent.parent
+src = raiz / "src"
+bibliotecas = {d.name for d in src.iterdir() if (d / "CMakeLists.txt").exists()}
+
+enlaza = {}
+for b in bibliotecas:
+    texto = (src / b / "CMakeLists.txt").read_text()
+    m = re.search(r"target_link_libraries\(\s*" + b + r"\s+([^)]*)\)", texto)
+    enlaza[b] = {p for p in (m.group(1).split() if m else []) if p in bibliotecas}
+
+
+def alcance(b, visto=None):
+    visto = set() if visto is None else visto
+    for o in enlaza[b] - visto:
+        visto.add(o)
+        alcance(o, visto)
+    return visto
+
+
+fallas = []
+for b in sorted(bibliotecas):
+    if b in alcance(b):
+        fallas.append(f"src/{b}/CMakeLists.txt: {b} se enlaza a sí misma a través de otra biblioteca")
+    permitidas = alcance(b) | {b}
+    for archivo in sorted((src / b).glob("*.[ch]*")):
+        for n, linea in enumerate(archivo.read_text(encoding="utf-8").splitlines(), 1):
+            m = re.match(r'\s*#\s*include\s+"([a-z]+)/', linea)
+            if m and m.group(1) in bibliotecas and m.group(1) not in permitidas:
+                fallas.append(f"{archivo.relative_to(raiz)}:{n}: {b} incluye {m.group(1)}, que no enlaza")
+print("\n".join(fallas) if fallas else f"{len(bibliotecas)} bibliotecas, cada una incluye solo lo que enlaza")
+sys.exit(1 if fallas else 0)
