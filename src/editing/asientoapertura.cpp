@@ -119,15 +119,6 @@ bool AsientoApertura::valorarSaldosExtranjeros(QVector<LineaDatos> &lineas, cons
     return true;
 }
 
-bool AsientoApertura::AbrirCuentas(const QString &lista)
-{
-    if (!PreguntarAbrirCuentas(lista))
-        return false;
-    if (!lista.isEmpty())
-        m_comandos.saldosIniciales().AbrirCuentas(lista);
-    return true;
-}
-
 bool AsientoApertura::PreguntarAbrirCuentas(const QString &lista)
 {
     if (lista.isEmpty())
@@ -171,8 +162,7 @@ qint32 AsientoApertura::HacerAsientoApertura()
         return 0;
     const Ocupado ocupado;
 
-    AsientoDatos datos(*m_datos.conexion(), m_datos.librosSistema());
-    datos.FijarUsuario(m_datos.usuario);
+    AsientoDatos datos = m_comandos.NuevoAsientoDatos();
     CabezalDatos &d = datos.Cabezal();
     d.Empresa = m_datos.idEmpresa();
     datos.Lineas() = lineas;
@@ -236,8 +226,7 @@ void AsientoApertura::ConvertirApertura()
             if (!puede)
                 return;
         }
-        AsientoDatos datos(*m_datos.conexion(), m_datos.librosSistema());
-        datos.FijarUsuario(m_datos.usuario);
+        AsientoDatos datos = m_comandos.NuevoAsientoDatos();
         if (!datos.CargarAsiento(c.AsiID))
             throw ErrorBaseDatos(datos.ultimoError());
         CabezalDatos &d = datos.Cabezal();

@@ -46,9 +46,8 @@ public:
     // the user declined). A foreign balance without that value is valued at the quotation
     // of the opening-balance date.
     qint32 HacerAsientoApertura();
-    // With accounts to open, asks (OK/Cancel) and opens them; false when the user cancels.
-    bool AbrirCuentas(const QString &lista);
-    // The question alone: true when there is nothing to open or the user agrees.
+    // With accounts to open, asks (OK/Cancel) to open them; true when there is nothing to
+    // open or the user agrees.
     bool PreguntarAbrirCuentas(const QString &lista);
     // Turns the entry of the current row into the opening-balance entry (question 1856,
     // while there is none), or the opening-balance entry back into an ordinary entry of the

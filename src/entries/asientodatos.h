@@ -104,10 +104,8 @@ public:
     AsientoDatos() = default;
     explicit AsientoDatos(Conexion &conexion, const LibrosSistema &libros = {});
 
-    void SetConexion(Conexion &conexion) { m_conexion = &conexion; }
     // The user who makes the writes, for the audit trail; 0: the entry's own user.
     void FijarUsuario(qint16 usuario) { m_usuario = usuario; }
-    void FijarLibrosSistema(const LibrosSistema &libros) { m_libros = libros; }
 
     // Loads the stored header and lines (lines in the order they were entered).
     bool CargarAsiento(qint32 asiID);

@@ -14,7 +14,6 @@
 #include <QComboBox>
 #include <QLineEdit>
 
-#include <limits>
 
 namespace {
 
@@ -118,8 +117,6 @@ bool lumERAsiento::BuscarCuenta(const QString &texto, bool bEsAlDebe)
         qint16 moneda = m_ctx.monedaContabilidad;
         if (!rs->EsNulo(QStringLiteral("CueMoneda")) && rs->Entero(QStringLiteral("CueMoneda")) > 0)
             moneda = qint16(rs->Entero(QStringLiteral("CueMoneda")));
-        if (elegida.id > std::numeric_limits<qint32>::max())
-            throw ErrorBaseDatos(QStringLiteral("Desbordamiento"), 6);
         SetCuenta(bEsAlDebe, elegida.id, elegida.proyecto, elegida.departamento, moneda, display,
                   cierre.isNull() ? QDate(1901, 1, 1) : fechaCierre);
         rs->Cerrar();
