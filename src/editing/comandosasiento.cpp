@@ -4,7 +4,6 @@
 
 #include "currency/catalogomonedas.h"
 #include "currency/mascara.h"
-#include "currency/tipocambio.h"
 #include "entries/frecuentesdatos.h"
 #include "entries/vistas.h"
 #include "services/ocupado.h"
@@ -32,7 +31,7 @@ AsientoDatos ComandosAsiento::NuevoAsientoDatos() const
 }
 
 // The stored entry as it is now; a failure to read it is the command's error.
-AsientoDatos ComandosAsiento::asientoGuardado(qint32 asiID) const
+AsientoDatos ComandosAsiento::AsientoGuardado(qint32 asiID) const
 {
     AsientoDatos datos = NuevoAsientoDatos();
     if (!datos.CargarAsiento(asiID))
@@ -52,7 +51,7 @@ void ComandosAsiento::DecirRechazo(const AsientoDatos &datos) const
 
 // The state a balanced entry is stored in when it becomes complete: registered, or a draft
 // when the user keeps new entries as drafts or when it is dated after today.
-qint16 ComandosAsiento::estadoCompleto(const QDate &fecha) const
+qint16 ComandosAsiento::EstadoCompleto(const QDate &fecha) const
 {
     if (m_datos.asiSaveB || fecha > m_datos.reloj().Hoy())
         return EstadoAsiento::kBorrador;
@@ -128,7 +127,7 @@ void ComandosAsiento::RegistrarAsiento()
             }
             m_grilla.FijarRedibujar(false);
         }
-        AsientoDatos datos = asientoGuardado(c.AsiID);
+        AsientoDatos datos = AsientoGuardado(c.AsiID);
         const bool eraInconcluso = c.AsiEstado == EstadoAsiento::kInconcluso;
         qint16 nuevo = c.AsiEstado == EstadoAsiento::kRegistrado ? EstadoAsiento::kBorrador : EstadoAsiento::kRegistrado;
         if (eraInconcluso)
@@ -266,7 +265,7 @@ bool ComandosAsiento::GrabarCabezal()
     if (c.AsiID <= 0 || !m_datos.conexion())
         return false;
     try {
-        AsientoDatos datos = asientoGuardado(c.AsiID);
+        AsientoDatos datos = AsientoGuardado(c.AsiID);
         CabezalDatos &d = datos.Cabezal();
         if (d.Fecha != c.AsiFechaAsiento
             && (datos.HayCuentasCerradas(d.Fecha) || datos.HayCuentasCerradas(c.AsiFechaAsiento))) {
@@ -518,7 +517,7 @@ void ComandosAsiento::EliminarAsiento(bool porFila)
             } else if (c.AsiID <= 0) {
                 m_grilla.QuitarFila(fila);
             } else {
-                AsientoDatos datos = asientoGuardado(c.AsiID);
+                AsientoDatos datos = AsientoGuardado(c.AsiID);
                 if (datos.Cabezal().FechaModificado != c.AsiFechaModificado) {
                     m_datos.Error(1820);
                 } else if (datos.HayCuentasCerradas(datos.Cabezal().Fecha)) {
@@ -546,7 +545,7 @@ void ComandosAsiento::EliminarAsiento(bool porFila)
                     if (!datos.Balance().cierra)
                         estado = EstadoAsiento::kInconcluso;
                     else if (estado == EstadoAsiento::kInconcluso)
-                        estado = estadoCompleto(datos.Cabezal().Fecha);
+                        estado = EstadoCompleto(datos.Cabezal().Fecha);
                     if (estado != antes)
                         datos.Cabezal().FechaCambioEstado = AsientoDatos::SelloNuevo(m_datos.reloj(), QDateTime());
                     if (datos.GrabarTodo() <= 0) {
@@ -636,119 +635,6 @@ void ComandosAsiento::OcultarAsiento()
     m_pantalla.SeleccionarFila(std::min(cabezal, m_grilla.Filas() - 1));
 }
 
-
-void ComandosAsiento::UnificarTC(bool bMonedaCuenta)
-{
-    const int fila = m_pantalla.FilaActual();
-    const int cabezal = m_asientos.FilaCabezalDe(fila);
-    if (cabezal < 0 || !m_datos.conexion() || !m_datos.TienePermiso(u'M'))
-        return;
-    try {
-        const qint16 mc = m_datos.empresa.monedaContabilidad;
-        qint16 moneda = m_asientos.LineaDeFila(fila).iMon;
-        if (moneda == mc || moneda < 1) {
-            // On the header row or a line in pesos: the entry's first foreign currency.
-            for (int r = cabezal + 1; r <= m_asientos.UltimaFilaAsiento(cabezal) && (moneda == mc || moneda < 1); ++r)
-                moneda = m_asientos.LineaDeFila(r).iMon;
-        }
-        if (moneda == mc || moneda < 1)
-            return;
-        m_asientos.TomarAsientoDeFila(cabezal);
-        ReglasCotizacion reglas;
-        reglas.delimitador = m_datos.parametros().delimitadorFecha;
-        reglas.patronFecha = m_datos.parametros().formatoFecha;
-        reglas.fechaCotizacion = m_datos.empresa.fechaCotizacion;
-        QDate fechaCotizacion;
-        double propuesta = (bMonedaCuenta ? BuscarTipoCambio(*m_datos.conexion(), mc, moneda, m_datos.empresa.tipoTCComprobantes,
-                                                             m_asientos.Cabezal.AsiFechaAsiento, fechaCotizacion, reglas)
-                                          : BuscarTipoCambio(*m_datos.conexion(), moneda, mc, m_datos.empresa.tipoTCComprobantes,
-                                                             m_asientos.Cabezal.AsiFechaAsiento, fechaCotizacion, reglas))
-                               .aDouble();
-        if (propuesta > 0 && propuesta < 1)
-            propuesta = 1 / propuesta;
-        const QString mascara = m_datos.monedas().DatoMoneda(moneda, 5).toString();
-        propuesta = RedondearConMascara(propuesta, mascara);
-        // The rate is asked for as the line editor shows it, 1 or more; a currency worth less
-        // than the accounting currency is applied with "/" (a yen at 0.25 is "/ 4"). The
-        // entry's own rate tells which, or the quotation when the entry has none.
-        double factor = m_asientos.BuscarTCMonedaCuenta(moneda);
-        if (factor <= 0)
-            factor = BuscarTipoCambio(*m_datos.conexion(), moneda, mc, m_datos.empresa.tipoTCComprobantes,
-                                      m_asientos.Cabezal.AsiFechaAsiento, fechaCotizacion, reglas)
-                         .aDouble();
-        const bool divide = factor > 0 && factor < 1;
-        double tasa = propuesta;
-        if (m_datos.mensajes->PedirNumero(m_datos.texto(1111), m_datos.texto(1112), tasa) && tasa > 0) {
-            tasa = RedondearConMascara(tasa, mascara);
-            if (tasa > 0)
-                AplicarTC(bMonedaCuenta, divide ? 1 / tasa : tasa, moneda);
-        }
-    } catch (const ErrorBaseDatos &e) {
-        m_datos.Error(1934, DetalleError(e.numero(), e.descripcion()));
-    }
-    m_asientos.ResetCabezal();
-}
-
-bool ComandosAsiento::AplicarTC(bool bMonedaCuenta, double tasa, qint16 moneda)
-{
-    CabezalAsiento &c = m_asientos.Cabezal;
-    const int cabezal = c.FilaCabezal;
-    if (cabezal < 0)
-        return false;
-    AsientoDatos datos = c.AsiID > 0 ? asientoGuardado(c.AsiID) : NuevoAsientoDatos();
-    if (c.AsiID > 0) {
-        if (datos.Cabezal().FechaModificado != c.AsiFechaModificado) {
-            m_datos.Error(1820);
-            return false;
-        }
-        if (datos.HayCuentasCerradas(datos.Cabezal().Fecha)) {
-            m_datos.Advertir(1831);
-            return false;
-        }
-    }
-    m_grilla.FijarRedibujar(false);
-    const int cambiadas = m_asientos.AplicarTasa(bMonedaCuenta, tasa, moneda);
-    m_grilla.FijarRedibujar(true);
-    if (cambiadas == 0 || c.AsiID <= 0)
-        return cambiadas > 0;
-    const qint32 id = c.AsiID;
-    auto comoEstaba = [&] {
-        m_grilla.FijarRedibujar(false);
-        RecargarAsiento(id, cabezal);
-        m_grilla.FijarRedibujar(true);
-    };
-    // Lines of other currencies (an exchange difference in pesos) keep their amounts, so the
-    // new rate can leave the entry short on one side: it is then kept only as incomplete,
-    // when the user agrees.
-    const bool cierra = m_asientos.Cierra();
-    CabezalDatos &d = datos.Cabezal();
-    if (!cierra && d.Estado != EstadoAsiento::kInconcluso) {
-        const QVector<LineaDatos> nuevas = m_asientos.LineasParaGrabar();
-        Importe debe, haber;
-        for (const LineaDatos &l : nuevas)
-            (l.AlDebe ? debe : haber) += l.ImporteMC;
-        const Mascara mascaraMC(m_datos.monedas().DatoMoneda(0, 4).toString());
-        QString pregunta = m_datos.texto(1958);
-        pregunta.replace(QLatin1String("[p1]"), mascaraMC.Formatear(debe));
-        pregunta.replace(QLatin1String("[p2]"), mascaraMC.Formatear(haber));
-        if (m_datos.mensajes->Preguntar(pregunta, ServicioMensajes::Botones::SiNo) != ServicioMensajes::Respuesta::Si) {
-            comoEstaba();
-            return false;
-        }
-        d.Estado = EstadoAsiento::kInconcluso;
-        d.FechaCambioEstado = AsientoDatos::SelloNuevo(m_datos.reloj(), QDateTime());
-    } else if (cierra && d.Estado == EstadoAsiento::kInconcluso) {
-        d.Estado = estadoCompleto(d.Fecha);
-        d.FechaCambioEstado = AsientoDatos::SelloNuevo(m_datos.reloj(), QDateTime());
-    }
-    datos.Lineas() = m_asientos.LineasParaGrabar();
-    const bool bien = datos.GrabarTodo() > 0;
-    // The entry is read again: the amounts as stored, or as they were when the write failed.
-    comoEstaba();
-    if (!bien)
-        DecirRechazo(datos);
-    return bien;
-}
 
 void ComandosAsiento::RecargarAsiento(qint32 asiID, int cabezal)
 {

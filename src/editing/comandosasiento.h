@@ -13,9 +13,9 @@
 #include <utility>
 
 // The commands of the entry menu: registering, drafts in bulk, scheduling, frequent entries,
-// deleting an entry or a line, copying, hiding, unifying rates, and the writes of the edited
-// entry. They work on the grid's entries and the store, ask and tell through the message
-// service, and open no window. A command acts on the entry of the screen's current row and
+// deleting an entry or a line, copying, hiding, and the writes of the edited entry. They
+// work on the grid's entries and the store, ask and tell through the message service, and
+// open no window. A command acts on the entry of the screen's current row and
 // leaves the grid's current entry (AsientosGrilla::Cabezal) reset, except the writes of the
 // edited entry, which work on it. A database failure is told with the command's catalogue
 // text and its detail; nothing is left half-written.
@@ -64,16 +64,6 @@ public:
     // Takes the current entry's rows from the grid; the store keeps it.
     void OcultarAsiento();
 
-    // Asks for one rate for the current entry's first foreign currency and applies it to
-    // every line in it, keeping the account currency's amounts (bMonedaCuenta) or the
-    // accounting currency's.
-    void UnificarTC(bool bMonedaCuenta);
-    // Applies a factor (accounting units per unit) to the current entry's lines in moneda
-    // and stores a stored entry again. A rate that leaves a complete entry unbalanced is
-    // kept only as incomplete, after question 1958 (No: nothing changes). Throws
-    // ErrorBaseDatos when the write fails.
-    bool AplicarTC(bool bMonedaCuenta, double tasa, qint16 moneda);
-
     // The book an entry moved off a system book gets: the company's default book, else the
     // first by name; none when the company has no other book. Throws ErrorBaseDatos.
     std::optional<std::pair<QString, qint16>> LibroComun() const;
@@ -99,11 +89,14 @@ public:
     // Tells why the store refused a write; a failure of the database is thrown, for the
     // command to tell with its own text and the detail.
     void DecirRechazo(const AsientoDatos &datos) const;
+    // The stored entry as it is now; a failure to read it is thrown as the store's error.
+    AsientoDatos AsientoGuardado(qint32 asiID) const;
+    // The state a balanced entry is stored in when it becomes complete: registered, or a
+    // draft when the user keeps new entries as drafts or when it is dated after today.
+    qint16 EstadoCompleto(const QDate &fecha) const;
 
 private:
-    AsientoDatos asientoGuardado(qint32 asiID) const;
     int tomarAsientoDeFilaActual();
-    qint16 estadoCompleto(const QDate &fecha) const;
     bool libroParaApertura(CabezalDatos &d, bool &esApertura);
 
     DatosDocumento &m_datos;

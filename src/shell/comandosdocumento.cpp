@@ -15,6 +15,7 @@
 #include "editing/frecuentesrecientes.h"
 #include "entries/frecuentesdatos.h"
 #include "editing/sesionedicion.h"
+#include "editing/unificaciontasa.h"
 #include "frequent/movimientosfrecuentes.h"
 #include "frequent/registrofrecuentes.h"
 #include "search/busquedaasientos.h"
@@ -115,8 +116,8 @@ void lumIngAsiento::conectarComandos()
     alElegir("MnuEdiDelRow", [&c] { c.EliminarAsiento(true); }, true);
     alElegir("MnuEdiCopy", [&c] { c.CopiarAsiento(); });
     alElegir("MnuEdiHide", [&c] { c.OcultarAsiento(); });
-    alElegir("MnuUnificarTCCta", [&c] { c.UnificarTC(true); });
-    alElegir("MnuUnificarTCMC", [&c] { c.UnificarTC(false); });
+    alElegir("MnuUnificarTCCta", [this] { m_unificacion->UnificarTC(true); });
+    alElegir("MnuUnificarTCMC", [this] { m_unificacion->UnificarTC(false); });
     alElegir("MnuAFrRegistrar", [this] { RegistrarFrecuente(0); });
     alElegir("MnuAFrNew", [this] { ArmarComandoDiferido(QStringLiteral("2")); });
     alElegir("MnuEdiAPA", [this] { m_apertura->MnuEdiAPA(); });

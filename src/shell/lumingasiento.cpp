@@ -12,6 +12,7 @@
 #include "editing/comandosasiento.h"
 #include "editing/restauraciones.h"
 #include "editing/sesionedicion.h"
+#include "editing/unificaciontasa.h"
 #include "search/busquedaasientos.h"
 #include "entries/vistas.h"
 #include "grid/vsgrid.h"
@@ -155,6 +156,7 @@ void lumIngAsiento::crearControles()
 
     m_menus = std::make_unique<MenusDocumento>(this);
     m_comandos = std::make_unique<ComandosAsiento>(m_datos, m_asientos, *m_panel);
+    m_unificacion = std::make_unique<UnificacionTasa>(m_datos, m_asientos, *m_panel, *m_comandos);
     m_restauracion = std::make_unique<ComandosRestauracion>(m_datos, *m_comandos, m_asientos, *m_panel);
     m_edicion = std::make_unique<SesionEdicion>(m_datos, m_asientos, *m_comandos, *m_panel);
     m_busquedaPropia = std::make_unique<BusquedaCuentasQt>();

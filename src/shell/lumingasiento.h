@@ -33,6 +33,7 @@ class QTimer;
 class ServicioBusquedaCuentas;
 class ServicioMensajes;
 class SesionEdicion;
+class UnificacionTasa;
 class lumERAsiento;
 class lumHiperLink;
 class lumTooMenu;
@@ -89,6 +90,7 @@ public:
 
     SesionEdicion &edicion() const { return *m_edicion; }
     ComandosAsiento &comandos() const { return *m_comandos; }
+    UnificacionTasa &unificacionTasa() const { return *m_unificacion; }
     // The action the deferred-action timer carries out next: "1" the opening-balance entry,
     // "2" a new frequent entry, "3|id" the registration of a frequent entry (0: the user
     // finds one).
@@ -223,6 +225,7 @@ private:
     PanelEdicion *m_panel = nullptr;
     std::unique_ptr<MenusDocumento> m_menus;
     std::unique_ptr<ComandosAsiento> m_comandos;
+    std::unique_ptr<UnificacionTasa> m_unificacion;
     std::unique_ptr<ComandosRestauracion> m_restauracion;
     std::unique_ptr<SesionEdicion> m_edicion;
     std::unique_ptr<BusquedaAsientos> m_busqueda;

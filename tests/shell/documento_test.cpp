@@ -187,7 +187,7 @@ QStringList ArrancarMostrando(const EntornoDocumento &base, HostDePrueba &host, 
 
     ventana.resize(900, 600);
     ventana.show();
-    QTest::qWaitFor([&] { return doc->estado() == lumIngAsiento::Estado::Listo || !host.comandos.isEmpty(); }, 20000);
+    (void)QTest::qWaitFor([&] { return doc->estado() == lumIngAsiento::Estado::Listo || !host.comandos.isEmpty(); }, 20000);
     estado = doc->estado();
     return cajas;
 }

@@ -5,6 +5,7 @@
 #include "escenario.h"
 
 #include "editing/comandosasiento.h"
+#include "editing/unificaciontasa.h"
 #include "entries/asientodatos.h"
 #include "entries/vistas.h"
 #include "grid/vsgrid.h"
@@ -316,14 +317,14 @@ TEST_P(Grabacion, UnificarLaTasaDeLosDolares)
     doc->grid()->FijarFilaActual(doc->FilaDeAsiento(id) + 1);
 
     m_mensajes.ResponderNumero(std::nullopt); // cancelled: nothing changes
-    doc->comandos().UnificarTC(false);
+    doc->unificacionTasa().UnificarTC(false);
     ASSERT_EQ(m_mensajes.mostrados.size(), 1);
     EXPECT_TRUE(m_mensajes.mostrados[0].startsWith(QStringLiteral("pedido: Ingrese el valor de la tasa de cambio [Unificar tasa de cambio] ")));
     EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientoCuenta Where ACuIDAsiento = %1 And ACuImporteMC = 4000").arg(id)), 2);
 
     doc->grid()->FijarFilaActual(doc->FilaDeAsiento(id) + 1);
     m_mensajes.ResponderNumero(41);
-    doc->comandos().UnificarTC(false);
+    doc->unificacionTasa().UnificarTC(false);
     EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientoCuenta Where ACuIDAsiento = %1 And ACuImporteMC = 4100").arg(id)), 2);
     EXPECT_EQ(m_mensajes.mostrados.size(), 2) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
 
@@ -355,7 +356,7 @@ TEST_P(Grabacion, UnificarLaTasaDeUnaMonedaQueValeMenosQueUnPeso)
     ASSERT_GT(doc->FilaDeAsiento(id), 0);
     doc->grid()->FijarFilaActual(doc->FilaDeAsiento(id) + 1);
     m_mensajes.ResponderNumero(5);
-    doc->comandos().UnificarTC(false);
+    doc->unificacionTasa().UnificarTC(false);
     ASSERT_EQ(m_mensajes.mostrados.size(), 1) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
     EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientoCuenta Where ACuIDAsiento = %1 And ACuImporteMC = 200"
                                     " And (ACuDebe = 1000 Or AcuHaber = 1000)").arg(id)), 2);
@@ -363,7 +364,7 @@ TEST_P(Grabacion, UnificarLaTasaDeUnaMonedaQueValeMenosQueUnPeso)
     // "a la moneda de la cuenta" keeps the pesos: 200 pesos at "/ 8" are ¥1600.
     doc->grid()->FijarFilaActual(doc->FilaDeAsiento(id) + 1);
     m_mensajes.ResponderNumero(8);
-    doc->comandos().UnificarTC(true);
+    doc->unificacionTasa().UnificarTC(true);
     EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientoCuenta Where ACuIDAsiento = %1 And ACuImporteMC = 200"
                                     " And (ACuDebe = 1600 Or AcuHaber = 1600)").arg(id)), 2);
 }
@@ -389,7 +390,7 @@ TEST_P(Grabacion, UnificarQueDescuadraNuncaDejaUnRegistradoDescuadrado)
     doc->grid()->FijarFilaActual(doc->FilaDeAsiento(id) + 1);
     m_mensajes.ResponderNumero(41);
     m_mensajes.Responder(ServicioMensajes::Respuesta::No); // keep it as it was
-    doc->comandos().UnificarTC(false);
+    doc->unificacionTasa().UnificarTC(false);
     ASSERT_EQ(m_mensajes.mostrados.size(), 2) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
     EXPECT_TRUE(m_mensajes.mostrados[1].contains(QStringLiteral("no cierra (debe 4.100,00, haber 4.200,00)")))
         << m_mensajes.mostrados[1].toStdString();
@@ -400,7 +401,7 @@ TEST_P(Grabacion, UnificarQueDescuadraNuncaDejaUnRegistradoDescuadrado)
     doc->grid()->FijarFilaActual(doc->FilaDeAsiento(id) + 1);
     m_mensajes.ResponderNumero(41);
     m_mensajes.Responder(ServicioMensajes::Respuesta::Si); // incomplete until corrected
-    doc->comandos().UnificarTC(false);
+    doc->unificacionTasa().UnificarTC(false);
     EXPECT_EQ(estadoEnBase(id), 2);
     EXPECT_EQ(contar(lineas.arg(id).arg(4100)), 2);
     EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientos Where AsiEstado = 1 And AsiID = %1").arg(id)), 0);
@@ -408,7 +409,7 @@ TEST_P(Grabacion, UnificarQueDescuadraNuncaDejaUnRegistradoDescuadrado)
     // Back to the rates that balance: it is complete again.
     doc->grid()->FijarFilaActual(doc->FilaDeAsiento(id) + 1);
     m_mensajes.ResponderNumero(40);
-    doc->comandos().UnificarTC(false);
+    doc->unificacionTasa().UnificarTC(false);
     EXPECT_EQ(contar(lineas.arg(id).arg(4000)), 2);
     EXPECT_EQ(estadoEnBase(id), 2) << "4000 + 100 against 4000 still does not balance";
 }

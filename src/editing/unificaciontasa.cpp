@@ -1,0 +1,131 @@
+#include "unificaciontasa.h"
+
+#include "comandosasiento.h"
+
+#include "currency/catalogomonedas.h"
+#include "currency/mascara.h"
+#include "currency/tipocambio.h"
+#include "services/serviciomensajes.h"
+
+UnificacionTasa::UnificacionTasa(DatosDocumento &datos, AsientosGrilla &asientos, PantallaAsientos &pantalla,
+                                 ComandosAsiento &comandos)
+    : m_datos(datos)
+    , m_asientos(asientos)
+    , m_grilla(asientos.grilla())
+    , m_pantalla(pantalla)
+    , m_comandos(comandos)
+{
+}
+
+void UnificacionTasa::UnificarTC(bool bMonedaCuenta)
+{
+    const int fila = m_pantalla.FilaActual();
+    const int cabezal = m_asientos.FilaCabezalDe(fila);
+    if (cabezal < 0 || !m_datos.conexion() || !m_datos.TienePermiso(u'M'))
+        return;
+    try {
+        const qint16 mc = m_datos.empresa.monedaContabilidad;
+        qint16 moneda = m_asientos.LineaDeFila(fila).iMon;
+        if (moneda == mc || moneda < 1) {
+            // On the header row or a line in pesos: the entry's first foreign currency.
+            for (int r = cabezal + 1; r <= m_asientos.UltimaFilaAsiento(cabezal) && (moneda == mc || moneda < 1); ++r)
+                moneda = m_asientos.LineaDeFila(r).iMon;
+        }
+        if (moneda == mc || moneda < 1)
+            return;
+        m_asientos.TomarAsientoDeFila(cabezal);
+        ReglasCotizacion reglas;
+        reglas.delimitador = m_datos.parametros().delimitadorFecha;
+        reglas.patronFecha = m_datos.parametros().formatoFecha;
+        reglas.fechaCotizacion = m_datos.empresa.fechaCotizacion;
+        QDate fechaCotizacion;
+        double propuesta = (bMonedaCuenta ? BuscarTipoCambio(*m_datos.conexion(), mc, moneda, m_datos.empresa.tipoTCComprobantes,
+                                                             m_asientos.Cabezal.AsiFechaAsiento, fechaCotizacion, reglas)
+                                          : BuscarTipoCambio(*m_datos.conexion(), moneda, mc, m_datos.empresa.tipoTCComprobantes,
+                                                             m_asientos.Cabezal.AsiFechaAsiento, fechaCotizacion, reglas))
+                               .aDouble();
+        if (propuesta > 0 && propuesta < 1)
+            propuesta = 1 / propuesta;
+        const QString mascara = m_datos.monedas().DatoMoneda(moneda, 5).toString();
+        propuesta = RedondearConMascara(propuesta, mascara);
+        // The rate is asked for as the line editor shows it, 1 or more; a currency worth less
+        // than the accounting currency is applied with "/" (a yen at 0.25 is "/ 4"). The
+        // entry's own rate tells which, or the quotation when the entry has none.
+        double factor = m_asientos.BuscarTCMonedaCuenta(moneda);
+        if (factor <= 0)
+            factor = BuscarTipoCambio(*m_datos.conexion(), moneda, mc, m_datos.empresa.tipoTCComprobantes,
+                                      m_asientos.Cabezal.AsiFechaAsiento, fechaCotizacion, reglas)
+                         .aDouble();
+        const bool divide = factor > 0 && factor < 1;
+        double tasa = propuesta;
+        if (m_datos.mensajes->PedirNumero(m_datos.texto(1111), m_datos.texto(1112), tasa) && tasa > 0) {
+            tasa = RedondearConMascara(tasa, mascara);
+            if (tasa > 0)
+                AplicarTC(bMonedaCuenta, divide ? 1 / tasa : tasa, moneda);
+        }
+    } catch (const ErrorBaseDatos &e) {
+        m_datos.Error(1934, DetalleError(e.numero(), e.descripcion()));
+    }
+    m_asientos.ResetCabezal();
+}
+
+bool UnificacionTasa::AplicarTC(bool bMonedaCuenta, double tasa, qint16 moneda)
+{
+    CabezalAsiento &c = m_asientos.Cabezal;
+    const int cabezal = c.FilaCabezal;
+    if (cabezal < 0)
+        return false;
+    AsientoDatos datos = c.AsiID > 0 ? m_comandos.AsientoGuardado(c.AsiID) : m_comandos.NuevoAsientoDatos();
+    if (c.AsiID > 0) {
+        if (datos.Cabezal().FechaModificado != c.AsiFechaModificado) {
+            m_datos.Error(1820);
+            return false;
+        }
+        if (datos.HayCuentasCerradas(datos.Cabezal().Fecha)) {
+            m_datos.Advertir(1831);
+            return false;
+        }
+    }
+    m_grilla.FijarRedibujar(false);
+    const int cambiadas = m_asientos.AplicarTasa(bMonedaCuenta, tasa, moneda);
+    m_grilla.FijarRedibujar(true);
+    if (cambiadas == 0 || c.AsiID <= 0)
+        return cambiadas > 0;
+    const qint32 id = c.AsiID;
+    auto comoEstaba = [&] {
+        m_grilla.FijarRedibujar(false);
+        m_comandos.RecargarAsiento(id, cabezal);
+        m_grilla.FijarRedibujar(true);
+    };
+    // Lines of other currencies (an exchange difference in pesos) keep their amounts, so the
+    // new rate can leave the entry short on one side: it is then kept only as incomplete,
+    // when the user agrees.
+    const bool cierra = m_asientos.Cierra();
+    CabezalDatos &d = datos.Cabezal();
+    if (!cierra && d.Estado != EstadoAsiento::kInconcluso) {
+        const QVector<LineaDatos> nuevas = m_asientos.LineasParaGrabar();
+        Importe debe, haber;
+        for (const LineaDatos &l : nuevas)
+            (l.AlDebe ? debe : haber) += l.ImporteMC;
+        const Mascara mascaraMC(m_datos.monedas().DatoMoneda(0, 4).toString());
+        QString pregunta = m_datos.texto(1958);
+        pregunta.replace(QLatin1String("[p1]"), mascaraMC.Formatear(debe));
+        pregunta.replace(QLatin1String("[p2]"), mascaraMC.Formatear(haber));
+        if (m_datos.mensajes->Preguntar(pregunta, ServicioMensajes::Botones::SiNo) != ServicioMensajes::Respuesta::Si) {
+            comoEstaba();
+            return false;
+        }
+        d.Estado = EstadoAsiento::kInconcluso;
+        d.FechaCambioEstado = AsientoDatos::SelloNuevo(m_datos.reloj(), QDateTime());
+    } else if (cierra && d.Estado == EstadoAsiento::kInconcluso) {
+        d.Estado = m_comandos.EstadoCompleto(d.Fecha);
+        d.FechaCambioEstado = AsientoDatos::SelloNuevo(m_datos.reloj(), QDateTime());
+    }
+    datos.Lineas() = m_asientos.LineasParaGrabar();
+    const bool bien = datos.GrabarTodo() > 0;
+    // The entry is read again: the amounts as stored, or as they were when the write failed.
+    comoEstaba();
+    if (!bien)
+        m_comandos.DecirRechazo(datos);
+    return bien;
+}

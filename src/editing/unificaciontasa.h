@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QtGlobal>
+
+class AsientosGrilla;
+class ComandosAsiento;
+class DatosDocumento;
+class Grilla;
+class PantallaAsientos;
+
+// The commands "Unificar Tasa de Cambio": one exchange rate for every line of the current
+// entry in its first foreign currency. Like the other entry commands they ask and tell
+// through the message service and open no window.
+class UnificacionTasa
+{
+public:
+    UnificacionTasa(DatosDocumento &datos, AsientosGrilla &asientos, PantallaAsientos &pantalla, ComandosAsiento &comandos);
+
+    // Asks for one rate for the current entry's first foreign currency and applies it to
+    // every line in it, keeping the account currency's amounts (bMonedaCuenta) or the
+    // accounting currency's.
+    void UnificarTC(bool bMonedaCuenta);
+    // Applies a factor (accounting units per unit) to the current entry's lines in moneda
+    // and stores a stored entry again. A rate that leaves a complete entry unbalanced is
+    // kept only as incomplete, after question 1958 (No: nothing changes). Throws
+    // ErrorBaseDatos when the write fails.
+    bool AplicarTC(bool bMonedaCuenta, double tasa, qint16 moneda);
+
+private:
+    DatosDocumento &m_datos;
+    AsientosGrilla &m_asientos;
+    Grilla &m_grilla;
+    PantallaAsientos &m_pantalla;
+    ComandosAsiento &m_comandos;
+};
