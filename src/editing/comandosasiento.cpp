@@ -1,6 +1,6 @@
 #include "comandosasiento.h"
 
-#include "frecuentesrecientes.h"
+#include "frecuentesdeasiento.h"
 
 #include "currency/catalogomonedas.h"
 #include "currency/mascara.h"
@@ -60,7 +60,7 @@ qint16 ComandosAsiento::EstadoCompleto(const QDate &fecha) const
 
 // The entry of the grid's current row becomes the current entry; answers its header row,
 // -1 when the row belongs to no entry.
-int ComandosAsiento::tomarAsientoDeFilaActual()
+int ComandosAsiento::TomarAsientoDeFilaActual()
 {
     const int cabezal = m_asientos.FilaCabezalDe(m_pantalla.FilaActual());
     m_asientos.TomarAsientoDeFila(cabezal);
@@ -88,7 +88,7 @@ void ComandosAsiento::RegistrarAsiento()
     if (filaActual < m_grilla.FilasFijas() || !m_datos.conexion() || !m_datos.TienePermiso(u'M'))
         return;
     m_grilla.FijarRedibujar(false);
-    const int cabezal = tomarAsientoDeFilaActual();
+    const int cabezal = TomarAsientoDeFilaActual();
     CabezalAsiento &c = m_asientos.Cabezal;
     auto terminar = [&] {
         m_grilla.FijarRedibujar(true);
@@ -115,7 +115,7 @@ void ComandosAsiento::RegistrarAsiento()
     try {
         if (c.AsiFechaAsiento > m_datos.reloj().Hoy() && c.AsiEstado == EstadoAsiento::kBorrador) {
             if (m_datos.Preguntar(1807)) {
-                AgendarEnLugarDelAsiento();
+                FrecuentesDeAsiento(m_datos, m_asientos, *this).AgendarEnLugarDelAsiento();
                 m_grilla.FijarRedibujar(true);
                 m_asientos.ResetCabezal();
                 return;
@@ -201,62 +201,6 @@ void ComandosAsiento::RegistrarListados(qint16 estadoOrigen)
     m_asientos.ResetCabezal();
     if (algunaFalla)
         m_datos.Advertir(1822);
-}
-
-void ComandosAsiento::AgendarAsiento()
-{
-    tomarAsientoDeFilaActual();
-    // The entry stays where it is: it is this month's, and the schedule goes on from the
-    // next one.
-    if (m_asientos.Cabezal.FilaCabezal >= 0 && m_asientos.Cabezal.AsiEstado != EstadoAsiento::kInconcluso)
-        CrearMovimientoFrecuente(true, true);
-    m_asientos.ResetCabezal();
-}
-
-qint32 ComandosAsiento::CrearMovimientoFrecuente(bool agendar, bool desdeElMesSiguiente)
-{
-    if (m_asientos.Cabezal.FilaCabezal < 0)
-        tomarAsientoDeFilaActual();
-    const CabezalAsiento &c = m_asientos.Cabezal;
-    if (c.FilaCabezal < 0 || c.AsiEstado == EstadoAsiento::kInconcluso || !m_datos.conexion())
-        return 0;
-    Ocupado ocupado;
-    CabezalDatos cabezal;
-    cabezal.Empresa = m_datos.idEmpresa();
-    cabezal.Fecha = c.AsiFechaAsiento;
-    cabezal.Leyenda = c.AsiLeyenda;
-    cabezal.Libro = c.AsiTipo;
-    // A system book is the system's: a template of such an entry registers in the
-    // company's default book (the first by name without one).
-    if (m_datos.librosSistema().EsDelSistema(c.AsiTipo)) {
-        try {
-            const auto comun = LibroComun();
-            cabezal.Libro = comun ? comun->second : qint16(0);
-        } catch (const ErrorBaseDatos &) {
-            cabezal.Libro = 0;
-        }
-    }
-    cabezal.Autoriza = c.AsiUsuarioVerificador;
-    cabezal.Usuario = m_datos.usuario;
-    QVector<qint16> monedas;
-    const QVector<LineaDatos> lineas = m_asientos.LineasParaGrabar(&monedas);
-    FrecuentesDatos frecuentes(*m_datos.conexion());
-    const QString nombre = cabezal.Leyenda.isEmpty() ? FormatoFechaSuite(cabezal.Fecha, QTime(0, 0), m_datos.formatoFecha) : cabezal.Leyenda;
-    const qint32 id = frecuentes.Crear(cabezal, lineas, monedas, agendar, nombre, desdeElMesSiguiente);
-    if (id <= 0) {
-        m_datos.Error(1908, frecuentes.ultimoError());
-        return 0;
-    }
-    // A frequent entry made to be registered again is one of the user's recent ones.
-    if (!agendar) {
-        try {
-            FrecuentesRecientes(m_datos).Agregar(id);
-        } catch (const ErrorBaseDatos &e) {
-            // The template is stored; only the shortcut to it is missing, and the user is told.
-            m_datos.Error(1920, DetalleError(e.numero(), e.descripcion()));
-        }
-    }
-    return id;
 }
 
 bool ComandosAsiento::GrabarCabezal()
@@ -449,36 +393,6 @@ bool ComandosAsiento::PuedeModificarApertura()
         m_datos.Advertir(1826);
         return false;
     }
-    return true;
-}
-
-bool ComandosAsiento::AgendarEnLugarDelAsiento()
-{
-    const CabezalAsiento &c = m_asientos.Cabezal;
-    const qint32 id = c.AsiID;
-    const QDateTime sello = c.AsiFechaModificado;
-    if (id <= 0 || !m_datos.conexion())
-        return false;
-    Ocupado ocupado;
-    try {
-        // The template and the deletion go together: when the entry changed since it was
-        // read, neither is kept.
-        Transaccion tx(*m_datos.conexion());
-        if (CrearMovimientoFrecuente(true) <= 0)
-            return false;
-        AsientoDatos datos = NuevoAsientoDatos();
-        if (!datos.EliminarDefinitivo(id, sello)) {
-            DecirRechazo(datos);
-            return false;
-        }
-        tx.Confirmar();
-    } catch (const ErrorBaseDatos &e) {
-        m_datos.Error(1921, DetalleError(e.numero(), e.descripcion()));
-        return false;
-    }
-    m_grilla.FijarRedibujar(false);
-    m_asientos.QuitarAsientoDeGrilla(id);
-    m_grilla.FijarRedibujar(true);
     return true;
 }
 

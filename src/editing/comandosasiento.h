@@ -12,12 +12,11 @@
 #include <optional>
 #include <utility>
 
-// The commands of the entry menu: registering, drafts in bulk, scheduling, frequent entries,
-// deleting an entry or a line, copying, hiding, and the writes of the edited entry. They
-// work on the grid's entries and the store, ask and tell through the message service, and
-// open no window. A command acts on the entry of the screen's current row and
-// leaves the grid's current entry (AsientosGrilla::Cabezal) reset, except the writes of the
-// edited entry, which work on it. A database failure is told with the command's catalogue
+// The commands of the entry menu: registering, drafts in bulk, deleting an entry or a line,
+// copying, hiding, and the writes of the edited entry. They work on the grid's entries and
+// the store, ask and tell through the message service, and open no window. A command acts
+// on the entry of the screen's current row and leaves the grid's current entry
+// (AsientosGrilla::Cabezal) reset, except the writes of the edited entry, which work on it. A database failure is told with the command's catalogue
 // text and its detail; nothing is left half-written.
 class ComandosAsiento
 {
@@ -31,16 +30,6 @@ public:
     // Registers every entry of the grid in state estadoOrigen that is not in the future;
     // 1822 when some could not be.
     void RegistrarListados(qint16 estadoOrigen);
-    // Makes the current entry a scheduled frequent entry.
-    void AgendarAsiento();
-    // Makes the current entry (the grid's current row's, when none is taken) a frequent
-    // entry, scheduled with agendar; named by its legend or, without one, its date. An
-    // unscheduled one becomes the first of the user's recent ones. Answers its MFrID, 0
-    // when none was made (an incomplete entry, or a failure: 1908).
-    // With desdeElMesSiguiente a scheduled one is first due a month after the entry, which
-    // stays as this month's.
-    qint32 CrearMovimientoFrecuente(bool agendar, bool desdeElMesSiguiente = false);
-
     // Writes the current entry's header values over the stored entry. False when refused
     // (1813 a date across a closed account, whose stored values then come back; 1820) or
     // failed (1923).
@@ -55,10 +44,6 @@ public:
     // Deletes the current entry (to the trash), or with porFila the current line of it; a
     // row deletion of the header row or of the only line deletes the entry.
     void EliminarAsiento(bool porFila);
-    // The current entry (dated in the future) becomes a scheduled frequent entry and is
-    // deleted for good, both or neither: refused with 1820 when it changed since it was
-    // read. Its rows leave the grid.
-    bool AgendarEnLugarDelAsiento();
     // Stores a copy of the current entry (after question 1806) and shows it last.
     void CopiarAsiento();
     // Takes the current entry's rows from the grid; the store keeps it.
@@ -84,6 +69,9 @@ public:
     enum class Vigencia { Vigente, Releida, Quitada };
     Vigencia ReleerSiCambio(int cabezal);
 
+    // The entry of the grid's current row becomes the current entry; answers its header
+    // row, -1 when the row belongs to no entry.
+    int TomarAsientoDeFilaActual();
     // The store's entry service for this document's user.
     AsientoDatos NuevoAsientoDatos() const;
     // Tells why the store refused a write; a failure of the database is thrown, for the
@@ -96,7 +84,6 @@ public:
     qint16 EstadoCompleto(const QDate &fecha) const;
 
 private:
-    int tomarAsientoDeFilaActual();
     bool libroParaApertura(CabezalDatos &d, bool &esApertura);
 
     DatosDocumento &m_datos;

@@ -1,5 +1,7 @@
 #include "sesionedicion.h"
 
+#include "frecuentesdeasiento.h"
+
 #include "currency/catalogomonedas.h"
 #include "currency/importe.h"
 #include "currency/mascara.h"
@@ -401,7 +403,7 @@ void SesionEdicion::AceptarLinea()
     }
 
     if (escrito && c.AsiFechaAsiento > m_datos.reloj().Hoy() && m_datos.Preguntar(1807)) {
-        if (m_comandos.AgendarEnLugarDelAsiento()) {
+        if (FrecuentesDeAsiento(m_datos, m_asientos, m_comandos).AgendarEnLugarDelAsiento()) {
             // The entry's rows are gone from the grid: no row of it is left to tidy up.
             c.FilaCabezal = -1;
             m_filaEdicion = 0;

@@ -12,6 +12,7 @@
 #include "editing/comandosasiento.h"
 #include "editing/restauraciones.h"
 #include "editing/sesion.h"
+#include "editing/frecuentesdeasiento.h"
 #include "editing/frecuentesrecientes.h"
 #include "entries/frecuentesdatos.h"
 #include "editing/sesionedicion.h"
@@ -106,10 +107,10 @@ void lumIngAsiento::conectarComandos()
     alElegir("MnuEdiAddCta", [this] { m_edicion->AgregarCuenta(); });
     alElegir("MnuEdiSaveNormal", [&c] { c.RegistrarAsiento(); });
     alElegir("MnuSaveEnBorrador", [&c] { c.RegistrarListados(EstadoAsiento::kBorrador); });
-    alElegir("MnuEdiAgendarAsiento", [&c] { c.AgendarAsiento(); });
+    alElegir("MnuEdiAgendarAsiento", [this, &c] { FrecuentesDeAsiento(m_datos, m_asientos, c).AgendarAsiento(); });
     alElegir("MnuEdiHacerFrecuente", [this, &c] {
         m_asientos.ResetCabezal();
-        c.CrearMovimientoFrecuente(false);
+        FrecuentesDeAsiento(m_datos, m_asientos, c).CrearMovimientoFrecuente(false);
         m_asientos.ResetCabezal();
     });
     alElegir("MnuEdiDel", [&c] { c.EliminarAsiento(false); });
