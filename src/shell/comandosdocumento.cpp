@@ -13,12 +13,9 @@
 #include "editing/restauraciones.h"
 #include "editing/sesion.h"
 #include "editing/frecuentesdeasiento.h"
-#include "editing/frecuentesrecientes.h"
-#include "entries/frecuentesdatos.h"
 #include "editing/sesionedicion.h"
 #include "editing/unificaciontasa.h"
-#include "frequent/movimientosfrecuentes.h"
-#include "frequent/registrofrecuentes.h"
+#include "frequent/comandosfrecuentes.h"
 #include "search/busquedaasientos.h"
 #include "entries/vistas.h"
 #include "grid/vsgrid.h"
@@ -280,23 +277,10 @@ void lumIngAsiento::tmShowASI_Timer()
     m_vsGrid->setFocus();
 }
 
-// "Crear nuevo": a frequent entry typed from scratch; an unscheduled one becomes the first
-// of the user's recent ones.
+// "Crear nuevo", once the menu is closed.
 void lumIngAsiento::NuevoFrecuente()
 {
-    if (!m_datos.conexion())
-        return;
-    MovimientosFrecuentes dialogo(m_datos, busquedaCuentas(), this);
-    const qint32 id = dialogo.Editar(0);
-    if (id <= 0)
-        return;
-    try {
-        const auto m = FrecuentesDatos(*m_datos.conexion()).Leer(id);
-        if (m && !m->Agendado())
-            FrecuentesRecientes(m_datos).Agregar(id);
-    } catch (const ErrorBaseDatos &e) {
-        m_datos.Error(1908, DetalleError(e.numero(), e.descripcion()));
-    }
+    frecuentes().NuevoFrecuente();
 }
 
 // A recent frequent entry is registered after question 1834; "Buscar y Registrar" lets the
@@ -312,23 +296,17 @@ void lumIngAsiento::RegistrarFrecuente(qint32 mfrID)
 
 void lumIngAsiento::registrarFrecuenteDiferido(qint32 mfrID)
 {
-    if (!m_datos.conexion())
+    const int fila = frecuentes().RegistrarFrecuente(mfrID);
+    if (fila < 0)
         return;
-    RegistroFrecuentes registro(m_datos, busquedaCuentas(), this);
-    const QString ids = registro.Registrar(mfrID);
-    if (ids.isEmpty())
-        return;
-    try {
-        FrecuentesRecientes(m_datos).Agregar(registro.FrecuenteRegistrado());
-    } catch (const ErrorBaseDatos &e) {
-        m_datos.Error(1912, DetalleError(e.numero(), e.descripcion()));
-    }
     // The new entries are shown after the last row, the first one current.
-    const int fila = m_grilla.Filas() - 1;
-    for (const QString &id : ids.split(QLatin1Char(','), Qt::SkipEmptyParts))
-        m_comandos->CargarAsiento(id.toInt(), m_grilla.Filas() - 1);
     SeleccionarFila(fila);
     m_vsGrid->scrollTo(m_vsGrid->currentIndex(), QAbstractItemView::EnsureVisible);
+}
+
+ComandosFrecuentes lumIngAsiento::frecuentes()
+{
+    return ComandosFrecuentes(m_datos, m_asientos, *m_comandos, busquedaCuentas(), this);
 }
 
 // The menu of frequent entries lists the user's recent ones after its commands.
@@ -338,13 +316,7 @@ void lumIngAsiento::CargarFrecuentesRecientes()
     m_menus->MnuAFrRecientes.clear();
     QAction *linea = m_menus->accion(QStringLiteral("MnuAFrLine"));
     linea->setVisible(false);
-    QList<std::pair<QString, qint32>> items;
-    try {
-        items = FrecuentesRecientes(m_datos).CargarFrecuentesRecientes();
-    } catch (const ErrorBaseDatos &e) {
-        m_datos.Error(1920, DetalleError(e.numero(), e.descripcion()));
-        return;
-    }
+    const QList<std::pair<QString, qint32>> items = frecuentes().Recientes();
     for (const auto &[nombre, id] : items) {
         QAction *a = m_menus->MnuAsientoFrecuente->addAction(nombre);
         a->setObjectName(QStringLiteral("MnuAFrRecientes"));

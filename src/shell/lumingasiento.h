@@ -21,6 +21,7 @@ struct GrillaEnPantalla;
 class BusquedaAsientos;
 class CambiosAjenos;
 class ComandosAsiento;
+class ComandosFrecuentes;
 class ComandosRestauracion;
 class MenusDocumento;
 class PanelEdicion;
@@ -175,6 +176,7 @@ private:
     void NuevoFrecuente();
     void registrarFrecuenteDiferido(qint32 mfrID);
     void CargarFrecuentesRecientes();
+    ComandosFrecuentes frecuentes();
 
     // The grid (grilladocumento.cpp).
     void FormatoColumnasImporte();
