@@ -2,6 +2,7 @@
 
 #include "mascara.h"
 
+#include "store/fallo.h"
 #include "store/valoressql.h"
 
 QString SqlCotizacion(qint16 a, qint16 b, qint16 tipo, const QString &l)
@@ -33,35 +34,35 @@ QDate FechaEfectivaCotizacion(const QDate &dFecha, const ReglasCotizacion &regla
     return d;
 }
 
+namespace {
+
+// One search: the latest direct or inverse quotation of the pair on or before dFecha. True
+// when one was found; then cTasa and dFechaCotizacion hold it. A later inverse quotation
+// beats an earlier direct one; on equal dates the direct one stays.
 bool BuscarCotizacion(Conexion &conexion, qint16 iMoneda, qint16 iCotizaEn, qint16 iTipoCotizacion, const QDate &dFecha,
                       QDate &dFechaCotizacion, Importe &cTasa, const ReglasCotizacion &reglas)
 {
     const QString l = FechaSQL(dFecha, reglas.delimitador, reglas.patronFecha);
-    bool encontrada = false;
-    try {
-        auto rs = conexion.Abrir(SqlCotizacion(iMoneda, iCotizaEn, iTipoCotizacion, l));
-        if (rs->Fin())
-            return false;
-        cTasa = Importe::DesdeDouble(rs->Numero(QStringLiteral("CMoCompra")));
-        dFechaCotizacion = rs->Fecha(QStringLiteral("CMoFecha"));
-        encontrada = true;
-        rs->MoverSiguiente();
-        if (!rs->Fin()) {
-            const QDate otra = rs->Fecha(QStringLiteral("CMoFecha"));
-            if (otra > dFechaCotizacion) {
-                cTasa = Importe::DesdeDouble(rs->Numero(QStringLiteral("CMoCompra")));
-                dFechaCotizacion = otra;
-            }
+    auto rs = conexion.Abrir(SqlCotizacion(iMoneda, iCotizaEn, iTipoCotizacion, l));
+    if (rs->Fin())
+        return false;
+    cTasa = Importe::DesdeDouble(rs->Numero(QStringLiteral("CMoCompra")));
+    dFechaCotizacion = rs->Fecha(QStringLiteral("CMoFecha"));
+    rs->MoverSiguiente();
+    if (!rs->Fin()) {
+        const QDate otra = rs->Fecha(QStringLiteral("CMoFecha"));
+        if (otra > dFechaCotizacion) {
+            cTasa = Importe::DesdeDouble(rs->Numero(QStringLiteral("CMoCompra")));
+            dFechaCotizacion = otra;
         }
-        rs->Cerrar();
-    } catch (const ErrorBaseDatos &) {
-        // What was read until the error stands.
     }
-    return encontrada;
+    rs->Cerrar();
+    return true;
 }
 
-Importe BuscarTipoCambio(Conexion &conexion, qint16 iMonedaOrigen, qint16 iMonedaDestino, qint16 iTipoCotizacion,
-                         const QDate &dFecha, QDate &dFechaCotizacion, const ReglasCotizacion &reglas, bool *encontrada)
+// The rate of BuscarTipoCambio; a database error is thrown.
+Importe tipoCambio(Conexion &conexion, qint16 iMonedaOrigen, qint16 iMonedaDestino, qint16 iTipoCotizacion,
+                   const QDate &dFecha, QDate &dFechaCotizacion, const ReglasCotizacion &reglas, bool *encontrada)
 {
     const QDate efectiva = FechaEfectivaCotizacion(dFecha, reglas, conexion.reloj().Hoy());
     Importe tasa = Importe::DesdeDouble(1);
@@ -75,20 +76,16 @@ Importe BuscarTipoCambio(Conexion &conexion, qint16 iMonedaOrigen, qint16 iMoned
 
     qint16 cotizaA = 0;
     qint16 cotizaB = 0;
-    try {
-        auto rs = conexion.Abrir(SqlMonedasCruzadas(iMonedaOrigen, iMonedaDestino));
-        for (; !rs->Fin(); rs->MoverSiguiente()) {
-            const qint16 id = qint16(rs->Entero(QStringLiteral("MonID")));
-            const qint16 cotiza = qint16(rs->Entero(QStringLiteral("MonCotizaEn")));
-            if (id == iMonedaOrigen)
-                cotizaA = cotiza;
-            if (id == iMonedaDestino)
-                cotizaB = cotiza;
-        }
-        rs->Cerrar();
-    } catch (const ErrorBaseDatos &) {
-        return Importe::DesdeDouble(1);
+    auto rs = conexion.Abrir(SqlMonedasCruzadas(iMonedaOrigen, iMonedaDestino));
+    for (; !rs->Fin(); rs->MoverSiguiente()) {
+        const qint16 id = qint16(rs->Entero(QStringLiteral("MonID")));
+        const qint16 cotiza = qint16(rs->Entero(QStringLiteral("MonCotizaEn")));
+        if (id == iMonedaOrigen)
+            cotizaA = cotiza;
+        if (id == iMonedaDestino)
+            cotizaB = cotiza;
     }
+    rs->Cerrar();
 
     double cruzada = 1;
     bool hallada = false;
@@ -112,4 +109,20 @@ Importe BuscarTipoCambio(Conexion &conexion, qint16 iMonedaOrigen, qint16 iMoned
     // A cross rate, like the fallback of 1, is cut to three decimals by printing it with the
     // mask "#.000" and reading it back.
     return Importe::DesdeDouble(RedondearConMascara(cruzada, QStringLiteral("#.000")));
+}
+
+} // namespace
+
+std::optional<Fallo> BuscarTipoCambio(Conexion &conexion, qint16 iMonedaOrigen, qint16 iMonedaDestino, qint16 iTipoCotizacion,
+                                      const QDate &dFecha, QDate &dFechaCotizacion, const ReglasCotizacion &reglas,
+                                      Importe &tasa, bool *hallada)
+{
+    try {
+        tasa = tipoCambio(conexion, iMonedaOrigen, iMonedaDestino, iTipoCotizacion, dFecha, dFechaCotizacion, reglas, hallada);
+        return std::nullopt;
+    } catch (const ErrorBaseDatos &e) {
+        if (hallada)
+            *hallada = false;
+        return FalloDe(1929, e);
+    }
 }

@@ -3,9 +3,12 @@
 #include "importe.h"
 
 #include "store/conexion.h"
+#include "store/fallo.h"
 
 #include <QDate>
 #include <QString>
+
+#include <optional>
 
 // What the rate lookup needs of the session: the database's date literal and the company's
 // quotation-date rule (EmpFechaCotizacion: 2 the day before, 3 the last day of the previous
@@ -23,22 +26,16 @@ QString SqlCotizacion(qint16 a, qint16 b, qint16 tipo, const QString &fechaSQL);
 // The query of the quoting currencies of two currencies, for a cross rate.
 QString SqlMonedasCruzadas(qint16 a, qint16 b);
 
-// One search: the latest direct or inverse quotation of the pair on or before dFecha. True
-// when one was found; then cTasa and dFechaCotizacion hold it. A later inverse quotation
-// beats an earlier direct one; on equal dates the direct one stays. A database error ends
-// the search with what was read until then.
-bool BuscarCotizacion(Conexion &conexion, qint16 iMoneda, qint16 iCotizaEn, qint16 iTipoCotizacion, const QDate &dFecha,
-                      QDate &dFechaCotizacion, Importe &cTasa, const ReglasCotizacion &reglas);
-
 // Units of iMonedaDestino per unit of iMonedaOrigen on dFecha after the date rule: a direct
 // or inverse quotation (four decimals), else a cross rate through a common quoting currency
 // (cut to three decimals), else 1. dFechaCotizacion gets the date of the quotation used, or
 // the date searched on when none was found; the empty date is today by the connection's
 // clock. hallada, when given, tells whether a quotation was found (false: the 1 is no rate
-// at all).
-Importe BuscarTipoCambio(Conexion &conexion, qint16 iMonedaOrigen, qint16 iMonedaDestino, qint16 iTipoCotizacion,
-                         const QDate &dFecha, QDate &dFechaCotizacion, const ReglasCotizacion &reglas,
-                         bool *hallada = nullptr);
+// at all). A failure to read the quotations is answered (1929, with the database's detail)
+// and leaves tasa as it was.
+[[nodiscard]] std::optional<Fallo> BuscarTipoCambio(Conexion &conexion, qint16 iMonedaOrigen, qint16 iMonedaDestino,
+                                                    qint16 iTipoCotizacion, const QDate &dFecha, QDate &dFechaCotizacion,
+                                                    const ReglasCotizacion &reglas, Importe &tasa, bool *hallada = nullptr);
 
 // The date a quotation is searched on: the empty date (1 January 1900) is today; then the
 // company's rule.

@@ -103,9 +103,13 @@ bool AsientoApertura::valorarSaldosExtranjeros(QVector<LineaDatos> &lineas, cons
             continue;
         bool hallada = false;
         QDate fecha;
-        const double tasa = BuscarTipoCambio(*m_datos.conexion(), monedas.value(i), mc, m_datos.empresa.tipoTCComprobantes,
-                                             m_datos.fechaAsientoApertura, fecha, reglas, &hallada)
-                                .aDouble();
+        Importe cotizacion;
+        if (const auto fallo = BuscarTipoCambio(*m_datos.conexion(), monedas.value(i), mc, m_datos.empresa.tipoTCComprobantes,
+                                                m_datos.fechaAsientoApertura, fecha, reglas, cotizacion, &hallada)) {
+            m_datos.MostrarFallo(*fallo);
+            return false;
+        }
+        const double tasa = cotizacion.aDouble();
         if (!hallada || !(tasa > 0)) {
             QString texto = m_datos.texto(1959);
             texto.replace(QLatin1String("[p]"), TextoDeCuenta(*m_datos.conexion(), l.Cuenta, true));

@@ -7,6 +7,8 @@
 #include "currency/tipocambio.h"
 #include "services/serviciomensajes.h"
 
+#include <optional>
+
 UnificacionTasa::UnificacionTasa(DatosDocumento &datos, AsientosGrilla &asientos, PantallaAsientos &pantalla,
                                  ComandosAsiento &comandos)
     : m_datos(datos)
@@ -38,12 +40,23 @@ void UnificacionTasa::UnificarTC(bool bMonedaCuenta)
         reglas.delimitador = m_datos.parametros().delimitadorFecha;
         reglas.patronFecha = m_datos.parametros().formatoFecha;
         reglas.fechaCotizacion = m_datos.empresa.fechaCotizacion;
-        QDate fechaCotizacion;
-        double propuesta = (bMonedaCuenta ? BuscarTipoCambio(*m_datos.conexion(), mc, moneda, m_datos.empresa.tipoTCComprobantes,
-                                                             m_asientos.Cabezal.AsiFechaAsiento, fechaCotizacion, reglas)
-                                          : BuscarTipoCambio(*m_datos.conexion(), moneda, mc, m_datos.empresa.tipoTCComprobantes,
-                                                             m_asientos.Cabezal.AsiFechaAsiento, fechaCotizacion, reglas))
-                               .aDouble();
+        // The quotation of a pair on the entry's date; none after a failure to read it was told.
+        auto cotizacion = [&](qint16 origen, qint16 destino) -> std::optional<double> {
+            QDate fechaCotizacion;
+            Importe tasa;
+            if (const auto fallo = BuscarTipoCambio(*m_datos.conexion(), origen, destino, m_datos.empresa.tipoTCComprobantes,
+                                                    m_asientos.Cabezal.AsiFechaAsiento, fechaCotizacion, reglas, tasa)) {
+                m_datos.MostrarFallo(*fallo);
+                return std::nullopt;
+            }
+            return tasa.aDouble();
+        };
+        const std::optional<double> leida = bMonedaCuenta ? cotizacion(mc, moneda) : cotizacion(moneda, mc);
+        if (!leida) {
+            m_asientos.ResetCabezal();
+            return;
+        }
+        double propuesta = *leida;
         if (propuesta > 0 && propuesta < 1)
             propuesta = 1 / propuesta;
         const QString mascara = m_datos.monedas().DatoMoneda(moneda, 5).toString();
@@ -52,10 +65,14 @@ void UnificacionTasa::UnificarTC(bool bMonedaCuenta)
         // than the accounting currency is applied with "/" (a yen at 0.25 is "/ 4"). The
         // entry's own rate tells which, or the quotation when the entry has none.
         double factor = m_asientos.BuscarTCMonedaCuenta(moneda);
-        if (factor <= 0)
-            factor = BuscarTipoCambio(*m_datos.conexion(), moneda, mc, m_datos.empresa.tipoTCComprobantes,
-                                      m_asientos.Cabezal.AsiFechaAsiento, fechaCotizacion, reglas)
-                         .aDouble();
+        if (factor <= 0) {
+            const std::optional<double> directa = bMonedaCuenta ? cotizacion(moneda, mc) : leida;
+            if (!directa) {
+                m_asientos.ResetCabezal();
+                return;
+            }
+            factor = *directa;
+        }
         const bool divide = factor > 0 && factor < 1;
         double tasa = propuesta;
         if (m_datos.mensajes->PedirNumero(m_datos.texto(1111), m_datos.texto(1112), tasa) && tasa > 0) {

@@ -169,6 +169,21 @@ TEST_F(EditorDeLinea, TasaDeUnaLineaEnMonedaExtranjera)
     }
 }
 
+// Quotations that cannot be read are told, and the rate is left to be typed: not a 1 that
+// would price a dollar at a peso.
+TEST_F(EditorDeLinea, CotizacionesIlegiblesSeDicenYNoDanTasa)
+{
+    m_base.conexion().Ejecutar(QStringLiteral("Drop Table genCotizacionesMoneda"));
+    m_editor->InitRegistro();
+    escribir(haber(), QStringLiteral("1.1.02"));
+    EXPECT_EQ(m_editor->MonedaCombo(), 2);
+    EXPECT_DOUBLE_EQ(m_editor->ImporteTC(), 0);
+    ASSERT_EQ(m_mensajes.mostrados.size(), 1);
+    EXPECT_TRUE(m_mensajes.mostrados[0].startsWith(QStringLiteral("error")));
+    EXPECT_TRUE(m_mensajes.detalles[0].contains(QStringLiteral("genCotizacionesMoneda"), Qt::CaseInsensitive))
+        << m_mensajes.detalles[0].toStdString();
+}
+
 TEST_F(EditorDeLinea, CuentasRechazadas)
 {
     // Closed on 10 March: refused for an entry of that day, taken for the day after. A popup

@@ -332,6 +332,15 @@ TEST_P(Grabacion, UnificarLaTasaDeLosDolares)
     QTest::keyClick(doc->grid(), Qt::Key_Z, Qt::ControlModifier);
     EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientoCuenta Where ACuIDAsiento = %1 And ACuImporteMC = 4000").arg(id)), 2);
     EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientosHistorial Where HisAsiento = %1 And HisOperacion = 'deshacer'").arg(id)), 1);
+
+    // Quotations that cannot be read are told; no rate is proposed from nothing.
+    m_base.conexion().Ejecutar(QStringLiteral("Drop Table genCotizacionesMoneda"));
+    m_mensajes.mostrados.clear();
+    doc->grid()->FijarFilaActual(doc->FilaDeAsiento(id) + 1);
+    doc->unificacionTasa().UnificarTC(false);
+    ASSERT_EQ(m_mensajes.mostrados.size(), 1);
+    EXPECT_EQ(m_mensajes.mostrados[0], Dicho("error", 1929));
+    EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientoCuenta Where ACuIDAsiento = %1 And ACuImporteMC = 4000").arg(id)), 2);
 }
 
 // A currency worth less than the accounting one: ¥1000 booked at 250 pesos is "/ 4". The
