@@ -44,8 +44,10 @@ qint32 FrecuentesDeAsiento::CrearMovimientoFrecuente(bool agendar, bool desdeElM
         try {
             const auto comun = m_comandos.LibroComun();
             cabezal.Libro = comun ? comun->second : qint16(0);
-        } catch (const ErrorBaseDatos &) {
-            cabezal.Libro = 0;
+        } catch (const ErrorBaseDatos &e) {
+            // Without its book the template would register nowhere: none is made.
+            m_datos.MostrarFallo(FalloDe(1908, e));
+            return 0;
         }
     }
     cabezal.Autoriza = c.AsiUsuarioVerificador;

@@ -81,6 +81,8 @@ qint32 FrecuentesDatos::Guardar(MovimientoFrecuente &m)
             return 0;
         }
     }
+    // A failed write leaves the template as it was: a new one keeps no id of a row rolled back.
+    const qint32 idAntes = m.MFrID;
     try {
         Transaccion tx(m_conexion);
         const QVariantList cabezal{m.Empresa, m.Nombre, textoONulo(m.Recurrencia), Conexion::ValorFecha(m.FechaProxima),
@@ -106,6 +108,7 @@ qint32 FrecuentesDatos::Guardar(MovimientoFrecuente &m)
         tx.Confirmar();
         return m.MFrID;
     } catch (const ErrorBaseDatos &e) {
+        m.MFrID = idAntes;
         m_error = e.descripcion();
         return 0;
     }

@@ -99,6 +99,14 @@ TEST_P(Frecuentes, GuardarYLeerConservanCabezalLineasYMonedasYReemplazarCambiaLa
     EXPECT_EQ(f.Guardar(m), 0);
     EXPECT_EQ(contar("genMovimientosFrecuentesLineas"), 0);
     EXPECT_FALSE(f.Leer(id).has_value());
+
+    // A new one whose lines cannot be written keeps no id, so that storing it again makes it.
+    MovimientoFrecuente nuevo = plantilla(QStringLiteral("Luz"), {Linea(22, true, 10), Linea(10, false, 10)});
+    d.conexion().Ejecutar(QStringLiteral("Alter Table genMovimientosFrecuentesLineas Rename To lineasAparte"));
+    EXPECT_EQ(f.Guardar(nuevo), 0);
+    EXPECT_EQ(nuevo.MFrID, 0);
+    d.conexion().Ejecutar(QStringLiteral("Alter Table lineasAparte Rename To genMovimientosFrecuentesLineas"));
+    EXPECT_GT(f.Guardar(nuevo), 0) << f.ultimoError().toStdString();
 }
 
 TEST_P(Frecuentes, RegistrarSegunCuadreRegistradoBorradorOInconcluso)

@@ -95,6 +95,20 @@ TEST_P(FrecuentesEnDocumento, HacerFrecuenteDeUnAsientoLoOfreceEntreLosRecientes
     EXPECT_TRUE(m_mensajes.mostrados.isEmpty()) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
 }
 
+// A template of an entry in a system book takes the company's default book; when the books
+// cannot be read, none is made and the user is told, rather than one stored without a book.
+TEST_P(FrecuentesEnDocumento, SinLeerLosLibrosNoSeHaceUnFrecuenteDeUnLibroDelSistema)
+{
+    const qint32 resumen = asientoAlFinal(EstadoAsiento::kRegistrado, QStringLiteral("Resumen"),
+                                          {{"5.3.01", true, 10}, {"1.1.01", false, 10}}, Demo::kLibroResumen);
+    m_base.conexion().Ejecutar(QStringLiteral("Alter Table genLibros Rename To librosAparte"));
+    EXPECT_EQ(comandoSobre(resumen, "MnuEdiHacerFrecuente"), 0);
+    EXPECT_EQ(m_mensajes.mostrados, QStringList{Dicho("error", 1908)});
+    m_base.conexion().Ejecutar(QStringLiteral("Alter Table librosAparte Rename To genLibros"));
+    const qint32 frecuente = comandoSobre(resumen, "MnuEdiHacerFrecuente");
+    EXPECT_EQ(valor(QStringLiteral("Select MFrLibro From genMovimientosFrecuentes Where MFrID = %1").arg(frecuente)), Demo::kLibroDiario);
+}
+
 TEST_P(FrecuentesEnDocumento, UnRecienteSeRegistraSoloConSiYQuedaAlFinalDeLaGrilla)
 {
     const qint32 alquiler = comandoSobre(asiento(EstadoAsiento::kRegistrado, QStringLiteral("Alquiler"), 800, 800), "MnuEdiHacerFrecuente");
