@@ -133,7 +133,8 @@ int ExportarDesdeLinea(const PedidoExportacion &pedido, Conexion &conexion, qint
     QString sql;
     int vista = pedido.vista;
     try {
-        monedas.CargarMonedas(conexion);
+        if (const auto f = monedas.CargarMonedas(conexion))
+            return fallar(texto(f->numeroTexto) + QStringLiteral(" ") + f->detalle);
         monedas.FijarMonedaContabilidad(config.monedaContabilidad);
         ctx.monedas = &monedas;
         ctx.monedaContabilidad = config.monedaContabilidad;

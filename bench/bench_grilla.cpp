@@ -95,7 +95,7 @@ Banco &banco()
         volcar();
         tx.Confirmar();
 
-        x.monedas.CargarMonedas(c);
+        (void)x.monedas.CargarMonedas(c);
         x.monedas.FijarMonedaContabilidad(1);
         x.ctx.monedas = &x.monedas;
         x.ctx.monedaContabilidad = 1;

@@ -10,7 +10,7 @@ QString CatalogoMonedas::SqlMonedas()
     return QStringLiteral("Select * From genMonedas Where MonTipo = 1 ");
 }
 
-bool CatalogoMonedas::CargarMonedas(Conexion &conexion)
+std::optional<Fallo> CatalogoMonedas::CargarMonedas(Conexion &conexion)
 {
     m_ultimaMoneda = -1;
     m_monedas = QVector<MonedaInfo>(1);
@@ -33,10 +33,10 @@ bool CatalogoMonedas::CargarMonedas(Conexion &conexion)
             ++n;
         }
         rs->Cerrar();
-    } catch (const ErrorBaseDatos &) {
-        return false;
+    } catch (const ErrorBaseDatos &e) {
+        return FalloDe(1906, e);
     }
-    return true;
+    return std::nullopt;
 }
 
 QVariant CatalogoMonedas::DatoMoneda(qint16 iMoneda, qint32 iCampo)

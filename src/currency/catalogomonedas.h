@@ -1,10 +1,13 @@
 #pragma once
 
 #include "store/conexion.h"
+#include "store/fallo.h"
 
 #include <QString>
 #include <QVariant>
 #include <QVector>
+
+#include <optional>
 
 // One currency of the catalogue.
 struct MonedaInfo
@@ -23,9 +26,10 @@ class CatalogoMonedas
 public:
     CatalogoMonedas();
 
-    // Reads "Select * From genMonedas Where MonTipo = 1 "; false on a database error (the rows
-    // read until then stay). The catalogue always holds at least one element.
-    bool CargarMonedas(Conexion &conexion);
+    // Reads "Select * From genMonedas Where MonTipo = 1 ". A database error is answered
+    // (1906, with its detail); the rows read until then stay. The catalogue always holds at
+    // least one element.
+    [[nodiscard]] std::optional<Fallo> CargarMonedas(Conexion &conexion);
 
     // Field iCampo of currency iMoneda (0: the accounting currency): 1 MonID, 2 symbol,
     // 3 MonCotizaEn, 4 amount mask, 5 rate mask, anything else an empty value. An id that is

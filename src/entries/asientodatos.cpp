@@ -249,8 +249,8 @@ qint16 AsientoDatos::cargarMonedas(qint32 empresa, CatalogoMonedas &monedas)
     if (!rs->Fin() && !rs->EsNulo(QStringLiteral("EmpMonedaContabilidad")))
         monedaContabilidad = qint16(rs->Entero(QStringLiteral("EmpMonedaContabilidad")));
     rs->Cerrar();
-    if (!monedas.CargarMonedas(*m_conexion))
-        throw ErrorBaseDatos(QStringLiteral("no se pudieron leer las monedas"));
+    if (const auto fallo = monedas.CargarMonedas(*m_conexion))
+        throw ErrorBaseDatos(fallo->detalle);
     monedas.FijarMonedaContabilidad(monedaContabilidad);
     return monedaContabilidad;
 }

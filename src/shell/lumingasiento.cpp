@@ -301,7 +301,8 @@ void lumIngAsiento::iniciarSinTrampa()
     }
 
     CargarParametrosSistema();
-    proceso().monedas.CargarMonedas(*proceso().conexion);
+    if (const auto fallo = proceso().monedas.CargarMonedas(*proceso().conexion))
+        m_datos.MostrarFallo(*fallo);
 
     m_apertura->ActualizarExisteApertura();
 

@@ -20,7 +20,7 @@ inline void PrepararDatosDocumento(DatosDocumento &datos, Conexion &conexion, Se
     bool leida = false;
     EXPECT_FALSE(CargarParametrosSistema(conexion, proceso->parametros));
     EXPECT_FALSE(LeerConfigEmpresa(conexion, Demo::kEmpresa, datos.empresa, leida));
-    proceso->monedas.CargarMonedas(conexion);
+    EXPECT_FALSE(proceso->monedas.CargarMonedas(conexion));
     proceso->monedas.FijarMonedaContabilidad(datos.empresa.monedaContabilidad);
     datos.proceso = proceso;
     datos.mensajes = &mensajes;

@@ -16,7 +16,7 @@ TEST_P(Catalogo, LeeLasMonedasDeTipoUnoConSusMascaras)
 {
     BaseDePrueba base(GetParam(), BaseDePrueba::Contenido::Esquema);
     CatalogoMonedas c;
-    ASSERT_TRUE(c.CargarMonedas(base.conexion()));
+    ASSERT_FALSE(c.CargarMonedas(base.conexion()));
     ASSERT_EQ(c.monedas().size(), 1);
     EXPECT_EQ(c.DatoMoneda(3, 1).toInt(), 0);
     EXPECT_EQ(c.DatoMoneda(3, 4).toString(), QString());
@@ -25,7 +25,7 @@ TEST_P(Catalogo, LeeLasMonedasDeTipoUnoConSusMascaras)
         "Insert Into genMonedas (MonID, MonSimbolo, MonCotizaEn, MonRedondeo, MonFormatoCotizacion, MonTipo) Values"
         " (1, ' $ ', Null, '#,##0.00 ', Null, 1), (2, 'U$S', 1, Null, ' #,##0.0000', 1),"
         " (5, 'UI', 1, '#,##0.0000', Null, 2)"));
-    ASSERT_TRUE(c.CargarMonedas(base.conexion()));
+    ASSERT_FALSE(c.CargarMonedas(base.conexion()));
     c.FijarMonedaContabilidad(1);
     EXPECT_EQ(c.monedas().size(), 2);
     EXPECT_EQ(c.DatoMoneda(0, 2).toString(), QStringLiteral("$")); // 0 is the accounting currency
@@ -41,7 +41,10 @@ TEST_P(Catalogo, LeeLasMonedasDeTipoUnoConSusMascaras)
     EXPECT_EQ(c.DatoMoneda(5, 1).toInt(), 2);
 
     base.conexion().Ejecutar(QStringLiteral("Alter Table genMonedas Rename To genMonedasAparte"));
-    EXPECT_FALSE(c.CargarMonedas(base.conexion()));
+    const auto fallo = c.CargarMonedas(base.conexion());
+    ASSERT_TRUE(fallo);
+    EXPECT_EQ(fallo->numeroTexto, 1906);
+    EXPECT_TRUE(fallo->detalle.contains(QStringLiteral("genMonedas"), Qt::CaseInsensitive)) << fallo->detalle.toStdString();
     EXPECT_EQ(c.monedas().size(), 1);
 }
 

@@ -158,7 +158,7 @@ protected:
                                              " Values (3, 'Y', 1, '#,##0.00', '#,##0.000', 1)"));
         d.conexion().Ejecutar(QStringLiteral("Insert Into cceCuentas (CueID, CueIDEmpresa, CueCodigo, CueNombre, CueMoneda, CueFechaCerrada, CueEsCarpeta)"
                                              " Values (12, 1, '1.1.05', 'Banco Yenes', 3, Null, 0)"));
-        d.monedas.CargarMonedas(d.conexion());
+        EXPECT_FALSE(d.monedas.CargarMonedas(d.conexion()));
         d.monedas.FijarMonedaContabilidad(1);
         d.ctx.AsiOrder = 1;
     }
@@ -308,7 +308,7 @@ TEST_P(Llenado, BalanceConMascaraEnBlancoOSinDecimales)
     for (const auto &[mascara, lineas, cierraEsperado] : {std::tuple{"", "10:D:100.0001,20:H:100", false}, std::tuple{"#,##0", "10:D:100.3,20:H:100", true}}) {
         DatosAsientos d(GetParam());
         d.conexion().Ejecutar(QStringLiteral("Update genMonedas Set MonRedondeo = ? Where MonID = 1"), {QString::fromLatin1(mascara)});
-        d.monedas.CargarMonedas(d.conexion());
+        EXPECT_FALSE(d.monedas.CargarMonedas(d.conexion()));
         d.monedas.FijarMonedaContabilidad(1);
         d.grilla.FijarFormatoColumna(2, QString::fromLatin1(mascara));
         d.grilla.FijarFormatoColumna(3, QString::fromLatin1(mascara));

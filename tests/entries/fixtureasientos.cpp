@@ -16,7 +16,7 @@ DatosAsientos::DatosAsientos(Motor motor)
                               " Values (10, 1, '1.1.01', 'Caja', 1, Null, 0), (11, 1, '1.1.02', 'Banco U$S', 2, Null, 0),"
                               " (20, 1, '4.1.01', 'Ventas', 0, Null, 0), (21, 1, '2.1.01', 'Proveedores', 1, '2020-06-30', 0),"
                               " (22, 1, '5.1.01', 'alquileres', 1, Null, 0)"));
-    monedas.CargarMonedas(c);
+    EXPECT_FALSE(monedas.CargarMonedas(c));
     monedas.FijarMonedaContabilidad(1);
     ctx.monedas = &monedas;
     ctx.monedaContabilidad = 1;

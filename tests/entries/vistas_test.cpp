@@ -61,7 +61,7 @@ TEST_P(VistasEnDemo, CadaVistaCargaLoQueDiceYNuncaLaPapelera)
     BaseDePrueba base(GetParam(), BaseDePrueba::Contenido::Demo);
     Conexion &c = base.conexion();
     CatalogoMonedas monedas;
-    monedas.CargarMonedas(c);
+    EXPECT_FALSE(monedas.CargarMonedas(c));
     monedas.FijarMonedaContabilidad(Demo::kMonedaPesos);
     ContextoAsientos ctx;
     ctx.empresa = Demo::kEmpresa;

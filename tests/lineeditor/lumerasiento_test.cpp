@@ -50,7 +50,7 @@ protected:
                                   " Values (10, 1, '1.1.01', 'Caja', Null, Null, 0), (11, 1, '1.1.02', 'Banco U$S', 2, Null, 0),"
                                   " (12, 1, '1.1.03', 'Banco Comercial', 1, '2026-03-10', 0), (13, 1, '1', 'Activo', 0, Null, 1),"
                                   " (14, 1, '4.1.01', 'Ventas', 0, Null, 0), (15, 1, '1.1.05', 'Banco Yenes', 3, Null, 0)"));
-        m_monedas.CargarMonedas(c);
+        EXPECT_FALSE(m_monedas.CargarMonedas(c));
         m_monedas.FijarMonedaContabilidad(1);
 
         m_editor = std::make_unique<lumERAsiento>(ContextoLinea{.conexion = &c, .monedas = &m_monedas, .mensajes = &m_mensajes,

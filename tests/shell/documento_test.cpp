@@ -226,6 +226,13 @@ TEST_F(Documento, CajasDeMensajeDelArranqueConLaVentanaRecienMostrada)
     ASSERT_FALSE(cajas.isEmpty());
     EXPECT_EQ(cajas[0], QStringLiteral("Error al cargar los parámetros del sistema."));
     EXPECT_TRUE(m_host.comandos.isEmpty()) << m_host.comandos.join(QLatin1Char('\n')).toStdString();
+
+    // Nor is a currency list that cannot be read passed over in silence.
+    m_base.conexion().Ejecutar(QStringLiteral("Alter Table genParametros Rename Column ParOtro To ParValor"));
+    m_base.conexion().Ejecutar(QStringLiteral("Alter Table genMonedas Rename Column MonRedondeo To MonOtro"));
+    const QStringList sinMonedas = ArrancarMostrando(e, m_host, estado);
+    EXPECT_TRUE(sinMonedas.contains(QStringLiteral("Error al obtener los parámetros para el ingreso de asientos.")))
+        << sinMonedas.join(QLatin1Char('\n')).toStdString();
 }
 
 TEST_F(Documento, PreferenciasDelUsuarioSobrevivenAlReinicio)
