@@ -181,14 +181,21 @@ void ComandosAsiento::RegistrarListados(qint16 estadoOrigen)
                 continue;
             }
             AsientoDatos datos = NuevoAsientoDatos();
-            if (!datos.CargarAsiento(c.AsiID) || datos.HayCuentasCerradas(datos.Cabezal().Fecha)
+            // An entry refused is counted and the others go on; a failure of the database
+            // stops the run and is told with its detail.
+            auto rehusado = [&datos](bool bien) {
+                if (!bien && datos.ultimoResultado() == AsientoDatos::Resultado::ErrorBase)
+                    throw ErrorBaseDatos(datos.ultimoError());
+                return !bien;
+            };
+            if (rehusado(datos.CargarAsiento(c.AsiID)) || datos.HayCuentasCerradas(datos.Cabezal().Fecha)
                 || datos.Cabezal().FechaModificado != c.AsiFechaModificado) {
                 algunaFalla = true;
                 continue;
             }
             datos.Cabezal().Estado = EstadoAsiento::kRegistrado;
             datos.Cabezal().FechaCambioEstado = AsientoDatos::SelloNuevo(m_datos.reloj(), QDateTime());
-            if (!datos.Grabar()) {
+            if (rehusado(datos.Grabar())) {
                 algunaFalla = true;
                 continue;
             }

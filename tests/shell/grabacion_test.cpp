@@ -213,6 +213,16 @@ TEST_P(Grabacion, RegistrarTodosLosBorradores)
     doc->comandos().RegistrarListados(0);
     EXPECT_EQ(estadoEnBase(b), 1);
     EXPECT_TRUE(m_mensajes.mostrados.isEmpty()) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
+
+    // A write the database fails is told with its detail, not counted as a refusal.
+    const qint32 c = asiento(BaseDePrueba::Hoy().addDays(-1), 0, 5);
+    mostrarUltimos(*doc);
+    m_base.conexion().Ejecutar(QStringLiteral("Alter Table cceAsientosHistorial Rename To historialAparte"));
+    doc->comandos().RegistrarListados(0);
+    EXPECT_EQ(m_mensajes.mostrados, QStringList{Dicho("error", 1913)});
+    EXPECT_TRUE(m_mensajes.detalles.value(0).contains(QStringLiteral("cceAsientosHistorial"), Qt::CaseInsensitive))
+        << m_mensajes.detalles.value(0).toStdString();
+    EXPECT_EQ(estadoEnBase(c), 0);
 }
 
 TEST_P(Grabacion, EliminarAsientoYFila)
