@@ -1,10 +1,13 @@
 #include "gestorlibros.h"
 
+#include "serviciomensajes.h"
+
+#include "store/fallo.h"
+
 #include <QDialogButtonBox>
 #include <QHeaderView>
 #include <QInputDialog>
 #include <QKeyEvent>
-#include <QMessageBox>
 #include <QPushButton>
 #include <QTreeWidget>
 #include <QVBoxLayout>
@@ -59,7 +62,7 @@ Libros::Resultado Libros::Agregar(const QString &nombre, qint16 &codigo)
         tx.Confirmar();
         return Resultado::Bien;
     } catch (const ErrorBaseDatos &e) {
-        m_error = e.descripcion();
+        m_error = DetalleError(e.numero(), e.descripcion());
         return Resultado::ErrorBase;
     }
 }
@@ -75,7 +78,7 @@ Libros::Resultado Libros::Renombrar(qint16 codigo, const QString &nombre)
         m_conexion.Ejecutar(QStringLiteral("Update genLibros Set LibNombre = ? Where LibCodigo = ?"), {nombre.trimmed(), codigo});
         return Resultado::Bien;
     } catch (const ErrorBaseDatos &e) {
-        m_error = e.descripcion();
+        m_error = DetalleError(e.numero(), e.descripcion());
         return Resultado::ErrorBase;
     }
 }
@@ -96,7 +99,7 @@ Libros::Resultado Libros::Eliminar(qint16 codigo)
         tx.Confirmar();
         return Resultado::Bien;
     } catch (const ErrorBaseDatos &e) {
-        m_error = e.descripcion();
+        m_error = DetalleError(e.numero(), e.descripcion());
         return Resultado::ErrorBase;
     }
 }
@@ -122,9 +125,11 @@ QString Libros::Explicacion(Resultado r)
     return {};
 }
 
-GestorLibros::GestorLibros(Conexion &conexion, QWidget *padre)
+GestorLibros::GestorLibros(Conexion &conexion, ServicioMensajes &mensajes, std::function<QString(int)> texto, QWidget *padre)
     : QDialog(padre)
     , m_libros(conexion)
+    , m_mensajes(mensajes)
+    , m_texto(std::move(texto))
 {
     setObjectName(QStringLiteral("dlgLibros"));
     setWindowTitle(QStringLiteral("Organizar libros"));
@@ -167,8 +172,8 @@ void GestorLibros::cargar(qint16 elegir)
             if (l.codigo == elegir)
                 m_lista->setCurrentItem(i);
         }
-    } catch (const ErrorBaseDatos &) {
-        avisar(Libros::Resultado::ErrorBase);
+    } catch (const ErrorBaseDatos &e) {
+        m_mensajes.MostrarError(m_texto ? m_texto(1932) : QString(), windowTitle(), DetalleError(e.numero(), e.descripcion()));
     }
     if (!m_lista->currentItem() && m_lista->topLevelItemCount() > 0)
         m_lista->setCurrentItem(m_lista->topLevelItem(0));
@@ -185,8 +190,10 @@ void GestorLibros::actualizarBotones()
 
 void GestorLibros::avisar(Libros::Resultado r)
 {
-    if (r != Libros::Resultado::Bien)
-        QMessageBox::warning(this, windowTitle(), Libros::Explicacion(r));
+    if (r == Libros::Resultado::ErrorBase)
+        m_mensajes.MostrarError(Libros::Explicacion(r), windowTitle(), m_libros.ultimoError());
+    else if (r != Libros::Resultado::Bien)
+        m_mensajes.Advertir(Libros::Explicacion(r));
 }
 
 void GestorLibros::agregar()
@@ -228,8 +235,9 @@ void GestorLibros::eliminar()
     const qint16 codigo = codigoActual();
     if (!i)
         return;
-    if (QMessageBox::question(this, windowTitle(), QStringLiteral("¿Desea eliminar el libro «%1»?").arg(i->text(1)))
-        != QMessageBox::Yes)
+    if (m_mensajes.Preguntar(QStringLiteral("¿Desea eliminar el libro «%1»?").arg(i->text(1)), ServicioMensajes::Botones::SiNo,
+                             windowTitle())
+        != ServicioMensajes::Respuesta::Si)
         return;
     avisar(m_libros.Eliminar(codigo));
     cargar();

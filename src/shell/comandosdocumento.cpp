@@ -124,7 +124,7 @@ void lumIngAsiento::conectarComandos()
         if (!m_datos.conexion())
             return;
         try {
-            GestorLibros gestor(*m_datos.conexion(), this);
+            GestorLibros gestor(*m_datos.conexion(), *m_datos.mensajes, [this](int n) { return m_datos.texto(n); }, this);
             gestor.exec();
             m_edicion->OlvidarLibros(); // the list is read again on the next edit
         } catch (const ErrorBaseDatos &e) {

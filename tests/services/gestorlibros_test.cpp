@@ -2,6 +2,7 @@
 // its keys, its questions answered as a user answers them.
 #include "comun/basesprueba.h"
 #include "comun/dialogos.h"
+#include "comun/mensajesguionados.h"
 
 #include "services/gestorlibros.h"
 #include "store/basedemo.h"
@@ -44,11 +45,13 @@ TEST_P(GestionDeLibros, AgregarRenombrarYEliminarSoloLosPropiosSinUso)
 }
 
 // Insert asks a name and shows the new book chosen; F2 renames it; Delete asks first. A
-// refusal is said in a box; a cancelled question changes nothing. The system's books cannot
-// be chosen for a change. The list is read again from the books after each change.
+// refusal is said as a warning, a failure of the database as an error with its detail; a
+// cancelled question changes nothing. The system's books cannot be chosen for a change. The
+// list is read again from the books after each change.
 TEST_P(GestionDeLibros, ElDialogoConSusTeclas)
 {
-    GestorLibros gestor(m_base.conexion());
+    MensajesGuionados mensajes;
+    GestorLibros gestor(m_base.conexion(), mensajes, [](int n) { return QStringLiteral("texto %1").arg(n); });
     gestor.show();
     QApplication::setActiveWindow(&gestor);
     auto *lista = gestor.findChild<QTreeWidget *>(QStringLiteral("lstLibros"));
@@ -62,15 +65,19 @@ TEST_P(GestionDeLibros, ElDialogoConSusTeclas)
             }
         });
     };
-    auto borrar = [&](QMessageBox::StandardButton boton) {
-        return ConDialogo<QMessageBox>([&] { QTest::keyClick(&gestor, Qt::Key_Delete); }, [&](QMessageBox &m) { m.button(boton)->click(); });
+    auto borrar = [&](ServicioMensajes::Respuesta respuesta) {
+        const qsizetype preguntas = mensajes.mostrados.size();
+        mensajes.Responder(respuesta);
+        QTest::keyClick(&gestor, Qt::Key_Delete);
+        return mensajes.mostrados.size() - preguntas;
     };
     const int antes = lista->topLevelItemCount();
 
     EXPECT_EQ(tecla(Qt::Key_Insert, QStringLiteral("Exportaciones")), 1);
     EXPECT_EQ(lista->topLevelItemCount(), antes + 1);
     EXPECT_EQ(nombreActual(), QStringLiteral("Exportaciones"));
-    EXPECT_EQ(ConDialogo<QMessageBox>([&] { tecla(Qt::Key_Insert, QStringLiteral("exportaciones")); }), 1);
+    tecla(Qt::Key_Insert, QStringLiteral("exportaciones"));
+    EXPECT_EQ(mensajes.mostrados, QStringList{QStringLiteral("advertencia: Ya existe un libro con ese nombre.")});
     EXPECT_EQ(tecla(Qt::Key_Insert, QString()), 1);
     EXPECT_EQ(lista->topLevelItemCount(), antes + 1);
 
@@ -79,9 +86,9 @@ TEST_P(GestionDeLibros, ElDialogoConSusTeclas)
     EXPECT_EQ(tecla(Qt::Key_F2, QStringLiteral("Ventas al exterior")), 1);
     EXPECT_EQ(nombreActual(), QStringLiteral("Ventas al exterior"));
 
-    EXPECT_EQ(borrar(QMessageBox::No), 1);
+    EXPECT_EQ(borrar(ServicioMensajes::Respuesta::No), 1);
     EXPECT_EQ(lista->topLevelItemCount(), antes + 1);
-    EXPECT_EQ(borrar(QMessageBox::Yes), 1);
+    EXPECT_EQ(borrar(ServicioMensajes::Respuesta::Si), 1);
     EXPECT_EQ(lista->topLevelItemCount(), antes);
 
     for (int i = 0; i < lista->topLevelItemCount(); ++i)
@@ -89,7 +96,16 @@ TEST_P(GestionDeLibros, ElDialogoConSusTeclas)
             lista->setCurrentItem(lista->topLevelItem(i));
     ASSERT_EQ(lista->currentItem()->data(0, Qt::UserRole).toInt(), Demo::kLibroCierre);
     EXPECT_EQ(tecla(Qt::Key_F2, QStringLiteral("Otro")), 0);
-    EXPECT_EQ(borrar(QMessageBox::Yes), 0);
+    EXPECT_EQ(borrar(ServicioMensajes::Respuesta::Si), 0);
+
+    // The database fails the write: the error says why, and the list is read again.
+    m_base.conexion().Ejecutar(QStringLiteral("Alter Table genLibros Rename Column LibNombre To LibOtro"));
+    mensajes.mostrados.clear();
+    tecla(Qt::Key_Insert, QStringLiteral("Compras"));
+    ASSERT_GE(mensajes.mostrados.size(), 1);
+    EXPECT_EQ(mensajes.mostrados[0], QStringLiteral("error: No se pudo guardar el cambio."));
+    EXPECT_TRUE(mensajes.detalles[0].contains(QStringLiteral("LibNombre"), Qt::CaseInsensitive)) << mensajes.detalles[0].toStdString();
+    EXPECT_EQ(mensajes.mostrados.value(1), QStringLiteral("error: texto 1932"));
 }
 
 INSTANCIAR_EN_MOTORES(GestionDeLibros);
