@@ -21,7 +21,7 @@ AsientoApertura::AsientoApertura(DatosDocumento &datos, AsientosGrilla &asientos
 {
 }
 
-bool AsientoApertura::ActualizarExisteApertura()
+bool AsientoApertura::ActualizarExisteApertura(bool decirFallo)
 {
     if (!m_datos.conexion())
         return m_existe;
@@ -31,9 +31,11 @@ bool AsientoApertura::ActualizarExisteApertura()
         SaldosIniciales saldos = m_comandos.saldosIniciales();
         existe = saldos.ExisteAsientoApertura();
         sinTerminar = !existe && saldos.OtroAsientoApertura() > 0;
-    } catch (const ErrorBaseDatos &) {
-        // Unknown: the banner stays as it is, and the command that needs to know fails on
-        // its own reads and says so.
+    } catch (const ErrorBaseDatos &e) {
+        // Unknown: the banner stays as it is, and a command that needs to know fails on its
+        // own reads and says so; the start of the document says it at once.
+        if (decirFallo)
+            m_datos.MostrarFallo(FalloDe(1930, e));
         return m_existe;
     }
     if (existe != m_existe || sinTerminar != m_sinTerminar || !m_dicho) {

@@ -20,8 +20,9 @@ public:
     AsientoApertura(DatosDocumento &datos, AsientosGrilla &asientos, ComandosAsiento &comandos, PantallaAsientos &pantalla);
 
     // Reads again whether the entry exists, and tells alCambiar when the answer changed
-    // (or was never told). When it cannot be read, the last answer stands.
-    bool ActualizarExisteApertura();
+    // (or was never told). When it cannot be read, the last answer stands, and with
+    // decirFallo the failure is told (1930).
+    bool ActualizarExisteApertura(bool decirFallo = false);
     bool ExisteAsientoApertura() const { return m_existe; }
     // Whether, without one, an entry of the opening-balance book was made and not finished
     // (a draft or incomplete): the banner then invites to finish it. alCambiar is told when

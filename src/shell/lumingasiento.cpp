@@ -304,7 +304,7 @@ void lumIngAsiento::iniciarSinTrampa()
     if (const auto fallo = proceso().monedas.CargarMonedas(*proceso().conexion))
         m_datos.MostrarFallo(*fallo);
 
-    m_apertura->ActualizarExisteApertura();
+    m_apertura->ActualizarExisteApertura(true);
 
     if (!InicializarDocumento()) {
         EnviarComando(ComandoHost::AccesoDenegado(Idioma::resLoad(0)));

@@ -252,6 +252,20 @@ TEST_P(Apertura, CuentasCerradasEnLaFechaOPosteriorSeAbrenSiSeAcepta)
     EXPECT_FALSE(m_apertura.ActualizarExisteApertura());
 }
 
+// When the entries cannot be read the last answer stands; the start of the document asks
+// for the failure to be told.
+TEST_P(Apertura, SinLeerLosAsientosQuedaLaUltimaRespuestaYSeDiceSiSePide)
+{
+    asiento(m_datos.fechaAsientoApertura, EstadoAsiento::kRegistrado, Demo::kLibroPrimeraApertura,
+            {{"1.1.01", true, 100}, {"3.1.01", false, 100}});
+    ASSERT_TRUE(m_apertura.ActualizarExisteApertura());
+    m_base.conexion().Ejecutar(QStringLiteral("Alter Table cceAsientos Rename To asientosAparte"));
+    EXPECT_TRUE(m_apertura.ActualizarExisteApertura());
+    EXPECT_TRUE(m_mensajes.mostrados.isEmpty());
+    EXPECT_TRUE(m_apertura.ActualizarExisteApertura(true));
+    EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("error: 1930")});
+}
+
 TEST_P(Apertura, SinSaldosNoSeHaceNada1855)
 {
     ejecutar(QStringLiteral("Update cceCuentas Set CueFechaCerrada = Null, CueSaldo = 0, CueSaldoMConta = 0"));
