@@ -1,6 +1,7 @@
 #include "sesionedicion.h"
 
 #include "frecuentesdeasiento.h"
+#include "unificaciontasa.h"
 
 #include "currency/catalogomonedas.h"
 #include "currency/importe.h"
@@ -205,73 +206,6 @@ void SesionEdicion::escribirLinea(int fila, const RegistroLinea &linea)
     m_asientos.FilaLineaAsiento(fila, l);
 }
 
-bool SesionEdicion::reglaTasas(RegistroLinea &linea)
-{
-    const qint16 mc = m_datos.empresa.monedaContabilidad;
-    if (linea.iMon == mc || linea.iMon < 1 || linea.dImporte.esCero())
-        return true;
-    const double usada = m_asientos.BuscarTCMonedaCuenta(linea.iMon);
-    const QString mascara = m_datos.monedas().DatoMoneda(linea.iMon, 5).toString();
-    // Rates are compared, shown and rounded as the line editor shows them: a factor below 1
-    // as its reciprocal (a yen at 0.25 is "/ 4").
-    auto mostrada = [](double f) { return f > 0 && f < 1 ? 1 / f : f; };
-    auto redondo = [&](double t) { return RedondearConMascara(mostrada(t), QStringLiteral("#,##0.000")); };
-    if (usada == 0 || redondo(usada) == redondo(linea.dTCambio))
-        return true;
-
-    // The average over the lines kept and this one.
-    Importe sumaME = linea.dImporte;
-    Importe sumaMC = linea.dImporteMC;
-    const int cabezal = m_asientos.Cabezal.FilaCabezal;
-    for (int r = cabezal + 1; r <= m_asientos.UltimaFilaAsiento(cabezal); ++r) {
-        if (r == m_filaEdicion || m_asientos.EsFilaDiferencia(r))
-            continue;
-        const RegistroLinea x = m_asientos.LineaDeFila(r);
-        if (x.iMon == linea.iMon && !x.dImporte.esCero()) {
-            sumaME += x.dImporte;
-            sumaMC += x.dImporteMC;
-        }
-    }
-    const double promedio = !sumaME.esCero() ? sumaMC.aDouble() / sumaME.aDouble() : linea.dTCambio;
-    const Mascara tres(QStringLiteral("#,##0.000"));
-    QString pregunta = m_datos.texto(1832);
-    pregunta.replace(QLatin1String("[p]"), tres.Formatear(mostrada(linea.dTCambio)));
-    pregunta.replace(QLatin1String("[p1]"), tres.Formatear(mostrada(promedio)));
-    pregunta.replace(QLatin1String("[p2]"), tres.Formatear(mostrada(usada)));
-    const auto respuesta = m_datos.mensajes->Preguntar(pregunta, ServicioMensajes::Botones::SiNoCancelar);
-    double nueva = linea.dTCambio;
-    if (respuesta == ServicioMensajes::Respuesta::No)
-        nueva = promedio;
-    else if (respuesta == ServicioMensajes::Respuesta::Cancelar)
-        nueva = usada;
-    nueva = nueva > 0 && nueva < 1 ? 1 / RedondearConMascara(1 / nueva, mascara) : RedondearConMascara(nueva, mascara);
-    const bool mantenerMC = respuesta != ServicioMensajes::Respuesta::Cancelar && m_datos.Preguntar(1833);
-    const QString mascaraMC = m_datos.monedas().DatoMoneda(0, 4).toString();
-    const QString mascaraME = m_datos.monedas().DatoMoneda(linea.iMon, 4).toString();
-    auto recalcular = [&](RegistroLinea &l) {
-        l.dTCambio = nueva;
-        if (mantenerMC)
-            l.dImporte = ImporteConMascara(l.dImporteMC.aDouble() / nueva, mascaraME);
-        else
-            l.dImporteMC = ImporteConMascara(l.dImporte.aDouble() * nueva, mascaraMC);
-    };
-    recalcular(linea);
-    if (respuesta != ServicioMensajes::Respuesta::Cancelar) {
-        for (int r = cabezal + 1; r <= m_asientos.UltimaFilaAsiento(cabezal); ++r) {
-            if (r == m_filaEdicion || m_asientos.EsFilaDiferencia(r))
-                continue;
-            RegistroLinea x = m_asientos.LineaDeFila(r);
-            if (x.iMon != linea.iMon)
-                continue;
-            recalcular(x);
-            x.ACuOrden = qint16(CampoDeClave(m_grilla.Dato(r, 1).toString(), 4));
-            m_asientos.FilaLineaAsiento(r, x);
-        }
-        m_pendiente = true;
-    }
-    return true;
-}
-
 void SesionEdicion::AceptarLinea()
 {
     CabezalAsiento &c = m_asientos.Cabezal;
@@ -353,8 +287,8 @@ void SesionEdicion::AceptarLinea()
         return;
     }
     for (RegistroLinea &l : lineas)
-        if (!reglaTasas(l))
-            return;
+        if (UnificacionTasa(m_datos, m_asientos, m_vista, m_comandos).ReglaTasas(l, m_filaEdicion))
+            m_pendiente = true;
 
     // The line goes into the grid; the header row takes the header fields.
     m_grilla.FijarRedibujar(false);

@@ -69,7 +69,6 @@ private:
     void cargarLineaEnEditor(int fila);
     bool leerLibros();
     ValoresCabezal valoresDelCabezal(int cabezal);
-    bool reglaTasas(RegistroLinea &linea);
     void escribirLinea(int fila, const RegistroLinea &linea);
     void terminarEdicion(bool recargar);
     bool guardarCabezalCambiado();

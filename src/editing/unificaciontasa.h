@@ -1,5 +1,7 @@
 #pragma once
 
+#include "entries/modeloasiento.h"
+
 #include <QtGlobal>
 
 class AsientosGrilla;
@@ -25,6 +27,14 @@ public:
     // kept only as incomplete, after question 1958 (No: nothing changes). Throws
     // ErrorBaseDatos when the write fails.
     bool AplicarTC(bool bMonedaCuenta, double tasa, qint16 moneda);
+
+    // A line typed at a rate other than the one the entry already uses for its currency: the
+    // user keeps the typed rate for every line of that currency (Sí), takes the average over
+    // them (No) or keeps the entry's (Cancelar, only this line changes); then the
+    // accounting-currency amounts or, after question 1833, the foreign ones are worked out
+    // again. The line at filaEdicion is the one being typed. True when other lines of the
+    // grid changed.
+    bool ReglaTasas(RegistroLinea &linea, int filaEdicion);
 
 private:
     DatosDocumento &m_datos;
