@@ -391,7 +391,7 @@ bool ComandosAsiento::PuedeModificarApertura()
 {
     AsientoDatos datos = NuevoAsientoDatos();
     const CabezalAsiento &c = m_asientos.Cabezal;
-    const int estado = datos.EstadoApertura(c.AsiID, c.AsiFechaAsiento, m_datos.idEmpresa(), m_datos.empresa.monedaContabilidad);
+    const int estado = datos.EstadoApertura(c.AsiFechaAsiento, m_datos.idEmpresa());
     if (estado == 1) {
         m_datos.mensajes->MostrarError(m_datos.texto(1829), m_datos.texto(1000), QString());
         return false;
@@ -485,7 +485,7 @@ void ComandosAsiento::EliminarAsiento(bool porFila)
             m_grilla.QuitarFilas(cabezal, m_asientos.UltimaFilaAsiento(cabezal) - cabezal + 1);
         } else {
             AsientoDatos datos = NuevoAsientoDatos();
-            const QString ids = datos.EnviarPapelera(c.AsiID, m_datos.empresa.monedaContabilidad, c.AsiFechaModificado);
+            const QString ids = datos.EnviarPapelera(c.AsiID, c.AsiFechaModificado);
             m_grilla.FijarRedibujar(false);
             for (const QString &id : ids.split(QLatin1Char(','), Qt::SkipEmptyParts))
                 m_asientos.QuitarAsientoDeGrilla(id.toInt());

@@ -193,7 +193,7 @@ bool ComandosRestauracion::Deshacer()
         bool hecho = false;
         if (e->antes.isEmpty()) {
             // The write made the entry: undoing it sends the entry to the trash.
-            hecho = !datos.EnviarPapelera(e->asiID, m_datos.empresa.monedaContabilidad, sello).isEmpty();
+            hecho = !datos.EnviarPapelera(e->asiID, sello).isEmpty();
         } else {
             hecho = datos.RestaurarVersion(e->asiID, e->antes, sello, true);
         }

@@ -467,9 +467,8 @@ qint32 AsientoDatos::GrabarTodo()
     return id;
 }
 
-QString AsientoDatos::EnviarPapelera(qint32 asiID, qint16 monedaContabilidad, const QDateTime &selloLeido)
+QString AsientoDatos::EnviarPapelera(qint32 asiID, const QDateTime &selloLeido)
 {
-    Q_UNUSED(monedaContabilidad)
     m_resultado = Resultado::Bien;
     QStringList cambiados;
     try {
@@ -597,10 +596,8 @@ bool AsientoDatos::EliminarDefinitivo(qint32 asiID, const QDateTime &selloLeido)
     return true;
 }
 
-int AsientoDatos::EstadoApertura(qint32 asiID, const QDate &fecha, qint32 empresa, qint16 monedaContabilidad)
+int AsientoDatos::EstadoApertura(const QDate &fecha, qint32 empresa)
 {
-    Q_UNUSED(asiID)
-    Q_UNUSED(monedaContabilidad)
     auto posteriores = [&](qint16 libro) {
         if (libro == 0)
             return false;

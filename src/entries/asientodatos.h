@@ -137,7 +137,7 @@ public:
     // yearly-opening book takes with it the closing entries of the day before it (the
     // closing of the year it opens): they belong together. Answers the ids changed, joined
     // by ","; empty when none (stamp changed, or no such entry).
-    QString EnviarPapelera(qint32 asiID, qint16 monedaContabilidad, const QDateTime &sello);
+    QString EnviarPapelera(qint32 asiID, const QDateTime &sello);
     // Writes a version of the entry as the history keeps it (header and lines) back over the
     // stored entry, when it still carries the stamp read: a write like any other, under the
     // same rules, refused besides when an account is closed at the version's date
@@ -147,9 +147,10 @@ public:
     // Deletes header and lines for good, in one transaction, when the entry still carries
     // the stamp read (Modificado otherwise, and nothing is deleted).
     bool EliminarDefinitivo(qint32 asiID, const QDateTime &selloLeido);
-    // For the opening-balance entry: 1 when exchange-difference entries dated after it
-    // exist, 2 when a year closing after it exists, 0 when it may still change.
-    int EstadoApertura(qint32 asiID, const QDate &fecha, qint32 empresa, qint16 monedaContabilidad);
+    // For the opening-balance entry of a company, dated fecha: 1 when exchange-difference
+    // entries dated after it exist, 2 when a year closing after it exists, 0 when it may
+    // still change.
+    int EstadoApertura(const QDate &fecha, qint32 empresa);
 
     Resultado ultimoResultado() const { return m_resultado; }
     QString ultimoError() const { return m_error; }

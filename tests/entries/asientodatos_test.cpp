@@ -91,9 +91,9 @@ TEST_P(Datos, PapeleraConSelloYLosCierresDeLaApertura)
     AsientoDatos a(d.conexion(), libros);
     const qint32 id = nuevo(a);
     const QDateTime sello = a.Cabezal().FechaModificado;
-    EXPECT_EQ(a.EnviarPapelera(id, 1, sello.addMSecs(-1)), QString()); // someone saved since
+    EXPECT_EQ(a.EnviarPapelera(id, sello.addMSecs(-1)), QString()); // someone saved since
     EXPECT_EQ(a.ultimoResultado(), AsientoDatos::Resultado::Modificado);
-    EXPECT_EQ(a.EnviarPapelera(id, 1, sello), QString::number(id));
+    EXPECT_EQ(a.EnviarPapelera(id, sello), QString::number(id));
     EXPECT_EQ(contar(QStringLiteral("Select AsiEstado From cceAsientos Where AsiID = %1").arg(id)), 9);
 
     // The opening takes the closing of the day before it along, not an older one.
@@ -103,14 +103,14 @@ TEST_P(Datos, PapeleraConSelloYLosCierresDeLaApertura)
     const qint32 apertura = d.Asiento(QDate(2026, 1, 1), 1, lineas, QStringLiteral("Apertura"), 91);
     AsientoDatos ap(d.conexion(), libros);
     ASSERT_TRUE(ap.CargarAsiento(apertura));
-    EXPECT_EQ(ap.EnviarPapelera(apertura, 1, ap.Cabezal().FechaModificado), QStringLiteral("%1,%2").arg(apertura).arg(cierre));
+    EXPECT_EQ(ap.EnviarPapelera(apertura, ap.Cabezal().FechaModificado), QStringLiteral("%1,%2").arg(apertura).arg(cierre));
     EXPECT_EQ(contar(QStringLiteral("Select AsiEstado From cceAsientos Where AsiID = %1").arg(otroCierre)), 1);
 
     // The opening-balance entry: later exchange differences (1), or a later closing (2).
-    EXPECT_EQ(ap.EstadoApertura(apertura, QDate(2024, 1, 1), 1, 1), 2);
+    EXPECT_EQ(ap.EstadoApertura(QDate(2024, 1, 1), 1), 2);
     d.Asiento(QDate(2024, 3, 1), 1, lineas, QStringLiteral("ADC"), 93);
-    EXPECT_EQ(ap.EstadoApertura(apertura, QDate(2024, 1, 1), 1, 1), 1);
-    EXPECT_EQ(ap.EstadoApertura(apertura, QDate(2026, 6, 1), 1, 1), 0);
+    EXPECT_EQ(ap.EstadoApertura(QDate(2024, 1, 1), 1), 1);
+    EXPECT_EQ(ap.EstadoApertura(QDate(2026, 6, 1), 1), 0);
 }
 
 TEST_P(Datos, EliminarDefinitivoBorraCabezalYLineas)
@@ -242,7 +242,7 @@ TEST_P(Datos, UnSoloAsientoDeAperturaPorEmpresa)
     EXPECT_TRUE(a.Grabar()) << a.ultimoError().toStdString();
     EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientos Where AsiTipo = 94 And AsiEstado <> 9")), 1);
 
-    EXPECT_FALSE(a.EnviarPapelera(primero, 1, a.Cabezal().FechaModificado).isEmpty());
+    EXPECT_FALSE(a.EnviarPapelera(primero, a.Cabezal().FechaModificado).isEmpty());
     EXPECT_GT(escribir(kApertura, 1), 0);
 }
 

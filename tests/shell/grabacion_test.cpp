@@ -514,7 +514,7 @@ TEST_P(Grabacion, UnAsientoQueOtroEnvioALaPapeleraSaleDeLaGrilla)
     ASSERT_GT(doc->FilaDeAsiento(id), 0);
     AsientoDatos otro(m_base.conexion());
     ASSERT_TRUE(otro.CargarAsiento(id));
-    ASSERT_FALSE(otro.EnviarPapelera(id, 1, otro.Cabezal().FechaModificado).isEmpty());
+    ASSERT_FALSE(otro.EnviarPapelera(id, otro.Cabezal().FechaModificado).isEmpty());
     const int filas = doc->grilla().Filas();
     doc->comandos().RecargarAsiento(id, doc->FilaDeAsiento(id));
     EXPECT_EQ(doc->FilaDeAsiento(id), -1);

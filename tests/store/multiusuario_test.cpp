@@ -220,10 +220,10 @@ TEST_P(Multiusuario, CadaEscrituraDejaUnaFilaDeHistorial)
     EXPECT_FALSE(viejo.Grabar());
     EXPECT_EQ(viejo.GrabarTodo(), 0);
     EXPECT_EQ(viejo.ultimoResultado(), Resultado::Modificado);
-    EXPECT_EQ(viejo.EnviarPapelera(id, 1, viejo.Cabezal().FechaModificado), QString());
+    EXPECT_EQ(viejo.EnviarPapelera(id, viejo.Cabezal().FechaModificado), QString());
     EXPECT_EQ(filasHistorial(c, id), 4);
 
-    EXPECT_EQ(a.EnviarPapelera(id, 1, a.Cabezal().FechaModificado), QString::number(id));
+    EXPECT_EQ(a.EnviarPapelera(id, a.Cabezal().FechaModificado), QString::number(id));
     EXPECT_FALSE(viejo.EliminarDefinitivo(id, viejo.Cabezal().FechaModificado));
     ASSERT_TRUE(a.EliminarDefinitivo(id, a.Cabezal().FechaModificado));
 
