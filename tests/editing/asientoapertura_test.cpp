@@ -266,6 +266,24 @@ TEST_P(Apertura, SinLeerLosAsientosQuedaLaUltimaRespuestaYSeDiceSiSePide)
     EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("error: 1930")});
 }
 
+// A write the database fails is told with 1930 and its detail, and leaves nothing written.
+TEST_P(Apertura, UnaEscrituraFallidaSeDiceConSuDetalle)
+{
+    const QString cerradas = QStringLiteral("Select Count(*) From cceCuentas Where CueFechaCerrada Is Not Null");
+    const int antes = m_base.Valor(cerradas).toInt();
+    ASSERT_GT(antes, 0);
+    m_base.conexion().Ejecutar(QStringLiteral("Alter Table cceAsientosHistorial Rename To historialAparte"));
+    m_mensajes.Responder(R::Si); // make it
+    m_mensajes.Responder(R::Si); // and open the closed accounts
+    m_apertura.MnuEdiAPA();
+    ASSERT_EQ(m_mensajes.mostrados.size(), 3);
+    EXPECT_EQ(m_mensajes.mostrados[2], QStringLiteral("error: 1930"));
+    EXPECT_TRUE(m_mensajes.detalles.value(0).contains(QStringLiteral("cceAsientosHistorial"), Qt::CaseInsensitive))
+        << m_mensajes.detalles.value(0).toStdString();
+    EXPECT_TRUE(aperturas().isEmpty());
+    EXPECT_EQ(m_base.Valor(cerradas).toInt(), antes);
+}
+
 TEST_P(Apertura, SinSaldosNoSeHaceNada1855)
 {
     ejecutar(QStringLiteral("Update cceCuentas Set CueFechaCerrada = Null, CueSaldo = 0, CueSaldoMConta = 0"));
