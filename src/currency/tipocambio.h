@@ -32,7 +32,7 @@ QString SqlMonedasCruzadas(qint16 a, qint16 b);
 // the date searched on when none was found; the empty date is today by the connection's
 // clock. hallada, when given, tells whether a quotation was found (false: the 1 is no rate
 // at all). A failure to read the quotations is answered (1929, with the database's detail)
-// and leaves tasa as it was.
+// and leaves tasa as it was; dFechaCotizacion then holds no date to rely on.
 [[nodiscard]] std::optional<Fallo> BuscarTipoCambio(Conexion &conexion, qint16 iMonedaOrigen, qint16 iMonedaDestino,
                                                     qint16 iTipoCotizacion, const QDate &dFecha, QDate &dFechaCotizacion,
                                                     const ReglasCotizacion &reglas, Importe &tasa, bool *hallada = nullptr);

@@ -35,7 +35,7 @@ bool AsientoApertura::ActualizarExisteApertura(bool decirFallo)
         // Unknown: the banner stays as it is, and a command that needs to know fails on its
         // own reads and says so; the start of the document says it at once.
         if (decirFallo)
-            m_datos.MostrarFallo(FalloDe(1930, e));
+            m_datos.MostrarFallo(FalloDe(1906, e));
         return m_existe;
     }
     if (existe != m_existe || sinTerminar != m_sinTerminar || !m_dicho) {
@@ -91,6 +91,7 @@ void AsientoApertura::MostrarAsiento(qint32 asiID)
 // Values at the quotation of the opening-balance date the foreign balances stored without
 // their value in the accounting currency. False, after naming the account, when a currency
 // has no quotation for that date: a balance is never booked at a rate of 1 it does not have.
+// False too, after telling it (1929), when the quotations cannot be read.
 bool AsientoApertura::valorarSaldosExtranjeros(QVector<LineaDatos> &lineas, const QVector<qint16> &monedas)
 {
     const qint16 mc = m_datos.empresa.monedaContabilidad;

@@ -21,7 +21,7 @@ public:
 
     // Reads again whether the entry exists, and tells alCambiar when the answer changed
     // (or was never told). When it cannot be read, the last answer stands, and with
-    // decirFallo the failure is told (1930).
+    // decirFallo the failure is told (1906, as a failed read of what entry input needs).
     bool ActualizarExisteApertura(bool decirFallo = false);
     bool ExisteAsientoApertura() const { return m_existe; }
     // Whether, without one, an entry of the opening-balance book was made and not finished
@@ -44,7 +44,7 @@ public:
     // date are opened first, after the user agrees. Answers the new entry's id; 0 when none
     // was made (1835 it exists already; 1855 no account has a balance; 1959 a foreign
     // balance stored without its accounting-currency value and no quotation to value it;
-    // the user declined). A foreign balance without that value is valued at the quotation
+    // 1929 the quotations could not be read; the user declined). A foreign balance without that value is valued at the quotation
     // of the opening-balance date.
     qint32 HacerAsientoApertura();
     // With accounts to open, asks (OK/Cancel) to open them; true when there is nothing to

@@ -2,18 +2,12 @@
 
 #include "frecuentesdeasiento.h"
 
-#include "currency/catalogomonedas.h"
-#include "currency/mascara.h"
-#include "entries/frecuentesdatos.h"
 #include "entries/vistas.h"
-#include "services/ocupado.h"
 #include "services/serviciomensajes.h"
-#include "store/valoressql.h"
 
 #include <QStringList>
 
 #include <algorithm>
-#include <cmath>
 
 ComandosAsiento::ComandosAsiento(DatosDocumento &datos, AsientosGrilla &asientos, PantallaAsientos &pantalla)
     : m_datos(datos)

@@ -16,8 +16,9 @@
 // copying, hiding, and the writes of the edited entry. They work on the grid's entries and
 // the store, ask and tell through the message service, and open no window. A command acts
 // on the entry of the screen's current row and leaves the grid's current entry
-// (AsientosGrilla::Cabezal) reset, except the writes of the edited entry, which work on it. A database failure is told with the command's catalogue
-// text and its detail; nothing is left half-written.
+// (AsientosGrilla::Cabezal) reset, except the writes of the edited entry, which work on it.
+// A database failure is told with the command's catalogue text and its detail; nothing is
+// left half-written.
 class ComandosAsiento
 {
 public:
@@ -28,7 +29,8 @@ public:
     // stored. Refused: changed by someone else (1820), a closed account (1811).
     void RegistrarAsiento();
     // Registers every entry of the grid in state estadoOrigen that is not in the future;
-    // 1822 when some could not be.
+    // 1822 when some were refused. A failure of the database stops the run (1913, with its
+    // detail); what was registered before it stays.
     void RegistrarListados(qint16 estadoOrigen);
     // Writes the current entry's header values over the stored entry. False when refused
     // (1813 a date across a closed account, whose stored values then come back; 1820) or

@@ -3,9 +3,7 @@
 #include "frecuentesdeasiento.h"
 #include "unificaciontasa.h"
 
-#include "currency/catalogomonedas.h"
 #include "currency/importe.h"
-#include "currency/mascara.h"
 #include "entries/vistas.h"
 #include "services/serviciomensajes.h"
 

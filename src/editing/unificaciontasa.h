@@ -32,8 +32,8 @@ public:
     // user keeps the typed rate for every line of that currency (Sí), takes the average over
     // them (No) or keeps the entry's (Cancelar, only this line changes); then the
     // accounting-currency amounts or, after question 1833, the foreign ones are worked out
-    // again. The line at filaEdicion is the one being typed. True when other lines of the
-    // grid changed.
+    // again. The line at filaEdicion is the one being typed. True when the typed or the
+    // average rate was taken for the entry's lines (the entry then has changes to store).
     bool ReglaTasas(RegistroLinea &linea, int filaEdicion);
 
 private:

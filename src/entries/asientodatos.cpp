@@ -191,7 +191,7 @@ bool AsientoDatos::leyendaAdmitida()
 {
     if (m_cabezal.Leyenda.size() <= kLargoLeyenda)
         return true;
-    return fallar(Resultado::ErrorBase, QStringLiteral("La leyenda tiene %1 caracteres y se admiten hasta %2; no se grabó nada.")
+    return fallar(Resultado::LeyendaLarga, QStringLiteral("La leyenda tiene %1 caracteres y se admiten hasta %2; no se grabó nada.")
                                             .arg(m_cabezal.Leyenda.size()).arg(kLargoLeyenda));
 }
 
@@ -211,6 +211,7 @@ int AsientoDatos::ultimoNumero() const
     case Resultado::Bien:
     case Resultado::NoExiste:
     case Resultado::ErrorBase:
+    case Resultado::LeyendaLarga: // told with the command's own text and the detail
         break;
     }
     return 0;

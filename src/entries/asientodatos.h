@@ -99,7 +99,7 @@ class CatalogoMonedas;
 class AsientoDatos
 {
 public:
-    enum class Resultado { Bien, Modificado, NoExiste, ErrorBase, Descuadrado, AperturaDuplicada, FueraDeRango, CuentaCerrada };
+    enum class Resultado { Bien, Modificado, NoExiste, ErrorBase, Descuadrado, AperturaDuplicada, FueraDeRango, CuentaCerrada, LeyendaLarga };
 
     AsientoDatos() = default;
     explicit AsientoDatos(Conexion &conexion, const LibrosSistema &libros = {});

@@ -14,7 +14,6 @@
 #include <QComboBox>
 #include <QLineEdit>
 
-
 namespace {
 
 // Restores the normal pointer however the lookup ends.

@@ -93,7 +93,7 @@ void lumERAsiento::BuscarTasa()
     // is accounting units per unit of the foreign currency (the entry's rate for it).
     double r = 0;
     if (cTC == 0) {
-        r = m_ctx.conexion ? cotizacion(a, b) : 1.0;
+        r = m_ctx.conexion ? cotizacion(a, b, true) : 1.0;
     } else {
         r = a != mc ? cTC : 1 / cTC;
     }
@@ -101,15 +101,17 @@ void lumERAsiento::BuscarTasa()
     Recalcular(2);
 }
 
-// The quotation of a pair on the entry's date. A failure to read it is told and answers 0,
-// which leaves the rate to be typed rather than a 1 that looks like a rate.
-double lumERAsiento::cotizacion(qint16 origen, qint16 destino)
+// The quotation of a pair on the entry's date. A failure to read it answers 0, which leaves
+// the rate to be typed rather than a 1 that looks like a rate, and with decir it is told.
+// The line's values are read several times for one Enter: only the rate shown when the
+// account or currency is chosen tells it, once.
+double lumERAsiento::cotizacion(qint16 origen, qint16 destino, bool decir)
 {
     QDate fecha;
     Importe tasa;
     if (const auto fallo = BuscarTipoCambio(*m_ctx.conexion, origen, destino, m_ctx.tipoTCComprobantes, m_fechaAsiento, fecha,
                                             m_ctx.reglas, tasa)) {
-        if (m_ctx.mensajes)
+        if (decir && m_ctx.mensajes)
             m_ctx.mensajes->MostrarError(m_ctx.texto ? m_ctx.texto(fallo->numeroTexto) : QString(), QString(), fallo->detalle);
         return 0;
     }
@@ -274,7 +276,7 @@ ValorLinea lumERAsiento::valorDe(const CuentaLinea &c)
     const Importe importeMC = s == mc ? ImporteCta() : ImporteMC();
     v.dImporteMC = importeMC;
     if (s != c.iMon && b != c.iMon) {
-        const double r = m_ctx.conexion ? cotizacion(c.iMon, mc) : 1.0;
+        const double r = m_ctx.conexion ? cotizacion(c.iMon, mc, false) : 1.0;
         v.dImporte = r != 0 ? ImporteConMascara(importeMC.aDouble() / r, mascaraImporte(c.iMon)) : Importe();
         v.dTCambio = v.dImporte.esCero() ? 0 : RedondearConMascara(importeMC.aDouble() / v.dImporte.aDouble(), mascaraTasa(c.iMon));
         return v;

@@ -141,7 +141,7 @@ private:
     // rates: one below 1 as its reciprocal with "/"; sets the masks and the headings.
     void MostrarTasa(double r, qint16 s, qint16 b);
     ValorLinea valorDe(const CuentaLinea &c);
-    double cotizacion(qint16 origen, qint16 destino);
+    double cotizacion(qint16 origen, qint16 destino, bool decir);
 
     void acomodar();
     void alFoco(int codigo);

@@ -162,6 +162,11 @@ TEST_P(ExportarDesdeLinea, PedidosMalosSeRechazanSinEscribir)
         EXPECT_EQ(s.estado, c.estado);
         EXPECT_TRUE(s.errores.contains(QString::fromUtf8(c.mensaje))) << s.errores.toStdString();
     }
+    // Currencies that cannot be read stop the export: amounts are never written without them.
+    m_base.conexion().Ejecutar(QStringLiteral("Alter Table genMonedas Rename Column MonRedondeo To MonOtro"));
+    const Salida s = correr(ruta("x.csv"), {QStringLiteral("--mes"), mes});
+    EXPECT_EQ(s.estado, 1);
+    EXPECT_TRUE(s.errores.contains(QStringLiteral("Error al obtener los parámetros para el ingreso de asientos."))) << s.errores.toStdString();
     EXPECT_EQ(QDir(m_carpeta.path()).entryList(QDir::Files | QDir::Hidden), QStringList{});
     EXPECT_FALSE(QFileInfo::exists(ruta("no")));
 }

@@ -263,7 +263,7 @@ TEST_P(Apertura, SinLeerLosAsientosQuedaLaUltimaRespuestaYSeDiceSiSePide)
     EXPECT_TRUE(m_apertura.ActualizarExisteApertura());
     EXPECT_TRUE(m_mensajes.mostrados.isEmpty());
     EXPECT_TRUE(m_apertura.ActualizarExisteApertura(true));
-    EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("error: 1930")});
+    EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("error: 1906")});
 }
 
 // A write the database fails is told with 1930 and its detail, and leaves nothing written.
