@@ -213,6 +213,10 @@ void lumERAsiento::ConfirmarLinea()
         return Advertir(1851, ocImporte);
     if (ocTCambio->isEnabled() && !ocTCambio->EsNumeroValido())
         return Advertir(1851, ocTCambio);
+    // A foreign amount needs its rate: with none (the quotations could not be read, say) the
+    // line would be worth nothing in the books.
+    if (ocTCambio->isEnabled() && !(ocTCambio->Valor() > 0) && ocImporte->Valor() != 0)
+        return Advertir(1851, ocTCambio);
 
     // Each value must be kept to the ten-thousandth, as typed.
     const std::pair<CampoCalculadora *, bool> tamanos[] = {

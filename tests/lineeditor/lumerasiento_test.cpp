@@ -182,6 +182,14 @@ TEST_F(EditorDeLinea, CotizacionesIlegiblesSeDicenYNoDanTasa)
     EXPECT_TRUE(m_mensajes.mostrados[0].startsWith(QStringLiteral("error")));
     EXPECT_TRUE(m_mensajes.detalles[0].contains(QStringLiteral("genCotizacionesMoneda"), Qt::CaseInsensitive))
         << m_mensajes.detalles[0].toStdString();
+    // Without a rate the line is not accepted; with one typed it is.
+    escribir(campo(lumERAsiento::kImporte), QStringLiteral("100"));
+    EXPECT_EQ(m_aceptadas, 0);
+    EXPECT_EQ(m_mensajes.mostrados.value(1), QStringLiteral("advertencia: 1851"));
+    escribir(campo(lumERAsiento::kTCambio), QStringLiteral("40"));
+    escribir(campo(lumERAsiento::kImporte), QStringLiteral("100"));
+    EXPECT_EQ(m_aceptadas, 1) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
+    EXPECT_EQ(m_editor->GetValorCuentaHaber().dImporteMC, Importe::DesdeDouble(4000));
 }
 
 TEST_F(EditorDeLinea, CuentasRechazadas)
