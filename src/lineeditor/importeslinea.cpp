@@ -186,7 +186,10 @@ void lumERAsiento::Recalcular(int cambiado)
     const double importe = ocImporte->Valor();
     const double tasa = ocTCambio->Valor();
     const double convertido = ocImporteMC->Valor();
+    // The other amount is worked out from this one as its currency keeps it: 100.555 dollars
+    // are 100.56, and so many pesos, never the pesos of a fraction of a cent that is not stored.
     auto porTasa = [&](double n) {
+        n = ImporteConMascara(n, mascaraImporte(MonedaCombo())).aDouble();
         if (divide) {
             if (tasa != 0)
                 ocImporteMC->FijarValor(n / tasa);

@@ -169,6 +169,19 @@ TEST_F(EditorDeLinea, TasaDeUnaLineaEnMonedaExtranjera)
     }
 }
 
+// An amount typed past its currency's cents is valued as the line keeps it.
+TEST_F(EditorDeLinea, ElImporteConMasDecimalesSeValuaComoSeGuarda)
+{
+    m_editor->InitRegistro();
+    escribir(haber(), QStringLiteral("1.1.02"));
+    ASSERT_DOUBLE_EQ(m_editor->ImporteTC(), 40);
+    escribir(campo(lumERAsiento::kImporte), QStringLiteral("100") + campo(lumERAsiento::kImporte)->locale().decimalPoint() + QStringLiteral("555"));
+    // The dollars are rounded to the cent where the line is stored; the pesos already are.
+    const ValorLinea v = m_editor->GetValorCuentaHaber();
+    EXPECT_EQ(v.dImporteMC, Importe::DesdeDouble(4022.40));
+    EXPECT_DOUBLE_EQ(v.dTCambio, 40);
+}
+
 // Quotations that cannot be read are told, and the rate is left to be typed: not a 1 that
 // would price a dollar at a peso.
 TEST_F(EditorDeLinea, CotizacionesIlegiblesSeDicenYNoDanTasa)
