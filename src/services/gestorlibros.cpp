@@ -83,18 +83,33 @@ Libros::Resultado Libros::Renombrar(qint16 codigo, const QString &nombre)
     }
 }
 
+// Entries in the trash still name their book: it stays while any entry does.
+Libros::Resultado Libros::eliminable(qint16 codigo)
+{
+    if (const Resultado r = modificable(codigo); r != Resultado::Bien)
+        return r;
+    auto rs = m_conexion.Abrir(QStringLiteral("Select Count(*) From cceAsientos Where AsiTipo = ?"), {codigo});
+    const bool enUso = QVariant(rs->Campo(0)).toInt() > 0;
+    rs->Cerrar();
+    return enUso ? Resultado::EnUso : Resultado::Bien;
+}
+
+Libros::Resultado Libros::PuedeEliminar(qint16 codigo)
+{
+    try {
+        return eliminable(codigo);
+    } catch (const ErrorBaseDatos &e) {
+        m_error = DetalleError(e.numero(), e.descripcion());
+        return Resultado::ErrorBase;
+    }
+}
+
 Libros::Resultado Libros::Eliminar(qint16 codigo)
 {
     try {
-        if (const Resultado r = modificable(codigo); r != Resultado::Bien)
-            return r;
         Transaccion tx(m_conexion);
-        // Entries in the trash still name their book: it stays while any entry does.
-        auto rs = m_conexion.Abrir(QStringLiteral("Select Count(*) From cceAsientos Where AsiTipo = ?"), {codigo});
-        const bool enUso = QVariant(rs->Campo(0)).toInt() > 0;
-        rs->Cerrar();
-        if (enUso)
-            return Resultado::EnUso;
+        if (const Resultado r = eliminable(codigo); r != Resultado::Bien)
+            return r;
         m_conexion.Ejecutar(QStringLiteral("Delete From genLibros Where LibCodigo = ?"), {codigo});
         tx.Confirmar();
         return Resultado::Bien;
@@ -235,6 +250,11 @@ void GestorLibros::eliminar()
     const qint16 codigo = codigoActual();
     if (!i)
         return;
+    // A book that cannot go is said before asking whether it should.
+    if (const auto r = m_libros.PuedeEliminar(codigo); r != Libros::Resultado::Bien) {
+        avisar(r);
+        return;
+    }
     if (m_mensajes.Preguntar(QStringLiteral("¿Desea eliminar el libro «%1»?").arg(i->text(1)), ServicioMensajes::Botones::SiNo,
                              windowTitle())
         != ServicioMensajes::Respuesta::Si)

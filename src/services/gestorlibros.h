@@ -33,6 +33,8 @@ public:
     // Answers the new book's code in codigo.
     Resultado Agregar(const QString &nombre, qint16 &codigo);
     Resultado Renombrar(qint16 codigo, const QString &nombre);
+    // Whether the book may be removed, before the user is asked; Eliminar checks again.
+    Resultado PuedeEliminar(qint16 codigo);
     Resultado Eliminar(qint16 codigo);
     QString ultimoError() const { return m_error; }
 
@@ -42,6 +44,7 @@ public:
 private:
     Resultado validarNombre(const QString &nombre, qint16 salvo);
     Resultado modificable(qint16 codigo);
+    Resultado eliminable(qint16 codigo);
 
     Conexion &m_conexion;
     QString m_error;

@@ -98,6 +98,14 @@ TEST_P(GestionDeLibros, ElDialogoConSusTeclas)
     EXPECT_EQ(tecla(Qt::Key_F2, QStringLiteral("Otro")), 0);
     EXPECT_EQ(borrar(std::nullopt), 0);
 
+    // A book with entries is refused before the question.
+    for (int i = 0; i < lista->topLevelItemCount(); ++i)
+        if (lista->topLevelItem(i)->data(0, Qt::UserRole).toInt() == Demo::kLibroDiario)
+            lista->setCurrentItem(lista->topLevelItem(i));
+    mensajes.mostrados.clear();
+    EXPECT_EQ(borrar(std::nullopt), 1);
+    EXPECT_EQ(mensajes.mostrados, QStringList{QStringLiteral("advertencia: Hay asientos en este libro: no se puede eliminar.")});
+
     // The database fails the write: the error says why, and the list is read again.
     m_base.conexion().Ejecutar(QStringLiteral("Alter Table genLibros Rename Column LibNombre To LibOtro"));
     mensajes.mostrados.clear();
