@@ -77,8 +77,12 @@ void UnificacionTasa::UnificarTC(bool bMonedaCuenta)
         double tasa = propuesta;
         if (m_datos.mensajes->PedirNumero(m_datos.texto(1111), m_datos.texto(1112), tasa) && tasa > 0) {
             tasa = RedondearConMascara(tasa, mascara);
-            if (tasa > 0)
+            if (tasa > 0) {
                 AplicarTC(bMonedaCuenta, divide ? 1 / tasa : tasa, moneda);
+                // The entry was read again in place: the row the user was on stays current.
+                if (fila < m_grilla.Filas())
+                    m_pantalla.SeleccionarFila(fila);
+            }
         }
     } catch (const ErrorBaseDatos &e) {
         m_datos.Error(1934, DetalleError(e.numero(), e.descripcion()));

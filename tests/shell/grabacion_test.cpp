@@ -335,6 +335,7 @@ TEST_P(Grabacion, UnificarLaTasaDeLosDolares)
     doc->grid()->FijarFilaActual(doc->FilaDeAsiento(id) + 1);
     m_mensajes.ResponderNumero(41);
     doc->unificacionTasa().UnificarTC(false);
+    EXPECT_EQ(doc->grid()->FilaActual(), doc->FilaDeAsiento(id) + 1); // still on the line it was on
     EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientoCuenta Where ACuIDAsiento = %1 And ACuImporteMC = 4100").arg(id)), 2);
     EXPECT_EQ(m_mensajes.mostrados.size(), 2) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
 
