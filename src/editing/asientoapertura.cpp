@@ -95,10 +95,7 @@ void AsientoApertura::MostrarAsiento(qint32 asiID)
 bool AsientoApertura::valorarSaldosExtranjeros(QVector<LineaDatos> &lineas, const QVector<qint16> &monedas)
 {
     const qint16 mc = m_datos.empresa.monedaContabilidad;
-    ReglasCotizacion reglas;
-    reglas.delimitador = m_datos.parametros().delimitadorFecha;
-    reglas.patronFecha = m_datos.parametros().formatoFecha;
-    reglas.fechaCotizacion = m_datos.empresa.fechaCotizacion;
+    const ReglasCotizacion reglas = m_datos.reglasCotizacion();
     const QString mascaraMC = m_datos.monedas().DatoMoneda(0, 4).toString();
     for (int i = 0; i < lineas.size(); ++i) {
         LineaDatos &l = lineas[i];

@@ -35,6 +35,15 @@ bool DatosDocumento::Preguntar(int numero) const
     return mensajes->Preguntar(texto(numero), ServicioMensajes::Botones::SiNo) == ServicioMensajes::Respuesta::Si;
 }
 
+ReglasCotizacion DatosDocumento::reglasCotizacion() const
+{
+    ReglasCotizacion reglas;
+    reglas.delimitador = parametros().delimitadorFecha;
+    reglas.patronFecha = parametros().formatoFecha;
+    reglas.fechaCotizacion = empresa.fechaCotizacion;
+    return reglas;
+}
+
 void DatosDocumento::MostrarFallo(const Fallo &fallo) const
 {
     Error(fallo.numeroTexto, fallo.detalle);

@@ -2,6 +2,7 @@
 
 #include "editing/proceso.h"
 #include "editing/sesion.h"
+#include "currency/tipocambio.h"
 #include "entries/asientodatos.h"
 #include "store/fallo.h"
 
@@ -36,6 +37,9 @@ struct DatosDocumento
     const ParametrosSistema &parametros() const { return proceso->parametros; }
     CatalogoMonedas &monedas() const { return proceso->monedas; }
     qint32 idEmpresa() const { return proceso->IDEmpresa; }
+    // What a rate lookup needs of the session: the database's date literal and the company's
+    // quotation-date rule.
+    ReglasCotizacion reglasCotizacion() const;
     LibrosSistema librosSistema() const;
     // The books by name, the system books left out when asked; throws ErrorBaseDatos.
     QList<std::pair<QString, qint16>> LeerLibros(bool excluirSistema) const;

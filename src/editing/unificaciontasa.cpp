@@ -7,6 +7,8 @@
 #include "currency/tipocambio.h"
 #include "services/serviciomensajes.h"
 
+#include <QScopeGuard>
+
 #include <optional>
 
 UnificacionTasa::UnificacionTasa(DatosDocumento &datos, AsientosGrilla &asientos, PantallaAsientos &pantalla,
@@ -36,10 +38,9 @@ void UnificacionTasa::UnificarTC(bool bMonedaCuenta)
         if (moneda == mc || moneda < 1)
             return;
         m_asientos.TomarAsientoDeFila(cabezal);
-        ReglasCotizacion reglas;
-        reglas.delimitador = m_datos.parametros().delimitadorFecha;
-        reglas.patronFecha = m_datos.parametros().formatoFecha;
-        reglas.fechaCotizacion = m_datos.empresa.fechaCotizacion;
+        // Every way out from here leaves the grid's current entry reset.
+        const auto reset = qScopeGuard([this] { m_asientos.ResetCabezal(); });
+        const ReglasCotizacion reglas = m_datos.reglasCotizacion();
         // The quotation of a pair on the entry's date; none after a failure to read it was told.
         auto cotizacion = [&](qint16 origen, qint16 destino) -> std::optional<double> {
             QDate fechaCotizacion;
@@ -52,10 +53,8 @@ void UnificacionTasa::UnificarTC(bool bMonedaCuenta)
             return tasa.aDouble();
         };
         const std::optional<double> leida = bMonedaCuenta ? cotizacion(mc, moneda) : cotizacion(moneda, mc);
-        if (!leida) {
-            m_asientos.ResetCabezal();
+        if (!leida)
             return;
-        }
         double propuesta = *leida;
         if (propuesta > 0 && propuesta < 1)
             propuesta = 1 / propuesta;
@@ -67,10 +66,8 @@ void UnificacionTasa::UnificarTC(bool bMonedaCuenta)
         double factor = m_asientos.BuscarTCMonedaCuenta(moneda);
         if (factor <= 0) {
             const std::optional<double> directa = bMonedaCuenta ? cotizacion(moneda, mc) : leida;
-            if (!directa) {
-                m_asientos.ResetCabezal();
+            if (!directa)
                 return;
-            }
             factor = *directa;
         }
         const bool divide = factor > 0 && factor < 1;
@@ -87,7 +84,6 @@ void UnificacionTasa::UnificarTC(bool bMonedaCuenta)
     } catch (const ErrorBaseDatos &e) {
         m_datos.Error(1934, DetalleError(e.numero(), e.descripcion()));
     }
-    m_asientos.ResetCabezal();
 }
 
 bool UnificacionTasa::AplicarTC(bool bMonedaCuenta, double tasa, qint16 moneda)

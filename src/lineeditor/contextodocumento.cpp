@@ -13,9 +13,7 @@ ContextoLinea ContextoDeDocumento(const DatosDocumento &datos, ServicioBusquedaC
     c.monedaContabilidad = datos.empresa.monedaContabilidad;
     c.mostrarCodigoCta = datos.empresa.mostrarCodigoCta;
     c.tipoTCComprobantes = datos.empresa.tipoTCComprobantes;
-    c.reglas.delimitador = datos.parametros().delimitadorFecha;
-    c.reglas.patronFecha = datos.parametros().formatoFecha;
-    c.reglas.fechaCotizacion = datos.empresa.fechaCotizacion;
+    c.reglas = datos.reglasCotizacion();
     c.texto = datos.texto;
     return c;
 }

@@ -130,11 +130,16 @@ bool lumERAsiento::BuscarCuenta(const QString &texto, bool bEsAlDebe)
     } catch (const ErrorBaseDatos &e) {
         bool habilitado = true;
         emit EnabledContenedor(&habilitado);
-        if (m_ctx.mensajes)
-            m_ctx.mensajes->MostrarError(m_ctx.texto ? m_ctx.texto(1853) : QString(), QString(),
-                                         DetalleError(e.numero(), e.descripcion()));
+        decirFallo(FalloDe(1853, e));
         return false;
     }
+}
+
+// A failure the line cannot get past: its catalogue text and the database's detail.
+void lumERAsiento::decirFallo(const Fallo &fallo)
+{
+    if (m_ctx.mensajes)
+        m_ctx.mensajes->MostrarError(m_ctx.texto ? m_ctx.texto(fallo.numeroTexto) : QString(), QString(), fallo.detalle);
 }
 
 void lumERAsiento::EnterEnCuenta(bool bEsAlDebe)

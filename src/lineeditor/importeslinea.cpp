@@ -111,8 +111,8 @@ double lumERAsiento::cotizacion(qint16 origen, qint16 destino, bool decir)
     Importe tasa;
     if (const auto fallo = BuscarTipoCambio(*m_ctx.conexion, origen, destino, m_ctx.tipoTCComprobantes, m_fechaAsiento, fecha,
                                             m_ctx.reglas, tasa)) {
-        if (decir && m_ctx.mensajes)
-            m_ctx.mensajes->MostrarError(m_ctx.texto ? m_ctx.texto(fallo->numeroTexto) : QString(), QString(), fallo->detalle);
+        if (decir)
+            decirFallo(*fallo);
         return 0;
     }
     return tasa.aDouble();

@@ -142,6 +142,7 @@ private:
     void MostrarTasa(double r, qint16 s, qint16 b);
     ValorLinea valorDe(const CuentaLinea &c);
     double cotizacion(qint16 origen, qint16 destino, bool decir);
+    void decirFallo(const Fallo &fallo);
 
     void acomodar();
     void alFoco(int codigo);
