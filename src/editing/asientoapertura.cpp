@@ -183,22 +183,18 @@ qint32 AsientoApertura::HacerAsientoApertura()
     Transaccion tx(*m_datos.conexion());
     if (!cerradas.isEmpty())
         saldos.AbrirCuentas(cerradas);
-    const qint32 id = cierra ? datos.GrabarApertura() : datos.GrabarTodo();
-    if (id <= 0) {
+    if (const auto fallo = cierra ? datos.GrabarApertura() : datos.GrabarTodo()) {
         // Another session made it meanwhile, or the store refused it: nothing was written.
-        if (datos.ultimoNumero() == 1837) {
+        if (fallo->numeroTexto == AsientoDatos::kAperturaDuplicada) {
             m_datos.Advertir(1835);
             ActualizarExisteApertura();
-            return 0;
+        } else {
+            m_comandos.DecirRechazo(*fallo, 1930);
         }
-        if (datos.ultimoNumero() != 0) {
-            m_datos.Error(datos.ultimoNumero());
-            return 0;
-        }
-        throw ErrorBaseDatos(datos.ultimoError());
+        return 0;
     }
     tx.Confirmar();
-    return id;
+    return d.AsiID;
 }
 
 void AsientoApertura::ConvertirApertura()
@@ -231,8 +227,10 @@ void AsientoApertura::ConvertirApertura()
                 return;
         }
         AsientoDatos datos = m_comandos.NuevoAsientoDatos();
-        if (!datos.CargarAsiento(c.AsiID))
-            throw ErrorBaseDatos(datos.ultimoError());
+        if (const auto fallo = datos.CargarAsiento(c.AsiID)) {
+            m_comandos.DecirRechazo(*fallo, 1933);
+            return;
+        }
         CabezalDatos &d = datos.Cabezal();
         if (d.FechaModificado != c.AsiFechaModificado) {
             m_datos.Error(1820);
@@ -276,10 +274,8 @@ void AsientoApertura::ConvertirApertura()
             }
             d.Libro = libro->second;
         }
-        if (!datos.Grabar(AsientoDatos::Sello::SegundosEnteros)) {
-            if (datos.ultimoNumero() == 0)
-                throw ErrorBaseDatos(datos.ultimoError());
-            m_datos.Error(datos.ultimoNumero());
+        if (const auto fallo = datos.Grabar(AsientoDatos::Sello::SegundosEnteros)) {
+            m_comandos.DecirRechazo(*fallo, 1933);
             ActualizarExisteApertura();
             return;
         }

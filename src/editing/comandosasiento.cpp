@@ -24,23 +24,12 @@ AsientoDatos ComandosAsiento::NuevoAsientoDatos() const
     return datos;
 }
 
-// The stored entry as it is now; a failure to read it is the command's error.
-AsientoDatos ComandosAsiento::AsientoGuardado(qint32 asiID) const
+void ComandosAsiento::DecirRechazo(const Fallo &fallo, int textoComando) const
 {
-    AsientoDatos datos = NuevoAsientoDatos();
-    if (!datos.CargarAsiento(asiID))
-        throw ErrorBaseDatos(datos.ultimoError());
-    return datos;
-}
-
-// Tells why the data service refused a write. A failure of the database is thrown, for the
-// command to tell with its own text and the detail.
-void ComandosAsiento::DecirRechazo(const AsientoDatos &datos) const
-{
-    const int numero = datos.ultimoNumero();
-    if (numero == 0)
-        throw ErrorBaseDatos(datos.ultimoError());
-    m_datos.Error(numero, numero == 1957 ? datos.ultimoError() : QString());
+    if (fallo.numeroTexto == 0)
+        m_datos.Error(textoComando, fallo.detalle);
+    else
+        m_datos.Error(fallo.numeroTexto, fallo.numeroTexto == AsientoDatos::kDescuadrado ? fallo.detalle : QString());
 }
 
 // The state a balanced entry is stored in when it becomes complete: registered, or a draft
@@ -121,7 +110,12 @@ void ComandosAsiento::RegistrarAsiento()
             }
             m_grilla.FijarRedibujar(false);
         }
-        AsientoDatos datos = AsientoGuardado(c.AsiID);
+        AsientoDatos datos = NuevoAsientoDatos();
+        if (const auto fallo = datos.CargarAsiento(c.AsiID)) {
+            DecirRechazo(*fallo, 1931);
+            terminar();
+            return;
+        }
         const bool eraInconcluso = c.AsiEstado == EstadoAsiento::kInconcluso;
         qint16 nuevo = c.AsiEstado == EstadoAsiento::kRegistrado ? EstadoAsiento::kBorrador : EstadoAsiento::kRegistrado;
         if (eraInconcluso)
@@ -139,15 +133,15 @@ void ComandosAsiento::RegistrarAsiento()
         } else {
             datos.Cabezal().Estado = nuevo;
             datos.Cabezal().FechaCambioEstado = AsientoDatos::SelloNuevo(m_datos.reloj(), QDateTime());
-            if (datos.Grabar()) {
+            if (const auto fallo = datos.Grabar()) {
+                DecirRechazo(*fallo, 1931);
+            } else {
                 c.AsiFechaModificado = datos.Cabezal().FechaModificado;
                 c.AsiEstado = datos.Cabezal().Estado;
                 m_asientos.ActualizarCabezalFila(cabezal, c.AsiFechaModificado, c.AsiEstado);
                 // The proposal of a missing line goes with the incomplete state.
                 if (eraInconcluso)
                     RecargarAsiento(c.AsiID, cabezal);
-            } else {
-                DecirRechazo(datos);
             }
         }
     } catch (const ErrorBaseDatos &e) {
@@ -161,6 +155,7 @@ void ComandosAsiento::RegistrarListados(qint16 estadoOrigen)
     if (!m_datos.conexion() || !m_datos.TienePermiso(u'M'))
         return;
     bool algunaFalla = false;
+    std::optional<Fallo> falloBase;
     try {
         for (int r = m_grilla.FilasFijas(); r < m_grilla.Filas(); ++r) {
             if (!m_asientos.EsFilaCabezal(r) || m_grilla.Dato(r, 3).toInt() != estadoOrigen)
@@ -175,21 +170,23 @@ void ComandosAsiento::RegistrarListados(qint16 estadoOrigen)
                 continue;
             }
             AsientoDatos datos = NuevoAsientoDatos();
-            // An entry refused is counted and the others go on; a failure of the database
-            // stops the run and is told with its detail.
-            auto rehusado = [&datos](bool bien) {
-                if (!bien && datos.ultimoResultado() == AsientoDatos::Resultado::ErrorBase)
-                    throw ErrorBaseDatos(datos.ultimoError());
-                return !bien;
-            };
-            if (rehusado(datos.CargarAsiento(c.AsiID)) || datos.HayCuentasCerradas(datos.Cabezal().Fecha)
-                || datos.Cabezal().FechaModificado != c.AsiFechaModificado) {
+            auto fallo = datos.CargarAsiento(c.AsiID);
+            if (!fallo && (datos.HayCuentasCerradas(datos.Cabezal().Fecha) || datos.Cabezal().FechaModificado != c.AsiFechaModificado)) {
                 algunaFalla = true;
                 continue;
             }
-            datos.Cabezal().Estado = EstadoAsiento::kRegistrado;
-            datos.Cabezal().FechaCambioEstado = AsientoDatos::SelloNuevo(m_datos.reloj(), QDateTime());
-            if (rehusado(datos.Grabar())) {
+            if (!fallo) {
+                datos.Cabezal().Estado = EstadoAsiento::kRegistrado;
+                datos.Cabezal().FechaCambioEstado = AsientoDatos::SelloNuevo(m_datos.reloj(), QDateTime());
+                fallo = datos.Grabar();
+            }
+            // An entry refused is counted and the others go on; a failure of the database
+            // stops the run and is told with its detail.
+            if (fallo && fallo->deLaBase) {
+                falloBase = fallo;
+                break;
+            }
+            if (fallo) {
                 algunaFalla = true;
                 continue;
             }
@@ -197,8 +194,10 @@ void ComandosAsiento::RegistrarListados(qint16 estadoOrigen)
             m_asientos.ActualizarCabezalFila(r, datos.Cabezal().FechaModificado, c.AsiEstado);
         }
     } catch (const ErrorBaseDatos &e) {
-        m_datos.Error(1913, DetalleError(e.numero(), e.descripcion()));
+        falloBase = FalloDe(0, e);
     }
+    if (falloBase)
+        DecirRechazo(*falloBase, 1913);
     m_asientos.ResetCabezal();
     if (algunaFalla)
         m_datos.Advertir(1822);
@@ -210,7 +209,11 @@ bool ComandosAsiento::GrabarCabezal()
     if (c.AsiID <= 0 || !m_datos.conexion())
         return false;
     try {
-        AsientoDatos datos = AsientoGuardado(c.AsiID);
+        AsientoDatos datos = NuevoAsientoDatos();
+        if (const auto fallo = datos.CargarAsiento(c.AsiID)) {
+            DecirRechazo(*fallo, 1923);
+            return false;
+        }
         CabezalDatos &d = datos.Cabezal();
         if (d.Fecha != c.AsiFechaAsiento
             && (datos.HayCuentasCerradas(d.Fecha) || datos.HayCuentasCerradas(c.AsiFechaAsiento))) {
@@ -236,8 +239,8 @@ bool ComandosAsiento::GrabarCabezal()
         }
         d.Libro = c.AsiTipo;
         d.Autoriza = c.AsiUsuarioVerificador;
-        if (!datos.Grabar()) {
-            DecirRechazo(datos);
+        if (const auto fallo = datos.Grabar()) {
+            DecirRechazo(*fallo, 1923);
             return false;
         }
         c.AsiFechaModificado = d.FechaModificado;
@@ -269,8 +272,10 @@ bool ComandosAsiento::GrabarAsientoCompleto(bool asientoCierra)
             d.Estado = estado;
             d.FechaCambioEstado = AsientoDatos::SelloNuevo(m_datos.reloj(), QDateTime());
         } else {
-            if (!datos.CargarAsiento(c.AsiID))
-                throw ErrorBaseDatos(datos.ultimoError());
+            if (const auto fallo = datos.CargarAsiento(c.AsiID)) {
+                DecirRechazo(*fallo, 1924);
+                return false;
+            }
             if (!asientoCierra && datos.HayCuentasCerradas(d.Fecha)) {
                 m_datos.Error(1811);
                 return false;
@@ -324,12 +329,11 @@ bool ComandosAsiento::GrabarAsientoCompleto(bool asientoCierra)
                 return false;
             }
         }
-        const qint32 id = esApertura ? datos.GrabarApertura() : datos.GrabarTodo();
-        if (id <= 0) {
-            DecirRechazo(datos);
+        if (const auto fallo = esApertura ? datos.GrabarApertura() : datos.GrabarTodo()) {
+            DecirRechazo(*fallo, 1924);
             return false;
         }
-        c.AsiID = id;
+        c.AsiID = d.AsiID;
         c.AsiEstado = d.Estado;
         c.AsiFechaModificado = d.FechaModificado;
         m_asientos.ActualizarCabezalFila(c.FilaCabezal, c.AsiFechaModificado, c.AsiEstado);
@@ -432,8 +436,10 @@ void ComandosAsiento::EliminarAsiento(bool porFila)
             } else if (c.AsiID <= 0) {
                 m_grilla.QuitarFila(fila);
             } else {
-                AsientoDatos datos = AsientoGuardado(c.AsiID);
-                if (datos.Cabezal().FechaModificado != c.AsiFechaModificado) {
+                AsientoDatos datos = NuevoAsientoDatos();
+                if (const auto fallo = datos.CargarAsiento(c.AsiID)) {
+                    DecirRechazo(*fallo, 1919);
+                } else if (datos.Cabezal().FechaModificado != c.AsiFechaModificado) {
                     m_datos.Error(1820);
                 } else if (datos.HayCuentasCerradas(datos.Cabezal().Fecha)) {
                     m_datos.Advertir(1814);
@@ -463,8 +469,8 @@ void ComandosAsiento::EliminarAsiento(bool porFila)
                         estado = EstadoCompleto(datos.Cabezal().Fecha);
                     if (estado != antes)
                         datos.Cabezal().FechaCambioEstado = AsientoDatos::SelloNuevo(m_datos.reloj(), QDateTime());
-                    if (datos.GrabarTodo() <= 0) {
-                        DecirRechazo(datos);
+                    if (const auto fallo = datos.GrabarTodo()) {
+                        DecirRechazo(*fallo, 1919);
                     } else {
                         m_grilla.FijarRedibujar(false);
                         RecargarAsiento(c.AsiID, cabezal);
@@ -479,13 +485,15 @@ void ComandosAsiento::EliminarAsiento(bool porFila)
             m_grilla.QuitarFilas(cabezal, m_asientos.UltimaFilaAsiento(cabezal) - cabezal + 1);
         } else {
             AsientoDatos datos = NuevoAsientoDatos();
-            const QString ids = datos.EnviarPapelera(c.AsiID, c.AsiFechaModificado);
-            m_grilla.FijarRedibujar(false);
-            for (const QString &id : ids.split(QLatin1Char(','), Qt::SkipEmptyParts))
-                m_asientos.QuitarAsientoDeGrilla(id.toInt());
-            m_grilla.FijarRedibujar(true);
-            if (ids.isEmpty() && datos.ultimoResultado() != AsientoDatos::Resultado::Bien)
-                DecirRechazo(datos);
+            QStringList ids;
+            if (const auto fallo = datos.EnviarPapelera(c.AsiID, c.AsiFechaModificado, &ids)) {
+                DecirRechazo(*fallo, 1918);
+            } else {
+                m_grilla.FijarRedibujar(false);
+                for (const QString &id : std::as_const(ids))
+                    m_asientos.QuitarAsientoDeGrilla(id.toInt());
+                m_grilla.FijarRedibujar(true);
+            }
         }
     } catch (const ErrorBaseDatos &e) {
         m_datos.Error(porFila ? 1919 : 1918, DetalleError(e.numero(), e.descripcion()));
@@ -505,8 +513,13 @@ void ComandosAsiento::CopiarAsiento()
     try {
         AsientoDatos datos = NuevoAsientoDatos();
         const qint32 original = m_asientos.IdDeFila(cabezal);
-        if (original <= 0 || !datos.CargarAsiento(original))
-            throw ErrorBaseDatos(datos.ultimoError());
+        // An entry never stored has nothing to copy.
+        const auto fallo = original > 0 ? datos.CargarAsiento(original) : Fallo{};
+        if (fallo) {
+            DecirRechazo(*fallo, 1915);
+            m_asientos.ResetCabezal();
+            return;
+        }
         datos.Cabezal().AsiID = 0;
         datos.Cabezal().FechaModificado = QDateTime();
         // A copy of the opening-balance entry is an ordinary entry: there is one of those.
@@ -524,13 +537,12 @@ void ComandosAsiento::CopiarAsiento()
             m_datos.mensajes->Informar(m_datos.texto(1816));
             return;
         }
-        const qint32 copia = datos.GrabarTodo();
-        if (copia <= 0) {
-            DecirRechazo(datos);
+        if (const auto fallo = datos.GrabarTodo()) {
+            DecirRechazo(*fallo, 1915);
             m_asientos.ResetCabezal();
             return;
         }
-        CargarAsiento(copia, m_grilla.Filas() - 1);
+        CargarAsiento(datos.Cabezal().AsiID, m_grilla.Filas() - 1);
         m_pantalla.SeleccionarFila(m_grilla.Filas() - 1);
     } catch (const ErrorBaseDatos &e) {
         m_datos.Error(1915, DetalleError(e.numero(), e.descripcion()));

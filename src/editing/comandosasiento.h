@@ -76,11 +76,10 @@ public:
     int TomarAsientoDeFilaActual();
     // The store's entry service for this document's user.
     AsientoDatos NuevoAsientoDatos() const;
-    // Tells why the store refused a write; a failure of the database is thrown, for the
-    // command to tell with its own text and the detail.
-    void DecirRechazo(const AsientoDatos &datos) const;
-    // The stored entry as it is now; a failure to read it is thrown as the store's error.
-    AsientoDatos AsientoGuardado(qint32 asiID) const;
+    // Tells why the store refused a read or a write: a rule's refusal by its own text (an
+    // unbalanced entry with its totals), any other failure by the command's text with the
+    // detail.
+    void DecirRechazo(const Fallo &fallo, int textoComando) const;
     // The state a balanced entry is stored in when it becomes complete: registered, or a
     // draft when the user keeps new entries as drafts or when it is dated after today.
     qint16 EstadoCompleto(const QDate &fecha) const;

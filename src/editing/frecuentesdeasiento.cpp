@@ -56,9 +56,9 @@ qint32 FrecuentesDeAsiento::CrearMovimientoFrecuente(bool agendar, bool desdeElM
     const QVector<LineaDatos> lineas = m_asientos.LineasParaGrabar(&monedas);
     FrecuentesDatos frecuentes(*m_datos.conexion());
     const QString nombre = cabezal.Leyenda.isEmpty() ? FormatoFechaSuite(cabezal.Fecha, QTime(0, 0), m_datos.formatoFecha) : cabezal.Leyenda;
-    const qint32 id = frecuentes.Crear(cabezal, lineas, monedas, agendar, nombre, desdeElMesSiguiente);
-    if (id <= 0) {
-        m_datos.Error(1908, frecuentes.ultimoError());
+    qint32 id = 0;
+    if (const auto fallo = frecuentes.Crear(cabezal, lineas, monedas, agendar, nombre, desdeElMesSiguiente, id)) {
+        m_comandos.DecirRechazo(*fallo, 1908);
         return 0;
     }
     // A frequent entry made to be registered again is one of the user's recent ones.
@@ -88,8 +88,8 @@ bool FrecuentesDeAsiento::AgendarEnLugarDelAsiento()
         if (CrearMovimientoFrecuente(true) <= 0)
             return false;
         AsientoDatos datos = m_comandos.NuevoAsientoDatos();
-        if (!datos.EliminarDefinitivo(id, sello)) {
-            m_comandos.DecirRechazo(datos);
+        if (const auto fallo = datos.EliminarDefinitivo(id, sello)) {
+            m_comandos.DecirRechazo(*fallo, 1921);
             return false;
         }
         tx.Confirmar();

@@ -82,8 +82,8 @@ bool ComandosRestauracion::RestaurarDePapelera(const EnPapelera &e)
             version = HistorialAsiento::LeerGuardado(*m_datos.conexion(), e.asiID);
             version.insert(QStringLiteral("Estado"), EstadoAsiento::kBorrador);
         }
-        if (!datos.RestaurarVersion(e.asiID, version, e.sello)) {
-            m_comandos.DecirRechazo(datos);
+        if (const auto fallo = datos.RestaurarVersion(e.asiID, version, e.sello)) {
+            m_comandos.DecirRechazo(*fallo, 1924);
             return false;
         }
         mostrarEnGrilla(e.asiID);
@@ -98,14 +98,10 @@ bool ComandosRestauracion::EliminarDePapelera(const EnPapelera &e)
 {
     if (!m_datos.TienePermiso(u'E') || !m_datos.conexion() || !m_datos.Preguntar(1966))
         return false;
-    AsientoDatos datos = m_comandos.NuevoAsientoDatos();
-    if (datos.EliminarDefinitivo(e.asiID, e.sello))
-        return true;
-    if (datos.ultimoNumero() != 0)
-        m_datos.Error(datos.ultimoNumero());
-    else
-        m_datos.Error(1921, datos.ultimoError());
-    return false;
+    const auto fallo = m_comandos.NuevoAsientoDatos().EliminarDefinitivo(e.asiID, e.sello);
+    if (fallo)
+        m_comandos.DecirRechazo(*fallo, 1921);
+    return !fallo;
 }
 
 bool ComandosRestauracion::RestaurarVersion(qint32 asiID, const QJsonObject &version, const QDateTime &selloLeido)
@@ -120,8 +116,8 @@ bool ComandosRestauracion::RestaurarVersion(qint32 asiID, const QJsonObject &ver
         if (!m_datos.Preguntar(1964))
             return false;
         AsientoDatos datos = m_comandos.NuevoAsientoDatos();
-        if (!datos.RestaurarVersion(asiID, version, selloLeido)) {
-            m_comandos.DecirRechazo(datos);
+        if (const auto fallo = datos.RestaurarVersion(asiID, version, selloLeido)) {
+            m_comandos.DecirRechazo(*fallo, 1924);
             return false;
         }
         mostrarEnGrilla(asiID);
@@ -190,15 +186,11 @@ bool ComandosRestauracion::Deshacer()
         AsientoDatos datos = m_comandos.NuevoAsientoDatos();
         QList<qint64> &escrituras = m_datos.conexion()->escrituras();
         const qsizetype anotadas = escrituras.size();
-        bool hecho = false;
-        if (e->antes.isEmpty()) {
-            // The write made the entry: undoing it sends the entry to the trash.
-            hecho = !datos.EnviarPapelera(e->asiID, sello).isEmpty();
-        } else {
-            hecho = datos.RestaurarVersion(e->asiID, e->antes, sello, true);
-        }
-        if (!hecho) {
-            m_comandos.DecirRechazo(datos);
+        // A write that made the entry is undone by sending the entry to the trash.
+        const auto fallo = e->antes.isEmpty() ? datos.EnviarPapelera(e->asiID, sello)
+                                              : datos.RestaurarVersion(e->asiID, e->antes, sello, true);
+        if (fallo) {
+            m_comandos.DecirRechazo(*fallo, 1924);
             return false;
         }
         // The undone write leaves the list, and the undoing is none to undo in turn.

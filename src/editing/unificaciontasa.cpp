@@ -92,8 +92,12 @@ bool UnificacionTasa::AplicarTC(bool bMonedaCuenta, double tasa, qint16 moneda)
     const int cabezal = c.FilaCabezal;
     if (cabezal < 0)
         return false;
-    AsientoDatos datos = c.AsiID > 0 ? m_comandos.AsientoGuardado(c.AsiID) : m_comandos.NuevoAsientoDatos();
+    AsientoDatos datos = m_comandos.NuevoAsientoDatos();
     if (c.AsiID > 0) {
+        if (const auto fallo = datos.CargarAsiento(c.AsiID)) {
+            m_comandos.DecirRechazo(*fallo, 1934);
+            return false;
+        }
         if (datos.Cabezal().FechaModificado != c.AsiFechaModificado) {
             m_datos.Error(1820);
             return false;
@@ -139,12 +143,12 @@ bool UnificacionTasa::AplicarTC(bool bMonedaCuenta, double tasa, qint16 moneda)
         d.FechaCambioEstado = AsientoDatos::SelloNuevo(m_datos.reloj(), QDateTime());
     }
     datos.Lineas() = m_asientos.LineasParaGrabar();
-    const bool bien = datos.GrabarTodo() > 0;
+    const auto fallo = datos.GrabarTodo();
     // The entry is read again: the amounts as stored, or as they were when the write failed.
     comoEstaba();
-    if (!bien)
-        m_comandos.DecirRechazo(datos);
-    return bien;
+    if (fallo)
+        m_comandos.DecirRechazo(*fallo, 1934);
+    return !fallo;
 }
 
 bool UnificacionTasa::ReglaTasas(RegistroLinea &linea, int filaEdicion)

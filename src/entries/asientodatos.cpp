@@ -86,12 +86,32 @@ AsientoDatos::AsientoDatos(Conexion &conexion, const LibrosSistema &libros)
 {
 }
 
-bool AsientoDatos::fallar(Resultado r, const QString &error)
+namespace {
+
+// A refusal told by the catalogue text numero (0: by the command's own text), with its detail.
+std::optional<Fallo> rechazo(int numero, const QString &detalle)
 {
-    m_resultado = r;
-    m_error = error;
-    return false;
+    return Fallo{numero, detalle, false};
 }
+
+// The database's own words: a busy or lost connection is told in the program's text, which
+// the engine's number would only clutter.
+std::optional<Fallo> deLaBase(const ErrorBaseDatos &e)
+{
+    return Fallo{0, e.descripcion(), true};
+}
+
+std::optional<Fallo> noExiste(qint32 asiID)
+{
+    return rechazo(0, QStringLiteral("no existe el asiento %1").arg(asiID));
+}
+
+std::optional<Fallo> modificado()
+{
+    return rechazo(AsientoDatos::kModificado, QStringLiteral("Registro modificado con anterioridad."));
+}
+
+} // namespace
 
 QDateTime AsientoDatos::SelloNuevo(const Reloj &reloj, const QDateTime &anterior, Sello sello)
 {
@@ -107,15 +127,14 @@ QDateTime AsientoDatos::SelloNuevo(const Reloj &reloj, const QDateTime &anterior
     return t;
 }
 
-bool AsientoDatos::CargarAsiento(qint32 asiID)
+std::optional<Fallo> AsientoDatos::CargarAsiento(qint32 asiID)
 {
-    m_resultado = Resultado::Bien;
     m_cabezal = CabezalDatos();
     m_lineas.clear();
     try {
         auto rs = m_conexion->Abrir(QStringLiteral("Select * From cceAsientos Where AsiID = ?"), {asiID});
         if (rs->Fin())
-            return fallar(Resultado::NoExiste, QStringLiteral("no existe el asiento %1").arg(asiID));
+            return noExiste(asiID);
         m_cabezal.AsiID = qint32(rs->Entero(QStringLiteral("AsiID")));
         m_cabezal.Empresa = qint32(rs->Entero(QStringLiteral("AsiEmpresa")));
         m_cabezal.Estado = qint16(rs->Entero(QStringLiteral("AsiEstado")));
@@ -146,9 +165,9 @@ bool AsientoDatos::CargarAsiento(qint32 asiID)
         }
         rs->Cerrar();
     } catch (const ErrorBaseDatos &e) {
-        return fallar(Resultado::ErrorBase, e.descripcion());
+        return deLaBase(e);
     }
-    return true;
+    return std::nullopt;
 }
 
 bool AsientoDatos::HayCuentasCerradas(const QDate &fecha)
@@ -167,8 +186,8 @@ bool AsientoDatos::HayCuentasCerradas(const QDate &fecha)
 }
 
 // The header's compare-and-set: the row is updated only while it still carries the stamp
-// that was read. Answers whether it was.
-bool AsientoDatos::actualizarCabezal(qint32 asiID, const QDateTime &nuevo)
+// that was read.
+std::optional<Fallo> AsientoDatos::actualizarCabezal(qint32 asiID, const QDateTime &nuevo)
 {
     QVariantList valores{m_cabezal.Estado, Conexion::ValorFecha(m_cabezal.Fecha), m_cabezal.Leyenda,
                          m_cabezal.Libro ? QVariant(m_cabezal.Libro) : nulo(QMetaType::Int), m_cabezal.Autoriza,
@@ -180,41 +199,18 @@ bool AsientoDatos::actualizarCabezal(qint32 asiID, const QDateTime &nuevo)
                        " Where AsiID = ?") + condicion,
         valores);
     if (cambiadas == 1)
-        return true;
-    fallar(Resultado::Modificado, QStringLiteral("Registro modificado con anterioridad."));
-    return false;
+        return std::nullopt;
+    return modificado();
 }
 
 // A legend longer than its column is refused whole on every engine: PostgreSQL would refuse
 // it and SQLite would keep it, so the same entry would behave differently.
-bool AsientoDatos::leyendaAdmitida()
+std::optional<Fallo> AsientoDatos::leyendaAdmitida() const
 {
     if (m_cabezal.Leyenda.size() <= kLargoLeyenda)
-        return true;
-    return fallar(Resultado::LeyendaLarga, QStringLiteral("La leyenda tiene %1 caracteres y se admiten hasta %2; no se grabó nada.")
+        return std::nullopt;
+    return rechazo(0, QStringLiteral("La leyenda tiene %1 caracteres y se admiten hasta %2; no se grabó nada.")
                                             .arg(m_cabezal.Leyenda.size()).arg(kLargoLeyenda));
-}
-
-int AsientoDatos::ultimoNumero() const
-{
-    switch (m_resultado) {
-    case Resultado::Modificado:
-        return 1820;
-    case Resultado::Descuadrado:
-        return 1957;
-    case Resultado::AperturaDuplicada:
-        return 1837;
-    case Resultado::FueraDeRango:
-        return 1937;
-    case Resultado::CuentaCerrada:
-        return 1962;
-    case Resultado::Bien:
-    case Resultado::NoExiste:
-    case Resultado::ErrorBase:
-    case Resultado::LeyendaLarga: // told with the command's own text and the detail
-        break;
-    }
-    return 0;
 }
 
 // The company's opening-balance book: the one the caller gave, else the system parameter.
@@ -314,11 +310,11 @@ void AsientoDatos::redondearLineas()
 
 // The rules of the books over the entry as it now stands in this transaction. libroAnterior
 // is the book it had before this write (-1 for a new entry).
-bool AsientoDatos::reglasDelLibro(qint32 asiID, const QJsonObject &antes)
+std::optional<Fallo> AsientoDatos::reglasDelLibro(qint32 asiID, const QJsonObject &antes)
 {
     auto rs = m_conexion->Abrir(QStringLiteral("Select AsiEmpresa, AsiEstado, AsiTipo From cceAsientos Where AsiID = ?"), {asiID});
     if (rs->Fin())
-        return true;
+        return std::nullopt;
     const qint32 empresa = qint32(rs->Entero(QStringLiteral("AsiEmpresa")));
     const qint16 estado = qint16(rs->Entero(QStringLiteral("AsiEstado")));
     const qint16 libro = rs->EsNulo(QStringLiteral("AsiTipo")) ? 0 : qint16(rs->Entero(QStringLiteral("AsiTipo")));
@@ -341,12 +337,12 @@ bool AsientoDatos::reglasDelLibro(qint32 asiID, const QJsonObject &antes)
         rs->Cerrar();
         const ResultadoBalance b = balanceDe(lineas, empresa);
         if (!b.cierra)
-            return fallar(Resultado::Descuadrado, QStringLiteral("debe %1, haber %2").arg(b.debeMC.aTexto(), b.haberMC.aTexto()));
+            return rechazo(kDescuadrado, QStringLiteral("debe %1, haber %2").arg(b.debeMC.aTexto(), b.haberMC.aTexto()));
     }
 
     const qint16 apertura = libroApertura();
     if (apertura == 0 || libro != apertura || estado == EstadoAsiento::kPapelera)
-        return true;
+        return std::nullopt;
     rs = m_conexion->Abrir(QStringLiteral("Select AsiEstado From cceAsientos Where AsiEmpresa = ? And AsiTipo = ? And AsiEstado <> 9"
                                           " And AsiID <> ?"),
                            {empresa, apertura, asiID});
@@ -361,46 +357,45 @@ bool AsientoDatos::reglasDelLibro(qint32 asiID, const QJsonObject &antes)
     const bool entra = antes.isEmpty() || antes.value(QStringLiteral("Libro")).toInt() != apertura
                     || antes.value(QStringLiteral("Estado")).toInt() == EstadoAsiento::kPapelera;
     if ((entra && otros > 0) || (estado == EstadoAsiento::kRegistrado && otrosRegistrados > 0))
-        return fallar(Resultado::AperturaDuplicada, QStringLiteral("la empresa ya tiene su asiento de saldos iniciales"));
-    return true;
+        return rechazo(kAperturaDuplicada, QStringLiteral("la empresa ya tiene su asiento de saldos iniciales"));
+    return std::nullopt;
 }
 
 // Every amount is one the store keeps exactly: finite and within a line's range.
-bool AsientoDatos::importesEnRango()
+std::optional<Fallo> AsientoDatos::importesEnRango() const
 {
     auto admitido = [](Importe v) { return v.abs() <= Importe::MaximoLinea(); };
     for (const LineaDatos &l : std::as_const(m_lineas)) {
         if (!admitido(l.Importe) || !admitido(l.ImporteMC))
-            return fallar(Resultado::FueraDeRango, QStringLiteral("importe no válido en la cuenta %1").arg(l.Cuenta));
+            return rechazo(kFueraDeRango, QStringLiteral("importe no válido en la cuenta %1").arg(l.Cuenta));
     }
-    return true;
+    return std::nullopt;
 }
 
-bool AsientoDatos::Grabar(Sello sello)
+std::optional<Fallo> AsientoDatos::Grabar(Sello sello)
 {
-    m_resultado = Resultado::Bien;
-    if (!leyendaAdmitida())
-        return false;
+    if (auto fallo = leyendaAdmitida())
+        return fallo;
     const QDateTime nuevo = SelloNuevo(m_conexion->reloj(), m_cabezal.FechaModificado, sello);
     try {
         Transaccion tx(*m_conexion);
         if (m_cabezal.Libro != 0 && m_cabezal.Libro == libroApertura())
             bloquearEmpresa(m_cabezal.Empresa);
         const QJsonObject antes = HistorialAsiento::LeerGuardado(*m_conexion, m_cabezal.AsiID);
-        if (!actualizarCabezal(m_cabezal.AsiID, nuevo))
-            return false;
-        if (!reglasDelLibro(m_cabezal.AsiID, antes))
-            return false;
+        if (auto fallo = actualizarCabezal(m_cabezal.AsiID, nuevo))
+            return fallo;
+        if (auto fallo = reglasDelLibro(m_cabezal.AsiID, antes))
+            return fallo;
         const QJsonObject despues = HistorialAsiento::LeerGuardado(*m_conexion, m_cabezal.AsiID);
         const bool cambiaEstado = antes.value(QStringLiteral("Estado")) != despues.value(QStringLiteral("Estado"));
         HistorialAsiento::Registrar(*m_conexion, m_cabezal.AsiID, autor(), nuevo,
                                     cambiaEstado ? HistorialAsiento::kEstado : HistorialAsiento::kCambio, antes, despues);
         tx.Confirmar();
     } catch (const ErrorBaseDatos &e) {
-        return fallar(Resultado::ErrorBase, e.descripcion());
+        return deLaBase(e);
     }
     m_cabezal.FechaModificado = nuevo;
-    return true;
+    return std::nullopt;
 }
 
 void AsientoDatos::escribirLineas(qint32 asiID)
@@ -424,11 +419,12 @@ void AsientoDatos::escribirLineas(qint32 asiID)
     }
 }
 
-qint32 AsientoDatos::GrabarTodo()
+std::optional<Fallo> AsientoDatos::GrabarTodo()
 {
-    m_resultado = Resultado::Bien;
-    if (!leyendaAdmitida() || !importesEnRango())
-        return 0;
+    if (auto fallo = leyendaAdmitida())
+        return fallo;
+    if (auto fallo = importesEnRango())
+        return fallo;
     const QDateTime nuevo = SelloNuevo(m_conexion->reloj(), m_cabezal.FechaModificado);
     const QVariant libro = m_cabezal.Libro ? QVariant(m_cabezal.Libro) : nulo(QMetaType::Int);
     qint32 id = m_cabezal.AsiID;
@@ -450,37 +446,33 @@ qint32 AsientoDatos::GrabarTodo()
                 throw ErrorBaseDatos(QStringLiteral("el motor no dio el número del asiento nuevo"));
         } else {
             antes = HistorialAsiento::LeerGuardado(*m_conexion, id);
-            if (!actualizarCabezal(id, nuevo))
-                return 0;
+            if (auto fallo = actualizarCabezal(id, nuevo))
+                return fallo;
         }
         escribirLineas(id);
-        if (!reglasDelLibro(id, antes))
-            return 0;
+        if (auto fallo = reglasDelLibro(id, antes))
+            return fallo;
         const char *operacion = m_operacion ? m_operacion : antes.isEmpty() ? HistorialAsiento::kAlta : HistorialAsiento::kCambio;
         HistorialAsiento::Registrar(*m_conexion, id, autor(), nuevo, operacion, antes, HistorialAsiento::LeerGuardado(*m_conexion, id));
         tx.Confirmar();
     } catch (const ErrorBaseDatos &e) {
-        fallar(Resultado::ErrorBase, e.descripcion());
-        return 0;
+        return deLaBase(e);
     }
     m_cabezal.AsiID = id;
     m_cabezal.FechaModificado = nuevo;
-    return id;
+    return std::nullopt;
 }
 
-QString AsientoDatos::EnviarPapelera(qint32 asiID, const QDateTime &selloLeido)
+std::optional<Fallo> AsientoDatos::EnviarPapelera(qint32 asiID, const QDateTime &selloLeido, QStringList *cambiados)
 {
-    m_resultado = Resultado::Bien;
-    QStringList cambiados;
+    QStringList ids{QString::number(asiID)};
     try {
         Transaccion tx(*m_conexion);
         const QDateTime nuevo = SelloNuevo(m_conexion->reloj(), selloLeido);
         auto rs = m_conexion->Abrir(QStringLiteral("Select AsiTipo, AsiFechaAsiento, AsiEmpresa From cceAsientos Where AsiID = ?"),
                                     {asiID});
-        if (rs->Fin()) {
-            fallar(Resultado::NoExiste, QStringLiteral("no existe el asiento %1").arg(asiID));
-            return {};
-        }
+        if (rs->Fin())
+            return noExiste(asiID);
         const qint16 libro = rs->EsNulo(QStringLiteral("AsiTipo")) ? 0 : qint16(rs->Entero(QStringLiteral("AsiTipo")));
         const QDate fecha = rs->Fecha(QStringLiteral("AsiFechaAsiento"));
         const qint32 empresa = qint32(rs->Entero(QStringLiteral("AsiEmpresa")));
@@ -494,27 +486,24 @@ QString AsientoDatos::EnviarPapelera(qint32 asiID, const QDateTime &selloLeido)
             QStringLiteral("Update cceAsientos Set AsiEstado = 9, AsiFechaEstado = ?, AsiFechaModificado = ?"
                            " Where AsiID = ? And AsiEstado <> 9") + condicion,
             valores);
-        if (cambiadas != 1) {
-            fallar(Resultado::Modificado, QStringLiteral("Registro modificado con anterioridad."));
-            return {};
-        }
-        cambiados << QString::number(asiID);
+        if (cambiadas != 1)
+            return modificado();
 
         if (m_libros.apertura != 0 && libro == m_libros.apertura && m_libros.cierre != 0) {
             auto cierres = m_conexion->Abrir(QStringLiteral("Select AsiID From cceAsientos Where AsiEmpresa = ? And AsiTipo = ?"
                                                             " And AsiFechaAsiento = ? And AsiEstado <> 9"),
                                              {empresa, m_libros.cierre, Conexion::ValorFecha(fecha.addDays(-1))});
-            QStringList ids;
+            QStringList cierresIds;
             for (; !cierres->Fin(); cierres->MoverSiguiente())
-                ids << cierres->Texto(QStringLiteral("AsiID"));
+                cierresIds << cierres->Texto(QStringLiteral("AsiID"));
             cierres->Cerrar();
-            for (const QString &id : ids) {
+            for (const QString &id : cierresIds) {
                 antes.append({id.toInt(), HistorialAsiento::LeerGuardado(*m_conexion, id.toInt())});
                 m_conexion->Ejecutar(QStringLiteral("Update cceAsientos Set AsiEstado = 9, AsiFechaEstado = ?, AsiFechaModificado = ?"
                                                     " Where AsiID = ?"),
                                      {sello(nuevo), sello(nuevo), id.toInt()});
             }
-            cambiados << ids;
+            ids << cierresIds;
         }
         for (const auto &[id, previo] : std::as_const(antes))
             HistorialAsiento::Registrar(*m_conexion, id, autor(), nuevo, HistorialAsiento::kPapelera, previo,
@@ -525,16 +514,18 @@ QString AsientoDatos::EnviarPapelera(qint32 asiID, const QDateTime &selloLeido)
             m_cabezal.FechaModificado = nuevo;
         }
     } catch (const ErrorBaseDatos &e) {
-        fallar(Resultado::ErrorBase, e.descripcion());
-        return {};
+        return deLaBase(e);
     }
-    return cambiados.join(QLatin1Char(','));
+    if (cambiados)
+        *cambiados = ids;
+    return std::nullopt;
 }
 
-bool AsientoDatos::RestaurarVersion(qint32 asiID, const QJsonObject &version, const QDateTime &selloLeido, bool deshacer)
+std::optional<Fallo> AsientoDatos::RestaurarVersion(qint32 asiID, const QJsonObject &version, const QDateTime &selloLeido,
+                                                   bool deshacer)
 {
-    if (!CargarAsiento(asiID))
-        return false;
+    if (auto fallo = CargarAsiento(asiID))
+        return fallo;
     CabezalDatos &c = m_cabezal;
     c.FechaModificado = selloLeido; // the write compares the stamp the caller read
     const qint16 estado = qint16(version.value(QStringLiteral("Estado")).toInt());
@@ -563,19 +554,18 @@ bool AsientoDatos::RestaurarVersion(qint32 asiID, const QJsonObject &version, co
         // An entry that comes back among the live ones obeys the closed accounts as any write
         // at its date does; one that goes to the trash does not need to.
         if (c.Estado != EstadoAsiento::kPapelera && HayCuentasCerradas(c.Fecha))
-            return fallar(Resultado::CuentaCerrada, QStringLiteral("hay cuentas cerradas al %1").arg(c.Fecha.toString(Qt::ISODate)));
+            return rechazo(kCuentaCerrada, QStringLiteral("hay cuentas cerradas al %1").arg(c.Fecha.toString(Qt::ISODate)));
     } catch (const ErrorBaseDatos &e) {
-        return fallar(Resultado::ErrorBase, e.descripcion());
+        return deLaBase(e);
     }
     m_operacion = deshacer ? HistorialAsiento::kDeshacer : HistorialAsiento::kRestauracion;
-    const bool grabado = GrabarTodo() > 0;
+    auto fallo = GrabarTodo();
     m_operacion = nullptr;
-    return grabado;
+    return fallo;
 }
 
-bool AsientoDatos::EliminarDefinitivo(qint32 asiID, const QDateTime &selloLeido)
+std::optional<Fallo> AsientoDatos::EliminarDefinitivo(qint32 asiID, const QDateTime &selloLeido)
 {
-    m_resultado = Resultado::Bien;
     try {
         Transaccion tx(*m_conexion);
         // The stamp is compared by an update that changes nothing: it also holds the row
@@ -583,7 +573,7 @@ bool AsientoDatos::EliminarDefinitivo(qint32 asiID, const QDateTime &selloLeido)
         QVariantList valores{asiID};
         const QString condicion = condicionSello(m_conexion->motor(), selloLeido, valores);
         if (m_conexion->Ejecutar(QStringLiteral("Update cceAsientos Set AsiEstado = AsiEstado Where AsiID = ?") + condicion, valores) != 1)
-            return fallar(Resultado::Modificado, QStringLiteral("Registro modificado con anterioridad."));
+            return modificado();
         const QJsonObject antes = HistorialAsiento::LeerGuardado(*m_conexion, asiID);
         m_conexion->Ejecutar(QStringLiteral("Delete From cceAsientoCuenta Where ACuIDAsiento = ?"), {asiID});
         m_conexion->Ejecutar(QStringLiteral("Delete From cceAsientos Where AsiID = ?"), {asiID});
@@ -592,9 +582,9 @@ bool AsientoDatos::EliminarDefinitivo(qint32 asiID, const QDateTime &selloLeido)
                                         antes, {});
         tx.Confirmar();
     } catch (const ErrorBaseDatos &e) {
-        return fallar(Resultado::ErrorBase, e.descripcion());
+        return deLaBase(e);
     }
-    return true;
+    return std::nullopt;
 }
 
 int AsientoDatos::EstadoApertura(const QDate &fecha, qint32 empresa)

@@ -2,13 +2,17 @@
 
 #include "entries/reglabalance.h"
 #include "store/conexion.h"
+#include "store/fallo.h"
 
 #include <QDate>
 #include <QDateTime>
 #include <QHash>
 #include <QJsonObject>
 #include <QString>
+#include <QStringList>
 #include <QVector>
+
+#include <optional>
 
 // Characters the legend column holds (AsiLeyenda, MFrLeyenda) on every engine.
 inline constexpr int kLargoLeyenda = 255;
@@ -82,16 +86,16 @@ bool AsientoVerificado(Conexion &conexion, qint32 asiID);
 // rules hold whatever command writes. A write is one transaction, header and lines together
 // or nothing, and it is a compare-and-set on the modification stamp: the update (or the
 // deletion) names the stamp that was read, and when no row matches the write is refused
-// (Modificado) and nothing is written. Two users racing can never both win. Inside the same
+// (kModificado) and nothing is written. Two users racing can never both win. Inside the same
 // transaction, once written, the entry is checked as stored:
 // - a registered entry balances (CalcularBalance over its stored lines, the accounts'
-//   currencies and masks): else Descuadrado;
+//   currencies and masks): else kDescuadrado;
 // - the company keeps one opening-balance entry: an entry that comes into the
 //   opening-balance book beside another one out of the trash, or is registered there beside
-//   another registered one, is refused (AperturaDuplicada). The check runs under a lock on
+//   another registered one, is refused (kAperturaDuplicada). The check runs under a lock on
 //   the company (the write lock of SQLite, a row lock on PostgreSQL), so two sessions cannot
 //   both pass it;
-// - every amount is one the store keeps exactly, up to Importe::MaximoLinea() (FueraDeRango).
+// - every amount is one the store keeps exactly, up to Importe::MaximoLinea() (kFueraDeRango).
 // A refused write leaves both tables as they were. Each write also leaves its row in the
 // audit trail and its live notice to other sessions, in the same transaction.
 class CatalogoMonedas;
@@ -99,7 +103,15 @@ class CatalogoMonedas;
 class AsientoDatos
 {
 public:
-    enum class Resultado { Bien, Modificado, NoExiste, ErrorBase, Descuadrado, AperturaDuplicada, FueraDeRango, CuentaCerrada, LeyendaLarga };
+    // What a refused write tells the user, by the catalogue: the stamp was not the one read,
+    // a registered entry does not balance, a second opening-balance entry, an amount out of
+    // range, an account closed at the date. Other failures (no such entry, a legend too long,
+    // the database) carry 0 and are told with the command's own text and the detail.
+    static constexpr int kModificado = 1820;
+    static constexpr int kDescuadrado = 1957;
+    static constexpr int kAperturaDuplicada = 1837;
+    static constexpr int kFueraDeRango = 1937;
+    static constexpr int kCuentaCerrada = 1962;
 
     AsientoDatos() = default;
     explicit AsientoDatos(Conexion &conexion, const LibrosSistema &libros = {});
@@ -108,7 +120,7 @@ public:
     void FijarUsuario(qint16 usuario) { m_usuario = usuario; }
 
     // Loads the stored header and lines (lines in the order they were entered).
-    bool CargarAsiento(qint32 asiID);
+    [[nodiscard]] std::optional<Fallo> CargarAsiento(qint32 asiID);
     CabezalDatos &Cabezal() { return m_cabezal; }
     QVector<LineaDatos> &Lineas() { return m_lineas; }
 
@@ -125,38 +137,33 @@ public:
 
     // Writes the header as it now stands. The stamp written is now (strictly later than the
     // one read) and is kept in Cabezal().FechaModificado afterwards.
-    bool Grabar(Sello sello = Sello::Milisegundos);
-    // Writes header and lines, inserting a new entry; answers the entry's id, 0 on failure.
+    [[nodiscard]] std::optional<Fallo> Grabar(Sello sello = Sello::Milisegundos);
+    // Writes header and lines, inserting a new entry; the entry's id is then in
+    // Cabezal().AsiID.
     // Each line keeps its ACuOrden; a line without one (0, or a number already taken) gets
     // the next after the highest. Project and department go with each line. Each amount is
     // stored rounded to its currency's amount mask, as the grid shows it.
-    qint32 GrabarTodo();
-    qint32 GrabarApertura() { return GrabarTodo(); }
+    [[nodiscard]] std::optional<Fallo> GrabarTodo();
+    [[nodiscard]] std::optional<Fallo> GrabarApertura() { return GrabarTodo(); }
 
     // Sends the entry to the trash when its stamp is still the one given. An entry of the
     // yearly-opening book takes with it the closing entries of the day before it (the
-    // closing of the year it opens): they belong together. Answers the ids changed, joined
-    // by ","; empty when none (stamp changed, or no such entry).
-    QString EnviarPapelera(qint32 asiID, const QDateTime &sello);
+    // closing of the year it opens): they belong together. The ids changed go into
+    // cambiados when it is given.
+    [[nodiscard]] std::optional<Fallo> EnviarPapelera(qint32 asiID, const QDateTime &sello, QStringList *cambiados = nullptr);
     // Writes a version of the entry as the history keeps it (header and lines) back over the
     // stored entry, when it still carries the stamp read: a write like any other, under the
     // same rules, refused besides when an account is closed at the version's date
-    // (CuentaCerrada) unless the version is in the trash. Its history row is a restoration,
+    // (kCuentaCerrada) unless the version is in the trash. Its history row is a restoration,
     // or, for deshacer, the undoing of a write.
-    bool RestaurarVersion(qint32 asiID, const QJsonObject &version, const QDateTime &selloLeido, bool deshacer = false);
+    [[nodiscard]] std::optional<Fallo> RestaurarVersion(qint32 asiID, const QJsonObject &version, const QDateTime &selloLeido, bool deshacer = false);
     // Deletes header and lines for good, in one transaction, when the entry still carries
-    // the stamp read (Modificado otherwise, and nothing is deleted).
-    bool EliminarDefinitivo(qint32 asiID, const QDateTime &selloLeido);
+    // the stamp read (kModificado otherwise, and nothing is deleted).
+    [[nodiscard]] std::optional<Fallo> EliminarDefinitivo(qint32 asiID, const QDateTime &selloLeido);
     // For the opening-balance entry of a company, dated fecha: 1 when exchange-difference
     // entries dated after it exist, 2 when a year closing after it exists, 0 when it may
     // still change.
     int EstadoApertura(const QDate &fecha, qint32 empresa);
-
-    Resultado ultimoResultado() const { return m_resultado; }
-    QString ultimoError() const { return m_error; }
-    // The catalogue text that tells the user why the last write was refused; 0 for a
-    // failure of the database, which the command tells with its own text and the detail.
-    int ultimoNumero() const;
 
     // The stamp for a write that follows one read as anterior: now by the clock, to the
     // millisecond or in whole seconds, and always later than anterior (a whole second later
@@ -164,19 +171,18 @@ public:
     static QDateTime SelloNuevo(const Reloj &reloj, const QDateTime &anterior, Sello sello = Sello::Milisegundos);
 
 private:
-    bool actualizarCabezal(qint32 asiID, const QDateTime &nuevo);
+    std::optional<Fallo> actualizarCabezal(qint32 asiID, const QDateTime &nuevo);
     void escribirLineas(qint32 asiID);
     qint16 libroApertura();
     void bloquearEmpresa(qint32 empresa);
-    bool reglasDelLibro(qint32 asiID, const QJsonObject &antes);
-    bool importesEnRango();
+    std::optional<Fallo> reglasDelLibro(qint32 asiID, const QJsonObject &antes);
+    std::optional<Fallo> importesEnRango() const;
     ResultadoBalance balanceDe(const QVector<LineaBalance> &lineas, qint32 empresa);
     qint16 cargarMonedas(qint32 empresa, CatalogoMonedas &monedas);
     QVector<LineaBalance> lineasConMoneda();
     qint32 empresaDelAsiento();
     void redondearLineas();
-    bool fallar(Resultado r, const QString &error);
-    bool leyendaAdmitida();
+    std::optional<Fallo> leyendaAdmitida() const;
     qint16 autor() const { return m_usuario ? m_usuario : m_cabezal.Usuario; }
 
     Conexion *m_conexion = nullptr;
@@ -184,7 +190,5 @@ private:
     LibrosSistema m_libros;
     CabezalDatos m_cabezal;
     QVector<LineaDatos> m_lineas;
-    Resultado m_resultado = Resultado::Bien;
-    QString m_error;
     const char *m_operacion = nullptr; // the history's name for the next write; none: by what it does
 };

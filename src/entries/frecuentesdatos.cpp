@@ -40,8 +40,9 @@ FrecuentesDatos::FrecuentesDatos(Conexion &conexion)
 {
 }
 
-qint32 FrecuentesDatos::Crear(const CabezalDatos &cabezal, const QVector<LineaDatos> &lineas, const QVector<qint16> &monedas,
-                              bool agendar, const QString &nombre, bool desdeElMesSiguiente)
+std::optional<Fallo> FrecuentesDatos::Crear(const CabezalDatos &cabezal, const QVector<LineaDatos> &lineas,
+                                            const QVector<qint16> &monedas, bool agendar, const QString &nombre,
+                                            bool desdeElMesSiguiente, qint32 &mfrID)
 {
     MovimientoFrecuente m;
     m.Empresa = cabezal.Empresa;
@@ -57,7 +58,9 @@ qint32 FrecuentesDatos::Crear(const CabezalDatos &cabezal, const QVector<LineaDa
     m.Monedas = monedas;
     if (agendar && desdeElMesSiguiente)
         m.FechaProxima = SiguienteFecha(m);
-    return Guardar(m);
+    auto fallo = Guardar(m);
+    mfrID = fallo ? 0 : m.MFrID;
+    return fallo;
 }
 
 void FrecuentesDatos::escribirLineas(const MovimientoFrecuente &m)
@@ -73,13 +76,11 @@ void FrecuentesDatos::escribirLineas(const MovimientoFrecuente &m)
     }
 }
 
-qint32 FrecuentesDatos::Guardar(MovimientoFrecuente &m)
+std::optional<Fallo> FrecuentesDatos::Guardar(MovimientoFrecuente &m)
 {
     for (const LineaDatos &l : std::as_const(m.Lineas)) {
-        if (!std::isfinite(l.Tasa) || l.Importe.abs() > Importe::MaximoLinea() || l.ImporteMC.abs() > Importe::MaximoLinea()) {
-            m_error = QStringLiteral("importe no válido en la cuenta %1").arg(l.Cuenta);
-            return 0;
-        }
+        if (!std::isfinite(l.Tasa) || l.Importe.abs() > Importe::MaximoLinea() || l.ImporteMC.abs() > Importe::MaximoLinea())
+            return Fallo{0, QStringLiteral("importe no válido en la cuenta %1").arg(l.Cuenta)};
     }
     // A failed write leaves the template as it was: a new one keeps no id of a row rolled back.
     const qint32 idAntes = m.MFrID;
@@ -102,29 +103,27 @@ qint32 FrecuentesDatos::Guardar(MovimientoFrecuente &m)
                                                    " MFrUsuarioVerificador = ?, MFrUsuario = ? Where MFrID = ?"),
                                     valores)
                 != 1)
-                throw ErrorBaseDatos(QStringLiteral("el asiento frecuente %1 ya no existe").arg(m.MFrID));
+                return Fallo{0, QStringLiteral("el asiento frecuente %1 ya no existe").arg(m.MFrID)};
         }
         escribirLineas(m);
         tx.Confirmar();
-        return m.MFrID;
+        return std::nullopt;
     } catch (const ErrorBaseDatos &e) {
         m.MFrID = idAntes;
-        m_error = e.descripcion();
-        return 0;
+        return FalloDe(0, e);
     }
 }
 
-bool FrecuentesDatos::Eliminar(qint32 mfrID)
+std::optional<Fallo> FrecuentesDatos::Eliminar(qint32 mfrID)
 {
     try {
         Transaccion tx(m_conexion);
         m_conexion.Ejecutar(QStringLiteral("Delete From genMovimientosFrecuentesLineas Where MFLIDMovimiento = ?"), {mfrID});
         m_conexion.Ejecutar(QStringLiteral("Delete From genMovimientosFrecuentes Where MFrID = ?"), {mfrID});
         tx.Confirmar();
-        return true;
+        return std::nullopt;
     } catch (const ErrorBaseDatos &e) {
-        m_error = e.descripcion();
-        return false;
+        return FalloDe(0, e);
     }
 }
 
@@ -211,13 +210,12 @@ QVector<MovimientoFrecuente> FrecuentesDatos::Vencidos(qint32 empresa, const QDa
     return r;
 }
 
-qint32 FrecuentesDatos::Registrar(const MovimientoFrecuente &m, const QDate &fecha, qint16 usuario, const LibrosSistema &libros,
-                                  bool borrador)
+std::optional<Fallo> FrecuentesDatos::Registrar(const MovimientoFrecuente &m, const QDate &fecha, qint16 usuario,
+                                                const LibrosSistema &libros, bool borrador, qint32 &asiID)
 {
-    if (m.Lineas.isEmpty()) {
-        m_error = QStringLiteral("el asiento frecuente no tiene líneas");
-        return 0;
-    }
+    asiID = 0;
+    if (m.Lineas.isEmpty())
+        return Fallo{0, QStringLiteral("el asiento frecuente no tiene líneas")};
     try {
         Transaccion tx(m_conexion);
         if (m.Agendado()) {
@@ -227,7 +225,7 @@ qint32 FrecuentesDatos::Registrar(const MovimientoFrecuente &m, const QDate &fec
                                                    " Where MFrID = ? And MFrFechaProxima = ?"),
                                     {Conexion::ValorFecha(SiguienteFecha(m)), m.MFrID, Conexion::ValorFecha(m.FechaProxima)})
                 != 1)
-                throw ErrorBaseDatos(QStringLiteral("El asiento agendado ya fue registrado en esa fecha."));
+                return Fallo{0, QStringLiteral("El asiento agendado ya fue registrado en esa fecha.")};
         }
         AsientoDatos datos(m_conexion, libros);
         datos.FijarUsuario(usuario);
@@ -245,14 +243,14 @@ qint32 FrecuentesDatos::Registrar(const MovimientoFrecuente &m, const QDate &fec
                                           : EstadoAsiento::kInconcluso;
         d.FechaCambioEstado = AsientoDatos::SelloNuevo(m_conexion.reloj(), QDateTime());
         if (datos.HayCuentasCerradas(fecha))
-            throw ErrorBaseDatos(QStringLiteral("Hay cuentas cerradas a la fecha %1.").arg(fecha.toString(QStringLiteral("dd/MM/yyyy"))));
-        const qint32 id = datos.GrabarTodo();
-        if (id <= 0)
-            throw ErrorBaseDatos(datos.ultimoError());
+            return Fallo{0, QStringLiteral("Hay cuentas cerradas a la fecha %1.").arg(fecha.toString(QStringLiteral("dd/MM/yyyy")))};
+        // The template's command tells any refusal with its own text and this detail.
+        if (auto fallo = datos.GrabarTodo())
+            return Fallo{0, fallo->detalle, fallo->deLaBase};
         tx.Confirmar();
-        return id;
+        asiID = datos.Cabezal().AsiID;
+        return std::nullopt;
     } catch (const ErrorBaseDatos &e) {
-        m_error = e.descripcion();
-        return 0;
+        return FalloDe(0, e);
     }
 }

@@ -35,8 +35,8 @@ struct MovimientoFrecuente
 
 // Frequent entries in genMovimientosFrecuentes and their lines. A scheduled one is stored as
 // "mensual" with the entry's date as its next date: the entry comes back every month from
-// that date on. Every write is one transaction; failures answer 0 or false and leave the
-// reason in ultimoError(); reads throw ErrorBaseDatos.
+// that date on. Every write is one transaction and answers why it failed (told with the
+// command's own text), nothing when it was written; reads throw ErrorBaseDatos.
 class FrecuentesDatos
 {
 public:
@@ -44,16 +44,16 @@ public:
 
     explicit FrecuentesDatos(Conexion &conexion);
 
-    // Stores a template from an entry's header and lines (in their order); answers its
-    // MFrID, 0 on failure.
-    // A scheduled one is first due on the entry's date, or with desdeElMesSiguiente a month
-    // later.
-    qint32 Crear(const CabezalDatos &cabezal, const QVector<LineaDatos> &lineas, const QVector<qint16> &monedas,
-                 bool agendar, const QString &nombre, bool desdeElMesSiguiente = false);
-    // Stores a new template (MFrID 0) or replaces a stored one's header and lines; answers
-    // its MFrID, 0 on failure.
-    qint32 Guardar(MovimientoFrecuente &m);
-    bool Eliminar(qint32 mfrID);
+    // Stores a template from an entry's header and lines (in their order); its MFrID goes
+    // into mfrID (0 on failure). A scheduled one is first due on the entry's date, or with
+    // desdeElMesSiguiente a month later.
+    [[nodiscard]] std::optional<Fallo> Crear(const CabezalDatos &cabezal, const QVector<LineaDatos> &lineas,
+                                             const QVector<qint16> &monedas, bool agendar, const QString &nombre,
+                                             bool desdeElMesSiguiente, qint32 &mfrID);
+    // Stores a new template (MFrID 0, which then holds the new id) or replaces a stored
+    // one's header and lines. A failed write leaves m as it was.
+    [[nodiscard]] std::optional<Fallo> Guardar(MovimientoFrecuente &m);
+    [[nodiscard]] std::optional<Fallo> Eliminar(qint32 mfrID);
 
     // The template with its lines; none when there is no such template.
     std::optional<MovimientoFrecuente> Leer(qint32 mfrID);
@@ -66,12 +66,10 @@ public:
     // Writes an entry from the template, dated fecha: registered (or a draft, with
     // borrador, or dated after today) when it balances, incomplete otherwise. A scheduled template then moves its
     // next date one month on, in the same transaction and only from the date read, so a due
-    // date is never registered twice. Refused when an account is closed at fecha. Answers
-    // the entry's AsiID, 0 on failure (nothing written).
-    qint32 Registrar(const MovimientoFrecuente &m, const QDate &fecha, qint16 usuario, const LibrosSistema &libros,
-                     bool borrador);
-
-    QString ultimoError() const { return m_error; }
+    // date is never registered twice. Refused when an account is closed at fecha. The entry's
+    // AsiID goes into asiID (0 on failure, with nothing written).
+    [[nodiscard]] std::optional<Fallo> Registrar(const MovimientoFrecuente &m, const QDate &fecha, qint16 usuario,
+                                                 const LibrosSistema &libros, bool borrador, qint32 &asiID);
 
     // A scheduled template's next date after the one due: a month on, on the day it began.
     static QDate SiguienteFecha(const MovimientoFrecuente &m);
@@ -81,5 +79,4 @@ private:
     MovimientoFrecuente cabezalDe(Recordset &rs) const;
 
     Conexion &m_conexion;
-    QString m_error;
 };

@@ -298,12 +298,11 @@ void MovimientosFrecuentes::bfOK_Click()
     if (!m.Fecha.isValid())
         m.Fecha = chkAgendar->isChecked() ? odDesde->date() : m_datos.reloj().Hoy();
     FrecuentesDatos datos(*m_datos.conexion());
-    const qint32 id = datos.Guardar(m);
-    if (id <= 0) {
-        m_datos.Error(1908, datos.ultimoError());
+    if (const auto fallo = datos.Guardar(m)) {
+        m_datos.Error(1908, fallo->detalle);
         return;
     }
-    m_guardado = id;
+    m_guardado = m.MFrID;
     accept();
 }
 

@@ -195,9 +195,9 @@ qint32 RegistroFrecuentes::registrar(const MovimientoFrecuente &m, const QDate &
 {
     const Ocupado ocupado;
     FrecuentesDatos datos(*m_datos.conexion());
-    const qint32 id = datos.Registrar(m, fecha, m_datos.usuario, m_datos.librosSistema(), m_datos.asiSaveB);
-    if (id <= 0)
-        m_datos.Error(1912, datos.ultimoError());
+    qint32 id = 0;
+    if (const auto fallo = datos.Registrar(m, fecha, m_datos.usuario, m_datos.librosSistema(), m_datos.asiSaveB, id))
+        m_datos.Error(1912, fallo->detalle);
     return id;
 }
 
@@ -242,9 +242,8 @@ void RegistroFrecuentes::eliminar()
     const QString pregunta = QStringLiteral("¿Elimina el asiento frecuente «%1»?").arg(lvFrecuentes->currentItem()->text(0));
     if (m_datos.mensajes->Preguntar(pregunta, ServicioMensajes::Botones::SiNo) != ServicioMensajes::Respuesta::Si)
         return;
-    FrecuentesDatos datos(*m_datos.conexion());
-    if (!datos.Eliminar(id))
-        m_datos.Error(1912, datos.ultimoError());
+    if (const auto fallo = FrecuentesDatos(*m_datos.conexion()).Eliminar(id))
+        m_datos.Error(1912, fallo->detalle);
     llenarLista();
 }
 

@@ -181,7 +181,7 @@ QDateTime FechaHoraDeValor(const QVariant &valor)
 
 Fallo FalloDe(int numeroTexto, const ErrorBaseDatos &error)
 {
-    return {numeroTexto, DetalleError(error.numero(), error.descripcion())};
+    return {numeroTexto, DetalleError(error.numero(), error.descripcion()), true};
 }
 
 namespace {

@@ -5,10 +5,15 @@
 // A failed operation: the catalogue number of the message to show and the error's detail
 // line ("number - description"). Operations below the document answer this; only the
 // document shows it.
+// A rule's refusal names the text that tells it; a failure the operation's caller tells with
+// its own text carries 0. deLaBase marks a failure of the database itself (nothing was
+// written, and the same operation may work once the database answers again), as against a
+// rule refusing it.
 struct Fallo
 {
     int numeroTexto = 0;
     QString detalle;
+    bool deLaBase = false;
 };
 
 // The detail line of an error display: number, " - ", description.

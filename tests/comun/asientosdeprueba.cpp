@@ -26,8 +26,38 @@ qint32 GrabarAsientoDePrueba(BaseDePrueba &base, qint16 estado, const QDate &fec
     AsientoDatos d(base.conexion());
     d.Cabezal() = CabezalDatos{0, Demo::kEmpresa, estado, fecha, leyenda, libro};
     d.Lineas() = LineasDePrueba(base, lineas);
-    const qint32 id = d.GrabarTodo();
+    const auto fallo = d.GrabarTodo();
     if (debeGrabarse)
-        EXPECT_GT(id, 0) << d.ultimoError().toStdString();
-    return id;
+        EXPECT_FALSE(fallo) << Motivo(fallo);
+    return fallo ? 0 : d.Cabezal().AsiID;
+}
+
+std::string Motivo(const std::optional<Fallo> &fallo)
+{
+    if (!fallo)
+        return {};
+    return (QString::number(fallo->numeroTexto) + QStringLiteral(": ") + fallo->detalle).toStdString();
+}
+
+::testing::AssertionResult Bien(const std::optional<Fallo> &fallo)
+{
+    if (!fallo)
+        return ::testing::AssertionSuccess();
+    return ::testing::AssertionFailure() << Motivo(fallo);
+}
+
+int NumeroDe(const std::optional<Fallo> &fallo)
+{
+    return fallo ? fallo->numeroTexto : -1;
+}
+
+qint32 IdGrabado(AsientoDatos &datos)
+{
+    return datos.GrabarTodo() ? 0 : datos.Cabezal().AsiID;
+}
+
+QString Papelera(AsientoDatos &datos, qint32 asiID, const QDateTime &sello)
+{
+    QStringList ids;
+    return datos.EnviarPapelera(asiID, sello, &ids) ? QString() : ids.join(QLatin1Char(','));
 }

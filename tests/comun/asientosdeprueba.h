@@ -8,7 +8,22 @@
 #include <QList>
 #include <QString>
 
+#include <optional>
+#include <string>
 #include <tuple>
+
+#include <gtest/gtest.h>
+
+// Why an operation failed, for a test's message; empty when it did not.
+std::string Motivo(const std::optional<Fallo> &fallo);
+// Passes when the operation did not fail; else fails saying why.
+::testing::AssertionResult Bien(const std::optional<Fallo> &fallo);
+// The catalogue text that tells a failure; -1 when there was none.
+int NumeroDe(const std::optional<Fallo> &fallo);
+// Writes the entry whole; answers its id, 0 when the write was refused.
+qint32 IdGrabado(AsientoDatos &datos);
+// Sends the entry to the trash; answers the ids sent, joined by ",", empty when refused.
+QString Papelera(AsientoDatos &datos, qint32 asiID, const QDateTime &sello);
 
 // A line of a test entry: the demo account's code, whether it is at the debit, and the
 // amount in the accounting currency.

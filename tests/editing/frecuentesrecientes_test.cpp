@@ -32,7 +32,8 @@ protected:
         }
         m.Lineas = LineasDePrueba(m_base, {{"1.1.01", true, 10}});
         m.Monedas = {0};
-        return FrecuentesDatos(m_base.conexion()).Guardar(m);
+        EXPECT_TRUE(Bien(FrecuentesDatos(m_base.conexion()).Guardar(m)));
+        return m.MFrID;
     }
 
     BaseDePrueba m_base;

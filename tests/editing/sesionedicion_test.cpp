@@ -1,3 +1,4 @@
+#include "comun/asientosdeprueba.h"
 // The rules of editing an entry, driven through a screen of plain values.
 #include "documentosinventana.h"
 
@@ -390,8 +391,8 @@ TEST_P(Edicion, UnaEscrituraAjenaSeMarcaEnLasFilasMiradas)
     for (const qint32 id : {registrados[0], registrados[1]}) {
         AsientoDatos otro(m_base.conexion());
         otro.FijarUsuario(Demo::kUsuarioContador);
-        ASSERT_TRUE(otro.CargarAsiento(id));
-        ASSERT_TRUE(otro.Grabar());
+        ASSERT_TRUE(Bien(otro.CargarAsiento(id)));
+        ASSERT_TRUE(Bien(otro.Grabar()));
     }
     miradas = {segundo, segundo};
     EXPECT_EQ(vigia.Revisar(), 1);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "comun/asientosdeprueba.h"
 #include "comun/basesprueba.h"
 
 #include "currency/catalogomonedas.h"

@@ -49,10 +49,8 @@ protected:
         }
         m.Lineas = LineasDePrueba(m_base, lineas);
         m.Monedas = QVector<qint16>(m.Lineas.size(), 0);
-        FrecuentesDatos datos(m_base.conexion());
-        const qint32 id = datos.Guardar(m);
-        EXPECT_GT(id, 0) << datos.ultimoError().toStdString();
-        return id;
+        EXPECT_TRUE(Bien(FrecuentesDatos(m_base.conexion()).Guardar(m)));
+        return m.MFrID;
     }
 
     // A template's or an entry's lines as "code|D or H|amount".

@@ -141,9 +141,9 @@ TEST_P(AperturaEnDocumento, LaOpcionDeInicioSoloSinAsiento)
     const qint32 id = apertura(EstadoAsiento::kInconcluso);
     EXPECT_EQ(abrir(QStringLiteral("|pshacerasi=si"))->ComandoDiferido(), QStringLiteral("1"));
     AsientoDatos registrar(m_base.conexion());
-    ASSERT_TRUE(registrar.CargarAsiento(id));
+    ASSERT_TRUE(Bien(registrar.CargarAsiento(id)));
     registrar.Cabezal().Estado = EstadoAsiento::kRegistrado;
-    ASSERT_TRUE(registrar.Grabar()) << registrar.ultimoError().toStdString();
+    ASSERT_TRUE(Bien(registrar.Grabar()));
     auto doc = abrir(QStringLiteral("|pshacerasi=si"));
     EXPECT_EQ(doc->ComandoDiferido(), QString());
     EXPECT_FALSE(conAviso(*doc));

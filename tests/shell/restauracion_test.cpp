@@ -56,9 +56,9 @@ protected:
     {
         AsientoDatos otro(m_base.conexion());
         otro.FijarUsuario(4);
-        ASSERT_TRUE(otro.CargarAsiento(id));
+        ASSERT_TRUE(Bien(otro.CargarAsiento(id)));
         otro.Cabezal().Leyenda = QStringLiteral("Cambiada por otro");
-        ASSERT_TRUE(otro.Grabar());
+        ASSERT_TRUE(Bien(otro.Grabar()));
     }
 };
 

@@ -158,11 +158,11 @@ TEST_P(VariosUsuarios, UnaLeyendaMasLargaQueLaColumnaNoSeEscribe)
 
     // Below the screen, a longer legend is refused whole on both engines.
     AsientoDatos datos(m_base.conexion());
-    ASSERT_TRUE(datos.CargarAsiento(id));
+    ASSERT_TRUE(Bien(datos.CargarAsiento(id)));
     datos.Cabezal().Leyenda = QString(kLargoLeyenda + 1, QLatin1Char('z'));
-    EXPECT_EQ(datos.GrabarTodo(), 0);
-    EXPECT_TRUE(datos.ultimoError().contains(QStringLiteral("255"))) << datos.ultimoError().toStdString();
-    EXPECT_FALSE(datos.Grabar());
+    const auto fallo = datos.GrabarTodo();
+    EXPECT_TRUE(fallo && fallo->detalle.contains(QStringLiteral("255"))) << Motivo(fallo);
+    EXPECT_FALSE(Bien(datos.Grabar()));
     EXPECT_EQ(enBase(id).cabezal.value(2), QString(kLargoLeyenda, QLatin1Char('y')));
 }
 

@@ -1,3 +1,4 @@
+#include "comun/asientosdeprueba.h"
 #include "comun/basesprueba.h"
 #include "comun/columna.h"
 #include "comun/conexionespia.h"
@@ -25,7 +26,6 @@
 namespace {
 
 using Causa = ErrorBaseDatos::Causa;
-using Resultado = AsientoDatos::Resultado;
 
 QVariant valor(Conexion &c, const QString &sql, const QVariantList &v = {})
 {
@@ -61,7 +61,7 @@ qint32 Nuevo(AsientoDatos &a, const QString &leyenda, double importe, qint16 lib
 {
     a.Cabezal() = CabezalDatos{0, Demo::kEmpresa, 1, QDate(2026, 5, 4), leyenda, libro};
     a.Lineas() = {linea(22, true, importe), linea(11, false, importe)};
-    return a.GrabarTodo();
+    return IdGrabado(a);
 }
 
 // Runs a session's steps for sides 0 and 1, each in its own thread, meeting at paso. A side
@@ -207,25 +207,24 @@ TEST_P(Multiusuario, CadaEscrituraDejaUnaFilaDeHistorial)
     const qint32 id = Nuevo(a, QStringLiteral("Compra de útiles"), 300);
     ASSERT_GT(id, 0);
     AsientoDatos viejo(c);
-    ASSERT_TRUE(viejo.CargarAsiento(id));
+    ASSERT_TRUE(Bien(viejo.CargarAsiento(id)));
 
     a.Lineas() = {linea(22, true, 450.25), linea(11, false, 450.25)};
-    ASSERT_GT(a.GrabarTodo(), 0);
+    ASSERT_GT(IdGrabado(a), 0);
     a.Cabezal().Estado = 0;
-    ASSERT_TRUE(a.Grabar());
+    ASSERT_TRUE(Bien(a.Grabar()));
     a.Cabezal().Leyenda = QStringLiteral("Compra corregida");
-    ASSERT_TRUE(a.Grabar());
+    ASSERT_TRUE(Bien(a.Grabar()));
 
     viejo.Cabezal().Leyenda = QStringLiteral("no debe quedar");
-    EXPECT_FALSE(viejo.Grabar());
-    EXPECT_EQ(viejo.GrabarTodo(), 0);
-    EXPECT_EQ(viejo.ultimoResultado(), Resultado::Modificado);
-    EXPECT_EQ(viejo.EnviarPapelera(id, viejo.Cabezal().FechaModificado), QString());
+    EXPECT_EQ(NumeroDe(viejo.Grabar()), AsientoDatos::kModificado);
+    EXPECT_EQ(NumeroDe(viejo.GrabarTodo()), AsientoDatos::kModificado);
+    EXPECT_EQ(Papelera(viejo, id, viejo.Cabezal().FechaModificado), QString());
     EXPECT_EQ(filasHistorial(c, id), 4);
 
-    EXPECT_EQ(a.EnviarPapelera(id, a.Cabezal().FechaModificado), QString::number(id));
-    EXPECT_FALSE(viejo.EliminarDefinitivo(id, viejo.Cabezal().FechaModificado));
-    ASSERT_TRUE(a.EliminarDefinitivo(id, a.Cabezal().FechaModificado));
+    EXPECT_EQ(Papelera(a, id, a.Cabezal().FechaModificado), QString::number(id));
+    EXPECT_FALSE(Bien(viejo.EliminarDefinitivo(id, viejo.Cabezal().FechaModificado)));
+    ASSERT_TRUE(Bien(a.EliminarDefinitivo(id, a.Cabezal().FechaModificado)));
 
     const QList<HistorialAsiento::Fila> filas = HistorialAsiento::Leer(c, id);
     const QStringList operaciones{HistorialAsiento::kAlta,   HistorialAsiento::kCambio,   HistorialAsiento::kEstado,
@@ -270,7 +269,7 @@ TEST_P(Multiusuario, CarrerasDeDosSesionesUnSoloGanador)
     struct Intento
     {
         bool gano = false;
-        Resultado resultado = Resultado::Bien;
+        int rechazo = -1; // the catalogue text of the refusal
         std::optional<Causa> causa;
     };
     struct Vuelta
@@ -288,23 +287,23 @@ TEST_P(Multiusuario, CarrerasDeDosSesionesUnSoloGanador)
     const QString fallo = EnDosHilos(paso, [&](int lado) {
         auto c = AbrirBaseDelPrograma(direccion);
         Espia espia(*c);
-        auto anotar = [&](Intento &i, qint32 grabado, const AsientoDatos &d) {
-            i = {grabado > 0 && d.ultimoResultado() == Resultado::Bien, d.ultimoResultado(), espia.causa};
-        };
+        auto anotar = [&](Intento &i, const std::optional<Fallo> &fallo) { i = {!fallo, NumeroDe(fallo), espia.causa}; };
         AsientoDatos a(espia);
         a.FijarUsuario(usuarios[lado]);
         for (int v = 0; v < kVueltas; ++v) {
             Vuelta &t = vueltas[v];
-            if (!a.CargarAsiento(id))
-                throw std::runtime_error(a.ultimoError().toStdString());
+            if (const auto fallo = a.CargarAsiento(id))
+                throw std::runtime_error(Motivo(fallo));
             a.Cabezal().Leyenda = leyendaDe(lado, v);
             paso.arrive_and_wait();
             espia.causa.reset();
-            anotar(t.cambio[lado], a.GrabarTodo(), a);
+            anotar(t.cambio[lado], a.GrabarTodo());
             AsientoDatos apertura(espia);
             paso.arrive_and_wait();
             espia.causa.reset();
-            anotar(t.apertura[lado], Nuevo(apertura, QStringLiteral("Saldos iniciales %1").arg(lado), 100 + v, 97), apertura);
+            apertura.Cabezal() = CabezalDatos{0, Demo::kEmpresa, 1, QDate(2026, 5, 4), QStringLiteral("Saldos iniciales %1").arg(lado), 97};
+            apertura.Lineas() = {linea(22, true, 100 + v), linea(11, false, 100 + v)};
+            anotar(t.apertura[lado], apertura.GrabarTodo());
             paso.arrive_and_wait();
             if (lado == 0) {
                 t.leyenda = valor(*c, QStringLiteral("Select AsiLeyenda From cceAsientos Where AsiID = ?"), {id}).toString();
@@ -318,22 +317,22 @@ TEST_P(Multiusuario, CarrerasDeDosSesionesUnSoloGanador)
     });
     ASSERT_TRUE(fallo.isEmpty()) << fallo.toStdString();
     // Which side won; the other was refused as said, or found the file busy.
-    auto ganador = [&](const Intento (&intentos)[2], Resultado rechazo) {
+    auto ganador = [&](const Intento (&intentos)[2], int rechazo) {
         EXPECT_NE(intentos[0].gano, intentos[1].gano) << "ganaron ambos o ninguno";
         for (const Intento &i : intentos)
             if (!i.gano)
-                EXPECT_TRUE(i.resultado == rechazo || (GetParam() == Motor::SQLite && i.causa == Causa::Ocupada)) << int(i.resultado);
+                EXPECT_TRUE(i.rechazo == rechazo || (GetParam() == Motor::SQLite && i.causa == Causa::Ocupada)) << i.rechazo;
         return intentos[0].gano ? 0 : 1;
     };
     for (int v = 0; v < kVueltas; ++v) {
         SCOPED_TRACE(v);
         const Vuelta &t = vueltas[v];
-        const int lado = ganador(t.cambio, Resultado::Modificado);
+        const int lado = ganador(t.cambio, AsientoDatos::kModificado);
         EXPECT_EQ(t.leyenda, leyendaDe(lado, v));
         EXPECT_EQ(t.historial, v + 2);
         EXPECT_EQ(t.ultima.usuario, usuarios[lado]);
         EXPECT_EQ(t.ultima.despues.value(QStringLiteral("Leyenda")).toString(), t.leyenda);
-        ganador(t.apertura, Resultado::AperturaDuplicada);
+        ganador(t.apertura, AsientoDatos::kAperturaDuplicada);
         EXPECT_EQ(t.aperturas, 1);
     }
 }
@@ -356,24 +355,24 @@ TEST_P(Multiusuario, EscrituraTrabadaEsperaYNoEscribeNada)
         uno->Ejecutar(QStringLiteral("Update cceAsientos Set AsiEstado = 1 Where AsiID = ?"), {id});
     else
         valor(*uno, QStringLiteral("Select AsiID From cceAsientos Where AsiID = ? For Update"), {id});
-    ASSERT_TRUE(b.CargarAsiento(id)); // readers do not wait
+    ASSERT_TRUE(Bien(b.CargarAsiento(id))); // readers do not wait
     b.Cabezal().Leyenda = QStringLiteral("de la otra sesión");
     QElapsedTimer reloj;
     reloj.start();
-    EXPECT_EQ(b.GrabarTodo(), 0);
+    const auto fallo = b.GrabarTodo();
     const qint64 esperado = reloj.elapsed();
     uno->Deshacer();
 
     EXPECT_GE(esperado, kEspera - 50);
     EXPECT_LE(esperado, kEspera + 2000);
-    EXPECT_EQ(b.ultimoResultado(), Resultado::ErrorBase);
+    ASSERT_TRUE(fallo && fallo->deLaBase);
     EXPECT_EQ(espia.causa, Causa::Ocupada);
-    EXPECT_TRUE(b.ultimoError().contains(QStringLiteral("ocupada por otro usuario: se esperó 0,4 segundos"))) << b.ultimoError().toStdString();
-    EXPECT_FALSE(b.ultimoError().contains(QStringLiteral("lock"), Qt::CaseInsensitive)) << b.ultimoError().toStdString();
+    EXPECT_TRUE(fallo->detalle.contains(QStringLiteral("ocupada por otro usuario: se esperó 0,4 segundos"))) << Motivo(fallo);
+    EXPECT_FALSE(fallo->detalle.contains(QStringLiteral("lock"), Qt::CaseInsensitive)) << Motivo(fallo);
     EXPECT_EQ(valor(*uno, QStringLiteral("Select AsiLeyenda From cceAsientos Where AsiID = ?"), {id}).toString(), QStringLiteral("original"));
     EXPECT_EQ(filasHistorial(*uno, id), 1);
 
-    EXPECT_EQ(b.GrabarTodo(), id) << b.ultimoError().toStdString();
+    EXPECT_EQ(IdGrabado(b), id);
     EXPECT_EQ(filasHistorial(*uno, id), 2);
 }
 
@@ -429,12 +428,12 @@ TEST_F(MultiusuarioPostgreSQL, SesionPerdidaSeRestablece)
     a.Cabezal().Leyenda = QStringLiteral("durante el corte");
     const qint64 pid = sesion(*c);
     espia.antesDeEscribir = [&] { cortar(pid); };
-    EXPECT_EQ(a.GrabarTodo(), 0);
+    const auto fallo = a.GrabarTodo();
     EXPECT_EQ(espia.causa, Causa::ConexionPerdida);
-    EXPECT_TRUE(a.ultimoError().contains(QStringLiteral("no se grabó"))) << a.ultimoError().toStdString();
+    EXPECT_TRUE(fallo && fallo->detalle.contains(QStringLiteral("no se grabó"))) << Motivo(fallo);
     EXPECT_EQ(base->Valor(QStringLiteral("Select AsiLeyenda From cceAsientos Where AsiID = ?"), {id}).toString(), QStringLiteral("antes del corte"));
     EXPECT_EQ(filasHistorial(base->conexion(), id), 1);
-    EXPECT_EQ(a.GrabarTodo(), id) << a.ultimoError().toStdString();
+    EXPECT_EQ(IdGrabado(a), id);
     EXPECT_EQ(filasHistorial(base->conexion(), id), 2);
 }
 
@@ -462,14 +461,13 @@ TEST_F(MultiusuarioPostgreSQL, AvisosDeEscriturasDeOtrasSesiones)
     EXPECT_EQ(recibidos, QStringList{QStringLiteral("%1|1|4").arg(id)});
 
     AsientoDatos viejo(*uno);
-    ASSERT_TRUE(viejo.CargarAsiento(id));
+    ASSERT_TRUE(Bien(viejo.CargarAsiento(id)));
     AsientoDatos propio(*dos);
-    ASSERT_TRUE(propio.CargarAsiento(id));
+    ASSERT_TRUE(Bien(propio.CargarAsiento(id)));
     propio.Cabezal().Leyenda = QStringLiteral("de la sesión que escucha");
-    ASSERT_EQ(propio.GrabarTodo(), id);
+    ASSERT_EQ(IdGrabado(propio), id);
     viejo.Cabezal().Leyenda = QStringLiteral("tarde");
-    EXPECT_FALSE(viejo.Grabar());
-    ASSERT_EQ(viejo.ultimoResultado(), Resultado::Modificado);
+    ASSERT_EQ(NumeroDe(viejo.Grabar()), AsientoDatos::kModificado);
 
     // Notices come in the order of the writes: once this one is in, any other would be too.
     AsientoDatos ultimo(*uno);
