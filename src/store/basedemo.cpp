@@ -697,19 +697,21 @@ void GeneradorDemo::armarAsientos()
                      [](const AsientoDemo &a, const AsientoDemo &b) { return a.fecha < b.fecha; });
 }
 
-// How the journal grid tells a balanced entry: a line on each side, and the sides equal to
-// the cent in pesos and in the other currency (added up whatever it is, hence only one).
+// How the journal grid tells a balanced entry: a line on each side, the sides equal to the
+// cent in pesos, and in the foreign currency too when every line is in that one currency.
 bool cuadra(const AsientoDemo &a)
 {
     bool debe = false, haber = false;
+    bool todasEnMoneda = true; // every line in the one foreign currency: then it balances too
     qint64 enPesos = 0, enMoneda = 0;
     for (const Linea &l : a.lineas) {
         (l.debe ? debe : haber) = true;
         enPesos += l.debe ? l.importeMC : -l.importeMC;
+        todasEnMoneda = todasEnMoneda && l.moneda != Demo::kMonedaPesos;
         if (l.moneda != Demo::kMonedaPesos)
             enMoneda += l.debe ? l.importe : -l.importe;
     }
-    return debe && haber && enPesos == 0 && enMoneda == 0;
+    return debe && haber && enPesos == 0 && (!todasEnMoneda || enMoneda == 0);
 }
 
 qsizetype monedasExtranjeras(const AsientoDemo &a)
