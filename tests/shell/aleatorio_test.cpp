@@ -156,63 +156,29 @@ private:
     void elegir(Contador &c, Contador &otro, int n)
     {
         // While an entry is open it is often carried on; anything else leaves it.
-        if (editando(c) && moneda(35)) {
-            seguirEdicion(c, n);
-            return;
-        }
-        switch (al(16)) {
-        case 0:
-        case 1:
-            nuevo(c, n);
-            break;
-        case 2:
-        case 3:
-            abrir(c, n);
-            break;
-        case 4:
-            cambiarCabezal(c, true);
-            break;
-        case 5:
-            cambiarCabezal(c, false);
-            break;
+        if (editando(c) && moneda(35))
+            return seguirEdicion(c, n);
+        switch (const int accion = al(16)) {
+        case 0: case 1: return nuevo(c, n);
+        case 2: case 3: return abrir(c, n);
+        case 4: case 5: return cambiarCabezal(c, accion == 4);
         case 6:
-            if (editando(c)) {
-                anotar(c, QStringLiteral("Escape"));
-                escape(c);
-            } else {
-                cambiarVista(c);
-            }
-            break;
-        case 7:
-            cambiarVista(c);
-            break;
-        case 8:
-            cerrar(c);
-            break;
-        case 9:
-            comando(c, "MnuEdiDelRow", false);
-            break;
-        case 10:
-            comando(c, "MnuEdiDel", true);
-            break;
-        case 11:
-            comando(c, moneda(50) ? "MnuEdiCopy" : "MnuEdiASI", true);
-            break;
-        case 12:
-            comando(c, moneda(75) ? "MnuEdiSaveNormal" : "MnuSaveEnBorrador", true);
-            break;
-        case 13:
-            unificar(c);
-            break;
+            if (!editando(c))
+                return cambiarVista(c);
+            anotar(c, QStringLiteral("Escape"));
+            return escape(c);
+        case 7: return cambiarVista(c);
+        case 8: return cerrar(c);
+        case 9: return comando(c, "MnuEdiDelRow", false);
+        case 10: return comando(c, "MnuEdiDel", true);
+        case 11: return comando(c, moneda(50) ? "MnuEdiCopy" : "MnuEdiASI", true);
+        case 12: return comando(c, moneda(75) ? "MnuEdiSaveNormal" : "MnuSaveEnBorrador", true);
+        case 13: return unificar(c);
         case 14:
-            if (moneda(85))
-                mostrarDelOtro(c, otro);
-            else
-                comando(c, "MnuEdiAPA", true);
-            break;
-        default:
-            mostrarDelOtro(c, otro);
-            break;
+            if (!moneda(85))
+                return comando(c, "MnuEdiAPA", true);
+            [[fallthrough]];
+        default: return mostrarDelOtro(c, otro);
         }
     }
 
@@ -382,9 +348,8 @@ private:
 
     void abrir(Contador &c, int n)
     {
-        if (!abrirAlguno(c))
-            return;
-        seguirEdicion(c, n);
+        if (abrirAlguno(c))
+            seguirEdicion(c, n);
     }
 
     // Carries on with the open entry: a new amount, a legend, lines, or Enter as it is.
@@ -405,8 +370,7 @@ private:
         case 1:
             anotar(c, QStringLiteral("  importe nuevo y Enter"));
             escribir(c.doc->editor()->campo(lumERAsiento::kImporte), importeAlAzar());
-            aceptarLinea(c);
-            break;
+            return aceptarLinea(c);
         case 2: {
             const QString leyenda = QStringLiteral("Cambiada %1-%2").arg(m_semilla).arg(n);
             anotar(c, QStringLiteral("  leyenda \"%1\" y Enter en el importe").arg(leyenda));
@@ -422,15 +386,12 @@ private:
         }
         case 3:
             anotar(c, QStringLiteral("  Enter en el importe"));
-            aceptarLinea(c);
-            break;
+            return aceptarLinea(c);
         default:
             anotar(c, QStringLiteral("  líneas nuevas"));
             if (c.doc->editor()->campoCuenta(true)->text().isEmpty() && c.doc->editor()->campoCuenta(false)->text().isEmpty())
-                lineas(c);
-            else
-                aceptarLinea(c);
-            break;
+                return lineas(c);
+            return aceptarLinea(c);
         }
     }
 
@@ -458,13 +419,9 @@ private:
         }
         if (!editando(c))
             return;
-        if (moneda(50)) {
-            anotar(c, QStringLiteral("  Enter en el importe"));
-            aceptarLinea(c);
-        } else {
-            anotar(c, QStringLiteral("  Escape"));
-            escape(c);
-        }
+        const bool aceptar = moneda(50);
+        anotar(c, QLatin1String(aceptar ? "  Enter en el importe" : "  Escape"));
+        aceptar ? aceptarLinea(c) : escape(c);
     }
 
     // A link of the document's top bar, clicked: it ends an open edit and shows its menu.
@@ -575,11 +532,7 @@ private:
         return sellos;
     }
 
-    qint64 ultimoHistorial()
-    {
-        auto rs = m_base.conexion().Abrir(QStringLiteral("Select Max(HisID) From cceAsientosHistorial"));
-        return rs->Fin() ? 0 : rs->Campo(0).toLongLong();
-    }
+    qint64 ultimoHistorial() { return m_base.Valor(QStringLiteral("Select Max(HisID) From cceAsientosHistorial")).toLongLong(); }
 
     bool Revisar(int n)
     {
@@ -692,19 +645,13 @@ private:
         const bool error = std::any_of(dichos.cbegin(), dichos.cend(), [](const QString &t) { return t.startsWith(QLatin1String("error: ")); });
         if (preguntado || error)
             return;
-        qint32 id = p.asiento;
-        if (id <= 0) {
-            auto rs = m_base.conexion().Abrir(QStringLiteral("Select Max(AsiID) From cceAsientos Where AsiLeyenda = ?"), {p.leyenda});
-            id = rs->Fin() ? 0 : rs->Campo(0).toInt();
-        }
-        auto rs = m_base.conexion().Abrir(QStringLiteral("Select Count(*) From cceAsientoCuenta INNER JOIN cceCuentas ON CueID = ACuCuenta"
-                                                         " Where ACuIDAsiento = ? And CueCodigo = ? And Abs(Coalesce(ACuDebe, AcuHaber) - ?) < 0.005"),
-                                          {id, p.codigo, p.importe});
-        if (rs->Campo(0).toInt() > 0)
-            return;
-        const QString falla = QStringLiteral("la línea %1 %2 escrita sin Enter en el asiento %3 (\"%4\") se perdió sin preguntar")
-                                  .arg(p.codigo).arg(p.importe).arg(id).arg(p.leyenda);
-        m_fallas << falla;
+        const qint32 id = p.asiento > 0 ? p.asiento
+                                        : m_base.Valor(QStringLiteral("Select Max(AsiID) From cceAsientos Where AsiLeyenda = ?"), {p.leyenda}).toInt();
+        if (m_base.Valor(QStringLiteral("Select Count(*) From cceAsientoCuenta INNER JOIN cceCuentas ON CueID = ACuCuenta"
+                                        " Where ACuIDAsiento = ? And CueCodigo = ? And Abs(Coalesce(ACuDebe, AcuHaber) - ?) < 0.005"),
+                         {id, p.codigo, p.importe}).toInt() == 0)
+            m_fallas << QStringLiteral("la línea %1 %2 escrita sin Enter en el asiento %3 (\"%4\") se perdió sin preguntar")
+                            .arg(p.codigo).arg(p.importe).arg(id).arg(p.leyenda);
     }
 
     // An entry's writes, oldest first, as "operation:user".

@@ -50,6 +50,20 @@ protected:
     int contar(const QString &sql) { return m_base.Valor(sql).toInt(); }
 
     void mostrarUltimos(lumIngAsiento &doc) { doc.ElegirVista(Vista::kUltimos10); }
+    // Puts the grid on the entry's header row, or on its k-th line.
+    static void enFila(lumIngAsiento &doc, qint32 id, int k = 0) { doc.grid()->FijarFilaActual(doc.FilaDeAsiento(id) + k); }
+    int lineas(qint32 id, const QString &donde = QStringLiteral("1 = 1"))
+    {
+        return contar(QStringLiteral("Select Count(*) From cceAsientoCuenta Where ACuIDAsiento = %1 And ").arg(id) + donde);
+    }
+    // A registered entry of ten days ago with the lines given as they are stored.
+    qint32 asientoConLineas(const QString &leyenda, const QList<LineaDatos> &lineas)
+    {
+        AsientoDatos d(m_base.conexion());
+        d.Cabezal() = CabezalDatos{0, Demo::kEmpresa, 1, BaseDePrueba::Hoy().addDays(-10), leyenda, 0};
+        d.Lineas() = lineas;
+        return IdGrabado(d);
+    }
 
     BaseDePrueba m_base;
     QTemporaryDir m_carpeta;
@@ -110,7 +124,7 @@ TEST_P(Grabacion, OtroUsuarioGraboAntes)
     otro.Cabezal().Leyenda = QStringLiteral("cambiada por otro");
     ASSERT_TRUE(Bien(otro.Grabar()));
 
-    doc->grid()->FijarFilaActual(doc->FilaDeAsiento(id));
+    enFila(*doc, id);
     doc->comandos().RegistrarAsiento();
     EXPECT_EQ(m_mensajes.mostrados, QStringList{Dicho("error", 1820)});
     EXPECT_EQ(estadoEnBase(id), 0);
@@ -122,7 +136,7 @@ TEST_P(Grabacion, BorradorConFechaFuturaSeAgenda)
     const qint32 id = asiento(BaseDePrueba::Hoy().addDays(1), 0, 75);
     auto doc = abrir();
     mostrarUltimos(*doc);
-    doc->grid()->FijarFilaActual(doc->FilaDeAsiento(id));
+    enFila(*doc, id);
     m_mensajes.Responder(ServicioMensajes::Respuesta::No);
     m_mensajes.Responder(ServicioMensajes::Respuesta::No);
     doc->comandos().RegistrarAsiento();
@@ -133,14 +147,14 @@ TEST_P(Grabacion, BorradorConFechaFuturaSeAgenda)
     // A template that cannot be stored keeps the entry where it was.
     m_base.conexion().Ejecutar(QStringLiteral("Alter Table genMovimientosFrecuentesLineas Rename To mflFuera"));
     m_mensajes.Responder(ServicioMensajes::Respuesta::Si);
-    doc->grid()->FijarFilaActual(doc->FilaDeAsiento(id));
+    enFila(*doc, id);
     doc->comandos().RegistrarAsiento();
     m_base.conexion().Ejecutar(QStringLiteral("Alter Table mflFuera Rename To genMovimientosFrecuentesLineas"));
     EXPECT_EQ(estadoEnBase(id), 0);
     EXPECT_TRUE(m_mensajes.mostrados.last().startsWith(Dicho("error", 1908))) << m_mensajes.mostrados.last().toStdString();
 
     m_mensajes.Responder(ServicioMensajes::Respuesta::Si);
-    doc->grid()->FijarFilaActual(doc->FilaDeAsiento(id));
+    enFila(*doc, id);
     doc->comandos().RegistrarAsiento();
     EXPECT_EQ(estadoEnBase(id), -100); // gone for good
     EXPECT_EQ(doc->FilaDeAsiento(id), -1);
@@ -157,7 +171,7 @@ TEST_P(Grabacion, ElDeSaldosInicialesVuelveABorradorYSeRegistraDeNuevo)
     auto doc = abrir();
     mostrarUltimos(*doc);
     for (const int estado : {0, 1}) {
-        doc->grid()->FijarFilaActual(doc->FilaDeAsiento(id));
+        enFila(*doc, id);
         doc->comandos().RegistrarAsiento();
         EXPECT_EQ(estadoEnBase(id), estado);
     }
@@ -174,7 +188,7 @@ TEST_P(Grabacion, CuentaCerradaNoSeRegistra)
     const qint32 id = asiento(cierre.addDays(-1), 0, 10, codigo.toLatin1().constData());
     auto doc = abrir();
     mostrarUltimos(*doc);
-    doc->grid()->FijarFilaActual(doc->FilaDeAsiento(id));
+    enFila(*doc, id);
     doc->comandos().RegistrarAsiento();
     EXPECT_EQ(m_mensajes.mostrados, QStringList{Dicho("error", 1811)});
     EXPECT_EQ(estadoEnBase(id), 0);
@@ -240,7 +254,7 @@ TEST_P(Grabacion, EliminarAsientoYFila)
     doc->grid()->FijarFilaActual(linea);
     m_mensajes.Responder(ServicioMensajes::Respuesta::Si);
     doc->comandos().EliminarAsiento(true);
-    EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientoCuenta Where ACuIDAsiento = %1").arg(id)), 2);
+    EXPECT_EQ(lineas(id), 2);
     fila = doc->FilaDeAsiento(id);
     ASSERT_GT(fila, 0);
     EXPECT_EQ(doc->asientos().UltimaFilaAsiento(fila) - fila, 2);
@@ -264,10 +278,10 @@ TEST_P(Grabacion, UnaFilaDeUnAsientoDeCierreNoSeElimina)
     const qint32 id = asiento(BaseDePrueba::Hoy().addDays(-2), 1, 40, "1.1.01", Demo::kLibroCierre);
     auto doc = abrir();
     mostrarUltimos(*doc);
-    doc->grid()->FijarFilaActual(doc->FilaDeAsiento(id) + 1);
+    enFila(*doc, id, 1);
     doc->comandos().EliminarAsiento(true);
     EXPECT_EQ(m_mensajes.mostrados, QStringList{Dicho("advertencia", 1817)});
-    EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientoCuenta Where ACuIDAsiento = %1").arg(id)), 3);
+    EXPECT_EQ(lineas(id), 3);
 }
 
 TEST_P(Grabacion, CopiarYOcultar)
@@ -276,18 +290,18 @@ TEST_P(Grabacion, CopiarYOcultar)
     auto doc = abrir();
     mostrarUltimos(*doc);
     const int antes = contar(QStringLiteral("Select Count(*) From cceAsientos"));
-    doc->grid()->FijarFilaActual(doc->FilaDeAsiento(id));
+    enFila(*doc, id);
     m_mensajes.Responder(ServicioMensajes::Respuesta::Si);
     doc->comandos().CopiarAsiento();
     EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientos")), antes + 1);
     const int copia = contar(QStringLiteral("Select Max(AsiID) From cceAsientos"));
-    EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientoCuenta Where ACuIDAsiento = %1").arg(copia)), 3);
+    EXPECT_EQ(lineas(copia), 3);
     EXPECT_GT(doc->FilaDeAsiento(copia), 0);
 
     // A copy the store cannot write is said, and nothing of it appears.
     const int filas = doc->grilla().Filas();
     m_base.conexion().Ejecutar(QStringLiteral("Alter Table cceAsientosHistorial Rename To cceAsientosHistorialFuera"));
-    doc->grid()->FijarFilaActual(doc->FilaDeAsiento(id));
+    enFila(*doc, id);
     m_mensajes.Responder(ServicioMensajes::Respuesta::Si);
     doc->comandos().CopiarAsiento();
     m_base.conexion().Ejecutar(QStringLiteral("Alter Table cceAsientosHistorialFuera Rename To cceAsientosHistorial"));
@@ -295,7 +309,7 @@ TEST_P(Grabacion, CopiarYOcultar)
     EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientos")), antes + 1);
     EXPECT_EQ(doc->grilla().Filas(), filas);
 
-    doc->grid()->FijarFilaActual(doc->FilaDeAsiento(id));
+    enFila(*doc, id);
     doc->comandos().OcultarAsiento();
     EXPECT_EQ(doc->FilaDeAsiento(id), -1);
     EXPECT_EQ(estadoEnBase(id), 1); // only the screen changed
@@ -306,52 +320,40 @@ TEST_P(Grabacion, CopiarYOcultar)
 
 TEST_P(Grabacion, UnificarLaTasaDeLosDolares)
 {
-    AsientoDatos d(m_base.conexion());
-    d.Cabezal().Empresa = 1;
-    d.Cabezal().Estado = 1;
-    d.Cabezal().Fecha = BaseDePrueba::Hoy().addDays(-10);
-    d.Cabezal().Leyenda = QStringLiteral("Transferencia en dólares");
-    LineaDatos a, b;
-    a.Cuenta = m_base.IdCuenta("1.1.08");
-    a.Importe = 100_imp;
-    a.ImporteMC = 4000_imp;
-    b.Cuenta = m_base.IdCuenta("1.1.04");
-    b.AlDebe = false;
-    b.Importe = 100_imp;
-    b.ImporteMC = 4000_imp;
-    d.Lineas() = {a, b};
-    const qint32 id = IdGrabado(d);
+    const qint32 id = asientoConLineas(QStringLiteral("Transferencia en dólares"),
+                                       {LineaDatos{m_base.IdCuenta("1.1.08"), 0, 0, true, 100_imp, 0, 4000_imp},
+                                        LineaDatos{m_base.IdCuenta("1.1.04"), 0, 0, false, 100_imp, 0, 4000_imp}});
     ASSERT_GT(id, 0);
     auto doc = abrir();
     mostrarUltimos(*doc);
-    doc->grid()->FijarFilaActual(doc->FilaDeAsiento(id) + 1);
+    enFila(*doc, id, 1);
 
     m_mensajes.ResponderNumero(std::nullopt); // cancelled: nothing changes
     doc->unificacionTasa().UnificarTC(false);
     ASSERT_EQ(m_mensajes.mostrados.size(), 1);
     EXPECT_TRUE(m_mensajes.mostrados[0].startsWith(QStringLiteral("pedido: Ingrese el valor de la tasa de cambio [Unificar tasa de cambio] ")));
-    EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientoCuenta Where ACuIDAsiento = %1 And ACuImporteMC = 4000").arg(id)), 2);
+    EXPECT_EQ(lineas(id, QStringLiteral("ACuImporteMC = 4000")), 2);
 
-    doc->grid()->FijarFilaActual(doc->FilaDeAsiento(id) + 1);
+    enFila(*doc, id, 1);
     m_mensajes.ResponderNumero(41);
     doc->unificacionTasa().UnificarTC(false);
     EXPECT_EQ(doc->grid()->FilaActual(), doc->FilaDeAsiento(id) + 1); // still on the line it was on
-    EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientoCuenta Where ACuIDAsiento = %1 And ACuImporteMC = 4100").arg(id)), 2);
+    EXPECT_EQ(lineas(id, QStringLiteral("ACuImporteMC = 4100")), 2);
     EXPECT_EQ(m_mensajes.mostrados.size(), 2) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
 
     // Ctrl+Z on the grid takes the unification back, as a write of its own.
     QTest::keyClick(doc->grid(), Qt::Key_Z, Qt::ControlModifier);
-    EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientoCuenta Where ACuIDAsiento = %1 And ACuImporteMC = 4000").arg(id)), 2);
+    EXPECT_EQ(lineas(id, QStringLiteral("ACuImporteMC = 4000")), 2);
     EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientosHistorial Where HisAsiento = %1 And HisOperacion = 'deshacer'").arg(id)), 1);
 
     // Quotations that cannot be read are told; no rate is proposed from nothing.
     m_base.conexion().Ejecutar(QStringLiteral("Drop Table genCotizacionesMoneda"));
     m_mensajes.mostrados.clear();
-    doc->grid()->FijarFilaActual(doc->FilaDeAsiento(id) + 1);
+    enFila(*doc, id, 1);
     doc->unificacionTasa().UnificarTC(false);
     ASSERT_EQ(m_mensajes.mostrados.size(), 1);
     EXPECT_EQ(m_mensajes.mostrados[0], Dicho("error", 1929));
-    EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientoCuenta Where ACuIDAsiento = %1 And ACuImporteMC = 4000").arg(id)), 2);
+    EXPECT_EQ(lineas(id, QStringLiteral("ACuImporteMC = 4000")), 2);
 }
 
 // A currency worth less than the accounting one: ¥1000 booked at 250 pesos is "/ 4". The
@@ -363,30 +365,23 @@ TEST_P(Grabacion, UnificarLaTasaDeUnaMonedaQueValeMenosQueUnPeso)
                               " MonTipo) Values (6, '¥', 'Yenes', 1, '#,##0', '#,##0.000', 1)"));
     c.Ejecutar(QStringLiteral("Insert Into cceCuentas (CueID, CueIDEmpresa, CueCodigo, CueNombre, CueMoneda, CueEsCarpeta, CueTipo)"
                               " Values (9001, 1, '1.1.90', 'Caja en yenes', 6, 0, 1), (9002, 1, '1.1.91', 'Banco en yenes', 6, 0, 1)"));
-    AsientoDatos d(c);
-    d.Cabezal().Empresa = 1;
-    d.Cabezal().Estado = 1;
-    d.Cabezal().Fecha = BaseDePrueba::Hoy().addDays(-10);
-    d.Cabezal().Leyenda = QStringLiteral("Yenes al banco");
-    d.Lineas() = {LineaDatos{9001, 0, 0, true, 1000_imp, 0.25, 250_imp}, LineaDatos{9002, 0, 0, false, 1000_imp, 0.25, 250_imp}};
-    const qint32 id = IdGrabado(d);
+    const qint32 id = asientoConLineas(QStringLiteral("Yenes al banco"), {LineaDatos{9001, 0, 0, true, 1000_imp, 0.25, 250_imp},
+                                                                         LineaDatos{9002, 0, 0, false, 1000_imp, 0.25, 250_imp}});
     ASSERT_GT(id, 0);
     auto doc = abrir();
     mostrarUltimos(*doc);
     ASSERT_GT(doc->FilaDeAsiento(id), 0);
-    doc->grid()->FijarFilaActual(doc->FilaDeAsiento(id) + 1);
+    enFila(*doc, id, 1);
     m_mensajes.ResponderNumero(5);
     doc->unificacionTasa().UnificarTC(false);
     ASSERT_EQ(m_mensajes.mostrados.size(), 1) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
-    EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientoCuenta Where ACuIDAsiento = %1 And ACuImporteMC = 200"
-                                    " And (ACuDebe = 1000 Or AcuHaber = 1000)").arg(id)), 2);
+    EXPECT_EQ(lineas(id, QStringLiteral("ACuImporteMC = 200 And (ACuDebe = 1000 Or AcuHaber = 1000)")), 2);
 
     // "a la moneda de la cuenta" keeps the pesos: 200 pesos at "/ 8" are ¥1600.
-    doc->grid()->FijarFilaActual(doc->FilaDeAsiento(id) + 1);
+    enFila(*doc, id, 1);
     m_mensajes.ResponderNumero(8);
     doc->unificacionTasa().UnificarTC(true);
-    EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientoCuenta Where ACuIDAsiento = %1 And ACuImporteMC = 200"
-                                    " And (ACuDebe = 1600 Or AcuHaber = 1600)").arg(id)), 2);
+    EXPECT_EQ(lineas(id, QStringLiteral("ACuImporteMC = 200 And (ACuDebe = 1600 Or AcuHaber = 1600)")), 2);
 }
 
 // Two dollar lines booked at different rates and the exchange difference in pesos: one rate
@@ -405,9 +400,8 @@ TEST_P(Grabacion, UnificarQueDescuadraNuncaDejaUnRegistradoDescuadrado)
     ASSERT_GT(id, 0);
     auto doc = abrir();
     mostrarUltimos(*doc);
-    const QString lineas = QStringLiteral("Select Count(*) From cceAsientoCuenta Where ACuIDAsiento = %1 And ACuImporteMC = %2");
 
-    doc->grid()->FijarFilaActual(doc->FilaDeAsiento(id) + 1);
+    enFila(*doc, id, 1);
     m_mensajes.ResponderNumero(41);
     m_mensajes.Responder(ServicioMensajes::Respuesta::No); // keep it as it was
     doc->unificacionTasa().UnificarTC(false);
@@ -415,22 +409,21 @@ TEST_P(Grabacion, UnificarQueDescuadraNuncaDejaUnRegistradoDescuadrado)
     EXPECT_TRUE(m_mensajes.mostrados[1].contains(QStringLiteral("no cierra (debe 4.100,00, haber 4.200,00)")))
         << m_mensajes.mostrados[1].toStdString();
     EXPECT_EQ(estadoEnBase(id), 1);
-    EXPECT_EQ(contar(lineas.arg(id).arg(4000)), 1);
+    EXPECT_EQ(lineas(id, QStringLiteral("ACuImporteMC = 4000")), 1);
     EXPECT_EQ(doc->grilla().Valor(doc->FilaDeAsiento(id) + 2, 3), 4000_imp) << "the grid shows the entry as stored";
 
-    doc->grid()->FijarFilaActual(doc->FilaDeAsiento(id) + 1);
+    enFila(*doc, id, 1);
     m_mensajes.ResponderNumero(41);
     m_mensajes.Responder(ServicioMensajes::Respuesta::Si); // incomplete until corrected
     doc->unificacionTasa().UnificarTC(false);
     EXPECT_EQ(estadoEnBase(id), 2);
-    EXPECT_EQ(contar(lineas.arg(id).arg(4100)), 2);
-    EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientos Where AsiEstado = 1 And AsiID = %1").arg(id)), 0);
+    EXPECT_EQ(lineas(id, QStringLiteral("ACuImporteMC = 4100")), 2);
 
     // Back to the rates that balance: it is complete again.
-    doc->grid()->FijarFilaActual(doc->FilaDeAsiento(id) + 1);
+    enFila(*doc, id, 1);
     m_mensajes.ResponderNumero(40);
     doc->unificacionTasa().UnificarTC(false);
-    EXPECT_EQ(contar(lineas.arg(id).arg(4000)), 2);
+    EXPECT_EQ(lineas(id, QStringLiteral("ACuImporteMC = 4000")), 2);
     EXPECT_EQ(estadoEnBase(id), 2) << "4000 + 100 against 4000 still does not balance";
 }
 
@@ -445,12 +438,12 @@ TEST_P(Grabacion, UnInconclusoQueCierraSeRegistra)
                                {noCierra});
     auto doc = abrir();
     mostrarUltimos(*doc);
-    doc->grid()->FijarFilaActual(doc->FilaDeAsiento(noCierra));
+    enFila(*doc, noCierra);
     doc->comandos().RegistrarAsiento();
     EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("información: ") + Idioma::resLoad(952)});
     EXPECT_EQ(estadoEnBase(noCierra), 2);
 
-    doc->grid()->FijarFilaActual(doc->FilaDeAsiento(cierra));
+    enFila(*doc, cierra);
     doc->comandos().RegistrarAsiento();
     EXPECT_EQ(estadoEnBase(cierra), 1);
     EXPECT_EQ(doc->grilla().Dato(doc->FilaDeAsiento(cierra), 3).toInt(), 1);
@@ -496,7 +489,7 @@ TEST_P(Grabacion, AgendarUnaCopiaViejaNoBorraElCambioDeOtro)
     ASSERT_TRUE(Bien(otro.Grabar()));
     const int plantillas = contar(QStringLiteral("Select Count(*) From genMovimientosFrecuentes"));
 
-    doc->grid()->FijarFilaActual(doc->FilaDeAsiento(id));
+    enFila(*doc, id);
     m_mensajes.Responder(ServicioMensajes::Respuesta::Si); // 1807: schedule it
     doc->comandos().RegistrarAsiento();
     EXPECT_EQ(m_mensajes.mostrados.last(), Dicho("error", 1820));
