@@ -18,7 +18,6 @@
 #include <QSaveFile>
 #include <QTextStream>
 
-#include <stdexcept>
 
 namespace {
 
@@ -161,13 +160,12 @@ int ExportarDesdeLinea(const PedidoExportacion &pedido, Conexion &conexion, qint
                     return fallar(QStringLiteral("No existe la cuenta «%1» en la empresa %2.").arg(pedido.cuenta).arg(empresa));
                 c.prmPry = c.prmDep = CriteriosBusqueda::kCualquiera; // the account's lines of every project and department
             }
-            sql = SqlBusqueda(c, empresa, parametros.delimitadorFecha, parametros.formatoFecha);
+            if (const auto f = SqlBusqueda(c, empresa, parametros.delimitadorFecha, parametros.formatoFecha, sql))
+                return fallar(QStringLiteral("Fecha no válida: %1").arg(f->detalle));
             vista = Vista::kPersonalizada;
         }
     } catch (const ErrorBaseDatos &e) {
         return fallar(DetalleError(e.numero(), e.descripcion()));
-    } catch (const std::invalid_argument &e) {
-        return fallar(QStringLiteral("Fecha no válida: %1").arg(QString::fromUtf8(e.what())));
     }
 
     if (progreso)
@@ -183,12 +181,12 @@ int ExportarDesdeLinea(const PedidoExportacion &pedido, Conexion &conexion, qint
         if (progreso && total > 0 && reloj.elapsed() > 500)
             progreso(QStringLiteral("Exportando: %1 de %2 filas").arg(hechas).arg(total));
     };
-    std::optional<QString> error;
+    std::optional<Fallo> error;
     if (formato == kPdf) {
         // Laid out as the print command does it, written beside the final name and renamed.
         QSaveFile archivo(pedido.archivo);
         if (!archivo.open(QIODevice::WriteOnly))
-            return fallar(texto(1938) + QStringLiteral(" ") + archivo.errorString());
+            return fallar(texto(1938) + QStringLiteral(" ") + pedido.archivo + QStringLiteral(": ") + archivo.errorString());
         {
             QPdfWriter escritor(&archivo);
             escritor.setPageSize(QPageSize(QPageSize::A4));
@@ -200,10 +198,10 @@ int ExportarDesdeLinea(const PedidoExportacion &pedido, Conexion &conexion, qint
             ImpresionGrilla impresion(grilla, pdf, {});
             impresion.MnuPriPrint(texto(1001), config.NombreEmpresa);
             if (!pdf.ok())
-                error = QStringLiteral("no se pudo escribir el PDF");
+                error = Fallo{1938, pedido.archivo + QStringLiteral(": no se pudo escribir el PDF")};
         }
         if (!error && !archivo.commit())
-            error = archivo.errorString();
+            error = Fallo{1938, pedido.archivo + QStringLiteral(": ") + archivo.errorString()};
     } else {
         EntornoExportacion entorno;
         entorno.texto = texto;
@@ -217,7 +215,7 @@ int ExportarDesdeLinea(const PedidoExportacion &pedido, Conexion &conexion, qint
         error = ExportacionGrilla::Escribir(formato, g, pedido.archivo, entorno, avance);
     }
     if (error)
-        return fallar(texto(1938) + QStringLiteral(" ") + pedido.archivo + QStringLiteral(": ") + *error);
+        return fallar(texto(error->numeroTexto) + QStringLiteral(" ") + error->detalle);
     if (progreso) {
         int cuantos = 0;
         for (int r = grilla.FilasFijas(); r < grilla.Filas(); ++r)

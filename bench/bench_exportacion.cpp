@@ -56,7 +56,8 @@ Banco &banco()
         c.FindOK = true;
         c.prmFInit = x.desde;
         c.prmFEnd = x.hasta;
-        x.sql = SqlBusqueda(c, 1, QStringLiteral("'"), QStringLiteral("yyyy-mm-dd"));
+        if (SqlBusqueda(c, 1, QStringLiteral("'"), QStringLiteral("yyyy-mm-dd"), x.sql))
+            std::abort(); // the dates above are valid
         return x;
     }();
     return b;

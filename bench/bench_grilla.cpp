@@ -110,7 +110,8 @@ Banco &banco()
         busqueda.prmCta = 8;
         busqueda.prmImporte = 100;
         busqueda.prmImporte2 = 400;
-        x.sql[1] = SqlBusqueda(busqueda, 1, QStringLiteral("'"), QStringLiteral("yyyy-mm-dd"));
+        if (SqlBusqueda(busqueda, 1, QStringLiteral("'"), QStringLiteral("yyyy-mm-dd"), x.sql[1]))
+            std::abort(); // the dates above are valid
         return x;
     }();
     return b;

@@ -77,6 +77,16 @@ CeldaArchivo CeldaParaArchivo(const FuenteDeGrilla &g, int fila, int columna)
     return celda;
 }
 
+namespace {
+
+// Why a file was not written, told by text 1938 with the reason.
+Fallo noSeEscribio(const QString &motivo)
+{
+    return {1938, motivo};
+}
+
+} // namespace
+
 namespace Escritores {
 
 QString CampoCSV(const QString &texto)
@@ -90,13 +100,13 @@ QString CampoCSV(const QString &texto)
     return QLatin1Char('"') + t + QLatin1Char('"');
 }
 
-std::optional<QString> EscribirHTML(const FuenteDeGrilla &g, const QString &ruta, const QString &titulo,
+std::optional<Fallo> EscribirHTML(const FuenteDeGrilla &g, const QString &ruta, const QString &titulo,
                                     const QString &empresa, const QString &edicion, const QString &formatoFecha,
                                     const QDateTime &ahora)
 {
     QSaveFile archivo(ruta);
     if (!archivo.open(QIODevice::WriteOnly))
-        return archivo.errorString();
+        return noSeEscribio(archivo.errorString());
     // A byte-order mark tells a browser the page is UTF-8, so accents show right.
     bool escrito = archivo.write("\xEF\xBB\xBF", 3) == 3;
     modGridHTML::GridHTMLEnPartes(g, titulo, empresa, edicion, formatoFecha, ahora,
@@ -106,18 +116,18 @@ std::optional<QString> EscribirHTML(const FuenteDeGrilla &g, const QString &ruta
                                   });
     if (!escrito) {
         archivo.cancelWriting();
-        return QStringLiteral("no se pudo escribir (¿disco lleno?)");
+        return noSeEscribio(QStringLiteral("no se pudo escribir (¿disco lleno?)"));
     }
     if (!archivo.commit())
-        return archivo.errorString();
+        return noSeEscribio(archivo.errorString());
     return std::nullopt;
 }
 
-std::optional<QString> EscribirCSV(const FuenteDeGrilla &g, const QString &ruta, const AvanceExportacion &avance)
+std::optional<Fallo> EscribirCSV(const FuenteDeGrilla &g, const QString &ruta, const AvanceExportacion &avance)
 {
     QSaveFile archivo(ruta);
     if (!archivo.open(QIODevice::WriteOnly))
-        return archivo.errorString();
+        return noSeEscribio(archivo.errorString());
     const std::vector<int> columnas = ColumnasVisibles(g);
     QString registro;
     QByteArray bloque;
@@ -137,16 +147,16 @@ std::optional<QString> EscribirCSV(const FuenteDeGrilla &g, const QString &ruta,
         bloque += registro.toUtf8();
         if (bloque.size() >= (1 << 20)) {
             if (archivo.write(bloque) != bloque.size())
-                return QStringLiteral("no se pudo escribir (¿disco lleno?)");
+                return noSeEscribio(QStringLiteral("no se pudo escribir (¿disco lleno?)"));
             bloque.clear();
         }
         if (avance && r % kFilasPorAvance == 0)
             avance(r, g.Filas());
     }
     if (archivo.write(bloque) != bloque.size())
-        return QStringLiteral("no se pudo escribir (¿disco lleno?)");
+        return noSeEscribio(QStringLiteral("no se pudo escribir (¿disco lleno?)"));
     if (!archivo.commit())
-        return archivo.errorString();
+        return noSeEscribio(archivo.errorString());
     if (avance)
         avance(g.Filas(), g.Filas());
     return std::nullopt;
@@ -258,7 +268,7 @@ private:
 
 } // namespace
 
-std::optional<QString> EscribirLibro(const FuenteDeGrilla &g, const QString &ruta, const QString &formatoFecha,
+std::optional<Fallo> EscribirLibro(const FuenteDeGrilla &g, const QString &ruta, const QString &formatoFecha,
                                      const AvanceExportacion &avance)
 {
     // The workbook is written under a temporary name in the same folder and renamed.
@@ -266,7 +276,7 @@ std::optional<QString> EscribirLibro(const FuenteDeGrilla &g, const QString &rut
     QTemporaryFile provisorio(destino.absolutePath() + QStringLiteral("/.") + destino.fileName()
                               + QStringLiteral(".XXXXXX"));
     if (!provisorio.open())
-        return provisorio.errorString();
+        return noSeEscribio(provisorio.errorString());
     const QByteArray rutaProvisoria = QFile::encodeName(provisorio.fileName());
     provisorio.close();
 
@@ -277,7 +287,7 @@ std::optional<QString> EscribirLibro(const FuenteDeGrilla &g, const QString &rut
     opciones.tmpdir = const_cast<char *>(carpetaTemporal.constData());
     lxw_workbook *libro = workbook_new_opt(rutaProvisoria.constData(), &opciones);
     if (!libro)
-        return QStringLiteral("no se pudo crear el libro");
+        return noSeEscribio(QStringLiteral("no se pudo crear el libro"));
     lxw_worksheet *hoja = workbook_add_worksheet(libro, "Asientos");
     FormatosLibro formatos(libro, FormatoFechaLibro(formatoFecha));
 
@@ -330,7 +340,7 @@ std::optional<QString> EscribirLibro(const FuenteDeGrilla &g, const QString &rut
         error = cierre;
     if (error != LXW_NO_ERROR) {
         QFile::remove(QFile::decodeName(rutaProvisoria));
-        return QString::fromUtf8(lxw_strerror(error));
+        return noSeEscribio(QString::fromUtf8(lxw_strerror(error)));
     }
     // The temporary file is private; the workbook gets the permissions of any new file.
     const mode_t mascara = ::umask(0);
@@ -339,7 +349,7 @@ std::optional<QString> EscribirLibro(const FuenteDeGrilla &g, const QString &rut
     if (std::rename(rutaProvisoria.constData(), QFile::encodeName(destino.absoluteFilePath()).constData()) != 0) {
         const QString motivo = QString::fromLocal8Bit(std::strerror(errno));
         QFile::remove(QFile::decodeName(rutaProvisoria));
-        return motivo;
+        return noSeEscribio(motivo);
     }
     provisorio.setAutoRemove(false);
     if (avance)

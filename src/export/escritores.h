@@ -1,5 +1,7 @@
 #pragma once
 
+#include "store/fallo.h"
+
 #include <QDate>
 #include <QString>
 
@@ -26,20 +28,20 @@ CeldaArchivo CeldaParaArchivo(const FuenteDeGrilla &g, int fila, int columna);
 
 // The files of an export. Each one is written beside its final name and put in its place
 // only when complete, so a failure never leaves a half-written file (nor harms one that
-// was there). On failure they answer the reason.
+// was there). On failure they answer text 1938 with the reason.
 namespace Escritores {
 
 // Comma-separated text, RFC 4180: the visible rows and columns, the caption row included,
 // fields with a comma, a quote or a line break quoted, quotes doubled, CRLF between
 // records, UTF-8.
-std::optional<QString> EscribirCSV(const FuenteDeGrilla &g, const QString &ruta, const AvanceExportacion &avance = {});
+std::optional<Fallo> EscribirCSV(const FuenteDeGrilla &g, const QString &ruta, const AvanceExportacion &avance = {});
 // An Office Open XML workbook of the same cells: amounts as numbers with their mask,
 // header dates as dates in the user's date format (suite notation), colours kept.
-std::optional<QString> EscribirLibro(const FuenteDeGrilla &g, const QString &ruta, const QString &formatoFecha,
-                                     const AvanceExportacion &avance = {});
+std::optional<Fallo> EscribirLibro(const FuenteDeGrilla &g, const QString &ruta, const QString &formatoFecha,
+                                   const AvanceExportacion &avance = {});
 // The grid as an HTML page (modGridHTML), written as it is made; ahora is the moment its
 // footer shows.
-std::optional<QString> EscribirHTML(const FuenteDeGrilla &g, const QString &ruta, const QString &titulo,
+std::optional<Fallo> EscribirHTML(const FuenteDeGrilla &g, const QString &ruta, const QString &titulo,
                                     const QString &empresa, const QString &edicion, const QString &formatoFecha,
                                     const QDateTime &ahora);
 

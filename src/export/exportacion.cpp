@@ -84,21 +84,27 @@ QString ExportacionGrilla::ElegirArchivo(int formato, const QString &nombre, con
     return m_entorno.selector->ElegirArchivoGuardar(titulo, CarpetaExportacion(), nombre, FiltroQt(filtro));
 }
 
-std::optional<QString> ExportacionGrilla::Escribir(int formato, const GrillaEnPantalla &g, const QString &ruta,
-                                                   const EntornoExportacion &entorno,
-                                                   const std::function<void(int, int)> &avance)
+std::optional<Fallo> ExportacionGrilla::Escribir(int formato, const GrillaEnPantalla &g, const QString &ruta,
+                                                 const EntornoExportacion &entorno, const std::function<void(int, int)> &avance)
 {
     const GrillaEnSalida salida(*g.grilla);
     const FuenteDeGrilla fuente(*g.grilla, g.puntosPorPulgada, g.anchoControlTwips);
+    std::optional<Fallo> fallo;
     switch (formato) {
     case Libro:
-        return Escritores::EscribirLibro(fuente, ruta, entorno.formatoFecha, avance);
+        fallo = Escritores::EscribirLibro(fuente, ruta, entorno.formatoFecha, avance);
+        break;
     case CSV:
-        return Escritores::EscribirCSV(fuente, ruta, avance);
+        fallo = Escritores::EscribirCSV(fuente, ruta, avance);
+        break;
     default:
-        return Escritores::EscribirHTML(fuente, ruta, g.titulo, entorno.empresa, entorno.edicion, entorno.formatoFecha,
-                                            entorno.reloj->Ahora());
+        fallo = Escritores::EscribirHTML(fuente, ruta, g.titulo, entorno.empresa, entorno.edicion, entorno.formatoFecha,
+                                         entorno.reloj->Ahora());
+        break;
     }
+    if (fallo)
+        fallo->detalle = QDir::toNativeSeparators(ruta) + QStringLiteral(": ") + fallo->detalle;
+    return fallo;
 }
 
 void ExportacionGrilla::Exportar(int formato, const GrillaEnPantalla &g)
@@ -108,7 +114,7 @@ void ExportacionGrilla::Exportar(int formato, const GrillaEnPantalla &g)
         return;
     const QString destino = ConExtension(ruta, formato);
     if (const auto fallo = Escribir(formato, g, destino, m_entorno)) {
-        m_entorno.error(1938, QDir::toNativeSeparators(destino) + QStringLiteral(": ") + *fallo);
+        m_entorno.error(fallo->numeroTexto, fallo->detalle);
     } else if (m_entorno.informar) {
         // The user is told where the file went: the dialog may have added the extension.
         QString texto = m_entorno.texto(1967);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "store/fallo.h"
 #include "store/reloj.h"
 
 #include <QString>
@@ -70,10 +71,10 @@ public:
     // A catalogue filter "description|pattern" in Qt's form.
     static QString FiltroQt(const QString &filtro);
 
-    // Writes the grid in the format to the path; the reason on failure.
-    static std::optional<QString> Escribir(int formato, const GrillaEnPantalla &g, const QString &ruta,
-                                           const EntornoExportacion &entorno,
-                                           const std::function<void(int, int)> &avance = {});
+    // Writes the grid in the format to the path; on failure, text 1938 with the path and
+    // the reason.
+    static std::optional<Fallo> Escribir(int formato, const GrillaEnPantalla &g, const QString &ruta,
+                                         const EntornoExportacion &entorno, const std::function<void(int, int)> &avance = {});
 
 private:
     void Exportar(int formato, const GrillaEnPantalla &g);

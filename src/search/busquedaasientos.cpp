@@ -6,7 +6,6 @@
 #include "editing/pantalla.h"
 #include "entries/vistas.h"
 
-#include <stdexcept>
 
 BusquedaAsientos::BusquedaAsientos(DatosDocumento &datos, AsientosGrilla &asientos, PantallaAsientos &pantalla,
                                    ServicioBusquedaCuentas &cuentas, QWidget *dueno)
@@ -56,11 +55,9 @@ BusquedaAsientos::Resultado BusquedaAsientos::Buscar(bool mostrarDialogo)
         return Resultado::SinCambios; // no search was confirmed yet
     }
     QString sql;
-    try {
-        sql = SqlBusqueda(m_confirmados, m_datos.idEmpresa(), m_datos.parametros().delimitadorFecha,
-                          m_datos.parametros().formatoFecha);
-    } catch (const std::invalid_argument &e) {
-        m_datos.Error(1927, QString::fromStdString(e.what()));
+    if (const auto fallo = SqlBusqueda(m_confirmados, m_datos.idEmpresa(), m_datos.parametros().delimitadorFecha,
+                                       m_datos.parametros().formatoFecha, sql)) {
+        m_datos.MostrarFallo(*fallo);
         return Resultado::SinCambios;
     }
     m_pantalla.ActualizarContexto();

@@ -3,16 +3,11 @@
 #include "entries/vistas.h"
 #include "store/valoressql.h"
 
-#include <stdexcept>
-
 namespace {
 
 QDate fechaDeTexto(const QString &texto)
 {
-    const QDate fecha = QDate::fromString(texto.trimmed(), Qt::ISODate);
-    if (!fecha.isValid())
-        throw std::invalid_argument("La fecha \"" + texto.toStdString() + "\" no es una fecha.");
-    return fecha;
+    return QDate::fromString(texto.trimmed(), Qt::ISODate);
 }
 
 // The amount condition over the sub-select's lines: a range, or one bound.
@@ -27,10 +22,15 @@ QString condicionImporte(const CriteriosBusqueda &c)
 
 } // namespace
 
-QString SqlBusqueda(const CriteriosBusqueda &c, qint32 empresa, const QString &delimitadorFecha,
-                    const QString &patronFecha)
+std::optional<Fallo> SqlBusqueda(const CriteriosBusqueda &c, qint32 empresa, const QString &delimitadorFecha,
+                                 const QString &patronFecha, QString &sql)
 {
-    QString sql = QStringLiteral("Select * ") + DesdeAsientos() + QStringLiteral(" Where AsiEmpresa = ") + QString::number(empresa);
+    sql.clear();
+    for (const QString &texto : {c.prmFInit, c.prmFEnd}) {
+        if (!texto.isEmpty() && !fechaDeTexto(texto).isValid())
+            return Fallo{1927, QStringLiteral("La fecha \"%1\" no es una fecha.").arg(texto)};
+    }
+    sql = QStringLiteral("Select * ") + DesdeAsientos() + QStringLiteral(" Where AsiEmpresa = ") + QString::number(empresa);
     switch (c.prmEstado) {
     case 0: sql += QStringLiteral(" And AsiEstado <> 9 "); break;
     case 1: sql += QStringLiteral(" And AsiEstado = 0"); break;
@@ -102,5 +102,5 @@ QString SqlBusqueda(const CriteriosBusqueda &c, qint32 empresa, const QString &d
     if (abierto)
         sql += QStringLiteral(")");
     sql += QStringLiteral(" Order By AsiFechaAsiento, AsiID, AcuDebe desc, CueCodigo");
-    return sql;
+    return std::nullopt;
 }

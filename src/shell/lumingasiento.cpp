@@ -29,8 +29,6 @@
 #include <QTimer>
 #include <QVBoxLayout>
 
-#include <limits>
-#include <stdexcept>
 
 namespace {
 
@@ -78,19 +76,6 @@ lumIngAsiento::~lumIngAsiento()
     // window: the view goes first.
     delete m_vsGrid;
     m_vsGrid = nullptr;
-}
-
-qint16 lumIngAsiento::IDEmpresa() const
-{
-    const qint32 id = proceso().IDEmpresa;
-    if (id < std::numeric_limits<qint16>::min() || id > std::numeric_limits<qint16>::max())
-        throw std::overflow_error("Desbordamiento");
-    return qint16(id);
-}
-
-void lumIngAsiento::setIDEmpresa(qint16 id)
-{
-    proceso().IDEmpresa = id;
 }
 
 void lumIngAsiento::crearControles()

@@ -74,10 +74,6 @@ public:
 
     qint16 IDUsuario() const { return m_host.IDUsuario; }
     void setIDUsuario(qint16 id) { m_host.IDUsuario = id; }
-    // The company id belongs to the process; reading one beyond 16 bits throws
-    // std::overflow_error.
-    qint16 IDEmpresa() const;
-    void setIDEmpresa(qint16 id);
 
     Estado estado() const { return m_estado; }
     int EstadoInicio() const { return m_estadoInicio; }

@@ -9,16 +9,19 @@
 
 #include <gtest/gtest.h>
 
-#include <stdexcept>
 
 namespace {
 
 const QString F = DesdeAsientos();
 const QString kOrden = QStringLiteral(" Order By AsiFechaAsiento, AsiID, AcuDebe desc, CueCodigo");
 
-QString sql(const CriteriosBusqueda &c)
+QString sql(const CriteriosBusqueda &c, const QString &delimitador = QStringLiteral("'"),
+            const QString &patron = QStringLiteral("yyyy-mm-dd"))
 {
-    return SqlBusqueda(c, 1, QStringLiteral("'"), QStringLiteral("yyyy-mm-dd"));
+    QString texto;
+    const auto fallo = SqlBusqueda(c, 1, delimitador, patron, texto);
+    EXPECT_FALSE(fallo) << fallo->detalle.toStdString();
+    return texto;
 }
 
 struct Caso
@@ -114,10 +117,15 @@ TEST(SqlBusqueda, FechaMalaSeRechazaYBuenaVaConElDelimitadorDeLaBase)
 {
     CriteriosBusqueda mala;
     mala.prmFInit = QStringLiteral("2010-02-30");
-    EXPECT_THROW(sql(mala), std::invalid_argument);
+    QString texto = QStringLiteral("anterior");
+    const auto fallo = SqlBusqueda(mala, 1, QStringLiteral("'"), QStringLiteral("yyyy-mm-dd"), texto);
+    ASSERT_TRUE(fallo);
+    EXPECT_EQ(fallo->numeroTexto, 1927);
+    EXPECT_EQ(fallo->detalle, QStringLiteral("La fecha \"2010-02-30\" no es una fecha."));
+    EXPECT_TRUE(texto.isEmpty());
     CriteriosBusqueda f;
     f.prmFInit = QStringLiteral("2010-03-05");
-    EXPECT_TRUE(SqlBusqueda(f, 1, QStringLiteral("#"), QStringLiteral("mm/dd/yyyy")).contains(QStringLiteral(">= #03/05/2010#")));
+    EXPECT_TRUE(sql(f, QStringLiteral("#"), QStringLiteral("mm/dd/yyyy")).contains(QStringLiteral(">= #03/05/2010#")));
 }
 
 // The search run on the demo company, against queries written independently of it.
@@ -141,7 +149,9 @@ protected:
     {
         ParametrosSistema p;
         EXPECT_FALSE(CargarParametrosSistema(m_base.conexion(), p).has_value());
-        return ids(SqlBusqueda(c, Demo::kEmpresa, p.delimitadorFecha, p.formatoFecha));
+        QString sql;
+        EXPECT_FALSE(SqlBusqueda(c, Demo::kEmpresa, p.delimitadorFecha, p.formatoFecha, sql));
+        return ids(sql);
     }
 
     BaseDePrueba m_base;
