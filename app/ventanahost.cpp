@@ -2,7 +2,7 @@
 
 #include <QCloseEvent>
 
-#include "services/serviciomensajesqt.h"
+#include "dialogs/serviciomensajesqt.h"
 #include "shell/lumingasiento.h"
 
 #include <QDialog>

@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 """Checks that each library under src/ includes only itself and the libraries it links,
-directly or through them, so a lower library never includes a higher one. Prints each
-offending include and ends with status 1 when there is one."""
+directly or through them, so a lower library never includes a higher one, and that the
+libraries of the entry logic link no widgets, neither directly nor through another. Prints
+each offence and ends with status 1 when there is one."""
 import pathlib
 import re
 import sys
@@ -10,11 +11,18 @@ raiz = pathlib.Path(__file__).resolve().parent.parent
 src = raiz / "src"
 bibliotecas = {d.name for d in src.iterdir() if (d / "CMakeLists.txt").exists()}
 
+# The libraries that hold rules and data; windows are wired to them from above.
+sin_ventanas = {"store", "currency", "entries", "services", "editing", "export"}
+
 enlaza = {}
+widgets = set()
 for b in bibliotecas:
     texto = (src / b / "CMakeLists.txt").read_text()
     m = re.search(r"target_link_libraries\(\s*" + b + r"\s+([^)]*)\)", texto)
-    enlaza[b] = {p for p in (m.group(1).split() if m else []) if p in bibliotecas}
+    partes = m.group(1).split() if m else []
+    enlaza[b] = {p for p in partes if p in bibliotecas}
+    if "Qt6::Widgets" in partes:
+        widgets.add(b)
 
 
 def alcance(b, visto=None):
@@ -26,6 +34,10 @@ def alcance(b, visto=None):
 
 
 fallas = []
+for b in sorted(sin_ventanas & bibliotecas):
+    con_widgets = sorted((alcance(b) | {b}) & widgets)
+    if con_widgets:
+        fallas.append(f"src/{b}/CMakeLists.txt: {b} enlaza Qt Widgets (a través de {', '.join(con_widgets)})")
 for b in sorted(bibliotecas):
     if b in alcance(b):
         fallas.append(f"src/{b}/CMakeLists.txt: {b} se enlaza a sí misma a través de otra biblioteca")

@@ -19,7 +19,7 @@
 #include "search/busquedaasientos.h"
 #include "entries/vistas.h"
 #include "grid/vsgrid.h"
-#include "services/gestorlibros.h"
+#include "dialogs/gestorlibros.h"
 
 #include <QAction>
 #include <QHeaderView>

@@ -18,7 +18,7 @@
 #include "grid/vsgrid.h"
 #include "lineeditor/contextodocumento.h"
 #include "lineeditor/lumerasiento.h"
-#include "services/serviciobusquedacuentas.h"
+#include "dialogs/busquedacuentasqt.h"
 #include "services/servicioconfigusuario.h"
 #include "services/serviciomensajes.h"
 #include "services/serviciopermisos.h"

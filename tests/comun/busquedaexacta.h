@@ -1,6 +1,6 @@
 #pragma once
 
-#include "services/serviciobusquedacuentas.h"
+#include "dialogs/busquedacuentasqt.h"
 
 // The account search as it answers a text that names one account, without its dialog: the
 // code the user types, or a part of one name.

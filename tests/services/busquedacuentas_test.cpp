@@ -1,6 +1,6 @@
 #include "comun/basesprueba.h"
 
-#include "services/serviciobusquedacuentas.h"
+#include "dialogs/busquedacuentasqt.h"
 #include "store/basedemo.h"
 
 #include <gtest/gtest.h>

@@ -4,7 +4,7 @@
 #include "comun/dialogos.h"
 #include "comun/mensajesguionados.h"
 
-#include "services/gestorlibros.h"
+#include "dialogs/gestorlibros.h"
 #include "store/basedemo.h"
 
 #include <QInputDialog>

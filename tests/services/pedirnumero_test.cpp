@@ -1,5 +1,5 @@
 #include "comun/dialogos.h"
-#include "services/serviciomensajesqt.h"
+#include "dialogs/serviciomensajesqt.h"
 
 #include <QInputDialog>
 #include <QMessageBox>

@@ -1,7 +1,7 @@
 #include "escenario.h"
 
 #include "entries/vistas.h"
-#include "services/serviciomensajesqt.h"
+#include "dialogs/serviciomensajesqt.h"
 #include "shell/menusdocumento.h"
 #include "store/esquema.h"
 

@@ -1,4 +1,4 @@
-#include "serviciobusquedacuentas.h"
+#include "busquedacuentasqt.h"
 
 #include <QCoreApplication>
 #include <QDialog>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "serviciomensajes.h"
+#include "services/serviciomensajes.h"
 
 #include <QPointer>
 #include <QWidget>

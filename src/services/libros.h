@@ -2,15 +2,8 @@
 
 #include "store/conexion.h"
 
-#include <functional>
-
-#include <QDialog>
 #include <QList>
 #include <QString>
-
-class QTreeWidget;
-class QPushButton;
-class ServicioMensajes;
 
 // The books (genLibros) of the company: the user's own can be added, renamed and removed
 // while no entry uses them; the books the system keeps for its own entries are listed but
@@ -48,33 +41,4 @@ private:
 
     Conexion &m_conexion;
     QString m_error;
-};
-
-// The books manager: a list of the books with Add, Rename and Remove, driven by the keyboard
-// (Insert adds, F2 renames, Delete removes). Its questions, refusals and failures go through
-// the message service; a failure to read the books is told with catalogue text 1932.
-class GestorLibros : public QDialog
-{
-    Q_OBJECT
-public:
-    GestorLibros(Conexion &conexion, ServicioMensajes &mensajes, std::function<QString(int)> texto, QWidget *padre = nullptr);
-
-protected:
-    void keyPressEvent(QKeyEvent *evento) override;
-
-private:
-    void cargar(qint16 elegir = 0);
-    qint16 codigoActual() const;
-    void agregar();
-    void renombrar();
-    void eliminar();
-    void avisar(Libros::Resultado r);
-    void actualizarBotones();
-
-    Libros m_libros;
-    ServicioMensajes &m_mensajes;
-    std::function<QString(int)> m_texto;
-    QTreeWidget *m_lista = nullptr;
-    QPushButton *m_renombrar = nullptr;
-    QPushButton *m_eliminar = nullptr;
 };
