@@ -87,18 +87,17 @@ QString ServicioConexion::FormatoFecha(int numero) const
     return guardado.isEmpty() ? QStringLiteral("dd/mm/yyyy") : guardado;
 }
 
-std::unique_ptr<Conexion> ServicioConexion::AbrirConexion(const QString &claveSesion, int modo)
+std::optional<Fallo> ServicioConexion::AbrirConexion(const QString &claveSesion, int modo, std::unique_ptr<Conexion> &conexion) const
 {
     Q_UNUSED(claveSesion)
     Q_UNUSED(modo)
-    m_ultimoError.clear();
     QString direccion = m_ajustes.baseDatos;
     if (direccion.isEmpty())
         direccion = leer(QStringLiteral("BaseDatos"));
     try {
-        return AbrirBaseDelPrograma(direccion, m_ajustes.esperaBloqueoMs);
+        conexion = AbrirBaseDelPrograma(direccion, m_ajustes.esperaBloqueoMs);
+        return std::nullopt;
     } catch (const ErrorBaseDatos &e) {
-        m_ultimoError = e.descripcion();
-        return nullptr;
+        return Fallo{905, e.descripcion(), true};
     }
 }

@@ -1,12 +1,14 @@
 #pragma once
 
 #include "store/direccionbd.h"
+#include "store/fallo.h"
 
 #include <QColor>
 #include <QHash>
 #include <QString>
 
 #include <memory>
+#include <optional>
 
 // What the connection service is started with: its settings file, the database to open
 // (empty: the "BaseDatos" setting of the file) and settings forced for this run only
@@ -35,14 +37,12 @@ public:
     // Date display format in the suite's notation ("dd/mm/yyyy").
     QString FormatoFecha(int numero) const;
 
-    // Opens the database for the session; on failure answers null and leaves the reason in
-    // ultimoError(). The mode is the suite's open mode; every mode opens read-write here.
-    std::unique_ptr<Conexion> AbrirConexion(const QString &claveSesion, int modo);
-    QString ultimoError() const { return m_ultimoError; }
+    // Opens the database for the session into conexion; a failure is told by text 905 with
+    // the reason. The mode is the suite's open mode; every mode opens read-write here.
+    [[nodiscard]] std::optional<Fallo> AbrirConexion(const QString &claveSesion, int modo, std::unique_ptr<Conexion> &conexion) const;
 
 private:
     QString leer(const QString &clave) const;
 
     AjustesConexion m_ajustes;
-    QString m_ultimoError;
 };

@@ -275,10 +275,9 @@ void lumIngAsiento::iniciarSinTrampa()
     tmMenu->SetPictureHelp(m_host.ClaveSesion);
 
     {
-        ServicioConexion servicio(m_entorno.ajustes);
-        std::unique_ptr<Conexion> conexion = servicio.AbrirConexion(m_host.ClaveSesion, 15);
-        if (!conexion) {
-            EnviarComando(ComandoHost::Error(Idioma::resLoad(905) + servicio.ultimoError()));
+        std::unique_ptr<Conexion> conexion;
+        if (const auto fallo = ServicioConexion(m_entorno.ajustes).AbrirConexion(m_host.ClaveSesion, 15, conexion)) {
+            EnviarComando(ComandoHost::Error(Idioma::resLoad(fallo->numeroTexto) + fallo->detalle));
             return;
         }
         conexion->UsarReloj(proceso().reloj);
