@@ -163,6 +163,16 @@ TEST_P(Apertura, UnSaldoEnDolaresSinSuValorEnPesosSeValoraALaCotizacion)
     EXPECT_TRUE(m_mensajes.mostrados[0].startsWith(QStringLiteral("error: 1959"))) << m_mensajes.mostrados[0].toStdString();
     EXPECT_TRUE(aperturas().isEmpty());
     EXPECT_EQ(cuenta("1.2.01"), cerrada);
+
+    // Quotations that cannot be read stop it the same way: said, and nothing made.
+    ejecutar(QStringLiteral("Update cceCuentas Set CueMoneda = 2 Where CueCodigo = '1.1.04'"));
+    ejecutar(QStringLiteral("Drop Table genCotizacionesMoneda"));
+    m_mensajes.mostrados.clear();
+    EXPECT_EQ(m_apertura.HacerAsientoApertura(), 0);
+    ASSERT_EQ(m_mensajes.mostrados.size(), 1);
+    EXPECT_TRUE(m_mensajes.mostrados[0].startsWith(QStringLiteral("error: 1929"))) << m_mensajes.mostrados[0].toStdString();
+    EXPECT_TRUE(aperturas().isEmpty());
+    EXPECT_EQ(cuenta("1.2.01"), cerrada);
 }
 
 // The banner's "aquí" with an opening-balance entry made and not finished shows that entry
