@@ -34,6 +34,7 @@ TEST(Vistas, CaptionsYMesesDelMenu)
     EXPECT_EQ(CaptionVista(-2, {}, textos(), es), QStringLiteral("Ver : En edición"));
     EXPECT_EQ(CaptionVista(4, {}, textos(), es), QStringLiteral("Ver : Últimos 15 días"));
     EXPECT_EQ(CaptionVista(7, {}, textos(), es), QStringLiteral("Ver"));  // no name: "Ver" alone
+    EXPECT_EQ(CaptionVista(Vista::kPrimerMes, QDate(2026, 11, 1), textos(), es), QStringLiteral("Ver : Noviembre 2026"));
     EXPECT_EQ(CaptionVista(11, QDate(2026, 2, 1), textos(), es), QStringLiteral("Ver : Febrero 2026"));
 
     // Earliest closing 15 September 2026: August and before are closed, September is not.

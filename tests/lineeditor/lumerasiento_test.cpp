@@ -219,6 +219,12 @@ TEST_F(EditorDeLinea, CuentasRechazadas)
     EXPECT_FALSE(m_editor->CuentaIngresadaAlDebe());
     EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("advertencia: 1854")});
     EXPECT_EQ(QApplication::focusWidget(), debe());
+    // Leaving the box for another one looks the account up as Enter does.
+    QFocusEvent saliendo(QEvent::FocusOut, Qt::MouseFocusReason);
+    QApplication::sendEvent(debe(), &saliendo);
+    EXPECT_EQ(m_mensajes.mostrados.size(), 2);
+    EXPECT_EQ(m_mensajes.mostrados.last(), QStringLiteral("advertencia: 1854"));
+    EXPECT_EQ(QApplication::focusWidget(), debe());
     m_editor->setFechaAsiento(QDate(2026, 3, 11));
     escribir(debe(), QStringLiteral("1.1.03"));
     EXPECT_TRUE(m_editor->CuentaIngresadaAlDebe());
