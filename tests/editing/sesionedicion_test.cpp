@@ -404,6 +404,29 @@ TEST_P(Edicion, UnaEscrituraAjenaSeMarcaEnLasFilasMiradas)
     EXPECT_EQ(vigia.Revisar(), 1); // the one marked already is not marked again
 }
 
+// A refusal of the store is told by its own text, an unbalanced entry with its totals; any
+// other failure by the command's text with the detail.
+TEST_P(Edicion, UnRechazoSeDiceConSuTextoYUnFalloConElDelComando)
+{
+    const struct
+    {
+        Fallo fallo;
+        QString dicho, detalle;
+    } casos[] = {
+        {{AsientoDatos::kDescuadrado, QStringLiteral("debe 1,00, haber 2,00")}, QStringLiteral("error: 1957"), QStringLiteral("debe 1,00, haber 2,00")},
+        {{AsientoDatos::kModificado, QStringLiteral("modificado")}, QStringLiteral("error: 1820"), QString()},
+        {{0, QStringLiteral("no existe el asiento 7")}, QStringLiteral("error: 1931"), QStringLiteral("no existe el asiento 7")},
+    };
+    for (const auto &c : casos) {
+        SCOPED_TRACE(c.dicho.toStdString());
+        m_mensajes.mostrados.clear();
+        m_mensajes.detalles.clear();
+        m_comandos.DecirRechazo(c.fallo, 1931);
+        EXPECT_EQ(m_mensajes.mostrados, QStringList{c.dicho});
+        EXPECT_EQ(m_mensajes.detalles, QStringList{c.detalle});
+    }
+}
+
 INSTANCIAR_EN_MOTORES(Edicion);
 
 } // namespace
