@@ -320,6 +320,13 @@ TEST_P(Apertura, UnAsientoComunPasaASerElDeAperturaYVuelve1856Y1857)
     const int fila = cargar(id);
     const QDateTime s0 = sello(id);
 
+    // Without the right to change entries nothing is asked nor changed.
+    const QString letras = m_datos.letras;
+    m_datos.letras = QStringLiteral("A");
+    m_apertura.ConvertirApertura();
+    EXPECT_TRUE(m_mensajes.mostrados.isEmpty());
+    m_datos.letras = letras;
+
     m_mensajes.Responder(R::No);
     m_apertura.ConvertirApertura();
     EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("pregunta: 1856")});
