@@ -94,11 +94,9 @@ std::optional<Fallo> rechazo(int numero, const QString &detalle)
     return Fallo{numero, detalle, false};
 }
 
-// The database's own words: a busy or lost connection is told in the program's text, which
-// the engine's number would only clutter.
 std::optional<Fallo> deLaBase(const ErrorBaseDatos &e)
 {
-    return Fallo{0, e.descripcion(), true};
+    return FalloDe(0, e);
 }
 
 std::optional<Fallo> noExiste(qint32 asiID)

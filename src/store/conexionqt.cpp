@@ -36,12 +36,20 @@ int numeroError(const QSqlError &e)
 // SQLite answers busy (5) or locked (6) when another connection holds the file past the
 // busy timeout; PostgreSQL answers lock_not_available past lock_timeout, a deadlock or a
 // serialization failure. In every case the statement, and so the transaction, wrote nothing.
-// A write the server dropped with its session, told once the session is back.
-ErrorBaseDatos cambioNoGrabado(const QSqlError &e)
+// A write the server dropped with its session, told once the session is back. Failures told in
+// the program's own words carry no engine number: it would say nothing more to the user.
+ErrorBaseDatos cambioNoGrabado()
 {
     return ErrorBaseDatos(QStringLiteral("Se perdió la conexión con el servidor de la base de datos y el cambio no se grabó."
                                          " La conexión ya se restableció: vuelva a intentarlo."),
-                          numeroError(e), ErrorBaseDatos::Causa::ConexionPerdida);
+                          -1, ErrorBaseDatos::Causa::ConexionPerdida);
+}
+
+// SQLite answers read-only (8) for a file the user may not write; PostgreSQL
+// read_only_sql_transaction for a server or a session that takes no writes.
+bool esSoloLectura(const QSqlError &e, Motor motor)
+{
+    return e.nativeErrorCode() == QLatin1String(motor == Motor::SQLite ? "8" : "25006");
 }
 
 bool esOcupada(const QSqlError &e, Motor motor)
@@ -59,7 +67,9 @@ ErrorBaseDatos errorDeMotor(const QSqlError &e, Motor motor, int esperaMs)
         return ErrorBaseDatos(QStringLiteral("La base de datos está ocupada por otro usuario: se esperó %1 segundos y la operación"
                                              " no se hizo, sin cambiar nada. Vuelva a intentarlo en unos instantes.")
                                   .arg(QLocale(QLocale::Spanish).toString(esperaMs / 1000.0)),
-                              numeroError(e), ErrorBaseDatos::Causa::Ocupada);
+                              -1, ErrorBaseDatos::Causa::Ocupada);
+    if (esSoloLectura(e, motor))
+        return ErrorBaseDatos(QStringLiteral("La base de datos no admite cambios (es de solo lectura para este usuario): no se grabó nada."));
     return ErrorBaseDatos(textoError(e), numeroError(e));
 }
 
@@ -340,7 +350,7 @@ QSqlQuery ConexionQt::preparar(const QString &sql, const QVariantList &valores, 
         const bool enTransaccion = m_nivel > 0;
         reconectar();
         if (!lectura || enTransaccion || intento > 0)
-            throw cambioNoGrabado(error);
+            throw cambioNoGrabado();
     }
 }
 
@@ -412,7 +422,7 @@ void ConexionQt::Confirmar()
         q = QSqlQuery();
         if (conexionCaida(error)) {
             reconectar();
-            throw cambioNoGrabado(error);
+            throw cambioNoGrabado();
         }
         throw errorDeMotor(error, m_motor, m_direccion.esperaBloqueoMs);
     }

@@ -44,6 +44,17 @@ TEST_P(ConexionEnMotor, CamposPorNombreSinMayusculasNulosFechasYErrores)
     } catch (const ErrorBaseDatos &e) {
         EXPECT_TRUE(e.descripcion().contains(QStringLiteral("nohaytabla"), Qt::CaseInsensitive)) << e.what();
     }
+
+    // A database that takes no writes is said in the program's words, with no number.
+    c.Ejecutar(GetParam() == Motor::SQLite ? QStringLiteral("PRAGMA query_only = ON")
+                                           : QStringLiteral("Set Session Characteristics As Transaction Read Only"));
+    try {
+        c.Ejecutar(QStringLiteral("Delete From cceAsientos"));
+        ADD_FAILURE() << "se esperaba un error";
+    } catch (const ErrorBaseDatos &e) {
+        EXPECT_EQ(e.descripcion(), QStringLiteral("La base de datos no admite cambios (es de solo lectura para este usuario): no se grabó nada."));
+        EXPECT_EQ(e.numero(), -1);
+    }
 }
 
 // A transaction inside another is a savepoint: undoing it keeps the outer work, even after
