@@ -83,17 +83,24 @@ void GestorLibros::avisar(Libros::Resultado r)
         m_mensajes.Advertir(Libros::Explicacion(r));
 }
 
+// A name that is refused is asked for again as it was typed, until it is taken or the user
+// gives up: what was typed is never lost.
 void GestorLibros::agregar()
 {
-    bool ok = false;
-    const QString nombre = QInputDialog::getText(this, windowTitle(), QStringLiteral("Nombre del libro nuevo:"), QLineEdit::Normal, {}, &ok);
-    if (!ok)
-        return;
-    qint16 codigo = 0;
-    const auto r = m_libros.Agregar(nombre, codigo);
-    avisar(r);
-    // The new book is chosen; after a refusal the choice stays where it was.
-    cargar(r == Libros::Resultado::Bien ? codigo : codigoActual());
+    QString nombre;
+    for (;;) {
+        bool ok = false;
+        nombre = QInputDialog::getText(this, windowTitle(), QStringLiteral("Nombre del libro nuevo:"), QLineEdit::Normal, nombre, &ok);
+        if (!ok)
+            return;
+        qint16 codigo = 0;
+        const auto r = m_libros.Agregar(nombre, codigo);
+        avisar(r);
+        // The new book is chosen; after a refusal the choice stays where it was.
+        cargar(r == Libros::Resultado::Bien ? codigo : codigoActual());
+        if (r == Libros::Resultado::Bien)
+            return;
+    }
 }
 
 qint16 GestorLibros::codigoActual() const
@@ -108,12 +115,19 @@ void GestorLibros::renombrar()
     const qint16 codigo = codigoActual();
     if (!i)
         return;
-    bool ok = false;
-    const QString nombre = QInputDialog::getText(this, windowTitle(), QStringLiteral("Nombre del libro:"), QLineEdit::Normal, i->text(1), &ok);
-    if (!ok)
-        return;
-    avisar(m_libros.Renombrar(codigo, nombre));
-    cargar(codigo);
+    QString nombre = i->text(1);
+    for (;;) {
+        bool ok = false;
+        nombre = QInputDialog::getText(this, windowTitle(), QStringLiteral("Nombre del libro:"), QLineEdit::Normal, nombre, &ok);
+        if (!ok)
+            return;
+        const auto r = m_libros.Renombrar(codigo, nombre);
+        avisar(r);
+        cargar(codigo);
+        // A book another session removed meanwhile has nothing left to rename.
+        if (r == Libros::Resultado::Bien || r == Libros::Resultado::NoExiste || r == Libros::Resultado::DelSistema)
+            return;
+    }
 }
 
 void GestorLibros::eliminar()

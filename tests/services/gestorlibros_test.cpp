@@ -54,10 +54,16 @@ TEST_P(GestionDeLibros, ElDialogoConSusTeclas)
     QApplication::setActiveWindow(&gestor);
     auto *lista = gestor.findChild<QTreeWidget *>(QStringLiteral("lstLibros"));
     auto nombreActual = [&] { return lista->currentItem() ? lista->currentItem()->text(1) : QString(); };
-    // The dialogs a key brings up: a name is typed, or the question is left unanswered.
+    // The dialogs a key brings up: the first gets a name typed, or is left unanswered; one
+    // that asks again after a refusal is cancelled, and what it offered is kept.
+    QString ofrecido;
     auto tecla = [&](Qt::Key k, const QString &respuesta) {
+        int vez = 0;
+        ofrecido.clear();
         return ConDialogo<QInputDialog>([&] { QTest::keyClick(&gestor, k); }, [&](QInputDialog &d) {
-            if (!respuesta.isNull()) {
+            if (vez++ > 0) {
+                ofrecido = d.textValue();
+            } else if (!respuesta.isNull()) {
                 d.setTextValue(respuesta);
                 d.accept();
             }
@@ -76,7 +82,8 @@ TEST_P(GestionDeLibros, ElDialogoConSusTeclas)
     EXPECT_EQ(tecla(Qt::Key_Insert, QStringLiteral("Exportaciones")), 1);
     EXPECT_EQ(lista->topLevelItemCount(), antes + 1);
     EXPECT_EQ(nombreActual(), QStringLiteral("Exportaciones"));
-    tecla(Qt::Key_Insert, QStringLiteral("exportaciones"));
+    EXPECT_EQ(tecla(Qt::Key_Insert, QStringLiteral("exportaciones")), 2); // asked again with what was typed
+    EXPECT_EQ(ofrecido, QStringLiteral("exportaciones"));
     EXPECT_EQ(mensajes.mostrados, QStringList{QStringLiteral("advertencia: Ya existe un libro con ese nombre.")});
     EXPECT_EQ(tecla(Qt::Key_Insert, QString()), 1);
     EXPECT_EQ(lista->topLevelItemCount(), antes + 1);
@@ -109,7 +116,8 @@ TEST_P(GestionDeLibros, ElDialogoConSusTeclas)
     // The database fails the write: the error says why, and the list is read again.
     m_base.conexion().Ejecutar(QStringLiteral("Alter Table genLibros Rename Column LibNombre To LibOtro"));
     mensajes.mostrados.clear();
-    tecla(Qt::Key_Insert, QStringLiteral("Compras"));
+    EXPECT_EQ(tecla(Qt::Key_Insert, QStringLiteral("Compras")), 2);
+    EXPECT_EQ(ofrecido, QStringLiteral("Compras"));
     ASSERT_GE(mensajes.mostrados.size(), 1);
     EXPECT_EQ(mensajes.mostrados[0], QStringLiteral("error: No se pudo guardar el cambio."));
     EXPECT_TRUE(mensajes.detalles[0].contains(QStringLiteral("LibNombre"), Qt::CaseInsensitive)) << mensajes.detalles[0].toStdString();
