@@ -144,6 +144,25 @@ TEST_P(Edicion, UnaLineaQueNoCierraProponeLoQueFaltaYAlSalirQuedaInconclusa)
     EXPECT_TRUE(m_asientos.EsFilaDiferencia(cabezal + 5)); // an incomplete entry shows what it lacks
 }
 
+// A new entry that cannot be written at all: leaving asks (1961), and discarding takes its
+// rows off the grid, which is left as it was before the entry was begun.
+TEST_P(Edicion, UnAsientoNuevoQueNoSePudoGrabarSeDescartaSinDejarFilas)
+{
+    const QStringList antes = grilla();
+    const qint32 ultimo = ultimoId();
+    nuevo(kFecha, QStringLiteral("Sin base"));
+    teclear(cuenta("1.1.01", 500));
+    teclear(std::nullopt, cuenta("4.1.01", 200));
+    ejecutar(QStringLiteral("Alter Table cceAsientosHistorial Rename To historialAparte"));
+    m_mensajes.Responder(R::No); // discard
+    m_sesion.SalirEdicion();
+    ejecutar(QStringLiteral("Alter Table historialAparte Rename To cceAsientosHistorial"));
+    EXPECT_EQ(m_mensajes.mostrados.last(), QStringLiteral("pregunta: 1961")) << m_mensajes.mostrados.join(u'\n').toStdString();
+    EXPECT_EQ(m_sesion.FilaEdicion(), 0);
+    EXPECT_EQ(ultimoId(), ultimo);
+    EXPECT_EQ(grilla(), antes);
+}
+
 TEST_P(Edicion, ImporteCeroEnLaMonedaDeLaCuentaSoloSiSeConfirma1819)
 {
     nuevo(kFecha, QStringLiteral("Diferencia de cambio"));
