@@ -64,6 +64,7 @@ TEST_P(Recientes, ElMenuSoloConLasQueExistenSinAgendaDeLaEmpresa)
     const qint32 ajena = plantilla(QStringLiteral("De otra empresa"), false, 2);
     const qint32 luz = plantilla(QStringLiteral("Luz"));
     FrecuentesRecientes recientes(m_datos);
+    EXPECT_TRUE(recientes.CargarFrecuentesRecientes().isEmpty()); // none yet: nothing to look up
     for (const qint32 id : {alquiler, agendada, ajena, luz + 100, luz})
         recientes.Agregar(id);
     using Item = std::pair<QString, qint32>;
