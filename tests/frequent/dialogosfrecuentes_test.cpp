@@ -145,9 +145,10 @@ TEST_F(DialogosFrecuentes, UnaPlantillaNuevaSeEscribeConElTecladoYSeGuarda)
                                                  QStringLiteral("advertencia: 1955")}));
     ASSERT_GT(id, 0);
     EXPECT_EQ(lineas(id, true), (QStringList{QStringLiteral("5.3.01|D|1500.00"), QStringLiteral("1.1.01|H|1500.00")}));
-    EXPECT_EQ(m_base.Valor(QStringLiteral("Select MFrNombre || '|' || MFrLeyenda || '|' || Coalesce(MFrRecurrencia, '')"
+    // A new template is in the company's default book.
+    EXPECT_EQ(m_base.Valor(QStringLiteral("Select MFrNombre || '|' || MFrLeyenda || '|' || Coalesce(MFrRecurrencia, '') || '|' || MFrLibro"
                                           " From genMovimientosFrecuentes Where MFrID = ?"), {id}).toString(),
-              QStringLiteral("Alquiler oficina|Alquiler de la oficina|"));
+              QStringLiteral("Alquiler oficina|Alquiler de la oficina||%1").arg(m_datos.empresa.libroPorDefecto));
 }
 
 // A stored template comes back with its lines; Supr on a line takes it out, and saving
