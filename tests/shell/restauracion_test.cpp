@@ -176,6 +176,7 @@ TEST_P(Restauracion, DeshacerPasoAPaso)
     deshacer();
     EXPECT_EQ(enBase(id), sinLinea);
     EXPECT_GE(filaDe(id), 0) << "shown again";
+    EXPECT_TRUE(m_doc->grilla().Redibujar()); // and the grid is drawn again
     deshacer();
     EXPECT_EQ(enBase(id), original);
     EXPECT_EQ(filasVistas(id), filas);
