@@ -3,6 +3,7 @@
 
 #include <QInputDialog>
 #include <QMessageBox>
+#include <QTest>
 
 #include <gtest/gtest.h>
 
@@ -41,6 +42,27 @@ TEST(PedirNumero, LeeLaTasaConCualquierMarcaDecimalYRechazaLoQueNoEsNumero)
     valor = 7;
     EXPECT_FALSE(pedir({}, valor));
     EXPECT_DOUBLE_EQ(valor, 7);
+}
+
+// Each set of buttons answers what the button pressed says: Enter takes the default (Yes,
+// or OK), Escape the way out (No without a Cancel button, else Cancel).
+TEST(Preguntar, CadaBotonDiceLoSuyoYEscapeEsLaSalida)
+{
+    ServicioMensajesQt mensajes;
+    using B = ServicioMensajes::Botones;
+    using R = ServicioMensajes::Respuesta;
+    auto preguntar = [&](B botones, Qt::Key tecla) {
+        R r = R::Cancelar;
+        ConDialogo<QMessageBox>([&] { r = mensajes.Preguntar(QStringLiteral("¿Sigue?"), botones); },
+                                [&](QMessageBox &m) { QTest::keyClick(&m, tecla); });
+        return r;
+    };
+    EXPECT_EQ(preguntar(B::AceptarCancelar, Qt::Key_Return), R::Si);
+    EXPECT_EQ(preguntar(B::AceptarCancelar, Qt::Key_Escape), R::Cancelar);
+    EXPECT_EQ(preguntar(B::SiNo, Qt::Key_Return), R::Si);
+    EXPECT_EQ(preguntar(B::SiNo, Qt::Key_Escape), R::No);
+    EXPECT_EQ(preguntar(B::SiNoCancelar, Qt::Key_Escape), R::Cancelar);
+    EXPECT_EQ(preguntar(B::SiNoCancelar, Qt::Key_N), R::No); // the button's mnemonic
 }
 
 } // namespace
