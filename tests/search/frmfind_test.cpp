@@ -361,6 +361,13 @@ TEST_P(DialogoBusqueda, DejarLaCuentaConTeclaORatonLaBusca)
     QApplication::processEvents();
     EXPECT_EQ(foco(), QStringLiteral("tLeyenda"));
     EXPECT_EQ(m_cuentas.pedidos.size(), 2);
+
+    // The legend's caption selects the legend too; the book's takes the focus to its list.
+    escribir("tLeyenda", QStringLiteral("Alquiler*"));
+    QTest::mouseClick(campo("lbLeyenda"), Qt::LeftButton);
+    EXPECT_EQ(campo<QLineEdit>("tLeyenda")->selectedText(), QStringLiteral("Alquiler*"));
+    QTest::mouseClick(campo("lbLibro"), Qt::LeftButton);
+    EXPECT_EQ(foco(), QStringLiteral("cfLibro"));
 }
 
 INSTANCIAR_EN_MOTORES(DialogoBusqueda);

@@ -275,6 +275,7 @@ TEST_P(Grabacion, EliminarAsientoYFila)
     doc->comandos().EliminarAsiento(false);
     EXPECT_EQ(estadoEnBase(id), 9);
     EXPECT_EQ(doc->FilaDeAsiento(id), -1);
+    EXPECT_TRUE(doc->grilla().Redibujar()); // the grid is drawn again without it
 }
 
 TEST_P(Grabacion, UnaFilaDeUnAsientoDeCierreNoSeElimina)
