@@ -3,6 +3,7 @@
 #include "escenario.h"
 
 #include "comun/archivosleidos.h"
+#include "comun/dialogos.h"
 
 #include "entries/asientodatos.h"
 #include "entries/vistas.h"
@@ -13,6 +14,7 @@
 
 #include <QAction>
 #include <QFile>
+#include <QFileDialog>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -171,6 +173,30 @@ TEST_P(Salidas, LibroConNumerosYFechas)
     }
     EXPECT_GT(numeros, 20);
     EXPECT_GT(fechas, 10);
+}
+
+// The save dialog: cancelled, it answers no file, though a name was proposed; accepted, the
+// proposed name in the export folder.
+TEST(SelectorArchivo, CancelarNoDaNingunArchivo)
+{
+    QTemporaryDir carpeta;
+    SelectorArchivoQt selector(nullptr);
+    QString elegido = QStringLiteral("sin elegir");
+    auto elegir = [&](bool aceptar) {
+        ConDialogo<QFileDialog>(
+            [&] {
+                elegido = selector.ElegirArchivoGuardar(QStringLiteral("Exportar"), carpeta.path(), QStringLiteral("asientos.csv"),
+                                                        QStringLiteral("CSV (*.csv)"));
+            },
+            [&](QFileDialog &d) {
+                if (aceptar)
+                    QTest::keyClick(&d, Qt::Key_Return); // the proposed name, as it is
+            });
+    };
+    elegir(false);
+    EXPECT_TRUE(elegido.isEmpty()) << elegido.toStdString();
+    elegir(true);
+    EXPECT_EQ(elegido, QDir(carpeta.path()).filePath(QStringLiteral("asientos.csv")));
 }
 
 TEST_P(Salidas, CancelarOFallarNoEscribeNada)
