@@ -320,6 +320,12 @@ TEST_P(Apertura, UnAsientoComunPasaASerElDeAperturaYVuelve1856Y1857)
     const int fila = cargar(id);
     const QDateTime s0 = sello(id);
 
+    // On the new-entry row there is no entry to convert.
+    m_vista.fila = m_grilla.Filas() - 1;
+    m_apertura.ConvertirApertura();
+    EXPECT_TRUE(m_mensajes.mostrados.isEmpty());
+    m_vista.fila = fila;
+
     // Without the right to change entries nothing is asked nor changed.
     const QString letras = m_datos.letras;
     m_datos.letras = QStringLiteral("A");

@@ -267,6 +267,23 @@ TEST_P(Edicion, MoverUnAsientoGuardadoAlCierreDeOtraDeSusCuentas1821)
     EXPECT_EQ(enBase(id, true), antes);
 }
 
+// A line that leaves a stored entry short is kept for later, but a change of its header alone
+// (here the legend) is written at once.
+TEST_P(Edicion, LaLeyendaCambiadaSeGrabaAunqueLaLineaDescuadre)
+{
+    const QList<qint32> simples = ids(QStringLiteral("AsiEstado = 1 And AsiID Not In (Select ACuIDAsiento From cceAsientoCuenta"
+                                                     " INNER JOIN cceCuentas ON CueID = ACuCuenta Where CueFechaCerrada Is Not Null)"));
+    ASSERT_FALSE(simples.isEmpty());
+    const qint32 id = simples.first();
+    const int fila = cargar(id);
+    const QStringList lineasAntes = enBase(id).mid(1);
+    ASSERT_TRUE(m_sesion.EntrarEdicion(fila));
+    m_vista.cabezal.leyenda = QStringLiteral("Leyenda corregida");
+    teclear(cuenta("1.1.01", 987654.32));
+    EXPECT_EQ(cabezal(id).section(u'|', 2, 2), QStringLiteral("Leyenda corregida"));
+    EXPECT_EQ(enBase(id).mid(1), lineasAntes); // the line waits until the edit ends
+}
+
 // 100 dollars at the debit at 40, then 100 at the credit at 42. Question 1832 settles the
 // rate: Sí this line's for all, No the average, Cancelar the one in use. Then 1833: Sí keeps
 // the pesos and recomputes the dollars, No the other way round.
