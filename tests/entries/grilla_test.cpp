@@ -170,6 +170,7 @@ TEST(DisenoGrilla, ArchivosDanadosSeIgnoranSinTocarLaGrilla)
         deOtra,
         archivoDeFilas(dir, "cinco-millones.tgr", 5'000'000, 2),
         archivoDeFilas(dir, "una-de-mas.tgr", 4, 3),
+        archivoDeFilas(dir, "sin-la-fija.tgr", 0, 0),
     };
     // The same way of making a file gives one that loads when the count is true.
     Grilla buena;
