@@ -112,6 +112,23 @@ TEST_F(Documento, UsuarioDeConsultaSoloBuscaYCambiaVista)
     doc->menus().MnuEdicion->close();
 }
 
+// Each letter alone opens its own links; the search and the views come with any of them.
+TEST_F(Documento, CadaLetraSolaHabilitaSusEnlaces)
+{
+    for (const auto &[letras, frecuentes, grabar] : {std::tuple{"A", true, false}, {"M", false, true}, {"E", false, false}}) {
+        SCOPED_TRACE(letras);
+        m_base.conexion().Ejecutar(QStringLiteral("Update segPermisos Set PerLetras = ? Where PerUsuario = ?"),
+                                   {QString::fromLatin1(letras), Demo::kUsuarioConsulta});
+        auto doc = abrir(usuario(Demo::kUsuarioConsulta));
+        ASSERT_EQ(doc->estado(), lumIngAsiento::Estado::Listo);
+        EXPECT_TRUE(habilitado(*doc, "hlRegistro"));
+        EXPECT_EQ(habilitado(*doc, "hlAsientoFrecuente"), frecuentes);
+        EXPECT_EQ(habilitado(*doc, "hlOpSave"), grabar);
+        EXPECT_TRUE(habilitado(*doc, "hlFind"));
+        EXPECT_TRUE(habilitado(*doc, "hlCargar"));
+    }
+}
+
 TEST_F(Documento, SinLetrasSeDeniegaElAcceso)
 {
     auto doc = abrir(usuario(Demo::kUsuarioSinPermisos));
