@@ -59,7 +59,13 @@ QString ExportacionGrilla::ConExtension(const QString &ruta, int formato)
     if (formato == CSV)
         return ruta;
     const QString extension = QLatin1String(Datos(formato).extension);
-    return ruta.endsWith(extension, Qt::CaseInsensitive) ? ruta : ruta + extension;
+    if (ruta.endsWith(extension, Qt::CaseInsensitive))
+        return ruta;
+    // The catalogue's filter still names the old workbook, "*.xls": a name typed that way
+    // means the workbook, written with its own extension, not "a.xls.xlsx".
+    if (formato == Libro && ruta.endsWith(QLatin1String(".xls"), Qt::CaseInsensitive))
+        return ruta + QLatin1Char('x');
+    return ruta + extension;
 }
 
 QString ExportacionGrilla::FiltroQt(const QString &filtro)

@@ -65,8 +65,8 @@ public:
 
     // The proposed file name: the title with "/" as "-", and the format's extension.
     static QString NombrePorDefecto(const QString &titulo, int formato);
-    // The path with the format's extension added when it does not end with it (the
-    // comma-separated file keeps the name as typed).
+    // The path with the format's extension added when it does not end with it, and ".xls"
+    // made ".xlsx" (the comma-separated file keeps the name as typed).
     static QString ConExtension(const QString &ruta, int formato);
     // A catalogue filter "description|pattern" in Qt's form.
     static QString FiltroQt(const QString &filtro);

@@ -177,6 +177,23 @@ TEST_P(Salidas, LibroConNumerosYFechas)
 
 // The save dialog: cancelled, it answers no file, though a name was proposed; accepted, the
 // proposed name in the export folder.
+TEST(NombresDeExportacion, LaExtensionDelFormatoVaUnaSolaVez)
+{
+    using E = ExportacionGrilla;
+    const struct
+    {
+        const char *ruta;
+        int formato;
+        const char *esperada;
+    } casos[] = {
+        {"/x/asientos", E::Libro, "/x/asientos.xlsx"}, {"/x/asientos.XLSX", E::Libro, "/x/asientos.XLSX"},
+        {"/x/asientos.xls", E::Libro, "/x/asientos.xlsx"}, {"/x/asientos", E::HTML, "/x/asientos.htm"},
+        {"/x/asientos.htm", E::HTML, "/x/asientos.htm"}, {"/x/asientos.txt", E::CSV, "/x/asientos.txt"},
+    };
+    for (const auto &c : casos)
+        EXPECT_EQ(E::ConExtension(QString::fromLatin1(c.ruta), c.formato), QString::fromLatin1(c.esperada)) << c.ruta;
+}
+
 TEST(SelectorArchivo, CancelarNoDaNingunArchivo)
 {
     QTemporaryDir carpeta;
