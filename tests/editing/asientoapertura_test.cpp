@@ -187,6 +187,8 @@ TEST_P(Apertura, ElQueFaltaTerminarSeMuestraEnLugarDeHacerOtro)
     EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("información: 1960")});
     ASSERT_GE(m_vista.fila, m_grilla.FilasFijas());
     EXPECT_EQ(m_asientos.IdDeFila(m_vista.fila), incompleto);
+    EXPECT_TRUE(m_asientos.EsFilaCabezal(m_vista.fila)); // on its header row, before the new-entry row
+    EXPECT_TRUE(m_asientos.EsFilaNuevoAsiento(m_grilla.Filas() - 1));
     EXPECT_EQ(aperturas(), QList<qint32>{incompleto});
 }
 
