@@ -461,6 +461,15 @@ TEST_P(Edicion, UnRechazoSeDiceConSuTextoYUnFalloConElDelComando)
         EXPECT_EQ(m_mensajes.mostrados, QStringList{c.dicho});
         EXPECT_EQ(m_mensajes.detalles, QStringList{c.detalle});
     }
+
+    // An entry another session deleted for good: its header is not written, and that is said.
+    const qint32 id = ids(QStringLiteral("AsiEstado = 1")).first();
+    m_asientos.TomarAsientoDeFila(cargar(id));
+    ejecutar(QStringLiteral("Delete From cceAsientoCuenta Where ACuIDAsiento = ?"), {id});
+    ejecutar(QStringLiteral("Delete From cceAsientos Where AsiID = ?"), {id});
+    m_mensajes.mostrados.clear();
+    EXPECT_FALSE(m_comandos.GrabarCabezal());
+    EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("error: 1923")});
 }
 
 INSTANCIAR_EN_MOTORES(Edicion);
