@@ -82,6 +82,13 @@ protected:
              + lineas.values();
     }
 
+    // The registered entries none of whose accounts is ever closed.
+    QList<qint32> registradosSinCuentasCerradas()
+    {
+        return ids(QStringLiteral("AsiEstado = 1 And AsiID Not In (Select ACuIDAsiento From cceAsientoCuenta"
+                                  " INNER JOIN cceCuentas ON CueID = ACuCuenta Where CueFechaCerrada Is Not Null)"));
+    }
+
     SesionEdicion m_sesion{m_datos, m_asientos, m_comandos, m_vista};
 };
 
@@ -244,8 +251,7 @@ TEST_P(Edicion, UnaCuentaCerradaEnUnAsientoGuardado1815Y1821)
 // back to the stored one.
 TEST_P(Edicion, MoverUnAsientoGuardadoAlCierreDeOtraDeSusCuentas1821)
 {
-    const QList<qint32> simples = ids(QStringLiteral("AsiEstado = 1 And AsiID Not In (Select ACuIDAsiento From cceAsientoCuenta"
-                                                     " INNER JOIN cceCuentas ON CueID = ACuCuenta Where CueFechaCerrada Is Not Null)"));
+    const QList<qint32> simples = registradosSinCuentasCerradas();
     ASSERT_FALSE(simples.isEmpty());
     const qint32 id = simples.last();
     const int cabezal = cargar(id);
@@ -271,8 +277,7 @@ TEST_P(Edicion, MoverUnAsientoGuardadoAlCierreDeOtraDeSusCuentas1821)
 // (here the legend) is written at once.
 TEST_P(Edicion, LaLeyendaCambiadaSeGrabaAunqueLaLineaDescuadre)
 {
-    const QList<qint32> simples = ids(QStringLiteral("AsiEstado = 1 And AsiID Not In (Select ACuIDAsiento From cceAsientoCuenta"
-                                                     " INNER JOIN cceCuentas ON CueID = ACuCuenta Where CueFechaCerrada Is Not Null)"));
+    const QList<qint32> simples = registradosSinCuentasCerradas();
     ASSERT_FALSE(simples.isEmpty());
     const qint32 id = simples.first();
     const int fila = cargar(id);
