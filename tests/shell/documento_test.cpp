@@ -102,7 +102,8 @@ TEST_F(Documento, UsuarioDeConsultaSoloBuscaYCambiaVista)
     // The grid's own menu offers no write either: right-click on an entry.
     doc->ElegirVista(Vista::kPrimerMes);
     doc->resize(900, 500);
-    QTest::mouseClick(doc->grid()->viewport(), Qt::RightButton, {}, QPoint(20, 5));
+    QTest::mouseClick(doc->grid()->viewport(), Qt::RightButton, {}, QPoint(20, doc->grid()->rowViewportPosition(1) + 2));
+    EXPECT_EQ(doc->grid()->FilaActual(), doc->grilla().FilasFijas() + 1); // the menu is the clicked row's
     for (const char *a : {"MnuEdiNew", "MnuEdiDel", "MnuEdiDelRow", "MnuEdiAddCta", "MnuEdiSaveNormal", "MnuEdiCopy",
                           "MnuEdiHacerFrecuente", "MnuEdiAgendarAsiento", "MnuEdiLibro", "MnuUnificarTCCta", "MnuEdiAPA",
                           "MnuEdiASI", "MnuEdiDeshacer"})
