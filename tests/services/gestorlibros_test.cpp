@@ -105,6 +105,13 @@ TEST_P(GestionDeLibros, ElDialogoConSusTeclas)
     EXPECT_EQ(tecla(Qt::Key_F2, QStringLiteral("Otro")), 0);
     EXPECT_EQ(borrar(std::nullopt), 0);
 
+    // A book another session removed meanwhile: said once, and its new name is not asked again.
+    ASSERT_EQ(tecla(Qt::Key_Insert, QStringLiteral("Temporal")), 1);
+    m_base.conexion().Ejecutar(QStringLiteral("Delete From genLibros Where LibNombre = 'Temporal'"));
+    mensajes.mostrados.clear();
+    EXPECT_EQ(tecla(Qt::Key_F2, QStringLiteral("Otro nombre")), 1);
+    EXPECT_EQ(mensajes.mostrados, QStringList{QStringLiteral("advertencia: El libro ya no existe.")});
+
     // A book with entries is refused before the question.
     for (int i = 0; i < lista->topLevelItemCount(); ++i)
         if (lista->topLevelItem(i)->data(0, Qt::UserRole).toInt() == Demo::kLibroDiario)
