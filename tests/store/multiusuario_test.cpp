@@ -56,12 +56,18 @@ LineaDatos linea(qint32 cuenta, bool debe, double importe)
     return {cuenta, 0, 0, debe, Importe::DesdeDouble(importe), 1, Importe::DesdeDouble(importe)};
 }
 
-// A balanced entry written by the given AsientoDatos; answers its id.
-qint32 Nuevo(AsientoDatos &a, const QString &leyenda, double importe, qint16 libro = Demo::kLibroDiario)
+// Writes a balanced entry through the given AsientoDatos; answers why it was refused.
+std::optional<Fallo> Escribir(AsientoDatos &a, const QString &leyenda, double importe, qint16 libro = Demo::kLibroDiario)
 {
     a.Cabezal() = CabezalDatos{0, Demo::kEmpresa, 1, QDate(2026, 5, 4), leyenda, libro};
     a.Lineas() = {linea(22, true, importe), linea(11, false, importe)};
-    return IdGrabado(a);
+    return a.GrabarTodo();
+}
+
+// The same; answers its id, 0 when refused.
+qint32 Nuevo(AsientoDatos &a, const QString &leyenda, double importe, qint16 libro = Demo::kLibroDiario)
+{
+    return Escribir(a, leyenda, importe, libro) ? 0 : a.Cabezal().AsiID;
 }
 
 // Runs a session's steps for sides 0 and 1, each in its own thread, meeting at paso. A side
@@ -301,9 +307,7 @@ TEST_P(Multiusuario, CarrerasDeDosSesionesUnSoloGanador)
             AsientoDatos apertura(espia);
             paso.arrive_and_wait();
             espia.causa.reset();
-            apertura.Cabezal() = CabezalDatos{0, Demo::kEmpresa, 1, QDate(2026, 5, 4), QStringLiteral("Saldos iniciales %1").arg(lado), 97};
-            apertura.Lineas() = {linea(22, true, 100 + v), linea(11, false, 100 + v)};
-            anotar(t.apertura[lado], apertura.GrabarTodo());
+            anotar(t.apertura[lado], Escribir(apertura, QStringLiteral("Saldos iniciales %1").arg(lado), 100 + v, 97));
             paso.arrive_and_wait();
             if (lado == 0) {
                 t.leyenda = valor(*c, QStringLiteral("Select AsiLeyenda From cceAsientos Where AsiID = ?"), {id}).toString();
