@@ -301,10 +301,11 @@ TEST_P(Edicion, UnaSegundaTasaParaLaMismaMoneda1832)
         double debe, debeMC, haber, haberMC;
     } casos[] = {
         {R::Si, R::No, 100, 100 * 42.0, 100, 100 * 42.0},
-        {R::Si, R::Si, Centesimos(4000 / 42.0), 4000, 100, 4200},
         {R::No, R::No, 100, 100 * (4000 + 4200) / 200.0, 100, 100 * (4000 + 4200) / 200.0},
+        {R::Si, R::Si, Centesimos(4000 / 42.0), 4000, 100, 4200},
         {R::Cancelar, std::nullopt, 100, 4000, 100, 4000},
     };
+    qint32 anterior = 0; // each entry is typed below the one before, in the same dollars
     for (const auto &caso : casos) {
         SCOPED_TRACE(QStringLiteral("%1 %2").arg(int(caso.tasa)).arg(caso.mantenerPesos ? int(*caso.mantenerPesos) : -1).toStdString());
         m_mensajes.mostrados.clear();
@@ -323,6 +324,9 @@ TEST_P(Edicion, UnaSegundaTasaParaLaMismaMoneda1832)
                   (QStringList{QStringLiteral("%1|%2|Tasas|1|0").arg(estado).arg(kDia),
                                QStringLiteral("1.1.04|D|%1|%2|1|0|0").arg(NumeroSQL(caso.debe), NumeroSQL(caso.debeMC)),
                                QStringLiteral("2.1.02|H|%1|%2|2|0|0").arg(NumeroSQL(caso.haber), NumeroSQL(caso.haberMC))}));
+        if (anterior)
+            EXPECT_EQ(enGrilla(m_asientos.FilaDeAsiento(anterior)), enBase(anterior)) << "the entry above keeps its rates";
+        anterior = ultimoId();
     }
 }
 

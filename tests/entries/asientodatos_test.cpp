@@ -138,6 +138,7 @@ TEST(SelloNuevo, ElAhoraDelRelojYSiempreDespuesDelLeido)
     EXPECT_GE(ms, fijado);
     EXPECT_LT(ms, fijado.addSecs(5));
     EXPECT_LE(ms, AsientoDatos::SelloNuevo(reloj, QDateTime())); // two in a row never go back
+    EXPECT_EQ(AsientoDatos::SelloNuevo(reloj, fijado), fijado.addMSecs(1)); // a stamp read this very moment is passed
     const QDateTime enteros = AsientoDatos::SelloNuevo(reloj, QDateTime(), S::SegundosEnteros);
     EXPECT_EQ(enteros.time().msec(), 0);
     EXPECT_GE(enteros, fijado.addMSecs(-500));

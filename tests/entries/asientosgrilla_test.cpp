@@ -44,6 +44,7 @@ TEST_P(Llenado, CabezalesLineasYFilaDeDiferencia)
     EXPECT_EQ(g.Fila(4).imagen, QStringLiteral("borrador"));
     EXPECT_EQ(g.celda(3, 1).colorTexto, ColoresGrilla::kHaber);
     EXPECT_EQ(g.celda(3, 3).colorTexto, ColoresGrilla::kHaber);
+    EXPECT_NE(g.celda(4, 1).colorTexto, ColoresGrilla::kHaber); // a header is no credit line
     EXPECT_EQ(d.asientos.Cabezal.AsiID, 0);                   // nothing current after a fill
     EXPECT_EQ(d.asientos.EstadoDeFila(6), 0);
     EXPECT_EQ(d.asientos.FilaCabezalDe(6), 4);

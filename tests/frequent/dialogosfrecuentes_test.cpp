@@ -149,6 +149,7 @@ TEST_F(DialogosFrecuentes, UnaPlantillaNuevaSeEscribeConElTecladoYSeGuarda)
     EXPECT_EQ(m_base.Valor(QStringLiteral("Select MFrNombre || '|' || MFrLeyenda || '|' || Coalesce(MFrRecurrencia, '') || '|' || MFrLibro"
                                           " From genMovimientosFrecuentes Where MFrID = ?"), {id}).toString(),
               QStringLiteral("Alquiler oficina|Alquiler de la oficina||%1").arg(m_datos.empresa.libroPorDefecto));
+    EXPECT_EQ(fecha("Select MFrFecha From genMovimientosFrecuentes Where MFrID = ?", id), BaseDePrueba::Hoy());
 }
 
 // A stored template comes back with its lines; Supr on a line takes it out, and saving
@@ -281,6 +282,8 @@ TEST_F(DialogosFrecuentes, DesdeElBuscadorSeModificaYSeEliminaTrasPreguntar)
         EXPECT_EQ(nombres(d).size(), 2);
         hijo<QPushButton>(d, "bfEliminar")->click();
         EXPECT_EQ(nombres(d), QStringList{QStringLiteral("Gas")});
+        teclear(hijo(d, "tBuscar"), QStringLiteral("ninguno"));
+        EXPECT_FALSE(hijo<QPushButton>(d, "bfModificar")->isEnabled()); // nothing chosen, nothing to change
     });
     EXPECT_EQ(m_mensajes.mostrados, (QStringList{QStringLiteral("pregunta: ¿Elimina el asiento frecuente «Agua corriente»?"),
                                                  QStringLiteral("pregunta: ¿Elimina el asiento frecuente «Agua corriente»?")}));

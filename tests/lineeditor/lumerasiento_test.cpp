@@ -243,6 +243,7 @@ TEST_F(EditorDeLinea, LaMismaCuentaEnAmbosLados)
     EXPECT_EQ(QApplication::focusWidget(), haber()); // two accounts allowed: on to the credit side
     escribir(haber(), QStringLiteral("1.1.01"));
     EXPECT_FALSE(m_editor->CuentaIngresadaAlHaber());
+    EXPECT_EQ(QApplication::focusWidget(), haber()); // refused: the focus stays to type another
 
     m_editor->SetCuenta(false, 10, 0, 0, 1, QStringLiteral("1.1.01 - Caja"), QDate());
     escribir(campo(lumERAsiento::kImporte), QStringLiteral("5"));

@@ -195,6 +195,9 @@ TEST_P(DialogoBusqueda, ElLibroEscritoDebeSerUnoDeLaLista)
     EXPECT_EQ(campo<QComboBox>("cfLibro")->lineEdit()->selectedText(), QStringLiteral("Compras"));
     aceptar();
     EXPECT_TRUE(m_dialogo->isVisible());
+    campo("tLeyenda")->setFocus(); // moved by the program, not by the user: not held back
+    QApplication::processEvents();
+    EXPECT_EQ(foco(), QStringLiteral("tLeyenda"));
 
     escribir("cfLibro", QStringLiteral("VENTAS"));
     tecla();

@@ -98,6 +98,16 @@ TEST_F(Documento, UsuarioDeConsultaSoloBuscaYCambiaVista)
     EXPECT_FALSE(habilitado(*doc, "hlOpSave"));
     EXPECT_TRUE(habilitado(*doc, "hlFind"));
     EXPECT_TRUE(habilitado(*doc, "hlCargar"));
+    // The pointer over a link underlines it while it can be followed, and leaving takes it off.
+    for (const char *l : {"hlFind", "hlOpSave"}) {
+        auto *enlace = doc->findChild<QToolButton *>(QString::fromLatin1(l));
+        QEnterEvent entra(QPointF(1, 1), QPointF(1, 1), QPointF(1, 1));
+        QApplication::sendEvent(enlace, &entra);
+        EXPECT_EQ(enlace->font().underline(), enlace->isEnabled()) << l;
+        QEvent sale(QEvent::Leave);
+        QApplication::sendEvent(enlace, &sale);
+        EXPECT_FALSE(enlace->font().underline()) << l;
+    }
 
     // The grid's own menu offers no write either: right-click on an entry.
     doc->ElegirVista(Vista::kPrimerMes);
