@@ -163,6 +163,12 @@ TEST_P(Apertura, UnSaldoEnDolaresSinSuValorEnPesosSeValoraALaCotizacion)
     EXPECT_TRUE(m_mensajes.mostrados[0].startsWith(QStringLiteral("error: 1959"))) << m_mensajes.mostrados[0].toStdString();
     EXPECT_TRUE(aperturas().isEmpty());
     EXPECT_EQ(cuenta("1.2.01"), cerrada);
+    // A quotation of nothing is none.
+    ejecutar(QStringLiteral("Insert Into genCotizacionesMoneda (CMoFecha, CMoMoneda, CMoCotizaEn, CMoTipoCotizacion, CMoCompra, CMoVenta)"
+                            " Values (?, 7, 1, 1, 0, 0)"),
+             {Conexion::ValorFecha(dia)});
+    EXPECT_EQ(m_apertura.HacerAsientoApertura(), 0);
+    EXPECT_TRUE(m_mensajes.mostrados.value(1).startsWith(QStringLiteral("error: 1959"))) << m_mensajes.mostrados.value(1).toStdString();
 
     // Quotations that cannot be read stop it the same way: said, and nothing made.
     ejecutar(QStringLiteral("Update cceCuentas Set CueMoneda = 2 Where CueCodigo = '1.1.04'"));

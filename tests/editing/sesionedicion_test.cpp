@@ -208,6 +208,12 @@ TEST_P(Edicion, UnAsientoNuevoConFechaIlegibleOCuentaCerradaVuelveALaFecha1821)
     EXPECT_EQ(m_vista.enfoquesFecha, 2);
     EXPECT_TRUE(m_vista.fechasFijadas.isEmpty()); // a new entry has no stored date to go back to
     EXPECT_EQ(grilla(), filas);
+
+    // The day after its closing the account is taken, and the entry is stored as any other.
+    m_vista.cabezal.fecha = cerrada.dFechaCierre.addDays(1);
+    teclear(cerrada, cuenta("4.1.01", 100));
+    EXPECT_EQ(m_mensajes.mostrados.size(), 1);
+    EXPECT_EQ(m_base.Valor(QStringLiteral("Select Count(*) From cceAsientos Where AsiLeyenda = 'Sin fecha' And AsiEstado = 1")).toInt(), 1);
 }
 
 // A stored entry with an account closed at its date: that line may not change (1815); an
