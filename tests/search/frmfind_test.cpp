@@ -30,12 +30,15 @@ public:
     bool Buscar(Conexion &, qint32, const QString &texto, CuentaElegida &elegida, QWidget *) override
     {
         pedidos << texto;
+        if (durante)
+            durante();
         elegida = respuesta;
         return acepta && respuesta.id > 0;
     }
     CuentaElegida respuesta;
     bool acepta = true;
     QStringList pedidos;
+    std::function<void()> durante; // what runs while the chooser is open
 };
 
 class DialogoBusqueda : public ::testing::TestWithParam<Motor>
@@ -371,6 +374,17 @@ TEST_P(DialogoBusqueda, DejarLaCuentaConTeclaORatonLaBusca)
     EXPECT_EQ(campo<QLineEdit>("tLeyenda")->selectedText(), QStringLiteral("Alquiler*"));
     QTest::mouseClick(campo("lbLibro"), Qt::LeftButton);
     EXPECT_EQ(foco(), QStringLiteral("cfLibro"));
+
+    // "Aceptar" clicked with an account typed looks it up once, while the chooser's own
+    // event loop runs what leaving the box queued.
+    m_cuentas.pedidos.clear();
+    m_cuentas.respuesta = {m_base.IdCuenta("1.1.01"), 0, 0};
+    m_cuentas.durante = [] { QApplication::processEvents(); };
+    escribir("tCuenta", QStringLiteral("banco"));
+    QTest::mouseClick(campo("bfOK"), Qt::LeftButton);
+    QApplication::processEvents();
+    EXPECT_EQ(m_cuentas.pedidos, QStringList{QStringLiteral("banco")});
+    EXPECT_FALSE(m_dialogo->isVisible());
 }
 
 INSTANCIAR_EN_MOTORES(DialogoBusqueda);
