@@ -1,14 +1,9 @@
 #include "escenario.h"
 
-#include "entries/vistas.h"
 #include "dialogs/serviciomensajesqt.h"
-#include "shell/menusdocumento.h"
 #include "store/esquema.h"
 
-#include <QAction>
-#include <QComboBox>
 #include <QDir>
-#include <QFile>
 #include <QMainWindow>
 #include <QMenu>
 #include <QMessageBox>
@@ -87,6 +82,10 @@ TEST_F(Documento, AdministradorQuedaListoConTodosLosEnlaces)
                           "MnuEdiHide", "MnuUnificarTCCta", "MnuUnificarTCMC", "MnuEdiHacerFrecuente",
                           "MnuEdiAgendarAsiento", "MnuEdiLibro", "MnuEdiAPA", "MnuEdiASI", "MnuAFrRegistrar", "MnuAFrNew"})
         EXPECT_TRUE(doc->menus().accion(QString::fromLatin1(a))->isVisible()) << a;
+    // The help link goes to its page.
+    doc->findChild<QToolButton *>(QStringLiteral("imgHelp"))->click();
+    EXPECT_EQ(m_host.comandos, QStringList{QStringLiteral("lumNav:navhelp?Main|asientos\\ingreso_de_asientos.htm")});
+    EXPECT_EQ(m_host.marcos, QStringList{QString()});
 }
 
 TEST_F(Documento, UsuarioDeConsultaSoloBuscaYCambiaVista)
@@ -140,14 +139,6 @@ TEST_F(Documento, CadaLetraSolaHabilitaSusEnlaces)
     }
 }
 
-TEST_F(Documento, SinLetrasSeDeniegaElAcceso)
-{
-    auto doc = abrir(usuario(Demo::kUsuarioSinPermisos));
-    EXPECT_EQ(doc->estado(), lumIngAsiento::Estado::Detenido);
-    ASSERT_EQ(m_host.comandos.size(), 1);
-    EXPECT_EQ(m_host.comandos[0], QStringLiteral("lumcod:inf_AccesoDenegado<prm>[NombreApp]:=Ingreso de Asientos</prm>"));
-    EXPECT_EQ(m_host.marcos[0], QStringLiteral("centro"));
-}
 
 TEST_F(Documento, FallasDeArranqueVanAlHost)
 {
@@ -174,18 +165,24 @@ TEST_F(Documento, FallasDeArranqueVanAlHost)
         EXPECT_EQ(m_host.comandos, c.comando.isNull() ? QStringList() : QStringList{c.comando});
     }
     EXPECT_TRUE(m_mensajes.mostrados.isEmpty());
-}
 
-TEST_F(Documento, SinComponenteDeIdiomaNoArranca)
-{
+    // A user without letters is denied access, in the centre frame.
+    m_host.comandos.clear();
+    EXPECT_EQ(abrir(usuario(Demo::kUsuarioSinPermisos))->estado(), lumIngAsiento::Estado::Detenido);
+    EXPECT_EQ(m_host.comandos, QStringList{QStringLiteral("lumcod:inf_AccesoDenegado<prm>[NombreApp]:=Ingreso de Asientos</prm>")});
+    EXPECT_EQ(m_host.marcos.last(), QStringLiteral("centro"));
+
+    // Without the language component the failure text is empty.
     m_forzados.insert(QStringLiteral("LUM01/Idioma"), QStringLiteral("9"));
-    auto doc = abrir(usuario(1));
-    EXPECT_EQ(doc->EstadoInicio(), 9);
+    m_host.comandos.clear();
+    m_mensajes.mostrados.clear();
+    EXPECT_EQ(abrir(usuario(1))->EstadoInicio(), 9);
     ASSERT_EQ(m_mensajes.mostrados.size(), 1);
     EXPECT_TRUE(m_mensajes.mostrados[0].contains(QStringLiteral("LNG_TCO_009.dll")));
-    // Without the catalogue the failure text is empty.
     EXPECT_EQ(m_host.comandos, QStringList{QStringLiteral("lumcod:main_Error<prm>[prmErrDesc]:=</prm>")});
 }
+
+
 
 // The document inside a window, shown the way the program's host shows it, with the real
 // message boxes on that window; each box is answered with its default button as soon as it
@@ -263,46 +260,8 @@ TEST_F(Documento, CajasDeMensajeDelArranqueConLaVentanaRecienMostrada)
         << sinMonedas.join(QLatin1Char('\n')).toStdString();
 }
 
-TEST_F(Documento, PreferenciasDelUsuarioSobrevivenAlReinicio)
-{
-    {
-        auto doc = abrir(usuario(1));
-        EXPECT_FALSE(doc->AsiSaveB());
-        EXPECT_EQ(doc->AsiOrder(), 0);
-        EXPECT_TRUE(doc->menus().accion(QStringLiteral("MnuEdiVCod"))->isChecked());
-        doc->menus().accion(QStringLiteral("MnuSaveNewBorrador"))->trigger();
-        doc->menus().accion(QStringLiteral("MnuEdiVIngreso"))->trigger();
-        EXPECT_TRUE(doc->AsiSaveB());
-        EXPECT_EQ(doc->AsiOrder(), 1);
-    }
-    auto doc = abrir(usuario(1));
-    EXPECT_TRUE(doc->AsiSaveB());
-    EXPECT_EQ(doc->AsiOrder(), 1);
-    EXPECT_TRUE(doc->menus().accion(QStringLiteral("MnuSaveNewBorrador"))->isChecked());
-    EXPECT_TRUE(doc->menus().accion(QStringLiteral("MnuEdiVIngreso"))->isChecked());
-    EXPECT_FALSE(doc->menus().accion(QStringLiteral("MnuEdiVCod"))->isChecked());
 
-    // Another user keeps their own preferences.
-    doc.reset();
-    auto otro = abrir(usuario(Demo::kUsuarioContador));
-    EXPECT_FALSE(otro->AsiSaveB());
-}
 
-TEST_F(Documento, LaAyudaLlevaASuPagina)
-{
-    auto doc = abrir(usuario(1));
-    doc->findChild<QToolButton *>(QStringLiteral("imgHelp"))->click();
-    EXPECT_EQ(m_host.comandos, QStringList{QStringLiteral("lumNav:navhelp?Main|asientos\\ingreso_de_asientos.htm")});
-    EXPECT_EQ(m_host.marcos, QStringList{QString()});
-}
-
-TEST_F(Documento, LaEmpresaQueFaltaLaDaElProceso)
-{
-    auto uno = abrir(usuario(1));
-    auto dos = abrir(QStringLiteral("psidusuario=2|psckey=lum01"));
-    EXPECT_EQ(dos->estado(), lumIngAsiento::Estado::Listo);
-    EXPECT_EQ(dos->empresa().NombreEmpresa, uno->empresa().NombreEmpresa);
-}
 
 
 int cabezales(lumIngAsiento &doc)
@@ -335,6 +294,27 @@ TEST_F(Documento, ArrancaEnRecienIngresadosYCadaVistaCargaSusAsientos)
         if (doc->asientos().EsFilaCabezal(r))
             EXPECT_EQ(doc->grilla().Dato(r, 2).toDate().month(), mes.month());
     EXPECT_TRUE(doc->findChild<QToolButton *>(QStringLiteral("hlCargar"))->text().startsWith(QStringLiteral("Ver : ")));
+
+    // The user's preferences survive a restart; another user keeps their own.
+    doc.reset();
+    doc = abrir(usuario(1));
+    EXPECT_FALSE(doc->AsiSaveB());
+    EXPECT_EQ(doc->AsiOrder(), 0);
+    EXPECT_TRUE(doc->menus().accion(QStringLiteral("MnuEdiVCod"))->isChecked());
+    doc->menus().accion(QStringLiteral("MnuSaveNewBorrador"))->trigger();
+    doc->menus().accion(QStringLiteral("MnuEdiVIngreso"))->trigger();
+    EXPECT_TRUE(doc->AsiSaveB());
+    EXPECT_EQ(doc->AsiOrder(), 1);
+    doc.reset();
+    doc = abrir(usuario(1));
+    EXPECT_TRUE(doc->AsiSaveB());
+    EXPECT_EQ(doc->AsiOrder(), 1);
+    EXPECT_TRUE(doc->menus().accion(QStringLiteral("MnuSaveNewBorrador"))->isChecked());
+    EXPECT_TRUE(doc->menus().accion(QStringLiteral("MnuEdiVIngreso"))->isChecked());
+    EXPECT_FALSE(doc->menus().accion(QStringLiteral("MnuEdiVCod"))->isChecked());
+
+    doc.reset();
+    EXPECT_FALSE(abrir(usuario(Demo::kUsuarioContador))->AsiSaveB());
 }
 
 TEST_F(Documento, LaGrillaVuelveComoSeDejoYUnDisenoDanadoNoDetiene)
@@ -400,25 +380,24 @@ TEST_F(Documento, LaGrillaVuelveComoSeDejoYUnDisenoDanadoNoDetiene)
     EXPECT_EQ(doc->grilla().Filas(), 2);
 }
 
-TEST_F(Documento, SinPrefijoNoHayArchivoDeDiseno)
-{
-    const QString carpeta = m_carpeta.filePath(QStringLiteral("sin"));
-    {
-        auto doc = abrir(QStringLiteral("psidusuario=1|psidempresa=1|pstempdir=") + carpeta);
-        doc->ElegirVista(1);
-    }
-    EXPECT_FALSE(QDir(carpeta).exists());
-}
 
 TEST_F(Documento, PedidoDeAsientoAlArrancar)
 {
-    auto rs = m_base.conexion().Abrir(QStringLiteral("Select Max(AsiID) From cceAsientos Where AsiEstado = 1"));
-    const int id = QVariant(rs->Campo(0)).toInt();
-    rs->Cerrar();
+    const int id = m_base.Valor(QStringLiteral("Select Max(AsiID) From cceAsientos Where AsiEstado = 1")).toInt();
     auto doc = abrir(usuario(1) + QStringLiteral("|prmidasi=%1").arg(id));
     ASSERT_EQ(cabezales(*doc), 1);
     EXPECT_EQ(doc->grilla().Dato(1, 0).toInt(), id);
     EXPECT_TRUE(doc->asientos().EsFilaNuevoAsiento(doc->grilla().Filas() - 1));
+    // A company left out is the process's.
+    auto uno = std::move(doc);
+    auto dos = abrir(QStringLiteral("psidusuario=2|psckey=lum01"));
+    EXPECT_EQ(dos->estado(), lumIngAsiento::Estado::Listo);
+    EXPECT_EQ(dos->empresa().NombreEmpresa, uno->empresa().NombreEmpresa);
+
+    // Without a prefix there is no layout file.
+    const QString carpeta = m_carpeta.filePath(QStringLiteral("sin"));
+    abrir(QStringLiteral("psidusuario=1|psidempresa=1|pstempdir=") + carpeta)->ElegirVista(1);
+    EXPECT_FALSE(QDir(carpeta).exists());
 }
 
 } // namespace

@@ -6,18 +6,23 @@
 #include "comun/datosdeprueba.h"
 #include "comun/hostdeprueba.h"
 #include "comun/mensajesguionados.h"
-#include "comun/mensajesguionados.h"
 #include "shell/idioma.h"
 #include "shell/lumingasiento.h"
+#include "shell/menusdocumento.h"
 
 #include "grid/vsgrid.h"
 #include "lineeditor/campocalculadora.h"
 #include "lineeditor/campofecha.h"
 #include "lineeditor/lumerasiento.h"
+#include "entries/asientodatos.h"
+#include "entries/vistas.h"
 #include "services/serviciobusquedacuentas.h"
-#include "shell/lumingasiento.h"
+#include "store/basedemo.h"
 
+#include <QAction>
 #include <QApplication>
+#include <QComboBox>
+#include <QLineEdit>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -35,6 +40,20 @@ inline QString Dicho(const char *tipo, int numero)
         ADD_FAILURE() << "sin texto " << numero << " en el catálogo cargado";
     return QString::fromUtf8(tipo) + QStringLiteral(": ") + texto;
 }
+
+// Keys as a user presses them, where the test says.
+inline void enter(QWidget *w) { QTest::keyClick(w, Qt::Key_Return); }
+inline QWidget *foco() { return QApplication::focusWidget(); }
+// Types over what a text field holds.
+inline void escribir(QWidget *w, const QString &t)
+{
+    if (auto *e = qobject_cast<QLineEdit *>(w))
+        e->selectAll();
+    QTest::keyClicks(w, t);
+}
+
+// An entry's writes, oldest first, as "operation" or "operation:user".
+QStringList Operaciones(Conexion &conexion, qint32 id, bool conUsuario = false);
 
 // A started document of the user on the test database, on its clock, with its own host, messages
 // and layout folder, in a window shorter than a month of entries (the grid scrolls).
@@ -64,16 +83,22 @@ protected:
     std::unique_ptr<lumIngAsiento> Documento(HostDePrueba &host, MensajesGuionados &mensajes, const QTemporaryDir &carpeta,
                                              int usuario);
 
-    void enter(QWidget *w) { QTest::keyClick(w, Qt::Key_Return); }
     // Escape in the line editor leaves edit mode once the key's event is over.
     void escape(QWidget *w)
     {
         QTest::keyClick(w, Qt::Key_Escape);
         QApplication::processEvents();
     }
-    void escribir(QWidget *w, const QString &t);
-    QWidget *foco() const { return QApplication::focusWidget(); }
     lumERAsiento *editor() const { return m_doc->editor(); }
+
+    QComboBox *autoriza() const { return m_doc->findChild<QComboBox *>(QStringLiteral("cfAutoriza")); }
+    // Enter in the amount accepts the line; an entry without an authoriser is first given
+    // the first one of the list, as the document asks (1953), and Enter there takes the line.
+    void aceptarLinea();
+    // Runs an item of the document's menus.
+    void elegir(const char *accion) { m_doc->menus().accion(QString::fromLatin1(accion))->trigger(); }
+    // Loads the stored entry into the grid, above the "new entry" row.
+    ::testing::AssertionResult mostrarAlFinal(qint32 id);
 
     // Loads a view of the view menu.
     void vista(int v) { m_doc->ElegirVista(v); }

@@ -2,50 +2,31 @@
 // grid as the user sees it and in the database.
 #include "escenario.h"
 
-#include "entries/vistas.h"
 #include "lineeditor/campocalculadora.h"
-#include "shell/idioma.h"
-#include "shell/menusdocumento.h"
-#include "entries/asientodatos.h"
-#include "entries/modeloasiento.h"
-#include "store/basedemo.h"
-
-#include <QAction>
-#include <QComboBox>
 #include "lineeditor/campofecha.h"
-#include <QLineEdit>
 
 namespace {
+
+// Writes an entry of the opening-balance book straight into the database: 1.1.01 against
+// 3.1.01 for 5000, in the given state; answers its id.
+qint32 AsientoDeSaldosIniciales(BaseDePrueba &base, qint16 estado)
+{
+    const double credito = estado == EstadoAsiento::kInconcluso ? 4000 : 5000;
+    return GrabarAsientoDePrueba(base, estado, QDate(BaseDePrueba::Hoy().year(), 1, 1), QStringLiteral("Asiento de Saldos Iniciales"),
+                                 Demo::kLibroPrimeraApertura, {{"1.1.01", true, 5000}, {"3.1.01", false, credito}}, false);
+}
 
 class Escenarios : public Escenario
 {
 protected:
-    // Opens the entry's first line and accepts it unchanged with Enter in the amount; leaves
-    // with Escape when the entry stays open (it does not balance).
-    void aceptarSinCambios(qint32 id)
+    // A registered opening-balance entry beside the incomplete one: the store no longer lets
+    // it be made, so the incomplete one is in the trash meanwhile, as data written before.
+    void registradoAlLado(qint32 inconcluso)
     {
-        abrir(filaDe(id));
-        ASSERT_GT(m_doc->FilaEdicion(), 0) << "asiento " << id;
-        aceptarLinea();
-        if (m_doc->FilaEdicion() > 0)
-            escape(foco());
-        ASSERT_EQ(m_doc->FilaEdicion(), 0) << "asiento " << id;
+        m_base.conexion().Ejecutar(QStringLiteral("Update cceAsientos Set AsiEstado = 9 Where AsiID = ?"), {inconcluso});
+        ASSERT_GT(AsientoDeSaldosIniciales(m_base, EstadoAsiento::kRegistrado), 0);
+        m_base.conexion().Ejecutar(QStringLiteral("Update cceAsientos Set AsiEstado = 2 Where AsiID = ?"), {inconcluso});
     }
-
-    // Enter in the amount accepts the line; an entry without an authoriser is first given
-    // the first one of the list, as the document asks (1953), and Enter there takes the line.
-    void aceptarLinea()
-    {
-        enter(editor()->campo(lumERAsiento::kImporte));
-        if (foco() == autoriza()) {
-            EXPECT_EQ(m_mensajes.mostrados.value(m_mensajes.mostrados.size() - 1),
-                      QStringLiteral("advertencia: ") + Idioma::resLoad(953));
-            m_mensajes.mostrados.removeLast();
-            autoriza()->setCurrentIndex(0);
-            enter(autoriza());
-        }
-    }
-    QComboBox *autoriza() const { return m_doc->findChild<QComboBox *>(QStringLiteral("cfAutoriza")); }
     QString primerAutorizador() const { return autoriza()->itemData(0).toString(); }
 
     // A stored entry of the first month's view, shown, with lines in pesos only, registered,
@@ -65,8 +46,8 @@ protected:
         if (candidatos.isEmpty())
             return 0;
         // None in the view: the last one is put above the first entry of the grid.
-        EXPECT_FALSE(CargarAsientoEnGrilla(m_doc->asientos(), *m_doc->proceso().conexion, candidatos.last(),
-                                           m_doc->grilla().FilasFijas()));
+        EXPECT_TRUE(Bien(CargarAsientoEnGrilla(m_doc->asientos(), *m_doc->proceso().conexion, candidatos.last(),
+                                               m_doc->grilla().FilasFijas())));
         return candidatos.last();
     }
 };
@@ -199,7 +180,7 @@ TEST_P(Escenarios, AgregarYBorrarUnaLinea)
     const AsientoEnBase antes = enBase(id);
     // "Agregar cuenta": a third line, 100 at the debit, leaves the entry unbalanced.
     m_doc->grid()->FijarFilaActual(filaDe(id) + 1);
-    m_doc->menus().accion(QStringLiteral("MnuEdiAddCta"))->trigger();
+    elegir("MnuEdiAddCta");
     ASSERT_GT(m_doc->FilaEdicion(), 0);
     EXPECT_TRUE(editorALaVista());
     escribir(editor()->campoCuenta(true), QStringLiteral("1.1.02"));
@@ -225,7 +206,7 @@ TEST_P(Escenarios, EliminarFilaConUnaLineaAbierta)
     abrir(filaDe(id) + 2); // the second line
     ASSERT_GT(m_doc->FilaEdicion(), 0);
     m_mensajes.Responder(ServicioMensajes::Respuesta::Si);
-    m_doc->menus().accion(QStringLiteral("MnuEdiDelRow"))->trigger();
+    elegir("MnuEdiDelRow");
     EXPECT_EQ(m_doc->FilaEdicion(), 0);
     AsientoEnBase a = enBase(id);
     // Not in the trash, and no longer balanced: incomplete, so it cannot stay registered.
@@ -235,9 +216,9 @@ TEST_P(Escenarios, EliminarFilaConUnaLineaAbierta)
     EXPECT_EQ(a.lineas[0], antes.lineas[0]);
 
     m_doc->grid()->FijarFilaActual(filaDe(id) + 1);
-    m_doc->menus().accion(QStringLiteral("MnuEdiAddCta"))->trigger();
+    elegir("MnuEdiAddCta");
     ASSERT_GT(m_doc->FilaEdicion(), 0);
-    m_doc->menus().accion(QStringLiteral("MnuEdiDelRow"))->trigger();
+    elegir("MnuEdiDelRow");
     EXPECT_EQ(m_doc->FilaEdicion(), 0);
     EXPECT_EQ(enBase(id).lineas, a.lineas);
     EXPECT_EQ(enBase(id).cabezal[0], QStringLiteral("2"));
@@ -268,20 +249,11 @@ TEST_P(Escenarios, AgendarDesdeUnaLineaNoTocaElAsientoSiguiente)
     EXPECT_EQ(rs->Texto(QStringLiteral("MFrNombre")), leyenda);
 }
 
-// Writes an entry of the opening-balance book straight into the database: 1.1.01 against
-// 3.1.01 for 5000, in the given state; answers its id.
-qint32 AsientoDeSaldosIniciales(BaseDePrueba &base, qint16 estado)
-{
-    const double credito = estado == EstadoAsiento::kInconcluso ? 4000 : 5000;
-    return GrabarAsientoDePrueba(base, estado, QDate(BaseDePrueba::Hoy().year(), 1, 1), QStringLiteral("Asiento de Saldos Iniciales"),
-                                 Demo::kLibroPrimeraApertura, {{"1.1.01", true, 5000}, {"3.1.01", false, credito}}, false);
-}
-
 TEST_P(Escenarios, ElAsientoDeSaldosInicialesConservaSuLibro)
 {
     const qint32 id = AsientoDeSaldosIniciales(m_base, EstadoAsiento::kRegistrado);
     ASSERT_GT(id, 0);
-    ASSERT_FALSE(CargarAsientoEnGrilla(m_doc->asientos(), *m_doc->proceso().conexion, id, m_doc->grilla().Filas() - 1));
+    ASSERT_TRUE(mostrarAlFinal(id));
     const AsientoEnBase antes = enBase(id);
     abrir(filaDe(id));
     ASSERT_GT(m_doc->FilaEdicion(), 0);
@@ -303,16 +275,11 @@ TEST_P(Escenarios, UnInconclusoDelLibroDeSaldosInicialesAlCerrar)
     for (const bool yaExiste : {false, true}) {
         const qint32 id = AsientoDeSaldosIniciales(m_base, EstadoAsiento::kInconcluso);
         ASSERT_GT(id, 0);
-        // The store no longer lets a second one be made beside it: an incomplete one beside
-        // the registered one is data written before that rule.
         if (yaExiste) {
-            const qint32 registrado = AsientoDeSaldosIniciales(m_base, EstadoAsiento::kRegistrado);
-            EXPECT_EQ(registrado, 0);
-            m_base.conexion().Ejecutar(QStringLiteral("Update cceAsientos Set AsiEstado = 9 Where AsiID = ?"), {id});
-            ASSERT_GT(AsientoDeSaldosIniciales(m_base, EstadoAsiento::kRegistrado), 0);
-            m_base.conexion().Ejecutar(QStringLiteral("Update cceAsientos Set AsiEstado = 2 Where AsiID = ?"), {id});
+            EXPECT_EQ(AsientoDeSaldosIniciales(m_base, EstadoAsiento::kRegistrado), 0);
+            ASSERT_NO_FATAL_FAILURE(registradoAlLado(id));
         }
-        ASSERT_FALSE(CargarAsientoEnGrilla(m_doc->asientos(), *m_doc->proceso().conexion, id, m_doc->grilla().Filas() - 1));
+        ASSERT_TRUE(mostrarAlFinal(id));
         abrir(filaDe(id) + 2); // the credit line of 4000
         escribir(editor()->campo(lumERAsiento::kImporte), QStringLiteral("5000"));
         m_mensajes.mostrados.clear();
@@ -346,14 +313,12 @@ TEST_P(Escenarios, UnInconclusoDelLibroDeSaldosInicialesAlCerrar)
 TEST_P(Escenarios, UnSegundoDeSaldosInicialesSinSiOSinOtroLibroNoSeGraba)
 {
     const qint32 id = AsientoDeSaldosIniciales(m_base, EstadoAsiento::kInconcluso);
-    m_base.conexion().Ejecutar(QStringLiteral("Update cceAsientos Set AsiEstado = 9 Where AsiID = ?"), {id});
-    ASSERT_GT(AsientoDeSaldosIniciales(m_base, EstadoAsiento::kRegistrado), 0);
-    m_base.conexion().Ejecutar(QStringLiteral("Update cceAsientos Set AsiEstado = 2 Where AsiID = ?"), {id});
+    ASSERT_NO_FATAL_FAILURE(registradoAlLado(id));
     const AsientoEnBase antes = enBase(id);
     for (const bool sinLibros : {false, true}) {
         if (sinLibros)
             m_base.conexion().Ejecutar(QStringLiteral("Delete From genLibros Where LibDelSistema = 0"));
-        ASSERT_FALSE(CargarAsientoEnGrilla(m_doc->asientos(), *m_doc->proceso().conexion, id, m_doc->grilla().Filas() - 1));
+        ASSERT_TRUE(mostrarAlFinal(id));
         abrir(filaDe(id) + 2);
         escribir(editor()->campo(lumERAsiento::kImporte), QStringLiteral("5000"));
         m_mensajes.mostrados.clear();
@@ -397,7 +362,7 @@ TEST_P(Escenarios, ElAutorizadorDeUnAsientoVerificadoNoSeCambia)
     ASSERT_FALSE(verificados.isEmpty());
     ASSERT_FALSE(otros.isEmpty());
     for (const qint32 id : {verificados.first(), otros.first()}) {
-        ASSERT_FALSE(CargarAsientoEnGrilla(m_doc->asientos(), *m_doc->proceso().conexion, id, m_doc->grilla().Filas() - 1));
+        ASSERT_TRUE(mostrarAlFinal(id));
         abrir(filaDe(id));
         ASSERT_GT(m_doc->FilaEdicion(), 0);
         EXPECT_EQ(autoriza()->isEnabled(), id != verificados.first()) << "asiento " << id;
@@ -435,13 +400,12 @@ TEST_P(Escenarios, CopiarUnAsientoConUnaCuentaCerradaInformaYNoCopia)
                                                         " Where CueFechaCerrada >= AsiFechaAsiento)"));
     ASSERT_FALSE(conCerrada.isEmpty());
     const qint32 id = conCerrada.first();
-    ASSERT_FALSE(CargarAsientoEnGrilla(m_doc->asientos(), *m_doc->proceso().conexion, id, m_doc->grilla().Filas() - 1));
+    ASSERT_TRUE(mostrarAlFinal(id));
     const qint32 ultimo = ultimoId();
     m_doc->grid()->FijarFilaActual(filaDe(id));
     m_mensajes.Responder(ServicioMensajes::Respuesta::Si);
-    m_doc->menus().accion(QStringLiteral("MnuEdiCopy"))->trigger();
-    EXPECT_EQ(m_mensajes.mostrados, (QStringList{Dicho("pregunta", 1806),
-                                                 Dicho("información", 1816)}));
+    elegir("MnuEdiCopy");
+    EXPECT_EQ(m_mensajes.mostrados, (QStringList{Dicho("pregunta", 1806), Dicho("información", 1816)}));
     EXPECT_EQ(m_mensajes.titulosPreguntas, QStringList{QStringLiteral("Copiar Asiento")});
     EXPECT_EQ(ultimoId(), ultimo);
 }
