@@ -1,16 +1,8 @@
 #include "escenario.h"
 
 #include "editing/comandosasiento.h"
-#include "entries/asientodatos.h"
-#include "entries/vistas.h"
-#include "shell/menusdocumento.h"
 #include "lineeditor/campocalculadora.h"
 #include "lineeditor/campofecha.h"
-#include "store/basedemo.h"
-
-#include <QAction>
-#include <QComboBox>
-#include <QLineEdit>
 
 namespace {
 
@@ -78,7 +70,7 @@ TEST_P(Correcciones, SeEliminaLaLineaElegidaYElAsientoQuedaInconcluso)
     EXPECT_EQ(a.cabezal[0], QStringLiteral("2"));
     m_doc->grid()->FijarFilaActual(filaDe(id));
     m_mensajes.mostrados.clear();
-    m_doc->menus().accion(QStringLiteral("MnuEdiSaveNormal"))->trigger();
+    elegir("MnuEdiSaveNormal");
     EXPECT_EQ(enBase(id).cabezal[0], QStringLiteral("2"));
     ASSERT_EQ(m_mensajes.mostrados.size(), 1); // and the user is told why
     EXPECT_TRUE(m_mensajes.mostrados[0].startsWith(QStringLiteral("información: El asiento está incompleto")));
@@ -97,8 +89,8 @@ TEST_P(Correcciones, UnAsientoConUnaCuentaCerradaNoCambiaEnNada)
     escribir(m_doc->campoLeyenda(), QStringLiteral("Otra leyenda"));
     escribir(editor()->campo(lumERAsiento::kImporte), QStringLiteral("600"));
     enter(editor()->campo(lumERAsiento::kImporte));
-    if (foco() == m_doc->findChild<QComboBox *>(QStringLiteral("cfAutoriza"))) {
-        m_doc->findChild<QComboBox *>(QStringLiteral("cfAutoriza"))->setCurrentIndex(0);
+    if (foco() == autoriza()) {
+        autoriza()->setCurrentIndex(0);
         enter(editor()->campo(lumERAsiento::kImporte));
     }
     EXPECT_TRUE(m_mensajes.mostrados.contains(Dicho("error", 1811)))
@@ -121,7 +113,7 @@ TEST_P(Correcciones, UnNuevoLlevadoAUnDiaConUnaCuentaCerradaNoSeGraba)
     m_doc->campoFecha()->setDate(cierre.addDays(1)); // the account is open after its closing day
     QTest::keyClick(m_doc->campoFecha(), Qt::Key_Tab);
     escribir(m_doc->campoLeyenda(), QStringLiteral("Con cuenta cerrada"));
-    m_doc->findChild<QComboBox *>(QStringLiteral("cfAutoriza"))->setCurrentIndex(0);
+    autoriza()->setCurrentIndex(0);
     editor()->SetFocusCtrl(lumERAsiento::kDebe, 0);
     escribir(editor()->campoCuenta(true), codigo);
     enter(editor()->campoCuenta(true));
@@ -151,7 +143,7 @@ TEST_P(Correcciones, LaCuentaCerradaDelAsientoDeArribaNoTrabaLaFecha)
     ASSERT_GT(m_doc->FilaEdicion(), 0);
     m_doc->campoFecha()->setDate(BaseDePrueba::Hoy().addDays(-20));
     QTest::keyClick(m_doc->campoFecha(), Qt::Key_Tab);
-    m_doc->findChild<QComboBox *>(QStringLiteral("cfAutoriza"))->setCurrentIndex(0);
+    autoriza()->setCurrentIndex(0);
     enter(editor()->campo(lumERAsiento::kImporte));
     EXPECT_TRUE(m_mensajes.mostrados.isEmpty()) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
     EXPECT_EQ(enBase(id).cabezal.value(1), BaseDePrueba::Hoy().addDays(-20).toString(Qt::ISODate));

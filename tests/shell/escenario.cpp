@@ -28,9 +28,11 @@ std::unique_ptr<lumIngAsiento> Escenario::Documento(HostDePrueba &host, Mensajes
 }
 
 std::unique_ptr<lumIngAsiento> DocumentoIniciado(const BaseDePrueba &base, HostDePrueba &host, MensajesGuionados &mensajes,
-                                                 ServicioBusquedaCuentas &busqueda, const QTemporaryDir &carpeta, int usuario)
+                                                 ServicioBusquedaCuentas &busqueda, const QTemporaryDir &carpeta, int usuario,
+                                                 const QString &opciones)
 {
-    host.base = QStringLiteral("x?psidusuario=%1|psidempresa=1|psckey=lum01|pskeyinit=%1|pstempdir=").arg(usuario) + carpeta.path();
+    host.base = QStringLiteral("x?psidusuario=%1|psidempresa=1|psckey=lum01|pskeyinit=%1|pstempdir=").arg(usuario) + carpeta.path()
+              + opciones;
     EntornoDocumento d;
     d.host = &host;
     d.mensajes = &mensajes;

@@ -3,6 +3,7 @@
 #include "comun/asientosdeprueba.h"
 #include "comun/basesprueba.h"
 #include "comun/busquedaexacta.h"
+#include "comun/columna.h"
 #include "comun/datosdeprueba.h"
 #include "comun/hostdeprueba.h"
 #include "comun/mensajesguionados.h"
@@ -57,8 +58,10 @@ QStringList Operaciones(Conexion &conexion, qint32 id, bool conUsuario = false);
 
 // A started document of the user on the test database, on its clock, with its own host, messages
 // and layout folder, in a window shorter than a month of entries (the grid scrolls).
+// The start-up options given are added after the usual ones.
 std::unique_ptr<lumIngAsiento> DocumentoIniciado(const BaseDePrueba &base, HostDePrueba &host, MensajesGuionados &mensajes,
-                                                 ServicioBusquedaCuentas &busqueda, const QTemporaryDir &carpeta, int usuario);
+                                                 ServicioBusquedaCuentas &busqueda, const QTemporaryDir &carpeta, int usuario,
+                                                 const QString &opciones = {});
 
 // A stored entry as the database holds it: the header's columns and its lines, as text, so
 // two snapshots compare whole.

@@ -1,12 +1,7 @@
 #include "escenario.h"
 
-#include "editing/restauraciones.h"
-#include "entries/asientodatos.h"
-#include "entries/historialasiento.h"
-#include "entries/vistas.h"
 #include "shell/dialogohistorial.h"
 #include "shell/dialogopapelera.h"
-#include "shell/menusdocumento.h"
 
 #include <QPushButton>
 #include <QTableWidget>
@@ -25,7 +20,6 @@ protected:
                               1);
     }
 
-    void alCabezal(qint32 id) { m_doc->grid()->FijarFilaActual(filaDe(id)); }
 
     // Delete on the row, answering the question.
     void suprimir(int fila, ServicioMensajes::Respuesta respuesta)
@@ -37,18 +31,23 @@ protected:
 
     void deshacer() { QTest::keyClick(m_doc->grid(), Qt::Key_Z, Qt::ControlModifier); }
 
-    QStringList operaciones(qint32 id)
-    {
-        QStringList ops;
-        for (const HistorialAsiento::Fila &f : HistorialAsiento::Leer(m_base.conexion(), id))
-            ops << f.operacion;
-        return ops;
-    }
+    QStringList operaciones(qint32 id) { return Operaciones(m_base.conexion(), id); }
 
     DialogoPapelera *papelera()
     {
-        m_doc->menus().accion(QStringLiteral("MnuViePapelera"))->trigger();
+        elegir("MnuViePapelera");
         return m_doc->findChild<DialogoPapelera *>();
+    }
+    // The entry's history from its menu, with its first version chosen.
+    DialogoHistorial *historial(qint32 id)
+    {
+        delete m_doc->findChild<DialogoHistorial *>();
+        m_doc->grid()->FijarFilaActual(filaDe(id));
+        elegir("MnuEdiHistorial");
+        auto *dialogo = m_doc->findChild<DialogoHistorial *>();
+        if (dialogo)
+            dialogo->findChild<QTableWidget *>(QStringLiteral("tablaHistorial"))->setCurrentCell(0, 0);
+        return dialogo;
     }
 
     // Another user changes the entry's legend through the store.
@@ -229,16 +228,16 @@ TEST_P(Restauracion, NadaPisaElCambioDeOtroUsuario)
     EXPECT_EQ(m_mensajes.mostrados.last(), Dicho("error", 1820));
     EXPECT_EQ(enBase(id), deOtro);
 
-    // The history read now offers the first version back.
-    alCabezal(id);
-    m_doc->menus().accion(QStringLiteral("MnuEdiHistorial"))->trigger();
-    auto *historial = m_doc->findChild<DialogoHistorial *>();
-    ASSERT_NE(historial, nullptr);
-    auto *tabla = historial->findChild<QTableWidget *>(QStringLiteral("tablaHistorial"));
-    auto *restaurar = historial->findChild<QPushButton *>(QStringLiteral("botonRestaurarVersion"));
+    // The history read now offers the first version back; the last version is the entry as
+    // it stands.
+    m_doc->grid()->FijarFilaActual(filaDe(id));
+    elegir("MnuEdiHistorial");
+    DialogoHistorial *dialogo = m_doc->findChild<DialogoHistorial *>();
+    ASSERT_NE(dialogo, nullptr);
+    auto *restaurar = dialogo->findChild<QPushButton *>(QStringLiteral("botonRestaurarVersion"));
     ASSERT_NE(restaurar, nullptr);
-    EXPECT_FALSE(restaurar->isEnabled()) << "the last version is the entry as it stands";
-    tabla->setCurrentCell(0, 0);
+    EXPECT_FALSE(restaurar->isEnabled());
+    dialogo->findChild<QTableWidget *>(QStringLiteral("tablaHistorial"))->setCurrentCell(0, 0);
     EXPECT_TRUE(restaurar->isEnabled());
 
     // Another change after the history was read: the version is refused.
@@ -248,33 +247,23 @@ TEST_P(Restauracion, NadaPisaElCambioDeOtroUsuario)
     restaurar->click();
     EXPECT_EQ(m_mensajes.mostrados.last(), Dicho("error", 1820));
     EXPECT_EQ(enBase(id), ultimo);
-    historial->close();
-    delete historial;
 
     // Read again, the first version goes back as a new write: the three lines, registered.
-    alCabezal(id);
-    m_doc->menus().accion(QStringLiteral("MnuEdiHistorial"))->trigger();
-    historial = m_doc->findChild<DialogoHistorial *>();
-    ASSERT_NE(historial, nullptr);
-    historial->findChild<QTableWidget *>(QStringLiteral("tablaHistorial"))->setCurrentCell(0, 0);
+    dialogo = historial(id);
+    ASSERT_NE(dialogo, nullptr);
     m_mensajes.Responder(ServicioMensajes::Respuesta::Si);
-    historial->findChild<QPushButton *>(QStringLiteral("botonRestaurarVersion"))->click();
+    dialogo->findChild<QPushButton *>(QStringLiteral("botonRestaurarVersion"))->click();
     const AsientoEnBase restaurado = enBase(id);
     EXPECT_EQ(restaurado.lineas.size(), 3);
     EXPECT_EQ(restaurado.cabezal.value(0), QStringLiteral("1"));
     EXPECT_EQ(restaurado.cabezal.value(2), QStringLiteral("Compra con flete"));
     EXPECT_EQ(operaciones(id).last(), QStringLiteral("restauracion"));
-    historial->close();
-    delete historial;
 
     // The same version again is the entry as it stands: nothing is written.
     const int escrituras = int(operaciones(id).size());
-    alCabezal(id);
-    m_doc->menus().accion(QStringLiteral("MnuEdiHistorial"))->trigger();
-    historial = m_doc->findChild<DialogoHistorial *>();
-    ASSERT_NE(historial, nullptr);
-    historial->findChild<QTableWidget *>(QStringLiteral("tablaHistorial"))->setCurrentCell(0, 0);
-    historial->findChild<QPushButton *>(QStringLiteral("botonRestaurarVersion"))->click();
+    dialogo = historial(id);
+    ASSERT_NE(dialogo, nullptr);
+    dialogo->findChild<QPushButton *>(QStringLiteral("botonRestaurarVersion"))->click();
     EXPECT_EQ(m_mensajes.mostrados.last(), Dicho("información", 1965));
     EXPECT_EQ(operaciones(id).size(), escrituras);
 }

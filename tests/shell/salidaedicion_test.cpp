@@ -3,15 +3,7 @@
 #include "escenario.h"
 
 #include "editing/sesionedicion.h"
-#include "entries/asientosgrilla.h"
-#include "entries/vistas.h"
 #include "lineeditor/campocalculadora.h"
-#include "shell/idioma.h"
-#include "shell/menusdocumento.h"
-
-#include <QAction>
-#include <QComboBox>
-#include <QLineEdit>
 
 namespace {
 
@@ -21,7 +13,7 @@ class SalidaEdicion : public Escenario
 {
 protected:
     // The question about a typed line (1956), or about a write that was refused (1961).
-    static QString pregunta(int numero = 1956) { return QStringLiteral("pregunta: ") + Idioma::resLoad(numero - 1000); }
+    static QString pregunta(int numero = 1956) { return Dicho("pregunta", numero); }
 
     // A new entry with a debit line of "1.1.01" typed and not accepted: no Enter in the amount.
     void lineaSinAceptar(const QString &importe)
@@ -29,7 +21,7 @@ protected:
         m_doc->edicion().NuevoAsiento();
         ASSERT_GT(m_doc->FilaEdicion(), 0);
         escribir(m_doc->campoLeyenda(), QStringLiteral("Escrito y no aceptado"));
-        m_doc->findChild<QComboBox *>(QStringLiteral("cfAutoriza"))->setCurrentIndex(0);
+        autoriza()->setCurrentIndex(0);
         lumERAsiento *e = editor();
         e->SetFocusCtrl(lumERAsiento::kDebe, 0);
         escribir(e->campoCuenta(true), QStringLiteral("1.1.01"));
@@ -103,16 +95,16 @@ TEST_P(SalidaEdicion, UnaLineaSinImporteSeRechaza)
 {
     lineaSinAceptar(QStringLiteral("0"));
     enter(editor()->campo(lumERAsiento::kImporte));
-    if (foco() == m_doc->findChild<QComboBox *>(QStringLiteral("cfAutoriza")))
+    if (foco() == autoriza())
         enter(foco());
-    EXPECT_TRUE(m_mensajes.mostrados.contains(QStringLiteral("advertencia: ") + Idioma::resLoad(954)))
+    EXPECT_TRUE(m_mensajes.mostrados.contains(Dicho("advertencia", 1954)))
         << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
     EXPECT_GT(m_doc->FilaEdicion(), 0);
     // Leaving by a command and saying yes to keep it: the refusal keeps the edit and the line.
     m_mensajes.mostrados.clear();
     m_mensajes.Responder(Respuesta::Si);
     QTest::keyClick(editor()->campo(lumERAsiento::kImporte), Qt::Key_N, Qt::ControlModifier);
-    EXPECT_EQ(m_mensajes.mostrados.value(1), QStringLiteral("advertencia: ") + Idioma::resLoad(954));
+    EXPECT_EQ(m_mensajes.mostrados.value(1), Dicho("advertencia", 1954));
     EXPECT_GT(m_doc->FilaEdicion(), 0);
     EXPECT_TRUE(m_doc->edicion().LineaSinAceptar());
     escape(foco());
@@ -169,7 +161,7 @@ TEST_P(SalidaEdicion, UnaLineaGuardadaSinCambiosNoPregunta)
         if (vistos == 6)
             break;
         if (filaDe(id) < 0)
-            EXPECT_FALSE(CargarAsientoEnGrilla(m_doc->asientos(), *m_doc->proceso().conexion, id, m_doc->grilla().Filas() - 1));
+            EXPECT_TRUE(mostrarAlFinal(id));
         const int cabezal = filaDe(id);
         ASSERT_GT(cabezal, 0);
         for (int r = cabezal + 1; r <= m_doc->asientos().UltimaFilaAsiento(cabezal); ++r) {

@@ -5,20 +5,11 @@
 
 #include "editing/cambiosajenos.h"
 #include "editing/comandosasiento.h"
-#include "entries/historialasiento.h"
 #include "entries/modeloasiento.h"
-#include "entries/vistas.h"
 #include "lineeditor/campocalculadora.h"
 #include "shell/dialogohistorial.h"
-#include "shell/idioma.h"
-#include "shell/menusdocumento.h"
-#include "store/basedemo.h"
 #include "store/conexionqt.h"
 
-#include <QAction>
-#include <QComboBox>
-#include <QDeadlineTimer>
-#include <QLineEdit>
 #include <QTableWidget>
 
 namespace {
@@ -51,7 +42,7 @@ protected:
         QTest::keyClicks(doc.campoLeyenda(), leyenda);
         QTest::keyClick(doc.editor()->campo(lumERAsiento::kImporte), Qt::Key_Return);
         if (auto *autoriza = doc.findChild<QComboBox *>(QStringLiteral("cfAutoriza")); QApplication::focusWidget() == autoriza) {
-            EXPECT_EQ(mensajes.mostrados.value(mensajes.mostrados.size() - 1), QStringLiteral("advertencia: ") + Idioma::resLoad(953));
+            EXPECT_EQ(mensajes.mostrados.value(mensajes.mostrados.size() - 1), Dicho("advertencia", 1953));
             mensajes.mostrados.removeLast();
             autoriza->setCurrentIndex(0);
             QTest::keyClick(autoriza, Qt::Key_Return);
@@ -71,14 +62,6 @@ protected:
     {
         const QAbstractItemModel *m = doc.grid()->model();
         return m->data(m->index(fila - doc.grilla().FilasFijas(), 0), Qt::ToolTipRole).toString();
-    }
-
-    QStringList operaciones(qint32 id)
-    {
-        QStringList l;
-        for (const HistorialAsiento::Fila &f : HistorialAsiento::Leer(m_base.conexion(), id))
-            l << QStringLiteral("%1:%2").arg(f.operacion).arg(f.usuario);
-        return l;
     }
 
     qint32 asientoDePrueba()
@@ -127,7 +110,7 @@ TEST_P(VariosUsuarios, UnCambioDeOtroSeMarcaSeReleeAlAbrirloYQuedaEnElHistorial)
     EXPECT_EQ(enBase(id).cabezal.value(2), QStringLiteral("Cambiada por la contadora"));
     EXPECT_TRUE(ayuda(*m_otro, m_otro->FilaDeAsiento(id)).isEmpty());
 
-    EXPECT_EQ(operaciones(id), (QStringList{QStringLiteral("alta:0"), QStringLiteral("cambio:%1").arg(Demo::kUsuarioAdministrador),
+    EXPECT_EQ(Operaciones(m_base.conexion(), id, true), (QStringList{QStringLiteral("alta:0"), QStringLiteral("cambio:%1").arg(Demo::kUsuarioAdministrador),
                                             QStringLiteral("cambio:%1").arg(Demo::kUsuarioContador)}));
 
     // The history, from the entry menu, shows the three writes, oldest first.
