@@ -88,7 +88,7 @@ TEST_F(Documento, AdministradorQuedaListoConTodosLosEnlaces)
     EXPECT_EQ(m_host.marcos, QStringList{QString()});
 }
 
-TEST_F(Documento, UsuarioDeConsultaSoloBuscaYCambiaVista)
+TEST_F(Documento, UsuarioDeConsultaSoloBuscaYCambiaVistaYCadaLetraSusEnlaces)
 {
     auto doc = abrir(usuario(Demo::kUsuarioConsulta));
     EXPECT_EQ(doc->estado(), lumIngAsiento::Estado::Listo);
@@ -120,25 +120,21 @@ TEST_F(Documento, UsuarioDeConsultaSoloBuscaYCambiaVista)
     EXPECT_TRUE(doc->menus().accion(QStringLiteral("MnuEdiHide"))->isEnabled());
     EXPECT_TRUE(doc->menus().accion(QStringLiteral("MnuEdiHistorial"))->isEnabled());
     doc->menus().MnuEdicion->close();
-}
 
-// Each letter alone opens its own links; the search and the views come with any of them.
-TEST_F(Documento, CadaLetraSolaHabilitaSusEnlaces)
-{
+    // Each letter alone opens its own links; the search and the views come with any of them.
     for (const auto &[letras, frecuentes, grabar] : {std::tuple{"A", true, false}, {"M", false, true}, {"E", false, false}}) {
         SCOPED_TRACE(letras);
         m_base.conexion().Ejecutar(QStringLiteral("Update segPermisos Set PerLetras = ? Where PerUsuario = ?"),
                                    {QString::fromLatin1(letras), Demo::kUsuarioConsulta});
-        auto doc = abrir(usuario(Demo::kUsuarioConsulta));
-        ASSERT_EQ(doc->estado(), lumIngAsiento::Estado::Listo);
-        EXPECT_TRUE(habilitado(*doc, "hlRegistro"));
-        EXPECT_EQ(habilitado(*doc, "hlAsientoFrecuente"), frecuentes);
-        EXPECT_EQ(habilitado(*doc, "hlOpSave"), grabar);
-        EXPECT_TRUE(habilitado(*doc, "hlFind"));
-        EXPECT_TRUE(habilitado(*doc, "hlCargar"));
+        auto solo = abrir(usuario(Demo::kUsuarioConsulta));
+        ASSERT_EQ(solo->estado(), lumIngAsiento::Estado::Listo);
+        EXPECT_TRUE(habilitado(*solo, "hlRegistro"));
+        EXPECT_EQ(habilitado(*solo, "hlAsientoFrecuente"), frecuentes);
+        EXPECT_EQ(habilitado(*solo, "hlOpSave"), grabar);
+        EXPECT_TRUE(habilitado(*solo, "hlFind"));
+        EXPECT_TRUE(habilitado(*solo, "hlCargar"));
     }
 }
-
 
 TEST_F(Documento, FallasDeArranqueVanAlHost)
 {

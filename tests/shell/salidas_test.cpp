@@ -93,7 +93,7 @@ protected:
     qint32 m_id = 0;
 };
 
-TEST_P(Salidas, CSVLeidoDeVueltaEsLaGrilla)
+TEST_P(Salidas, CSVYLibroLeidosDeVueltaSonLaGrilla)
 {
     m_selector.respuesta = ruta("mes.csv");
     elegir("MnuExpCSV");
@@ -143,33 +143,31 @@ TEST_P(Salidas, CSVLeidoDeVueltaEsLaGrilla)
     EXPECT_FALSE(m_doc->grilla().Fila(m_doc->grilla().Filas() - 1).oculta);
     for (const QJsonValue &f : csv)
         EXPECT_NE(f.toArray().at(0).toString(), QStringLiteral("Nuevo Asiento"));
-}
 
-TEST_P(Salidas, LibroConNumerosYFechas)
-{
+    // The workbook: numbers and dates as such.
+    m_mensajes.mostrados.clear();
     m_selector.respuesta = ruta("mes");
     elegir("MnuExpExcell");
     // The name as written, with the extension the dialog added, is the one told.
     EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("información: Se exportó a %1.").arg(ruta("mes.xlsx"))});
     const QJsonArray filas = LeerArchivoExportado("xlsx", ruta("mes.xlsx"));
     ASSERT_EQ(filas.size(), celdasVistas().size());
-    const Grilla &g = m_doc->grilla();
-    int r = 0, numeros = 0, fechas = 0;
+    int f = 0, numeros = 0, fechas = 0;
     for (const QJsonValue &v : filas) {
-        while (g.Fila(r).oculta)
-            ++r;
+        while (g.Fila(f).oculta)
+            ++f;
         const QJsonArray celdas = v.toArray();
         for (int c = 0; c < celdas.size(); ++c) {
             const QJsonObject celda = celdas.at(c).toObject();
-            if (g.EsNumero(r, c)) {
-                EXPECT_NEAR(celda.value(QStringLiteral("numero")).toDouble(), g.Valor(r, c).aDouble(), 1e-9) << r << "," << c;
+            if (g.EsNumero(f, c)) {
+                EXPECT_NEAR(celda.value(QStringLiteral("numero")).toDouble(), g.Valor(f, c).aDouble(), 1e-9) << f << "," << c;
                 ++numeros;
-            } else if (m_doc->asientos().EsFilaCabezal(r) && c == 0) {
-                EXPECT_EQ(celda.value(QStringLiteral("fecha")).toString(), g.Dato(r, 2).toDate().toString(Qt::ISODate)) << r;
+            } else if (m_doc->asientos().EsFilaCabezal(f) && c == 0) {
+                EXPECT_EQ(celda.value(QStringLiteral("fecha")).toString(), g.Dato(f, 2).toDate().toString(Qt::ISODate)) << f;
                 ++fechas;
             }
         }
-        ++r;
+        ++f;
     }
     EXPECT_GT(numeros, 20);
     EXPECT_GT(fechas, 10);
@@ -247,7 +245,7 @@ TEST_P(Salidas, CancelarOFallarNoEscribeNada)
     EXPECT_TRUE(m_doc->grilla().Redibujar());
 }
 
-TEST_P(Salidas, VistaPreviaYVueltaDeLaGrilla)
+TEST_P(Salidas, VistaPreviaEImpresionYVueltaDeLaGrilla)
 {
     Grilla &g = m_doc->grilla();
     const int ultima = g.Filas() - 1;
@@ -273,22 +271,19 @@ TEST_P(Salidas, VistaPreviaYVueltaDeLaGrilla)
     EXPECT_EQ(g.AnchoColumna(1), ancho);
     EXPECT_TRUE(g.Redibujar());
     EXPECT_EQ(m_doc->grid()->columnWidth(1), m_doc->grid()->TwipsAPixeles(ancho));
-}
 
-TEST_P(Salidas, ImprimirAPDF)
-{
+    // Printed to PDF.
     m_doc->previa()->FijarSalidaPDF(ruta("mes.pdf"));
     QTest::keyClick(m_doc->grid(), Qt::Key_P, Qt::ControlModifier);
     ASSERT_TRUE(QFile::exists(ruta("mes.pdf")));
     const QString texto = TextoPDF(ruta("mes.pdf"));
     EXPECT_TRUE(texto.contains(QStringLiteral("Ingreso de Asientos"))) << texto.left(400).toStdString();
     EXPECT_TRUE(texto.contains(m_doc->empresa().NombreEmpresa));
-    const int paginas = m_doc->previa()->paginas().Paginas();
-    EXPECT_GT(paginas, 1);
-    EXPECT_EQ(texto.count(QStringLiteral("Ingreso de Asientos")), paginas);
-    EXPECT_TRUE(texto.contains(QStringLiteral("Página %1 de %1").arg(paginas)));
+    const int hojas = m_doc->previa()->paginas().Paginas();
+    EXPECT_GT(hojas, 1);
+    EXPECT_EQ(texto.count(QStringLiteral("Ingreso de Asientos")), hojas);
+    EXPECT_TRUE(texto.contains(QStringLiteral("Página %1 de %1").arg(hojas)));
     // Every amount of the grid is on paper, and the closing row is not.
-    const Grilla &g = m_doc->grilla();
     for (int r = g.FilasFijas(); r < g.Filas() - 1; ++r)
         for (int c = 2; c <= 3; ++c)
             if (g.EsNumero(r, c))

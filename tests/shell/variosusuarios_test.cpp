@@ -127,7 +127,7 @@ TEST_P(VariosUsuarios, UnCambioDeOtroSeMarcaSeReleeAlAbrirloYQuedaEnElHistorial)
     dialogo->close();
 }
 
-TEST_P(VariosUsuarios, UnaLeyendaMasLargaQueLaColumnaNoSeEscribe)
+TEST_P(VariosUsuarios, LoQueNoSePuedeEscribirOLeerNoSePierde)
 {
     const qint32 id = asientoAlFinal(EstadoAsiento::kRegistrado, QStringLiteral("Corta"), {{"1.1.01", true, 10.0}, {"4.1.01", false, 10.0}},
                                      Demo::kLibroDiario);
@@ -147,43 +147,40 @@ TEST_P(VariosUsuarios, UnaLeyendaMasLargaQueLaColumnaNoSeEscribe)
     EXPECT_TRUE(fallo && fallo->detalle.contains(QStringLiteral("255"))) << Motivo(fallo);
     EXPECT_FALSE(Bien(datos.Grabar()));
     EXPECT_EQ(enBase(id).cabezal.value(2), QString(kLargoLeyenda, QLatin1Char('y')));
-}
 
-// Reading an entry again when the store cannot be read (the server gone, a table missing)
-// leaves the entry on screen as it was, with the error said once.
-TEST_P(VariosUsuarios, UnaReleidaQueFallaDejaElAsientoEnLaGrilla)
-{
-    const qint32 id = asientoAlFinal(EstadoAsiento::kRegistrado, QStringLiteral("Sigue a la vista"),
-                                     {{"1.1.01", true, 10.0}, {"4.1.01", false, 10.0}}, Demo::kLibroDiario);
-    const QStringList antes = filasVistas(id);
-    ASSERT_EQ(antes.size(), 3);
+    // Reading an entry again when the store cannot be read (the server gone, a table missing)
+    // leaves the entry on screen as it was, with the error said once.
+    m_mensajes.mostrados.clear();
+    const qint32 aLaVista = asientoAlFinal(EstadoAsiento::kRegistrado, QStringLiteral("Sigue a la vista"),
+                                           {{"1.1.01", true, 10.0}, {"4.1.01", false, 10.0}}, Demo::kLibroDiario);
+    const QStringList filasAntes = filasVistas(aLaVista);
+    ASSERT_EQ(filasAntes.size(), 3);
     m_base.conexion().Ejecutar(QStringLiteral("Alter Table cceAsientoCuenta Rename To cceAsientoCuentaFuera"));
-    m_doc->comandos().RecargarAsiento(id, filaDe(id));
+    m_doc->comandos().RecargarAsiento(aLaVista, filaDe(aLaVista));
     m_base.conexion().Ejecutar(QStringLiteral("Alter Table cceAsientoCuentaFuera Rename To cceAsientoCuenta"));
-    EXPECT_EQ(filasVistas(id), antes);
+    EXPECT_EQ(filasVistas(aLaVista), filasAntes);
     EXPECT_EQ(m_mensajes.mostrados.size(), 1);
     EXPECT_TRUE(m_mensajes.mostrados.value(0).startsWith(Dicho("error", 1916)))
         << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
-}
 
-// A write that waits too long for another session is refused with a clear message and the
-// edit stays open with what was typed, to be accepted again once the other one is done.
-TEST_P(VariosUsuarios, UnaGrabacionQueEsperaDemasiadoNoPierdeLoEscrito)
-{
-    const qint32 id = asientoAlFinal(EstadoAsiento::kRegistrado, QStringLiteral("Antes del bloqueo"),
-                                     {{"1.1.01", true, 10.0}, {"4.1.01", false, 10.0}}, Demo::kLibroDiario);
-    abrirEn(*m_doc, id);
+    // A write that waits too long for another session is refused with a clear message and the
+    // edit stays open with what was typed, to be accepted again once the other one is done.
+    m_mensajes.mostrados.clear();
+    m_mensajes.detalles.clear();
+    const qint32 bloqueado = asientoAlFinal(EstadoAsiento::kRegistrado, QStringLiteral("Antes del bloqueo"),
+                                            {{"1.1.01", true, 10.0}, {"4.1.01", false, 10.0}}, Demo::kLibroDiario);
+    abrirEn(*m_doc, bloqueado);
     ASSERT_GT(m_doc->FilaEdicion(), 0);
     auto otra = ConexionQt::Abrir(DireccionBD::Leer(m_base.direccion()));
     otra->Comenzar();
-    otra->Ejecutar(QStringLiteral("Update cceAsientos Set AsiLeyenda = AsiLeyenda Where AsiID = ?"), {id});
+    otra->Ejecutar(QStringLiteral("Update cceAsientos Set AsiLeyenda = AsiLeyenda Where AsiID = ?"), {bloqueado});
     cambiarLeyendaYAceptar(*m_doc, m_mensajes, QStringLiteral("Escrita durante el bloqueo"));
     otra->Deshacer();
     ASSERT_EQ(m_mensajes.mostrados.size(), 1);
     EXPECT_EQ(m_mensajes.mostrados[0], Dicho("error", 1924));
     EXPECT_TRUE(m_mensajes.detalles.value(0).startsWith(QStringLiteral("La base de datos está ocupada por otro usuario")))
         << m_mensajes.detalles.join(QLatin1Char('\n')).toStdString();
-    EXPECT_EQ(enBase(id).cabezal.value(2), QStringLiteral("Antes del bloqueo"));
+    EXPECT_EQ(enBase(bloqueado).cabezal.value(2), QStringLiteral("Antes del bloqueo"));
     EXPECT_GT(m_doc->FilaEdicion(), 0);
     EXPECT_EQ(m_doc->campoLeyenda()->text(), QStringLiteral("Escrita durante el bloqueo"));
 }
