@@ -98,19 +98,12 @@ public:
         m_modales.start();
     }
 
-    // Runs the steps; false after the first step whose checks failed (already reported).
-    bool Jugar(int pasos)
+    // Runs the steps, each checked; stops after the first whose checks failed (already reported).
+    void Jugar(int pasos)
     {
-        if (!Revisar(0))
-            return false;
-        for (int n = 1; n <= pasos; ++n) {
-            paso(n);
-            if (!Revisar(n))
-                return false;
-        }
-        return true;
+        for (int n = 0; Revisar(n) && n < pasos;)
+            paso(++n);
     }
-
 
 private:
     // Steps ------------------------------------------------------------------------------

@@ -81,7 +81,7 @@ TEST_P(Correcciones, UnAsientoConUnaCuentaCerradaNoCambiaEnNada)
     // An entry dated on the day an account of it closed: it cannot change.
     const qint32 id = asiento({{"5.3.01", true, 500}, {"1.1.01", false, 500}});
     m_base.conexion().Ejecutar(QStringLiteral("Update cceCuentas Set CueFechaCerrada = ? Where CueID = ?"),
-                               {Conexion::ValorFecha(BaseDePrueba::Hoy().addDays(-1)), cuenta("1.1.01")});
+                               {Conexion::ValorFecha(BaseDePrueba::Hoy().addDays(-1)), m_base.IdCuenta("1.1.01")});
     m_doc->comandos().RecargarAsiento(id, filaDe(id));
     const AsientoEnBase antes = enBase(id);
     abrir(filaDe(id) + 1); // the line of the open account
@@ -136,7 +136,7 @@ TEST_P(Correcciones, UnNuevoLlevadoAUnDiaConUnaCuentaCerradaNoSeGraba)
 TEST_P(Correcciones, LaCuentaCerradaDelAsientoDeArribaNoTrabaLaFecha)
 {
     m_base.conexion().Ejecutar(QStringLiteral("Update cceCuentas Set CueFechaCerrada = ? Where CueID = ?"),
-                               {Conexion::ValorFecha(BaseDePrueba::Hoy().addDays(-10)), cuenta("1.1.01")});
+                               {Conexion::ValorFecha(BaseDePrueba::Hoy().addDays(-10)), m_base.IdCuenta("1.1.01")});
     asiento({{"5.3.01", true, 70}, {"1.1.01", false, 70}});
     const qint32 id = asiento({{"5.3.01", true, 80}, {"4.1.01", false, 80}});
     abrir(filaDe(id));

@@ -140,8 +140,7 @@ AsientoEnBase Escenario::enBase(qint32 id)
 
 qint32 Escenario::ultimoId()
 {
-    auto rs = m_base.conexion().Abrir(QStringLiteral("Select Max(AsiID) From cceAsientos"));
-    return QVariant(rs->Campo(0)).toInt();
+    return m_base.Valor(QStringLiteral("Select Max(AsiID) From cceAsientos")).toInt();
 }
 
 QList<qint32> Escenario::ids(const QString &condicion)
@@ -153,11 +152,6 @@ QList<qint32> Escenario::ids(const QString &condicion)
         l << qint32(rs->Entero(QStringLiteral("AsiID")));
     rs->Cerrar();
     return l;
-}
-
-qint32 Escenario::cuenta(const char *codigo)
-{
-    return m_base.IdCuenta(codigo);
 }
 
 qint32 Escenario::asientoAlFinal(qint16 estado, const QString &leyenda, const QList<std::tuple<const char *, bool, double>> &lineas,

@@ -120,8 +120,6 @@ protected:
     void nuevoConTeclado(const QString &leyenda, const QString &debe, const QString &haber, const QString &importe);
 
     AsientoEnBase enBase(qint32 id);
-    // The id of the demo account with that code.
-    qint32 cuenta(const char *codigo);
     // Stores an entry of yesterday in pesos with the lines given (account code, debit,
     // amount) and shows it last in the grid.
     qint32 asientoAlFinal(qint16 estado, const QString &leyenda, const QList<std::tuple<const char *, bool, double>> &lineas,

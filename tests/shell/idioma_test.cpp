@@ -79,7 +79,7 @@ protected:
     MensajesGuionados m_mensajes;
 };
 
-TEST_F(ComponenteCompartido, SinAjusteOCeroEsEspanol)
+TEST_F(ComponenteCompartido, SinAjusteOCeroEsEspanolYSeLiberaConElUltimoDocumento)
 {
     for (const QString &ajuste : {QString(), QStringLiteral("0"), QStringLiteral("abc")}) {
         ASSERT_EQ(Idioma::CrearComponenteIdioma(QStringLiteral("LUM01"), QStringLiteral("IngresoAsiento"),
@@ -91,6 +91,18 @@ TEST_F(ComponenteCompartido, SinAjusteOCeroEsEspanol)
         liberarTodo();
     }
     EXPECT_TRUE(m_mensajes.mostrados.isEmpty());
+
+    // The component is released with the last document.
+    const ServicioConexion s = conIdioma(QString());
+    ASSERT_EQ(Idioma::CrearComponenteIdioma(QStringLiteral("LUM01"), QStringLiteral("uno"), s, m_mensajes), 1);
+    ASSERT_EQ(Idioma::CrearComponenteIdioma(QStringLiteral("LUM01"), QStringLiteral("dos"), s, m_mensajes), 1);
+    EXPECT_EQ(Idioma::Actual()->IDAppName, QStringLiteral("dos")); // the second replaced the first
+    EXPECT_EQ(Idioma::Cuenta(), 2);
+    Idioma::Liberar();
+    EXPECT_NE(Idioma::Actual(), nullptr);
+    Idioma::Liberar();
+    EXPECT_EQ(Idioma::Actual(), nullptr);
+    EXPECT_EQ(Idioma::resLoad(0), QString());
 }
 
 TEST_F(ComponenteCompartido, InglesYSecundarioOFaltaElComponente)
@@ -115,20 +127,6 @@ TEST_F(ComponenteCompartido, InglesYSecundarioOFaltaElComponente)
     EXPECT_EQ(Idioma::Cuenta(), 0);
 
     EXPECT_EQ(Idioma::NombreComponente(QStringLiteral("lum01"), 12), QStringLiteral("LNG_TCO_012.clsResources"));
-}
-
-TEST_F(ComponenteCompartido, SeLiberaConElUltimoDocumento)
-{
-    const ServicioConexion s = conIdioma(QString());
-    ASSERT_EQ(Idioma::CrearComponenteIdioma(QStringLiteral("LUM01"), QStringLiteral("uno"), s, m_mensajes), 1);
-    ASSERT_EQ(Idioma::CrearComponenteIdioma(QStringLiteral("LUM01"), QStringLiteral("dos"), s, m_mensajes), 1);
-    EXPECT_EQ(Idioma::Actual()->IDAppName, QStringLiteral("dos")); // the second replaced the first
-    EXPECT_EQ(Idioma::Cuenta(), 2);
-    Idioma::Liberar();
-    EXPECT_NE(Idioma::Actual(), nullptr);
-    Idioma::Liberar();
-    EXPECT_EQ(Idioma::Actual(), nullptr);
-    EXPECT_EQ(Idioma::resLoad(0), QString());
 }
 
 } // namespace

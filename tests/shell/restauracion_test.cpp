@@ -142,7 +142,7 @@ TEST_P(Restauracion, DeLaPapeleraSoloLoQueUnaEscrituraPuede)
     const qint32 id = nuevoAsiento();
     suprimir(filaDe(id), ServicioMensajes::Respuesta::Si);
     m_base.conexion().Ejecutar(QStringLiteral("Update cceCuentas Set CueFechaCerrada = ? Where CueID = ?"),
-                               {Conexion::ValorFecha(BaseDePrueba::Hoy()), cuenta("5.2.01")});
+                               {Conexion::ValorFecha(BaseDePrueba::Hoy()), m_base.IdCuenta("5.2.01")});
     DialogoPapelera *dialogo = papelera();
     ASSERT_NE(dialogo, nullptr);
     auto *tabla = dialogo->findChild<QTableWidget *>(QStringLiteral("tablaPapelera"));
