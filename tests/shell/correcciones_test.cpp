@@ -20,7 +20,7 @@ protected:
     }
 };
 
-TEST_P(Correcciones, LaLeyendaCambiadaSeGuardaAlSalirYNadaMasSinCambios)
+TEST_P(Correcciones, LaLeyendaCambiadaSeGuardaYLaLineaElegidaSeElimina)
 {
     const qint32 id = asiento({{"5.3.01", true, 1200}, {"1.1.01", false, 1200}});
     const AsientoEnBase antes = enBase(id);
@@ -46,32 +46,29 @@ TEST_P(Correcciones, LaLeyendaCambiadaSeGuardaAlSalirYNadaMasSinCambios)
     EXPECT_EQ(enBase(id), sinLibro);
     EXPECT_EQ(enBase(id).sello, sinLibro.sello);
     EXPECT_TRUE(m_mensajes.mostrados.isEmpty()) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
-}
 
-TEST_P(Correcciones, SeEliminaLaLineaElegidaYElAsientoQuedaInconcluso)
-{
     // Two lines of one account, one on each side: the row chosen is the one that goes.
-    const qint32 id = asiento({{"1.1.01", true, 10}, {"1.1.01", false, 3}, {"4.1.01", false, 7}});
-    int fila = -1;
-    for (int r = filaDe(id) + 1; r <= m_doc->asientos().UltimaFilaAsiento(filaDe(id)); ++r) {
+    const qint32 tres = asiento({{"1.1.01", true, 10}, {"1.1.01", false, 3}, {"4.1.01", false, 7}});
+    int linea = -1;
+    for (int r = filaDe(tres) + 1; r <= m_doc->asientos().UltimaFilaAsiento(filaDe(tres)); ++r) {
         const RegistroLinea l = m_doc->asientos().LineaDeFila(r);
         if (!l.bEsAlDebe && l.dImporteMC == 3_imp)
-            fila = r;
+            linea = r;
     }
-    ASSERT_GT(fila, 0);
-    m_doc->grid()->FijarFilaActual(fila);
+    ASSERT_GT(linea, 0);
+    m_doc->grid()->FijarFilaActual(linea);
     m_mensajes.Responder(ServicioMensajes::Respuesta::Si);
     QTest::keyClick(m_doc->grid(), Qt::Key_Delete);
-    const AsientoEnBase a = enBase(id);
-    ASSERT_EQ(a.lineas.size(), 2);
-    EXPECT_EQ(a.lineas[0].mid(0, 4), (QStringList{QStringLiteral("1.1.01"), QStringLiteral("D"), QStringLiteral("10"), QStringLiteral("10")}));
-    EXPECT_EQ(a.lineas[1].mid(0, 4), (QStringList{QStringLiteral("4.1.01"), QStringLiteral("H"), QStringLiteral("7"), QStringLiteral("7")}));
+    const AsientoEnBase quedan = enBase(tres);
+    ASSERT_EQ(quedan.lineas.size(), 2);
+    EXPECT_EQ(quedan.lineas[0].mid(0, 4), (QStringList{QStringLiteral("1.1.01"), QStringLiteral("D"), QStringLiteral("10"), QStringLiteral("10")}));
+    EXPECT_EQ(quedan.lineas[1].mid(0, 4), (QStringList{QStringLiteral("4.1.01"), QStringLiteral("H"), QStringLiteral("7"), QStringLiteral("7")}));
     // 10 against 7 no longer balances: incomplete, and "Grabar" cannot register it.
-    EXPECT_EQ(a.cabezal[0], QStringLiteral("2"));
-    m_doc->grid()->FijarFilaActual(filaDe(id));
+    EXPECT_EQ(quedan.cabezal[0], QStringLiteral("2"));
+    m_doc->grid()->FijarFilaActual(filaDe(tres));
     m_mensajes.mostrados.clear();
     elegir("MnuEdiSaveNormal");
-    EXPECT_EQ(enBase(id).cabezal[0], QStringLiteral("2"));
+    EXPECT_EQ(enBase(tres).cabezal[0], QStringLiteral("2"));
     ASSERT_EQ(m_mensajes.mostrados.size(), 1); // and the user is told why
     EXPECT_TRUE(m_mensajes.mostrados[0].startsWith(QStringLiteral("información: El asiento está incompleto")));
 }

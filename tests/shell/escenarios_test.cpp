@@ -52,7 +52,7 @@ protected:
     }
 };
 
-TEST_P(Escenarios, DiezAsientosSeguidosConElTecladoEnUnaGrillaMasAltaQueLaVentana)
+TEST_P(Escenarios, DiezAsientosConElTecladoLaFechaEscritaYUnaCopiaConUnaCuentaCerrada)
 {
     // The first month of the view menu whose entries do not fit in the window.
     for (int mes = 0; mes < Vista::kCantidadMeses; ++mes) {
@@ -86,6 +86,42 @@ TEST_P(Escenarios, DiezAsientosSeguidosConElTecladoEnUnaGrillaMasAltaQueLaVentan
     }
     // The last entry typed is the current row, in view.
     EXPECT_EQ(m_doc->grid()->FilaActual(), filaDe(nuevos.last()));
+
+    // The date is typed whole and left with Tab: the line editor takes it at once, so a dollar
+    // account gets that day's rate, not today's.
+    QTest::keyClick(m_doc->grid(), Qt::Key_N, Qt::ControlModifier);
+    ASSERT_EQ(foco(), m_doc->campoFecha());
+    // The date shown is selected: what is typed replaces it.
+    QApplication::processEvents();
+    QTest::keyClicks(m_doc->campoFecha(), QStringLiteral("31 12 2025"));
+    QTest::keyClick(m_doc->campoFecha(), Qt::Key_Tab);
+    EXPECT_EQ(m_doc->campoFecha()->date(), QDate(2025, 12, 31));
+    EXPECT_EQ(editor()->FechaAsiento(), QDate(2025, 12, 31));
+    // A day the month lacks is refused and changes nothing.
+    m_doc->campoFecha()->setFocus();
+    escribir(m_doc->campoFecha(), QStringLiteral("31/11/2025"));
+    QTest::keyClick(m_doc->campoFecha(), Qt::Key_Tab);
+    QApplication::processEvents();
+    EXPECT_EQ(m_doc->campoFecha()->date(), QDate(2025, 12, 31));
+    EXPECT_EQ(foco(), m_doc->campoFecha());
+    EXPECT_EQ(m_mensajes.mostrados, QStringList{Dicho("error", 1951)});
+    escape(foco());
+
+    // Copying an entry with a closed account tells so and copies nothing.
+    m_mensajes.mostrados.clear();
+    const QList<qint32> conCerradas = ids(QStringLiteral("AsiEstado = 1 And AsiID In (Select ACuIDAsiento From cceAsientoCuenta"
+                                                         " INNER JOIN cceCuentas ON CueID = ACuCuenta"
+                                                         " Where CueFechaCerrada >= AsiFechaAsiento)"));
+    ASSERT_FALSE(conCerradas.isEmpty());
+    const qint32 conCerrada = conCerradas.first();
+    ASSERT_TRUE(mostrarAlFinal(conCerrada));
+    const qint32 ultimo = ultimoId();
+    m_doc->grid()->FijarFilaActual(filaDe(conCerrada));
+    m_mensajes.Responder(ServicioMensajes::Respuesta::Si);
+    elegir("MnuEdiCopy");
+    EXPECT_EQ(m_mensajes.mostrados, (QStringList{Dicho("pregunta", 1806), Dicho("información", 1816)}));
+    EXPECT_EQ(m_mensajes.titulosPreguntas, QStringList{QStringLiteral("Copiar Asiento")});
+    EXPECT_EQ(ultimoId(), ultimo);
 }
 
 TEST_P(Escenarios, AbrirUnAsientoGuardadoYAceptarloSinCambiosNoCambiaNadaSalvoLoEscrito)
@@ -155,7 +191,7 @@ TEST_P(Escenarios, AbrirUnAsientoGuardadoYAceptarloSinCambiosNoCambiaNadaSalvoLo
     }
 }
 
-TEST_P(Escenarios, CambiarImporteFechaLibroYLineasDeUnAsientoGuardado)
+TEST_P(Escenarios, CambiarImporteFechaLibroYLineasYAgendarUnAsientoGuardado)
 {
     const qint32 id = asientoSimple();
     ASSERT_GT(id, 0);
@@ -238,27 +274,25 @@ TEST_P(Escenarios, CambiarImporteFechaLibroYLineasDeUnAsientoGuardado)
     EXPECT_EQ(m_doc->FilaEdicion(), 0);
     EXPECT_EQ(enBase(otro).lineas, sinLinea.lineas);
     EXPECT_EQ(enBase(otro).cabezal[0], QStringLiteral("2"));
-}
 
-TEST_P(Escenarios, AgendarDesdeUnaLineaNoTocaElAsientoSiguiente)
-{
-    const qint32 id = asientoSimple();
-    ASSERT_GT(id, 0);
-    const int fila = filaDe(id);
-    const int siguiente = m_doc->asientos().UltimaFilaAsiento(fila) + 1;
+    // Scheduled from a line, the entry does not touch the next one.
+    const qint32 agendado = asientoSimple();
+    ASSERT_GT(agendado, 0);
+    const int filaAgendado = filaDe(agendado);
+    const int siguiente = m_doc->asientos().UltimaFilaAsiento(filaAgendado) + 1;
     ASSERT_TRUE(m_doc->asientos().EsFilaCabezal(siguiente));
     const qint32 idSiguiente = m_doc->grilla().Dato(siguiente, 0).toInt();
     const QStringList filasSiguiente = filasVistas(idSiguiente);
-    const QString leyenda = enBase(id).cabezal[2];
+    const QString leyenda = enBase(agendado).cabezal[2];
 
-    abrir(fila);
+    abrir(filaAgendado);
     m_doc->campoFecha()->setDate(BaseDePrueba::Hoy().addDays(10));
     QTest::keyClick(m_doc->campoFecha(), Qt::Key_Tab);
     m_mensajes.Responder(ServicioMensajes::Respuesta::Si); // 1807: schedule it
     aceptarLinea();
     EXPECT_EQ(m_doc->FilaEdicion(), 0);
-    EXPECT_TRUE(enBase(id).cabezal.isEmpty()); // turned into a scheduled frequent entry
-    EXPECT_EQ(filaDe(id), -1);
+    EXPECT_TRUE(enBase(agendado).cabezal.isEmpty()); // turned into a scheduled frequent entry
+    EXPECT_EQ(filaDe(agendado), -1);
     EXPECT_EQ(filasVistas(idSiguiente), filasSiguiente);
     auto rs = m_base.conexion().Abrir(QStringLiteral("Select MFrNombre From genMovimientosFrecuentes Order By MFrID Desc"));
     ASSERT_FALSE(rs->Fin());
@@ -353,45 +387,6 @@ TEST_P(Escenarios, UnSegundoDeSaldosInicialesSinSiOSinOtroLibroNoSeGraba)
         EXPECT_EQ(enBase(id).sello, antes.sello);
         m_doc->asientos().QuitarAsientoDeGrilla(id);
     }
-}
-
-// The date is typed whole and left with Tab: the line editor takes it at once, so a dollar
-// account gets that day's rate, not today's.
-TEST_P(Escenarios, LaFechaEscritaLlegaAlEditorDeLineaYUnaCopiaConUnaCuentaCerradaNo)
-{
-    QTest::keyClick(m_doc->grid(), Qt::Key_N, Qt::ControlModifier);
-    ASSERT_EQ(foco(), m_doc->campoFecha());
-    // The date shown is selected: what is typed replaces it.
-    QApplication::processEvents();
-    QTest::keyClicks(m_doc->campoFecha(), QStringLiteral("31 12 2025"));
-    QTest::keyClick(m_doc->campoFecha(), Qt::Key_Tab);
-    EXPECT_EQ(m_doc->campoFecha()->date(), QDate(2025, 12, 31));
-    EXPECT_EQ(editor()->FechaAsiento(), QDate(2025, 12, 31));
-    // A day the month lacks is refused and changes nothing.
-    m_doc->campoFecha()->setFocus();
-    escribir(m_doc->campoFecha(), QStringLiteral("31/11/2025"));
-    QTest::keyClick(m_doc->campoFecha(), Qt::Key_Tab);
-    QApplication::processEvents();
-    EXPECT_EQ(m_doc->campoFecha()->date(), QDate(2025, 12, 31));
-    EXPECT_EQ(foco(), m_doc->campoFecha());
-    EXPECT_EQ(m_mensajes.mostrados, QStringList{Dicho("error", 1951)});
-    escape(foco());
-
-    // Copying an entry with a closed account tells so and copies nothing.
-    m_mensajes.mostrados.clear();
-    const QList<qint32> conCerradas = ids(QStringLiteral("AsiEstado = 1 And AsiID In (Select ACuIDAsiento From cceAsientoCuenta"
-                                                         " INNER JOIN cceCuentas ON CueID = ACuCuenta"
-                                                         " Where CueFechaCerrada >= AsiFechaAsiento)"));
-    ASSERT_FALSE(conCerradas.isEmpty());
-    const qint32 conCerrada = conCerradas.first();
-    ASSERT_TRUE(mostrarAlFinal(conCerrada));
-    const qint32 ultimo = ultimoId();
-    m_doc->grid()->FijarFilaActual(filaDe(conCerrada));
-    m_mensajes.Responder(ServicioMensajes::Respuesta::Si);
-    elegir("MnuEdiCopy");
-    EXPECT_EQ(m_mensajes.mostrados, (QStringList{Dicho("pregunta", 1806), Dicho("información", 1816)}));
-    EXPECT_EQ(m_mensajes.titulosPreguntas, QStringList{QStringLiteral("Copiar Asiento")});
-    EXPECT_EQ(ultimoId(), ultimo);
 }
 
 INSTANCIAR_EN_MOTORES(Escenarios);

@@ -5,7 +5,7 @@
 
 namespace {
 
-TEST(ParametrosHost, DireccionYPedidoDeAsiento)
+TEST(ParametrosHost, DireccionPedidoDeAsientoYComandosAlHost)
 {
     EXPECT_EQ(ExtraerParametrosHost(QStringLiteral("lumapp://x/ingreso.htm%3fpsidempresa=3|a=b")),
               QStringLiteral("psidempresa=3|a=b"));
@@ -20,6 +20,20 @@ TEST(ParametrosHost, DireccionYPedidoDeAsiento)
     EXPECT_EQ(IdAsientoPendiente(QStringLiteral("prmidasi=x")), std::nullopt);
     EXPECT_EQ(IdAsientoPendiente(QStringLiteral("prmidasi=")), std::nullopt);
     EXPECT_EQ(IdAsientoPendiente(QStringLiteral("otra=15")), std::nullopt);
+
+    // The commands sent back to the host, built and read.
+    const QString error = ComandoHost::Error(QStringLiteral("Error al iniciar la conexión a los datos, error: sin red"));
+    EXPECT_EQ(error, QStringLiteral("lumcod:main_Error<prm>[prmErrDesc]:=Error al iniciar la conexión a los datos, error: sin red</prm>"));
+    EXPECT_EQ(ComandoHost::TipoDe(error), ComandoHost::Tipo::Error);
+    EXPECT_EQ(ComandoHost::Parametro(error), QStringLiteral("Error al iniciar la conexión a los datos, error: sin red"));
+
+    const QString denegado = ComandoHost::AccesoDenegado(QStringLiteral("Ingreso de Asientos"));
+    EXPECT_EQ(denegado, QStringLiteral("lumcod:inf_AccesoDenegado<prm>[NombreApp]:=Ingreso de Asientos</prm>"));
+    EXPECT_EQ(ComandoHost::TipoDe(denegado), ComandoHost::Tipo::AccesoDenegado);
+
+    EXPECT_EQ(ComandoHost::TipoDe(ComandoHost::kAyudaIngreso), ComandoHost::Tipo::Ayuda);
+    EXPECT_EQ(ComandoHost::PaginaAyuda(ComandoHost::kAyudaIngreso), QStringLiteral("ingreso_de_asientos.htm"));
+    EXPECT_EQ(ComandoHost::PaginaAyuda(ComandoHost::kAyudaSaldosIniciales), QStringLiteral("asiento_de_saldos_iniciales.htm"));
 }
 
 TEST(ParametrosHost, LeeCadaClaveYSeDetieneEnLoMalFormado)
@@ -80,21 +94,5 @@ TEST(ParametrosHost, LeeCadaClaveYSeDetieneEnLoMalFormado)
     }
 }
 
-
-TEST(ComandoHost, ArmaYLeeLasDirecciones)
-{
-    const QString error = ComandoHost::Error(QStringLiteral("Error al iniciar la conexión a los datos, error: sin red"));
-    EXPECT_EQ(error, QStringLiteral("lumcod:main_Error<prm>[prmErrDesc]:=Error al iniciar la conexión a los datos, error: sin red</prm>"));
-    EXPECT_EQ(ComandoHost::TipoDe(error), ComandoHost::Tipo::Error);
-    EXPECT_EQ(ComandoHost::Parametro(error), QStringLiteral("Error al iniciar la conexión a los datos, error: sin red"));
-
-    const QString denegado = ComandoHost::AccesoDenegado(QStringLiteral("Ingreso de Asientos"));
-    EXPECT_EQ(denegado, QStringLiteral("lumcod:inf_AccesoDenegado<prm>[NombreApp]:=Ingreso de Asientos</prm>"));
-    EXPECT_EQ(ComandoHost::TipoDe(denegado), ComandoHost::Tipo::AccesoDenegado);
-
-    EXPECT_EQ(ComandoHost::TipoDe(ComandoHost::kAyudaIngreso), ComandoHost::Tipo::Ayuda);
-    EXPECT_EQ(ComandoHost::PaginaAyuda(ComandoHost::kAyudaIngreso), QStringLiteral("ingreso_de_asientos.htm"));
-    EXPECT_EQ(ComandoHost::PaginaAyuda(ComandoHost::kAyudaSaldosIniciales), QStringLiteral("asiento_de_saldos_iniciales.htm"));
-}
 
 } // namespace
