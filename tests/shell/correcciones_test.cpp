@@ -20,7 +20,7 @@ protected:
     }
 };
 
-TEST_P(Correcciones, LaLeyendaCambiadaSeGuardaYLaLineaElegidaSeElimina)
+TEST_P(Correcciones, LeyendaLineaYCuentasCerradasDeUnAsientoGuardado)
 {
     const qint32 id = asiento({{"5.3.01", true, 1200}, {"1.1.01", false, 1200}});
     const AsientoEnBase antes = enBase(id);
@@ -71,17 +71,14 @@ TEST_P(Correcciones, LaLeyendaCambiadaSeGuardaYLaLineaElegidaSeElimina)
     EXPECT_EQ(enBase(tres).cabezal[0], QStringLiteral("2"));
     ASSERT_EQ(m_mensajes.mostrados.size(), 1); // and the user is told why
     EXPECT_TRUE(m_mensajes.mostrados[0].startsWith(QStringLiteral("información: El asiento está incompleto")));
-}
 
-TEST_P(Correcciones, UnAsientoConUnaCuentaCerradaNoCambiaEnNada)
-{
     // An entry dated on the day an account of it closed: it cannot change.
-    const qint32 id = asiento({{"5.3.01", true, 500}, {"1.1.01", false, 500}});
+    const qint32 cerrado = asiento({{"5.3.01", true, 500}, {"1.1.01", false, 500}});
     m_base.conexion().Ejecutar(QStringLiteral("Update cceCuentas Set CueFechaCerrada = ? Where CueID = ?"),
                                {Conexion::ValorFecha(BaseDePrueba::Hoy().addDays(-1)), m_base.IdCuenta("1.1.01")});
-    m_doc->comandos().RecargarAsiento(id, filaDe(id));
-    const AsientoEnBase antes = enBase(id);
-    abrir(filaDe(id) + 1); // the line of the open account
+    m_doc->comandos().RecargarAsiento(cerrado, filaDe(cerrado));
+    const AsientoEnBase antesCerrado = enBase(cerrado);
+    abrir(filaDe(cerrado) + 1); // the line of the open account
     ASSERT_GT(m_doc->FilaEdicion(), 0);
     escribir(m_doc->campoLeyenda(), QStringLiteral("Otra leyenda"));
     escribir(editor()->campo(lumERAsiento::kImporte), QStringLiteral("600"));
@@ -94,8 +91,24 @@ TEST_P(Correcciones, UnAsientoConUnaCuentaCerradaNoCambiaEnNada)
         << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
     if (m_doc->FilaEdicion() > 0)
         escape(foco());
-    EXPECT_EQ(enBase(id), antes);
-    EXPECT_EQ(enBase(id).sello, antes.sello);
+    EXPECT_EQ(enBase(cerrado), antesCerrado);
+    EXPECT_EQ(enBase(cerrado).sello, antesCerrado.sello);
+
+    // An account closed in the entry above, in the grid, does not keep this one from moving to
+    // an earlier day: only the entry's own lines count.
+    m_mensajes.mostrados.clear();
+    m_base.conexion().Ejecutar(QStringLiteral("Update cceCuentas Set CueFechaCerrada = ? Where CueID = ?"),
+                               {Conexion::ValorFecha(BaseDePrueba::Hoy().addDays(-10)), m_base.IdCuenta("1.1.01")});
+    asiento({{"5.3.01", true, 70}, {"1.1.01", false, 70}});
+    const qint32 abajo = asiento({{"5.3.01", true, 80}, {"4.1.01", false, 80}});
+    abrir(filaDe(abajo));
+    ASSERT_GT(m_doc->FilaEdicion(), 0);
+    m_doc->campoFecha()->setDate(BaseDePrueba::Hoy().addDays(-20));
+    QTest::keyClick(m_doc->campoFecha(), Qt::Key_Tab);
+    autoriza()->setCurrentIndex(0);
+    enter(editor()->campo(lumERAsiento::kImporte));
+    EXPECT_TRUE(m_mensajes.mostrados.isEmpty()) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
+    EXPECT_EQ(enBase(abajo).cabezal.value(1), BaseDePrueba::Hoy().addDays(-20).toString(Qt::ISODate));
 }
 
 // A new entry moved to a date on which one of its accounts is closed is not stored when it
@@ -126,24 +139,6 @@ TEST_P(Correcciones, UnNuevoLlevadoAUnDiaConUnaCuentaCerradaNoSeGraba)
     EXPECT_TRUE(m_mensajes.mostrados.contains(Dicho("error", 1811))) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
     EXPECT_GT(m_doc->FilaEdicion(), 0);
     EXPECT_TRUE(ids(QStringLiteral("AsiLeyenda = 'Con cuenta cerrada'")).isEmpty());
-}
-
-// An account closed in the entry above, in the grid, does not keep this one from moving to
-// an earlier day: only the entry's own lines count.
-TEST_P(Correcciones, LaCuentaCerradaDelAsientoDeArribaNoTrabaLaFecha)
-{
-    m_base.conexion().Ejecutar(QStringLiteral("Update cceCuentas Set CueFechaCerrada = ? Where CueID = ?"),
-                               {Conexion::ValorFecha(BaseDePrueba::Hoy().addDays(-10)), m_base.IdCuenta("1.1.01")});
-    asiento({{"5.3.01", true, 70}, {"1.1.01", false, 70}});
-    const qint32 id = asiento({{"5.3.01", true, 80}, {"4.1.01", false, 80}});
-    abrir(filaDe(id));
-    ASSERT_GT(m_doc->FilaEdicion(), 0);
-    m_doc->campoFecha()->setDate(BaseDePrueba::Hoy().addDays(-20));
-    QTest::keyClick(m_doc->campoFecha(), Qt::Key_Tab);
-    autoriza()->setCurrentIndex(0);
-    enter(editor()->campo(lumERAsiento::kImporte));
-    EXPECT_TRUE(m_mensajes.mostrados.isEmpty()) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
-    EXPECT_EQ(enBase(id).cabezal.value(1), BaseDePrueba::Hoy().addDays(-20).toString(Qt::ISODate));
 }
 
 INSTANCIAR_EN_MOTORES(Correcciones);

@@ -313,7 +313,7 @@ TEST_F(Documento, ArrancaEnRecienIngresadosYCadaVistaCargaSusAsientos)
     EXPECT_FALSE(abrir(usuario(Demo::kUsuarioContador))->AsiSaveB());
 }
 
-TEST_F(Documento, LaGrillaVuelveComoSeDejoYUnDisenoDanadoNoDetiene)
+TEST_F(Documento, LaGrillaVuelveComoSeDejoUnDisenoDanadoNoDetieneYElPedidoDeAsiento)
 {
     const QString carpeta = m_carpeta.filePath(QStringLiteral("tmp dir"));
     const QString parametros = QStringLiteral("psidusuario=1|psidempresa=1|pskeyinit=1|pstempdir=")
@@ -374,26 +374,24 @@ TEST_F(Documento, LaGrillaVuelveComoSeDejoYUnDisenoDanadoNoDetiene)
     auto doc = abrir(parametros);
     EXPECT_EQ(doc->estado(), lumIngAsiento::Estado::Listo);
     EXPECT_EQ(doc->grilla().Filas(), 2);
-}
 
-
-TEST_F(Documento, PedidoDeAsientoAlArrancar)
-{
-    const int id = m_base.Valor(QStringLiteral("Select Max(AsiID) From cceAsientos Where AsiEstado = 1")).toInt();
-    auto doc = abrir(usuario(1) + QStringLiteral("|prmidasi=%1").arg(id));
-    ASSERT_EQ(cabezales(*doc), 1);
-    EXPECT_EQ(doc->grilla().Dato(1, 0).toInt(), id);
-    EXPECT_TRUE(doc->asientos().EsFilaNuevoAsiento(doc->grilla().Filas() - 1));
+    // An entry asked for at start-up alone.
+    const int pedido = m_base.Valor(QStringLiteral("Select Max(AsiID) From cceAsientos Where AsiEstado = 1")).toInt();
+    auto conPedido = abrir(usuario(1) + QStringLiteral("|prmidasi=%1").arg(pedido));
+    ASSERT_EQ(cabezales(*conPedido), 1);
+    EXPECT_EQ(conPedido->grilla().Dato(1, 0).toInt(), pedido);
+    EXPECT_TRUE(conPedido->asientos().EsFilaNuevoAsiento(conPedido->grilla().Filas() - 1));
     // A company left out is the process's.
-    auto uno = std::move(doc);
+    auto uno = std::move(conPedido);
     auto dos = abrir(QStringLiteral("psidusuario=2|psckey=lum01"));
     EXPECT_EQ(dos->estado(), lumIngAsiento::Estado::Listo);
     EXPECT_EQ(dos->empresa().NombreEmpresa, uno->empresa().NombreEmpresa);
 
     // Without a prefix there is no layout file.
-    const QString carpeta = m_carpeta.filePath(QStringLiteral("sin"));
-    abrir(QStringLiteral("psidusuario=1|psidempresa=1|pstempdir=") + carpeta)->ElegirVista(1);
-    EXPECT_FALSE(QDir(carpeta).exists());
+    const QString sinPrefijo = m_carpeta.filePath(QStringLiteral("sin"));
+    abrir(QStringLiteral("psidusuario=1|psidempresa=1|pstempdir=") + sinPrefijo)->ElegirVista(1);
+    EXPECT_FALSE(QDir(sinPrefijo).exists());
 }
+
 
 } // namespace

@@ -167,6 +167,49 @@ TEST_P(Grabacion, GrabarUnAsiento)
     EXPECT_EQ(conLeyenda(agendado, QStringLiteral("Cambio de la otra usuaria")), 1);
     EXPECT_EQ(contar(QStringLiteral("Select Count(*) From genMovimientosFrecuentes")), plantillas);
     EXPECT_GT(filaDe(agendado), 0);
+
+    // "Grabar" on an incomplete entry registers it once it balances, and only then; a row
+    // deletion that makes it balance makes it complete as well.
+    m_mensajes.mostrados.clear();
+    const qint32 cierra = asiento(-3, 2, 250);
+    const qint32 noCierra = asiento(-3, 2, 250);
+    m_base.conexion().Ejecutar(QStringLiteral("Update cceAsientoCuenta Set AcuHaber = 240, ACuImporteMC = 240 Where ACuIDAsiento = ?"
+                                              " And AcuHaber Is Not Null"),
+                               {noCierra});
+    mostrarUltimos();
+    registrar(noCierra);
+    EXPECT_EQ(m_mensajes.mostrados, QStringList{Dicho("información", 1952)});
+    EXPECT_EQ(estadoEnBase(noCierra), 2);
+
+    registrar(cierra);
+    EXPECT_EQ(estadoEnBase(cierra), 1);
+    EXPECT_EQ(m_doc->grilla().Dato(filaDe(cierra), 3).toInt(), 1);
+    EXPECT_FALSE(m_doc->asientos().EsFilaDiferencia(m_doc->asientos().UltimaFilaAsiento(filaDe(cierra))))
+        << "no missing line is proposed any more";
+
+    // An extra line of 10 at the credit of a balanced incomplete entry dated after today:
+    // deleting it leaves it balanced, and a draft until its day.
+    AsientoDatos d(m_base.conexion());
+    ASSERT_TRUE(Bien(d.CargarAsiento(cierra)));
+    LineaDatos extra = d.Lineas().last();
+    extra.Cuenta = m_base.IdCuenta("5.3.01");
+    extra.Importe = extra.ImporteMC = 10_imp;
+    extra.Orden = 0;
+    d.Lineas().append(extra);
+    d.Cabezal().Estado = 2;
+    d.Cabezal().Fecha = BaseDePrueba::Hoy().addDays(5);
+    ASSERT_TRUE(Bien(d.GrabarTodo()));
+    m_doc->comandos().RecargarAsiento(cierra, filaDe(cierra));
+    const int filaCierra = filaDe(cierra);
+    int filaExtra = -1;
+    for (int r = filaCierra + 1; r <= m_doc->asientos().UltimaFilaAsiento(filaCierra); ++r)
+        if (m_doc->asientos().LineaDeFila(r).lCta == extra.Cuenta && !m_doc->asientos().LineaDeFila(r).bEsAlDebe)
+            filaExtra = r;
+    ASSERT_GT(filaExtra, 0);
+    m_doc->grid()->FijarFilaActual(filaExtra);
+    m_mensajes.Responder(R::Si); // 1805
+    m_doc->comandos().EliminarAsiento(true);
+    EXPECT_EQ(estadoEnBase(cierra), 0);
 }
 
 TEST_P(Grabacion, RegistrarTodosLosBorradores)
@@ -373,51 +416,6 @@ TEST_P(Grabacion, UnificarLaTasa)
     unificar(id);
     EXPECT_EQ(m_mensajes.mostrados, QStringList{Dicho("error", 1929)});
     EXPECT_EQ(lineas(id, QStringLiteral("ACuImporteMC = 4000")), 2);
-}
-
-// "Grabar" on an incomplete entry registers it once it balances, and only then; a row
-// deletion that makes it balance makes it complete as well.
-TEST_P(Grabacion, UnInconclusoQueCierraSeRegistra)
-{
-    const qint32 cierra = asiento(-3, 2, 250);
-    const qint32 noCierra = asiento(-3, 2, 250);
-    m_base.conexion().Ejecutar(QStringLiteral("Update cceAsientoCuenta Set AcuHaber = 240, ACuImporteMC = 240 Where ACuIDAsiento = ?"
-                                              " And AcuHaber Is Not Null"),
-                               {noCierra});
-    mostrarUltimos();
-    registrar(noCierra);
-    EXPECT_EQ(m_mensajes.mostrados, QStringList{Dicho("información", 1952)});
-    EXPECT_EQ(estadoEnBase(noCierra), 2);
-
-    registrar(cierra);
-    EXPECT_EQ(estadoEnBase(cierra), 1);
-    EXPECT_EQ(m_doc->grilla().Dato(filaDe(cierra), 3).toInt(), 1);
-    EXPECT_FALSE(m_doc->asientos().EsFilaDiferencia(m_doc->asientos().UltimaFilaAsiento(filaDe(cierra))))
-        << "no missing line is proposed any more";
-
-    // An extra line of 10 at the credit of a balanced incomplete entry dated after today:
-    // deleting it leaves it balanced, and a draft until its day.
-    AsientoDatos d(m_base.conexion());
-    ASSERT_TRUE(Bien(d.CargarAsiento(cierra)));
-    LineaDatos extra = d.Lineas().last();
-    extra.Cuenta = m_base.IdCuenta("5.3.01");
-    extra.Importe = extra.ImporteMC = 10_imp;
-    extra.Orden = 0;
-    d.Lineas().append(extra);
-    d.Cabezal().Estado = 2;
-    d.Cabezal().Fecha = BaseDePrueba::Hoy().addDays(5);
-    ASSERT_TRUE(Bien(d.GrabarTodo()));
-    m_doc->comandos().RecargarAsiento(cierra, filaDe(cierra));
-    const int fila = filaDe(cierra);
-    int filaExtra = -1;
-    for (int r = fila + 1; r <= m_doc->asientos().UltimaFilaAsiento(fila); ++r)
-        if (m_doc->asientos().LineaDeFila(r).lCta == extra.Cuenta && !m_doc->asientos().LineaDeFila(r).bEsAlDebe)
-            filaExtra = r;
-    ASSERT_GT(filaExtra, 0);
-    m_doc->grid()->FijarFilaActual(filaExtra);
-    m_mensajes.Responder(R::Si); // 1805
-    m_doc->comandos().EliminarAsiento(true);
-    EXPECT_EQ(estadoEnBase(cierra), 0);
 }
 
 INSTANCIAR_EN_MOTORES(Grabacion);

@@ -175,7 +175,7 @@ TEST_P(Salidas, CSVYLibroLeidosDeVueltaSonLaGrilla)
 
 // The save dialog: cancelled, it answers no file, though a name was proposed; accepted, the
 // proposed name in the export folder.
-TEST(NombresDeExportacion, LaExtensionDelFormatoVaUnaSolaVez)
+TEST(NombresDeExportacion, LaExtensionDelFormatoVaUnaSolaVezYCancelarNoDaNingunArchivo)
 {
     using E = ExportacionGrilla;
     const struct
@@ -190,14 +190,11 @@ TEST(NombresDeExportacion, LaExtensionDelFormatoVaUnaSolaVez)
     };
     for (const auto &c : casos)
         EXPECT_EQ(E::ConExtension(QString::fromLatin1(c.ruta), c.formato), QString::fromLatin1(c.esperada)) << c.ruta;
-}
 
-TEST(SelectorArchivo, CancelarNoDaNingunArchivo)
-{
     QTemporaryDir carpeta;
     SelectorArchivoQt selector(nullptr);
-    QString elegido = QStringLiteral("sin elegir");
-    auto elegir = [&](bool aceptar) {
+    QString elegido = QStringLiteral("sin guardar");
+    auto guardar = [&](bool aceptar) {
         ConDialogo<QFileDialog>(
             [&] {
                 elegido = selector.ElegirArchivoGuardar(QStringLiteral("Exportar"), carpeta.path(), QStringLiteral("asientos.csv"),
@@ -208,9 +205,9 @@ TEST(SelectorArchivo, CancelarNoDaNingunArchivo)
                     QTest::keyClick(&d, Qt::Key_Return); // the proposed name, as it is
             });
     };
-    elegir(false);
+    guardar(false);
     EXPECT_TRUE(elegido.isEmpty()) << elegido.toStdString();
-    elegir(true);
+    guardar(true);
     EXPECT_EQ(elegido, QDir(carpeta.path()).filePath(QStringLiteral("asientos.csv")));
 }
 
