@@ -8,8 +8,6 @@
 #include "comun/lecturasbase.h"
 #include "editing/cambiosajenos.h"
 #include "entries/historialasiento.h"
-#include "lineeditor/campocalculadora.h"
-#include "lineeditor/campofecha.h"
 
 #include <QElapsedTimer>
 #include <QJsonDocument>

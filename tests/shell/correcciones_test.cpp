@@ -1,8 +1,6 @@
 #include "escenario.h"
 
 #include "editing/comandosasiento.h"
-#include "lineeditor/campocalculadora.h"
-#include "lineeditor/campofecha.h"
 
 namespace {
 

@@ -58,7 +58,48 @@ protected:
     std::shared_ptr<Proceso> m_proceso = ProcesoDePrueba(m_base); // the documents of one test share it
 };
 
-TEST_F(Documento, AdministradorQuedaListoConTodosLosEnlaces)
+// The document inside a window, shown the way the program's host shows it, with the real
+// message boxes on that window; each box is answered with its default button as soon as it
+// is up. Returns the texts of the boxes, in order, once start-up has ended.
+QStringList ArrancarMostrando(const EntornoDocumento &base, HostDePrueba &host, lumIngAsiento::Estado &estado)
+{
+    QMainWindow ventana;
+    ServicioMensajesQt mensajes(&ventana);
+    EntornoDocumento e = base;
+    e.host = &host;
+    e.mensajes = &mensajes;
+    auto *marco = new QStackedWidget(&ventana);
+    ventana.setCentralWidget(marco);
+    auto *doc = new lumIngAsiento(std::move(e), marco);
+    marco->addWidget(doc);
+
+    QStringList cajas;
+    QTimer usuario;
+    usuario.setInterval(10);
+    QObject::connect(&usuario, &QTimer::timeout, [&cajas] {
+        if (auto *caja = qobject_cast<QMessageBox *>(QApplication::activeModalWidget())) {
+            cajas << caja->text();
+            caja->defaultButton()->click();
+        }
+    });
+    usuario.start();
+
+    ventana.resize(900, 600);
+    ventana.show();
+    (void)QTest::qWaitFor([&] { return doc->estado() == lumIngAsiento::Estado::Listo || !host.comandos.isEmpty(); }, 20000);
+    estado = doc->estado();
+    return cajas;
+}
+
+int cabezales(lumIngAsiento &doc)
+{
+    int n = 0;
+    for (int r = 1; r < doc.grilla().Filas(); ++r)
+        n += doc.asientos().EsFilaCabezal(r) ? 1 : 0;
+    return n;
+}
+
+TEST_F(Documento, AdministradorQuedaListoConTodosLosEnlacesYCadaVistaCargaSusAsientos)
 {
     auto doc = abrir(usuario(Demo::kUsuarioAdministrador));
     EXPECT_EQ(doc->estado(), lumIngAsiento::Estado::Listo);
@@ -86,6 +127,49 @@ TEST_F(Documento, AdministradorQuedaListoConTodosLosEnlaces)
     doc->findChild<QToolButton *>(QStringLiteral("imgHelp"))->click();
     EXPECT_EQ(m_host.comandos, QStringList{QStringLiteral("lumNav:navhelp?Main|asientos\\ingreso_de_asientos.htm")});
     EXPECT_EQ(m_host.marcos, QStringList{QString()});
+
+    // Another document of the user starts on the recent entries; each view loads its own.
+    auto otro = abrir(usuario(1));
+    EXPECT_EQ(otro->VistaActual(), QStringLiteral("0"));
+    EXPECT_EQ(otro->grilla().Texto(1, 0), QStringLiteral("Nuevo Asiento"));
+
+    otro->ElegirVista(1);
+    EXPECT_EQ(cabezales(*otro), 5);
+    EXPECT_EQ(otro->findChild<QToolButton *>(QStringLiteral("hlCargar"))->text(), QStringLiteral("Ver : Últimos 5 ingresados"));
+    EXPECT_TRUE(otro->menus().MnuVieitem[1]->isChecked());
+    EXPECT_FALSE(otro->menus().MnuVieitem[0]->isChecked());
+    // The amount columns show the accounting currency's mask.
+    EXPECT_EQ(otro->grilla().FormatoColumna(2), QStringLiteral("#,##0.00"));
+
+    // A month: every header row is dated in it.
+    otro->ElegirVista(Vista::kPrimerMes + 1);
+    const QDate mes = otro->menus().MnuViewMItem[1]->data().toDate();
+    ASSERT_TRUE(mes.isValid());
+    for (int r = 1; r < otro->grilla().Filas(); ++r)
+        if (otro->asientos().EsFilaCabezal(r))
+            EXPECT_EQ(otro->grilla().Dato(r, 2).toDate().month(), mes.month());
+    EXPECT_TRUE(otro->findChild<QToolButton *>(QStringLiteral("hlCargar"))->text().startsWith(QStringLiteral("Ver : ")));
+
+    // The user's preferences survive a restart; another user keeps their own.
+    otro.reset();
+    otro = abrir(usuario(1));
+    EXPECT_FALSE(otro->AsiSaveB());
+    EXPECT_EQ(otro->AsiOrder(), 0);
+    EXPECT_TRUE(otro->menus().accion(QStringLiteral("MnuEdiVCod"))->isChecked());
+    otro->menus().accion(QStringLiteral("MnuSaveNewBorrador"))->trigger();
+    otro->menus().accion(QStringLiteral("MnuEdiVIngreso"))->trigger();
+    EXPECT_TRUE(otro->AsiSaveB());
+    EXPECT_EQ(otro->AsiOrder(), 1);
+    otro.reset();
+    otro = abrir(usuario(1));
+    EXPECT_TRUE(otro->AsiSaveB());
+    EXPECT_EQ(otro->AsiOrder(), 1);
+    EXPECT_TRUE(otro->menus().accion(QStringLiteral("MnuSaveNewBorrador"))->isChecked());
+    EXPECT_TRUE(otro->menus().accion(QStringLiteral("MnuEdiVIngreso"))->isChecked());
+    EXPECT_FALSE(otro->menus().accion(QStringLiteral("MnuEdiVCod"))->isChecked());
+
+    otro.reset();
+    EXPECT_FALSE(abrir(usuario(Demo::kUsuarioContador))->AsiSaveB());
 }
 
 TEST_F(Documento, UsuarioDeConsultaSoloBuscaYCambiaVistaYCadaLetraSusEnlaces)
@@ -136,7 +220,7 @@ TEST_F(Documento, UsuarioDeConsultaSoloBuscaYCambiaVistaYCadaLetraSusEnlaces)
     }
 }
 
-TEST_F(Documento, FallasDeArranqueVanAlHost)
+TEST_F(Documento, FallasDeArranqueVanAlHostOAUnaCaja)
 {
     struct Caso
     {
@@ -176,45 +260,8 @@ TEST_F(Documento, FallasDeArranqueVanAlHost)
     ASSERT_EQ(m_mensajes.mostrados.size(), 1);
     EXPECT_TRUE(m_mensajes.mostrados[0].contains(QStringLiteral("LNG_TCO_009.dll")));
     EXPECT_EQ(m_host.comandos, QStringList{QStringLiteral("lumcod:main_Error<prm>[prmErrDesc]:=</prm>")});
-}
 
-
-
-// The document inside a window, shown the way the program's host shows it, with the real
-// message boxes on that window; each box is answered with its default button as soon as it
-// is up. Returns the texts of the boxes, in order, once start-up has ended.
-QStringList ArrancarMostrando(const EntornoDocumento &base, HostDePrueba &host, lumIngAsiento::Estado &estado)
-{
-    QMainWindow ventana;
-    ServicioMensajesQt mensajes(&ventana);
-    EntornoDocumento e = base;
-    e.host = &host;
-    e.mensajes = &mensajes;
-    auto *marco = new QStackedWidget(&ventana);
-    ventana.setCentralWidget(marco);
-    auto *doc = new lumIngAsiento(std::move(e), marco);
-    marco->addWidget(doc);
-
-    QStringList cajas;
-    QTimer usuario;
-    usuario.setInterval(10);
-    QObject::connect(&usuario, &QTimer::timeout, [&cajas] {
-        if (auto *caja = qobject_cast<QMessageBox *>(QApplication::activeModalWidget())) {
-            cajas << caja->text();
-            caja->defaultButton()->click();
-        }
-    });
-    usuario.start();
-
-    ventana.resize(900, 600);
-    ventana.show();
-    (void)QTest::qWaitFor([&] { return doc->estado() == lumIngAsiento::Estado::Listo || !host.comandos.isEmpty(); }, 20000);
-    estado = doc->estado();
-    return cajas;
-}
-
-TEST_F(Documento, CajasDeMensajeDelArranqueConLaVentanaRecienMostrada)
-{
+    // The message boxes of the start-up, with the window just shown.
     EntornoDocumento e;
     e.ajustes.archivoAjustes = m_carpeta.filePath(QStringLiteral("ajustes.ini"));
     m_host.base = QStringLiteral("lumapp://asientos/ingreso.htm?") + usuario(Demo::kUsuarioAdministrador);
@@ -227,9 +274,9 @@ TEST_F(Documento, CajasDeMensajeDelArranqueConLaVentanaRecienMostrada)
         m_host.comandos.clear();
         BaseDePrueba vacia(motor, BaseDePrueba::Contenido::Vacia);
         e.ajustes.baseDatos = vacia.direccion();
-        const QStringList cajas = ArrancarMostrando(e, m_host, estado);
+        const QStringList cajasLeidas = ArrancarMostrando(e, m_host, estado);
         EXPECT_NE(estado, lumIngAsiento::Estado::Listo);
-        EXPECT_TRUE(cajas.isEmpty()) << cajas.join(QLatin1Char('\n')).toStdString();
+        EXPECT_TRUE(cajasLeidas.isEmpty()) << cajasLeidas.join(QLatin1Char('\n')).toStdString();
         ASSERT_EQ(m_host.comandos.size(), 1);
         EXPECT_TRUE(m_host.comandos[0].startsWith(QLatin1String("lumcod:main_Error")));
         EXPECT_TRUE(m_host.comandos[0].contains(QStringLiteral("está vacía"))) << m_host.comandos[0].toStdString();
@@ -242,10 +289,10 @@ TEST_F(Documento, CajasDeMensajeDelArranqueConLaVentanaRecienMostrada)
     // The parameters cannot be read (the table is there, its value column is not).
     m_base.conexion().Ejecutar(QStringLiteral("Alter Table genParametros Rename Column ParValor To ParOtro"));
     e.ajustes.baseDatos = m_base.direccion();
-    const QStringList cajas = ArrancarMostrando(e, m_host, estado);
+    const QStringList cajasLeidas = ArrancarMostrando(e, m_host, estado);
     EXPECT_EQ(estado, lumIngAsiento::Estado::Listo);
-    ASSERT_FALSE(cajas.isEmpty());
-    EXPECT_EQ(cajas[0], QStringLiteral("Error al cargar los parámetros del sistema."));
+    ASSERT_FALSE(cajasLeidas.isEmpty());
+    EXPECT_EQ(cajasLeidas[0], QStringLiteral("Error al cargar los parámetros del sistema."));
     EXPECT_TRUE(m_host.comandos.isEmpty()) << m_host.comandos.join(QLatin1Char('\n')).toStdString();
 
     // Nor is a currency list that cannot be read passed over in silence.
@@ -257,61 +304,6 @@ TEST_F(Documento, CajasDeMensajeDelArranqueConLaVentanaRecienMostrada)
 }
 
 
-
-
-
-int cabezales(lumIngAsiento &doc)
-{
-    int n = 0;
-    for (int r = 1; r < doc.grilla().Filas(); ++r)
-        n += doc.asientos().EsFilaCabezal(r) ? 1 : 0;
-    return n;
-}
-
-TEST_F(Documento, ArrancaEnRecienIngresadosYCadaVistaCargaSusAsientos)
-{
-    auto doc = abrir(usuario(1));
-    EXPECT_EQ(doc->VistaActual(), QStringLiteral("0"));
-    EXPECT_EQ(doc->grilla().Texto(1, 0), QStringLiteral("Nuevo Asiento"));
-
-    doc->ElegirVista(1);
-    EXPECT_EQ(cabezales(*doc), 5);
-    EXPECT_EQ(doc->findChild<QToolButton *>(QStringLiteral("hlCargar"))->text(), QStringLiteral("Ver : Últimos 5 ingresados"));
-    EXPECT_TRUE(doc->menus().MnuVieitem[1]->isChecked());
-    EXPECT_FALSE(doc->menus().MnuVieitem[0]->isChecked());
-    // The amount columns show the accounting currency's mask.
-    EXPECT_EQ(doc->grilla().FormatoColumna(2), QStringLiteral("#,##0.00"));
-
-    // A month: every header row is dated in it.
-    doc->ElegirVista(Vista::kPrimerMes + 1);
-    const QDate mes = doc->menus().MnuViewMItem[1]->data().toDate();
-    ASSERT_TRUE(mes.isValid());
-    for (int r = 1; r < doc->grilla().Filas(); ++r)
-        if (doc->asientos().EsFilaCabezal(r))
-            EXPECT_EQ(doc->grilla().Dato(r, 2).toDate().month(), mes.month());
-    EXPECT_TRUE(doc->findChild<QToolButton *>(QStringLiteral("hlCargar"))->text().startsWith(QStringLiteral("Ver : ")));
-
-    // The user's preferences survive a restart; another user keeps their own.
-    doc.reset();
-    doc = abrir(usuario(1));
-    EXPECT_FALSE(doc->AsiSaveB());
-    EXPECT_EQ(doc->AsiOrder(), 0);
-    EXPECT_TRUE(doc->menus().accion(QStringLiteral("MnuEdiVCod"))->isChecked());
-    doc->menus().accion(QStringLiteral("MnuSaveNewBorrador"))->trigger();
-    doc->menus().accion(QStringLiteral("MnuEdiVIngreso"))->trigger();
-    EXPECT_TRUE(doc->AsiSaveB());
-    EXPECT_EQ(doc->AsiOrder(), 1);
-    doc.reset();
-    doc = abrir(usuario(1));
-    EXPECT_TRUE(doc->AsiSaveB());
-    EXPECT_EQ(doc->AsiOrder(), 1);
-    EXPECT_TRUE(doc->menus().accion(QStringLiteral("MnuSaveNewBorrador"))->isChecked());
-    EXPECT_TRUE(doc->menus().accion(QStringLiteral("MnuEdiVIngreso"))->isChecked());
-    EXPECT_FALSE(doc->menus().accion(QStringLiteral("MnuEdiVCod"))->isChecked());
-
-    doc.reset();
-    EXPECT_FALSE(abrir(usuario(Demo::kUsuarioContador))->AsiSaveB());
-}
 
 TEST_F(Documento, LaGrillaVuelveComoSeDejoUnDisenoDanadoNoDetieneYElPedidoDeAsiento)
 {

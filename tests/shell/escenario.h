@@ -17,7 +17,6 @@
 #include "lineeditor/lumerasiento.h"
 #include "entries/asientodatos.h"
 #include "entries/vistas.h"
-#include "services/serviciobusquedacuentas.h"
 #include "store/basedemo.h"
 
 #include <QAction>

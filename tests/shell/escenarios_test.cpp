@@ -2,9 +2,6 @@
 // grid as the user sees it and in the database.
 #include "escenario.h"
 
-#include "lineeditor/campocalculadora.h"
-#include "lineeditor/campofecha.h"
-
 namespace {
 
 // Writes an entry of the opening-balance book straight into the database: 1.1.01 against

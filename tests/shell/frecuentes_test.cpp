@@ -1,16 +1,8 @@
 #include "escenario.h"
 
-#include "entries/asientodatos.h"
-#include "entries/modeloasiento.h"
-#include "entries/vistas.h"
-#include "shell/menusdocumento.h"
-#include "store/basedemo.h"
 
-#include <QAction>
 #include <QMenu>
 #include <QToolButton>
-
-#include <tuple>
 
 namespace {
 

@@ -260,7 +260,7 @@ TEST_P(Grabacion, RegistrarTodosLosBorradores)
 
 // Deleting a line or the entry, never a line of a closing entry; copying, hiding; an entry
 // another session sent to the trash leaves the grid when it is read again.
-TEST_P(Grabacion, EliminarCopiarYOcultar)
+TEST_P(Grabacion, EliminarCopiarOcultarYUnificarLaTasa)
 {
     const qint32 id = asiento(-2, 1, 40);
     const qint32 cierre = asiento(BaseDePrueba::Hoy().addDays(-2), 1, 40, "1.1.01", Demo::kLibroCierre);
@@ -334,20 +334,18 @@ TEST_P(Grabacion, EliminarCopiarYOcultar)
     EXPECT_TRUE(m_doc->grilla().Redibujar());
     mostrarUltimos();
     EXPECT_GT(filaDe(copiado), 0);
-}
 
-// Unifying the rate of an entry's foreign lines: cancelled, applied, undone; in a currency
-// worth less than a peso; one that unbalances the entry; without quotations.
-TEST_P(Grabacion, UnificarLaTasa)
-{
-    const qint32 id = asientoConLineas(QStringLiteral("Transferencia en dólares"),
+    // Unifying the rate of an entry's foreign lines: cancelled, applied, undone; in a currency
+    // worth less than a peso; one that unbalances the entry; without quotations.
+    m_mensajes.mostrados.clear();
+    const qint32 dolares = asientoConLineas(QStringLiteral("Transferencia en dólares"),
                                        {LineaDatos{m_base.IdCuenta("1.1.08"), 0, 0, true, 100_imp, 0, 4000_imp},
                                         LineaDatos{m_base.IdCuenta("1.1.04"), 0, 0, false, 100_imp, 0, 4000_imp}});
     // ¥1000 booked at 250 pesos is "/ 4".
-    Conexion &c = m_base.conexion();
-    c.Ejecutar(QStringLiteral("Insert Into genMonedas (MonID, MonSimbolo, MonNombre, MonCotizaEn, MonRedondeo, MonFormatoCotizacion,"
+    Conexion &conexion = m_base.conexion();
+    conexion.Ejecutar(QStringLiteral("Insert Into genMonedas (MonID, MonSimbolo, MonNombre, MonCotizaEn, MonRedondeo, MonFormatoCotizacion,"
                               " MonTipo) Values (6, '¥', 'Yenes', 1, '#,##0', '#,##0.000', 1)"));
-    c.Ejecutar(QStringLiteral("Insert Into cceCuentas (CueID, CueIDEmpresa, CueCodigo, CueNombre, CueMoneda, CueEsCarpeta, CueTipo)"
+    conexion.Ejecutar(QStringLiteral("Insert Into cceCuentas (CueID, CueIDEmpresa, CueCodigo, CueNombre, CueMoneda, CueEsCarpeta, CueTipo)"
                               " Values (9001, 1, '1.1.90', 'Caja en yenes', 6, 0, 1), (9002, 1, '1.1.91', 'Banco en yenes', 6, 0, 1)"));
     const qint32 yenes = asientoConLineas(QStringLiteral("Yenes al banco"), {LineaDatos{9001, 0, 0, true, 1000_imp, 0.25, 250_imp},
                                                                             LineaDatos{9002, 0, 0, false, 1000_imp, 0.25, 250_imp}});
@@ -356,25 +354,25 @@ TEST_P(Grabacion, UnificarLaTasa)
                                               {LineaDatos{m_base.IdCuenta("1.1.08"), 0, 0, true, 100_imp, 41, 4100_imp},
                                                LineaDatos{m_base.IdCuenta("1.1.04"), 0, 0, false, 100_imp, 40, 4000_imp},
                                                LineaDatos{m_base.IdCuenta("4.1.01"), 0, 0, false, 100_imp, 1, 100_imp}});
-    ASSERT_GT(id, 0);
+    ASSERT_GT(dolares, 0);
     ASSERT_GT(yenes, 0);
     ASSERT_GT(descuadra, 0);
     mostrarUltimos();
 
     m_mensajes.ResponderNumero(std::nullopt); // cancelled: nothing changes
-    unificar(id);
+    unificar(dolares);
     ASSERT_EQ(m_mensajes.mostrados.size(), 1);
     EXPECT_TRUE(m_mensajes.mostrados[0].startsWith(QStringLiteral("pedido: Ingrese el valor de la tasa de cambio [Unificar tasa de cambio] ")));
-    EXPECT_EQ(lineas(id, QStringLiteral("ACuImporteMC = 4000")), 2);
+    EXPECT_EQ(lineas(dolares, QStringLiteral("ACuImporteMC = 4000")), 2);
     m_mensajes.ResponderNumero(41);
-    unificar(id);
-    EXPECT_EQ(m_doc->grid()->FilaActual(), filaDe(id) + 1); // still on the line it was on
-    EXPECT_EQ(lineas(id, QStringLiteral("ACuImporteMC = 4100")), 2);
+    unificar(dolares);
+    EXPECT_EQ(m_doc->grid()->FilaActual(), filaDe(dolares) + 1); // still on the line it was on
+    EXPECT_EQ(lineas(dolares, QStringLiteral("ACuImporteMC = 4100")), 2);
     EXPECT_EQ(m_mensajes.mostrados.size(), 2) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
     // Ctrl+Z on the grid takes the unification back, as a write of its own.
     QTest::keyClick(m_doc->grid(), Qt::Key_Z, Qt::ControlModifier);
-    EXPECT_EQ(lineas(id, QStringLiteral("ACuImporteMC = 4000")), 2);
-    EXPECT_EQ(Operaciones(c, id).count(QStringLiteral("deshacer")), 1);
+    EXPECT_EQ(lineas(dolares, QStringLiteral("ACuImporteMC = 4000")), 2);
+    EXPECT_EQ(Operaciones(conexion, dolares).count(QStringLiteral("deshacer")), 1);
 
     // The rate of the yen is asked for and applied the same way: "/ 5" makes it 200, never 5000.
     m_mensajes.mostrados.clear();
@@ -411,11 +409,11 @@ TEST_P(Grabacion, UnificarLaTasa)
     EXPECT_EQ(estadoEnBase(descuadra), 2) << "4000 + 100 against 4000 still does not balance";
 
     // Quotations that cannot be read are told; no rate is proposed from nothing.
-    c.Ejecutar(QStringLiteral("Drop Table genCotizacionesMoneda"));
+    conexion.Ejecutar(QStringLiteral("Drop Table genCotizacionesMoneda"));
     m_mensajes.mostrados.clear();
-    unificar(id);
+    unificar(dolares);
     EXPECT_EQ(m_mensajes.mostrados, QStringList{Dicho("error", 1929)});
-    EXPECT_EQ(lineas(id, QStringLiteral("ACuImporteMC = 4000")), 2);
+    EXPECT_EQ(lineas(dolares, QStringLiteral("ACuImporteMC = 4000")), 2);
 }
 
 INSTANCIAR_EN_MOTORES(Grabacion);

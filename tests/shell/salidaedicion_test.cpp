@@ -3,7 +3,6 @@
 #include "escenario.h"
 
 #include "editing/sesionedicion.h"
-#include "lineeditor/campocalculadora.h"
 
 namespace {
 

@@ -5,21 +5,12 @@
 #include "comun/archivosleidos.h"
 #include "comun/dialogos.h"
 
-#include "entries/asientodatos.h"
-#include "entries/vistas.h"
 #include "export/exportacion.h"
-#include "shell/menusdocumento.h"
 #include "shell/pvprevia.h"
-#include "store/basedemo.h"
 
-#include <QAction>
-#include <QFile>
 #include <QFileDialog>
-#include <QJsonArray>
-#include <QJsonDocument>
 #include <QJsonObject>
 #include <QPrintPreviewDialog>
-#include <QProcess>
 #include <QSettings>
 #include <QTimer>
 

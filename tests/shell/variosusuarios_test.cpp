@@ -5,8 +5,6 @@
 
 #include "editing/cambiosajenos.h"
 #include "editing/comandosasiento.h"
-#include "entries/modeloasiento.h"
-#include "lineeditor/campocalculadora.h"
 #include "shell/dialogohistorial.h"
 #include "store/conexionqt.h"
 
