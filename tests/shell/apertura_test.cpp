@@ -103,28 +103,10 @@ TEST_P(AperturaEnDocumento, ElMenuLoHaceBorrarloDevuelveElAvisoYUnaLineaAceptada
     EXPECT_FALSE(conAviso(*doc));
 }
 
-// The start-up option asks for the entry only while the company has none; an incomplete
-// entry of that book is no opening-balance entry yet.
-TEST_P(AperturaEnDocumento, LaOpcionDeInicioSoloSinAsiento)
-{
-    EXPECT_EQ(abrir()->ComandoDiferido(), QString());
-    EXPECT_EQ(abrir(QStringLiteral("|pshacerasi=si"))->ComandoDiferido(), QStringLiteral("1"));
-    const qint32 id = apertura(EstadoAsiento::kInconcluso);
-    EXPECT_EQ(abrir(QStringLiteral("|pshacerasi=si"))->ComandoDiferido(), QStringLiteral("1"));
-    AsientoDatos registrar(m_base.conexion());
-    ASSERT_TRUE(Bien(registrar.CargarAsiento(id)));
-    registrar.Cabezal().Estado = EstadoAsiento::kRegistrado;
-    ASSERT_TRUE(Bien(registrar.Grabar()));
-    auto doc = abrir(QStringLiteral("|pshacerasi=si"));
-    EXPECT_EQ(doc->ComandoDiferido(), QString());
-    EXPECT_FALSE(conAviso(*doc));
-    EXPECT_TRUE(m_mensajes.mostrados.isEmpty());
-}
-
 // The entry menu offers what can be done on the row: making the opening-balance entry while
 // there is none; turning a stored entry into it while there is none, or it into an ordinary
 // one; nothing on the new-entry row.
-TEST_P(AperturaEnDocumento, ElMenuDeCadaFilaOfreceLoQueSePuede)
+TEST_P(AperturaEnDocumento, ElMenuDeCadaFilaYLaOpcionDeInicioSegunHayaAsiento)
 {
     auto doc = abrir();
     auto estado = [&](int fila) {
@@ -142,7 +124,22 @@ TEST_P(AperturaEnDocumento, ElMenuDeCadaFilaOfreceLoQueSePuede)
     EXPECT_EQ(estado(comun), QStringLiteral("1|%1|1").arg(aApertura));
     EXPECT_EQ(estado(nuevo), QStringLiteral("1|%1|0").arg(aApertura));
 
-    const qint32 id = apertura(EstadoAsiento::kRegistrado);
+    // The start-up option asks for the entry only while the company has none; an incomplete
+    // entry of that book is no opening-balance entry yet.
+    EXPECT_EQ(abrir()->ComandoDiferido(), QString());
+    EXPECT_EQ(abrir(QStringLiteral("|pshacerasi=si"))->ComandoDiferido(), QStringLiteral("1"));
+    const qint32 id = apertura(EstadoAsiento::kInconcluso);
+    EXPECT_EQ(abrir(QStringLiteral("|pshacerasi=si"))->ComandoDiferido(), QStringLiteral("1"));
+    AsientoDatos registrar(m_base.conexion());
+    ASSERT_TRUE(Bien(registrar.CargarAsiento(id)));
+    registrar.Cabezal().Estado = EstadoAsiento::kRegistrado;
+    ASSERT_TRUE(Bien(registrar.Grabar()));
+    auto conAsiento = abrir(QStringLiteral("|pshacerasi=si"));
+    EXPECT_EQ(conAsiento->ComandoDiferido(), QString());
+    EXPECT_FALSE(conAviso(*conAsiento));
+    EXPECT_TRUE(m_mensajes.mostrados.isEmpty());
+
+    // Made, the menu only turns it into an ordinary entry.
     ASSERT_TRUE(Bien(CargarAsientoEnGrilla(doc->asientos(), *doc->proceso().conexion, id, doc->grilla().Filas() - 1)));
     EXPECT_EQ(estado(doc->FilaDeAsiento(id)), QStringLiteral("0|%1|1").arg(Idioma::resLoad(34)));
     EXPECT_EQ(estado(comun), QStringLiteral("0|%1|0").arg(aApertura));

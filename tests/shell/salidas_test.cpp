@@ -84,7 +84,7 @@ protected:
     qint32 m_id = 0;
 };
 
-TEST_P(Salidas, CSVYLibroLeidosDeVueltaSonLaGrilla)
+TEST_P(Salidas, ArchivosEImpresionSonLaGrillaQueVuelveComoEstaba)
 {
     m_selector.respuesta = ruta("mes.csv");
     elegir("MnuExpCSV");
@@ -162,6 +162,53 @@ TEST_P(Salidas, CSVYLibroLeidosDeVueltaSonLaGrilla)
     }
     EXPECT_GT(numeros, 20);
     EXPECT_GT(fechas, 10);
+
+    // The print preview and the printout, and the grid afterwards.
+    Grilla &grilla = m_doc->grilla();
+    const int ultima = grilla.Filas() - 1;
+    const int ancho = grilla.AnchoColumna(1);
+    int paginas = 0;
+    bool ultimaOcultaDurante = false;
+    QTimer::singleShot(0, [&] {
+        auto *d = qobject_cast<QPrintPreviewDialog *>(QApplication::activeModalWidget());
+        ASSERT_TRUE(d);
+        paginas = m_doc->previa()->paginas().Paginas();
+        ultimaOcultaDurante = grilla.Fila(ultima).oculta;
+        d->reject();
+    });
+    elegir("MnuPriPrevia");
+    EXPECT_GT(paginas, 1);
+    EXPECT_TRUE(ultimaOcultaDurante);
+    EXPECT_EQ(m_doc->previa()->titulo(), QStringLiteral("Ingreso de Asientos||") + m_doc->empresa().NombreEmpresa);
+    // Afterwards the grid is as before, and back in the window it has the focus.
+    EXPECT_FALSE(grilla.Fila(ultima).oculta);
+    QApplication::setActiveWindow(m_doc.get());
+    QApplication::processEvents();
+    EXPECT_EQ(QApplication::focusWidget(), m_doc->grid());
+    EXPECT_EQ(grilla.AnchoColumna(1), ancho);
+    EXPECT_TRUE(grilla.Redibujar());
+    EXPECT_EQ(m_doc->grid()->columnWidth(1), m_doc->grid()->TwipsAPixeles(ancho));
+
+    // Printed to PDF.
+    m_doc->previa()->FijarSalidaPDF(ruta("mes.pdf"));
+    QTest::keyClick(m_doc->grid(), Qt::Key_P, Qt::ControlModifier);
+    ASSERT_TRUE(QFile::exists(ruta("mes.pdf")));
+    const QString texto = TextoPDF(ruta("mes.pdf"));
+    EXPECT_TRUE(texto.contains(QStringLiteral("Ingreso de Asientos"))) << texto.left(400).toStdString();
+    EXPECT_TRUE(texto.contains(m_doc->empresa().NombreEmpresa));
+    const int hojas = m_doc->previa()->paginas().Paginas();
+    EXPECT_GT(hojas, 1);
+    EXPECT_EQ(texto.count(QStringLiteral("Ingreso de Asientos")), hojas);
+    EXPECT_TRUE(texto.contains(QStringLiteral("Página %1 de %1").arg(hojas)));
+    // Every amount of the grid is on paper, and the closing row is not.
+    for (int r = grilla.FilasFijas(); r < grilla.Filas() - 1; ++r)
+        for (int c = 2; c <= 3; ++c)
+            if (grilla.EsNumero(r, c))
+                EXPECT_TRUE(texto.contains(grilla.Texto(r, c))) << r;
+    EXPECT_TRUE(texto.contains(QStringLiteral("Pago \"urgente\", caja <chica> & más")));
+    EXPECT_FALSE(texto.contains(QStringLiteral("Nuevo Asiento")));
+    EXPECT_FALSE(grilla.Fila(grilla.Filas() - 1).oculta);
+    EXPECT_EQ(QApplication::focusWidget(), m_doc->grid());
 }
 
 // The save dialog: cancelled, it answers no file, though a name was proposed; accepted, the
@@ -231,55 +278,6 @@ TEST_P(Salidas, CancelarOFallarNoEscribeNada)
     EXPECT_EQ(QDir(m_carpeta.path()).entryList(QDir::Files | QDir::Hidden), QStringList{QStringLiteral("a.ini")});
     EXPECT_EQ(celdasVistas(), antes);
     EXPECT_TRUE(m_doc->grilla().Redibujar());
-}
-
-TEST_P(Salidas, VistaPreviaEImpresionYVueltaDeLaGrilla)
-{
-    Grilla &g = m_doc->grilla();
-    const int ultima = g.Filas() - 1;
-    const int ancho = g.AnchoColumna(1);
-    int paginas = 0;
-    bool ultimaOcultaDurante = false;
-    QTimer::singleShot(0, [&] {
-        auto *d = qobject_cast<QPrintPreviewDialog *>(QApplication::activeModalWidget());
-        ASSERT_TRUE(d);
-        paginas = m_doc->previa()->paginas().Paginas();
-        ultimaOcultaDurante = g.Fila(ultima).oculta;
-        d->reject();
-    });
-    elegir("MnuPriPrevia");
-    EXPECT_GT(paginas, 1);
-    EXPECT_TRUE(ultimaOcultaDurante);
-    EXPECT_EQ(m_doc->previa()->titulo(), QStringLiteral("Ingreso de Asientos||") + m_doc->empresa().NombreEmpresa);
-    // Afterwards the grid is as before, and back in the window it has the focus.
-    EXPECT_FALSE(g.Fila(ultima).oculta);
-    QApplication::setActiveWindow(m_doc.get());
-    QApplication::processEvents();
-    EXPECT_EQ(QApplication::focusWidget(), m_doc->grid());
-    EXPECT_EQ(g.AnchoColumna(1), ancho);
-    EXPECT_TRUE(g.Redibujar());
-    EXPECT_EQ(m_doc->grid()->columnWidth(1), m_doc->grid()->TwipsAPixeles(ancho));
-
-    // Printed to PDF.
-    m_doc->previa()->FijarSalidaPDF(ruta("mes.pdf"));
-    QTest::keyClick(m_doc->grid(), Qt::Key_P, Qt::ControlModifier);
-    ASSERT_TRUE(QFile::exists(ruta("mes.pdf")));
-    const QString texto = TextoPDF(ruta("mes.pdf"));
-    EXPECT_TRUE(texto.contains(QStringLiteral("Ingreso de Asientos"))) << texto.left(400).toStdString();
-    EXPECT_TRUE(texto.contains(m_doc->empresa().NombreEmpresa));
-    const int hojas = m_doc->previa()->paginas().Paginas();
-    EXPECT_GT(hojas, 1);
-    EXPECT_EQ(texto.count(QStringLiteral("Ingreso de Asientos")), hojas);
-    EXPECT_TRUE(texto.contains(QStringLiteral("Página %1 de %1").arg(hojas)));
-    // Every amount of the grid is on paper, and the closing row is not.
-    for (int r = g.FilasFijas(); r < g.Filas() - 1; ++r)
-        for (int c = 2; c <= 3; ++c)
-            if (g.EsNumero(r, c))
-                EXPECT_TRUE(texto.contains(g.Texto(r, c))) << r;
-    EXPECT_TRUE(texto.contains(QStringLiteral("Pago \"urgente\", caja <chica> & más")));
-    EXPECT_FALSE(texto.contains(QStringLiteral("Nuevo Asiento")));
-    EXPECT_FALSE(g.Fila(g.Filas() - 1).oculta);
-    EXPECT_EQ(QApplication::focusWidget(), m_doc->grid());
 }
 
 // What is printed and exported is the grid, whichever engine filled it.
