@@ -346,10 +346,8 @@ TEST_F(Documento, LaGrillaVuelveComoSeDejoUnDisenoDanadoNoDetieneYElPedidoDeAsie
     }
     {
         // An entry asked for at start-up is made current, whether the saved rows hold it or not.
-        auto rs = m_base.conexion().Abrir(QStringLiteral("Select Min(AsiID), Max(AsiID) From cceAsientos Where AsiEstado <> 9"));
-        const qint32 primero = QVariant(rs->Campo(0)).toInt();
-        const qint32 ultimo = QVariant(rs->Campo(1)).toInt();
-        rs->Cerrar();
+        const qint32 primero = m_base.Valor(QStringLiteral("Select Min(AsiID) From cceAsientos Where AsiEstado <> 9")).toInt();
+        const qint32 ultimo = m_base.Valor(QStringLiteral("Select Max(AsiID) From cceAsientos Where AsiEstado <> 9")).toInt();
         for (const qint32 id : {ultimo, primero}) {
             auto doc = abrir(parametros + QStringLiteral("|prmidasi=%1").arg(id));
             const int actual = doc->grid()->FilaActual();

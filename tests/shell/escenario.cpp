@@ -146,11 +146,9 @@ qint32 Escenario::ultimoId()
 QList<qint32> Escenario::ids(const QString &condicion)
 {
     QList<qint32> l;
-    auto rs = m_base.conexion().Abrir(QStringLiteral("Select AsiID From cceAsientos Where ") + condicion
-                                      + QStringLiteral(" Order By AsiID"));
-    for (; !rs->Fin(); rs->MoverSiguiente())
-        l << qint32(rs->Entero(QStringLiteral("AsiID")));
-    rs->Cerrar();
+    const QString sql = QStringLiteral("Select AsiID From cceAsientos Where %1 Order By AsiID").arg(condicion);
+    for (const QString &id : Columna(m_base.conexion(), sql))
+        l << id.toInt();
     return l;
 }
 

@@ -78,11 +78,10 @@ TEST_P(FrecuentesEnDocumento, HacerFrecuenteAgendarYRegistrarUnReciente)
     // and it is never one of the recent ones.
     const qint32 agendado = comandoSobre(registrado, "MnuEdiAgendarAsiento");
     ASSERT_GT(agendado, 0);
-    auto rs = m_base.conexion().Abrir(QStringLiteral("Select MFrFechaProxima From genMovimientosFrecuentes Where MFrID = ?"
-                                                     " And MFrRecurrencia Is Not Null"), {agendado});
-    ASSERT_FALSE(rs->Fin());
-    EXPECT_EQ(rs->Fecha(QStringLiteral("MFrFechaProxima")), BaseDePrueba::Hoy().addDays(-1).addMonths(1));
-    rs->Cerrar();
+    EXPECT_EQ(m_base.Valor(QStringLiteral("Select MFrFechaProxima From genMovimientosFrecuentes Where MFrID = ?"
+                                          " And MFrRecurrencia Is Not Null"),
+                           {agendado}).toDate(),
+              BaseDePrueba::Hoy().addDays(-1).addMonths(1));
     EXPECT_EQ(recientes(), QStringList{QStringLiteral("Alquiler de oficina #%1").arg(frecuente)} + alComienzo);
     EXPECT_TRUE(m_mensajes.mostrados.isEmpty()) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
 
