@@ -94,7 +94,8 @@ TEST_P(Grabacion, LasVistasDeHoyYDeQuinceDiasCuentanDesdeElDiaDelReloj)
 
 // "Grabar" on one entry: to registered and back to draft, the opening-balance entry as any
 // other (1837 is for a second one), nothing over another user's newer write, nothing with
-// a closed account; a draft dated after today is scheduled or left.
+// a closed account; a draft dated after today is scheduled or left; an incomplete entry is
+// registered once it balances.
 TEST_P(Grabacion, GrabarUnAsiento)
 {
     const qint32 id = asiento(-3, 0, 150);
