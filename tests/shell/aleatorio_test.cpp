@@ -5,24 +5,12 @@
 //   ASIENTOS_ALEATORIO_PASOS=n     steps per seed (kPasos by default)
 #include "escenario.h"
 
-#include "comun/datosdeprueba.h"
 #include "comun/lecturasbase.h"
 #include "editing/cambiosajenos.h"
 #include "entries/historialasiento.h"
-#include "entries/vistas.h"
-#include "lineeditor/campocalculadora.h"
-#include "lineeditor/campofecha.h"
-#include "shell/idioma.h"
-#include "shell/menusdocumento.h"
-#include "store/basedemo.h"
 
-#include <QAction>
-#include <QComboBox>
 #include <QElapsedTimer>
 #include <QJsonDocument>
-#include <QLineEdit>
-#include <QSet>
-#include <QTimer>
 
 #include <iostream>
 #include <optional>
@@ -108,19 +96,12 @@ public:
         m_modales.start();
     }
 
-    // Runs the steps; false after the first step whose checks failed (already reported).
-    bool Jugar(int pasos)
+    // Runs the steps, each checked; stops after the first whose checks failed (already reported).
+    void Jugar(int pasos)
     {
-        if (!Revisar(0))
-            return false;
-        for (int n = 1; n <= pasos; ++n) {
-            paso(n);
-            if (!Revisar(n))
-                return false;
-        }
-        return true;
+        for (int n = 0; Revisar(n) && n < pasos;)
+            paso(++n);
     }
-
 
 private:
     // Steps ------------------------------------------------------------------------------
@@ -160,7 +141,10 @@ private:
             return seguirEdicion(c, n);
         switch (const int accion = al(16)) {
         case 0: case 1: return nuevo(c, n);
-        case 2: case 3: return abrir(c, n);
+        case 2: case 3:
+            if (abrirAlguno(c))
+                seguirEdicion(c, n);
+            return;
         case 4: case 5: return cambiarCabezal(c, accion == 4);
         case 6:
             if (!editando(c))
@@ -173,7 +157,7 @@ private:
         case 10: return comando(c, "MnuEdiDel", true);
         case 11: return comando(c, moneda(50) ? "MnuEdiCopy" : "MnuEdiASI", true);
         case 12: return comando(c, moneda(75) ? "MnuEdiSaveNormal" : "MnuSaveEnBorrador", true);
-        case 13: return unificar(c);
+        case 13: return comando(c, moneda(50) ? "MnuUnificarTCMC" : "MnuUnificarTCCta", false, true);
         case 14:
             if (!moneda(85))
                 return comando(c, "MnuEdiAPA", true);
@@ -187,14 +171,6 @@ private:
     {
         const int cabezal = c.doc->asientos().FilaCabezalDe(c.doc->FilaEdicion());
         return cabezal < 0 ? 0 : c.doc->asientos().IdDeFila(cabezal);
-    }
-    static QWidget *foco() { return QApplication::focusWidget(); }
-    static void enter(QWidget *w) { QTest::keyClick(w, Qt::Key_Return); }
-    static void escribir(QWidget *w, const QString &t)
-    {
-        if (auto *e = qobject_cast<QLineEdit *>(w))
-            e->selectAll();
-        QTest::keyClicks(w, t);
     }
     // Where the user's keys go: the focused control of the document, else its grid.
     static QWidget *teclado(Contador &c)
@@ -346,12 +322,6 @@ private:
         return editando(c) ? id : 0;
     }
 
-    void abrir(Contador &c, int n)
-    {
-        if (abrirAlguno(c))
-            seguirEdicion(c, n);
-    }
-
     // Carries on with the open entry: a new amount, a legend, lines, or Enter as it is.
     void seguirEdicion(Contador &c, int n)
     {
@@ -499,11 +469,6 @@ private:
             if (!a.EsFilaDiferencia(r) && a.LineaDeFila(r).iMon > Demo::kMonedaPesos)
                 return true;
         return false;
-    }
-
-    void unificar(Contador &c)
-    {
-        comando(c, moneda(50) ? "MnuUnificarTCMC" : "MnuUnificarTCCta", false, true);
     }
 
     // The entry the other accountant has current, also shown at the end of this grid.
@@ -654,15 +619,6 @@ private:
                             .arg(p.codigo).arg(p.importe).arg(id).arg(p.leyenda);
     }
 
-    // An entry's writes, oldest first, as "operation:user".
-    QString operaciones(qint32 id)
-    {
-        QStringList l;
-        for (const HistorialAsiento::Fila &f : HistorialAsiento::Leer(m_base.conexion(), id))
-            l << QStringLiteral("%1:%2").arg(f.operacion).arg(f.usuario);
-        return l.join(QLatin1Char(' '));
-    }
-
     // 2. Every stored entry a document shows, once the document has been told of other
     // sessions' writes, is marked as changed or is the entry as stored: state, date, book,
     // stamp and lines (account, side, amount in the accounting currency).
@@ -726,7 +682,7 @@ private:
             if (enBase != it.value())
                 m_fallas << QStringLiteral("%1 muestra el asiento %2 sin marca (imagen \"%6\") y distinto del guardado:\n    grilla %3\n    base   %4\n    historial %5")
                                 .arg(c.nombre).arg(it.key()).arg(it.value().join(QLatin1Char(' ')), enBase.join(QLatin1Char(' ')),
-                                                                 operaciones(it.key()), imagenes.value(it.key()));
+                                                                 Operaciones(m_base.conexion(), it.key(), true).join(QLatin1Char(' ')), imagenes.value(it.key()));
         }
     }
 
@@ -753,9 +709,7 @@ private:
     qint32 m_idAntes = -1;
 };
 
-class Aleatorio : public ::testing::TestWithParam<Motor>
-{
-};
+using Aleatorio = ::testing::TestWithParam<Motor>;
 
 TEST_P(Aleatorio, DosContadoresAlAzarNoRompenLosLibros)
 {

@@ -4,11 +4,8 @@
 
 #include "comun/dialogos.h"
 
-#include "entries/asientodatos.h"
 #include "search/frmfind.h"
-#include "store/basedemo.h"
 
-#include <QLineEdit>
 #include <QPushButton>
 #include <QToolButton>
 
@@ -63,14 +60,9 @@ protected:
     // without one).
     QList<qint32> idsEnBase(const QDate &desde = QDate(1900, 1, 1), const QDate &hasta = QDate(2999, 1, 1))
     {
-        QList<qint32> l;
-        auto rs = m_base.conexion().Abrir(QStringLiteral("Select AsiID From cceAsientos Where AsiEmpresa = ? And AsiEstado <> 9"
-                                                         " And AsiID In (Select ACuIDAsiento From cceAsientoCuenta)"
-                                                         " And AsiFechaAsiento Between ? And ? Order By AsiID"),
-                                          {Demo::kEmpresa, Conexion::ValorFecha(desde), Conexion::ValorFecha(hasta)});
-        for (; !rs->Fin(); rs->MoverSiguiente())
-            l << qint32(rs->Entero(QStringLiteral("AsiID")));
-        return l;
+        return ids(QStringLiteral("AsiEmpresa = %1 And AsiEstado <> 9 And AsiID In (Select ACuIDAsiento From cceAsientoCuenta)"
+                                  " And AsiFechaAsiento Between '%2' And '%3'")
+                       .arg(Demo::kEmpresa).arg(desde.toString(Qt::ISODate), hasta.toString(Qt::ISODate)));
     }
     QStringList filasGrilla() const { return filasVistas(m_doc->grilla().FilasFijas(), m_doc->grilla().Filas() - 1); }
     QString tituloVista() const { return m_doc->findChild<QToolButton *>(QStringLiteral("hlCargar"))->text(); }

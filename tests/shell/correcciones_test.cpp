@@ -1,16 +1,6 @@
 #include "escenario.h"
 
 #include "editing/comandosasiento.h"
-#include "entries/asientodatos.h"
-#include "entries/vistas.h"
-#include "shell/menusdocumento.h"
-#include "lineeditor/campocalculadora.h"
-#include "lineeditor/campofecha.h"
-#include "store/basedemo.h"
-
-#include <QAction>
-#include <QComboBox>
-#include <QLineEdit>
 
 namespace {
 
@@ -28,7 +18,7 @@ protected:
     }
 };
 
-TEST_P(Correcciones, LaLeyendaCambiadaSeGuardaAlSalirYNadaMasSinCambios)
+TEST_P(Correcciones, LeyendaLineaYCuentasCerradasDeUnAsientoGuardado)
 {
     const qint32 id = asiento({{"5.3.01", true, 1200}, {"1.1.01", false, 1200}});
     const AsientoEnBase antes = enBase(id);
@@ -54,59 +44,69 @@ TEST_P(Correcciones, LaLeyendaCambiadaSeGuardaAlSalirYNadaMasSinCambios)
     EXPECT_EQ(enBase(id), sinLibro);
     EXPECT_EQ(enBase(id).sello, sinLibro.sello);
     EXPECT_TRUE(m_mensajes.mostrados.isEmpty()) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
-}
 
-TEST_P(Correcciones, SeEliminaLaLineaElegidaYElAsientoQuedaInconcluso)
-{
     // Two lines of one account, one on each side: the row chosen is the one that goes.
-    const qint32 id = asiento({{"1.1.01", true, 10}, {"1.1.01", false, 3}, {"4.1.01", false, 7}});
-    int fila = -1;
-    for (int r = filaDe(id) + 1; r <= m_doc->asientos().UltimaFilaAsiento(filaDe(id)); ++r) {
+    const qint32 tres = asiento({{"1.1.01", true, 10}, {"1.1.01", false, 3}, {"4.1.01", false, 7}});
+    int linea = -1;
+    for (int r = filaDe(tres) + 1; r <= m_doc->asientos().UltimaFilaAsiento(filaDe(tres)); ++r) {
         const RegistroLinea l = m_doc->asientos().LineaDeFila(r);
         if (!l.bEsAlDebe && l.dImporteMC == 3_imp)
-            fila = r;
+            linea = r;
     }
-    ASSERT_GT(fila, 0);
-    m_doc->grid()->FijarFilaActual(fila);
+    ASSERT_GT(linea, 0);
+    m_doc->grid()->FijarFilaActual(linea);
     m_mensajes.Responder(ServicioMensajes::Respuesta::Si);
     QTest::keyClick(m_doc->grid(), Qt::Key_Delete);
-    const AsientoEnBase a = enBase(id);
-    ASSERT_EQ(a.lineas.size(), 2);
-    EXPECT_EQ(a.lineas[0].mid(0, 4), (QStringList{QStringLiteral("1.1.01"), QStringLiteral("D"), QStringLiteral("10"), QStringLiteral("10")}));
-    EXPECT_EQ(a.lineas[1].mid(0, 4), (QStringList{QStringLiteral("4.1.01"), QStringLiteral("H"), QStringLiteral("7"), QStringLiteral("7")}));
+    const AsientoEnBase quedan = enBase(tres);
+    ASSERT_EQ(quedan.lineas.size(), 2);
+    EXPECT_EQ(quedan.lineas[0].mid(0, 4), (QStringList{QStringLiteral("1.1.01"), QStringLiteral("D"), QStringLiteral("10"), QStringLiteral("10")}));
+    EXPECT_EQ(quedan.lineas[1].mid(0, 4), (QStringList{QStringLiteral("4.1.01"), QStringLiteral("H"), QStringLiteral("7"), QStringLiteral("7")}));
     // 10 against 7 no longer balances: incomplete, and "Grabar" cannot register it.
-    EXPECT_EQ(a.cabezal[0], QStringLiteral("2"));
-    m_doc->grid()->FijarFilaActual(filaDe(id));
+    EXPECT_EQ(quedan.cabezal[0], QStringLiteral("2"));
+    m_doc->grid()->FijarFilaActual(filaDe(tres));
     m_mensajes.mostrados.clear();
-    m_doc->menus().accion(QStringLiteral("MnuEdiSaveNormal"))->trigger();
-    EXPECT_EQ(enBase(id).cabezal[0], QStringLiteral("2"));
+    elegir("MnuEdiSaveNormal");
+    EXPECT_EQ(enBase(tres).cabezal[0], QStringLiteral("2"));
     ASSERT_EQ(m_mensajes.mostrados.size(), 1); // and the user is told why
     EXPECT_TRUE(m_mensajes.mostrados[0].startsWith(QStringLiteral("información: El asiento está incompleto")));
-}
 
-TEST_P(Correcciones, UnAsientoConUnaCuentaCerradaNoCambiaEnNada)
-{
     // An entry dated on the day an account of it closed: it cannot change.
-    const qint32 id = asiento({{"5.3.01", true, 500}, {"1.1.01", false, 500}});
+    const qint32 cerrado = asiento({{"5.3.01", true, 500}, {"1.1.01", false, 500}});
     m_base.conexion().Ejecutar(QStringLiteral("Update cceCuentas Set CueFechaCerrada = ? Where CueID = ?"),
-                               {Conexion::ValorFecha(BaseDePrueba::Hoy().addDays(-1)), cuenta("1.1.01")});
-    m_doc->comandos().RecargarAsiento(id, filaDe(id));
-    const AsientoEnBase antes = enBase(id);
-    abrir(filaDe(id) + 1); // the line of the open account
+                               {Conexion::ValorFecha(BaseDePrueba::Hoy().addDays(-1)), m_base.IdCuenta("1.1.01")});
+    m_doc->comandos().RecargarAsiento(cerrado, filaDe(cerrado));
+    const AsientoEnBase antesCerrado = enBase(cerrado);
+    abrir(filaDe(cerrado) + 1); // the line of the open account
     ASSERT_GT(m_doc->FilaEdicion(), 0);
     escribir(m_doc->campoLeyenda(), QStringLiteral("Otra leyenda"));
     escribir(editor()->campo(lumERAsiento::kImporte), QStringLiteral("600"));
     enter(editor()->campo(lumERAsiento::kImporte));
-    if (foco() == m_doc->findChild<QComboBox *>(QStringLiteral("cfAutoriza"))) {
-        m_doc->findChild<QComboBox *>(QStringLiteral("cfAutoriza"))->setCurrentIndex(0);
+    if (foco() == autoriza()) {
+        autoriza()->setCurrentIndex(0);
         enter(editor()->campo(lumERAsiento::kImporte));
     }
     EXPECT_TRUE(m_mensajes.mostrados.contains(Dicho("error", 1811)))
         << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
     if (m_doc->FilaEdicion() > 0)
         escape(foco());
-    EXPECT_EQ(enBase(id), antes);
-    EXPECT_EQ(enBase(id).sello, antes.sello);
+    EXPECT_EQ(enBase(cerrado), antesCerrado);
+    EXPECT_EQ(enBase(cerrado).sello, antesCerrado.sello);
+
+    // An account closed in the entry above, in the grid, does not keep this one from moving to
+    // an earlier day: only the entry's own lines count.
+    m_mensajes.mostrados.clear();
+    m_base.conexion().Ejecutar(QStringLiteral("Update cceCuentas Set CueFechaCerrada = ? Where CueID = ?"),
+                               {Conexion::ValorFecha(BaseDePrueba::Hoy().addDays(-10)), m_base.IdCuenta("1.1.01")});
+    asiento({{"5.3.01", true, 70}, {"1.1.01", false, 70}});
+    const qint32 abajo = asiento({{"5.3.01", true, 80}, {"4.1.01", false, 80}});
+    abrir(filaDe(abajo));
+    ASSERT_GT(m_doc->FilaEdicion(), 0);
+    m_doc->campoFecha()->setDate(BaseDePrueba::Hoy().addDays(-20));
+    QTest::keyClick(m_doc->campoFecha(), Qt::Key_Tab);
+    autoriza()->setCurrentIndex(0);
+    enter(editor()->campo(lumERAsiento::kImporte));
+    EXPECT_TRUE(m_mensajes.mostrados.isEmpty()) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
+    EXPECT_EQ(enBase(abajo).cabezal.value(1), BaseDePrueba::Hoy().addDays(-20).toString(Qt::ISODate));
 }
 
 // A new entry moved to a date on which one of its accounts is closed is not stored when it
@@ -121,7 +121,7 @@ TEST_P(Correcciones, UnNuevoLlevadoAUnDiaConUnaCuentaCerradaNoSeGraba)
     m_doc->campoFecha()->setDate(cierre.addDays(1)); // the account is open after its closing day
     QTest::keyClick(m_doc->campoFecha(), Qt::Key_Tab);
     escribir(m_doc->campoLeyenda(), QStringLiteral("Con cuenta cerrada"));
-    m_doc->findChild<QComboBox *>(QStringLiteral("cfAutoriza"))->setCurrentIndex(0);
+    autoriza()->setCurrentIndex(0);
     editor()->SetFocusCtrl(lumERAsiento::kDebe, 0);
     escribir(editor()->campoCuenta(true), codigo);
     enter(editor()->campoCuenta(true));
@@ -137,24 +137,6 @@ TEST_P(Correcciones, UnNuevoLlevadoAUnDiaConUnaCuentaCerradaNoSeGraba)
     EXPECT_TRUE(m_mensajes.mostrados.contains(Dicho("error", 1811))) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
     EXPECT_GT(m_doc->FilaEdicion(), 0);
     EXPECT_TRUE(ids(QStringLiteral("AsiLeyenda = 'Con cuenta cerrada'")).isEmpty());
-}
-
-// An account closed in the entry above, in the grid, does not keep this one from moving to
-// an earlier day: only the entry's own lines count.
-TEST_P(Correcciones, LaCuentaCerradaDelAsientoDeArribaNoTrabaLaFecha)
-{
-    m_base.conexion().Ejecutar(QStringLiteral("Update cceCuentas Set CueFechaCerrada = ? Where CueID = ?"),
-                               {Conexion::ValorFecha(BaseDePrueba::Hoy().addDays(-10)), cuenta("1.1.01")});
-    asiento({{"5.3.01", true, 70}, {"1.1.01", false, 70}});
-    const qint32 id = asiento({{"5.3.01", true, 80}, {"4.1.01", false, 80}});
-    abrir(filaDe(id));
-    ASSERT_GT(m_doc->FilaEdicion(), 0);
-    m_doc->campoFecha()->setDate(BaseDePrueba::Hoy().addDays(-20));
-    QTest::keyClick(m_doc->campoFecha(), Qt::Key_Tab);
-    m_doc->findChild<QComboBox *>(QStringLiteral("cfAutoriza"))->setCurrentIndex(0);
-    enter(editor()->campo(lumERAsiento::kImporte));
-    EXPECT_TRUE(m_mensajes.mostrados.isEmpty()) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
-    EXPECT_EQ(enBase(id).cabezal.value(1), BaseDePrueba::Hoy().addDays(-20).toString(Qt::ISODate));
 }
 
 INSTANCIAR_EN_MOTORES(Correcciones);

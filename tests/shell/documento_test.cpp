@@ -1,14 +1,9 @@
 #include "escenario.h"
 
-#include "entries/vistas.h"
 #include "dialogs/serviciomensajesqt.h"
-#include "shell/menusdocumento.h"
 #include "store/esquema.h"
 
-#include <QAction>
-#include <QComboBox>
 #include <QDir>
-#include <QFile>
 #include <QMainWindow>
 #include <QMenu>
 #include <QMessageBox>
@@ -63,130 +58,6 @@ protected:
     std::shared_ptr<Proceso> m_proceso = ProcesoDePrueba(m_base); // the documents of one test share it
 };
 
-TEST_F(Documento, AdministradorQuedaListoConTodosLosEnlaces)
-{
-    auto doc = abrir(usuario(Demo::kUsuarioAdministrador));
-    EXPECT_EQ(doc->estado(), lumIngAsiento::Estado::Listo);
-    EXPECT_TRUE(m_host.comandos.isEmpty()) << m_host.comandos.join(QLatin1Char('\n')).toStdString();
-    EXPECT_TRUE(m_mensajes.mostrados.isEmpty()) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
-    for (const char *l : {"hlRegistro", "hlAsientoFrecuente", "hlOpSave", "hlFind", "hlCargar"})
-        EXPECT_TRUE(habilitado(*doc, l)) << l;
-    EXPECT_EQ(doc->datosHost().NombreEmpresa, doc->empresa().NombreEmpresa); // the company row wins
-    EXPECT_EQ(m_mensajes.titulo(), QStringLiteral("Ingreso de Asientos"));
-
-    // Entries carry an authoriser in the demo company, which is multi-user.
-    auto *autoriza = doc->findChild<QComboBox *>(QStringLiteral("cfAutoriza"));
-    ASSERT_NE(autoriza, nullptr);
-    EXPECT_FALSE(autoriza->isHidden());
-    EXPECT_EQ(autoriza->count(), 2);
-    EXPECT_NE(autoriza->findData(Demo::kUsuarioAdministrador), -1);
-
-    // Every entry command is offered, print and export included.
-    EXPECT_TRUE(doc->menus().MnuExportar->menuAction()->isVisible());
-    for (const char *a : {"MnuPriCnfgPage", "MnuPriPrint", "MnuPriPrevia", "MnuExpExcell", "MnuExpCSV", "MnuExpHtml", "MnuEdiNew", "MnuEdiDel", "MnuEdiDelRow", "MnuEdiAddCta", "MnuEdiSaveNormal", "MnuEdiCopy",
-                          "MnuEdiHide", "MnuUnificarTCCta", "MnuUnificarTCMC", "MnuEdiHacerFrecuente",
-                          "MnuEdiAgendarAsiento", "MnuEdiLibro", "MnuEdiAPA", "MnuEdiASI", "MnuAFrRegistrar", "MnuAFrNew"})
-        EXPECT_TRUE(doc->menus().accion(QString::fromLatin1(a))->isVisible()) << a;
-}
-
-TEST_F(Documento, UsuarioDeConsultaSoloBuscaYCambiaVista)
-{
-    auto doc = abrir(usuario(Demo::kUsuarioConsulta));
-    EXPECT_EQ(doc->estado(), lumIngAsiento::Estado::Listo);
-    EXPECT_TRUE(habilitado(*doc, "hlRegistro")) << "the history and printing are there";
-    EXPECT_FALSE(habilitado(*doc, "hlAsientoFrecuente"));
-    EXPECT_FALSE(habilitado(*doc, "hlOpSave"));
-    EXPECT_TRUE(habilitado(*doc, "hlFind"));
-    EXPECT_TRUE(habilitado(*doc, "hlCargar"));
-    // The pointer over a link underlines it while it can be followed, and leaving takes it off.
-    for (const char *l : {"hlFind", "hlOpSave"}) {
-        auto *enlace = doc->findChild<QToolButton *>(QString::fromLatin1(l));
-        QEnterEvent entra(QPointF(1, 1), QPointF(1, 1), QPointF(1, 1));
-        QApplication::sendEvent(enlace, &entra);
-        EXPECT_EQ(enlace->font().underline(), enlace->isEnabled()) << l;
-        QEvent sale(QEvent::Leave);
-        QApplication::sendEvent(enlace, &sale);
-        EXPECT_FALSE(enlace->font().underline()) << l;
-    }
-
-    // The grid's own menu offers no write either: right-click on an entry.
-    doc->ElegirVista(Vista::kPrimerMes);
-    doc->resize(900, 500);
-    QTest::mouseClick(doc->grid()->viewport(), Qt::RightButton, {}, QPoint(20, doc->grid()->rowViewportPosition(1) + 2));
-    EXPECT_EQ(doc->grid()->FilaActual(), doc->grilla().FilasFijas() + 1); // the menu is the clicked row's
-    for (const char *a : {"MnuEdiNew", "MnuEdiDel", "MnuEdiDelRow", "MnuEdiAddCta", "MnuEdiSaveNormal", "MnuEdiCopy",
-                          "MnuEdiHacerFrecuente", "MnuEdiAgendarAsiento", "MnuEdiLibro", "MnuUnificarTCCta", "MnuEdiAPA",
-                          "MnuEdiASI", "MnuEdiDeshacer"})
-        EXPECT_FALSE(doc->menus().accion(QString::fromLatin1(a))->isEnabled()) << a;
-    EXPECT_TRUE(doc->menus().accion(QStringLiteral("MnuEdiHide"))->isEnabled());
-    EXPECT_TRUE(doc->menus().accion(QStringLiteral("MnuEdiHistorial"))->isEnabled());
-    doc->menus().MnuEdicion->close();
-}
-
-// Each letter alone opens its own links; the search and the views come with any of them.
-TEST_F(Documento, CadaLetraSolaHabilitaSusEnlaces)
-{
-    for (const auto &[letras, frecuentes, grabar] : {std::tuple{"A", true, false}, {"M", false, true}, {"E", false, false}}) {
-        SCOPED_TRACE(letras);
-        m_base.conexion().Ejecutar(QStringLiteral("Update segPermisos Set PerLetras = ? Where PerUsuario = ?"),
-                                   {QString::fromLatin1(letras), Demo::kUsuarioConsulta});
-        auto doc = abrir(usuario(Demo::kUsuarioConsulta));
-        ASSERT_EQ(doc->estado(), lumIngAsiento::Estado::Listo);
-        EXPECT_TRUE(habilitado(*doc, "hlRegistro"));
-        EXPECT_EQ(habilitado(*doc, "hlAsientoFrecuente"), frecuentes);
-        EXPECT_EQ(habilitado(*doc, "hlOpSave"), grabar);
-        EXPECT_TRUE(habilitado(*doc, "hlFind"));
-        EXPECT_TRUE(habilitado(*doc, "hlCargar"));
-    }
-}
-
-TEST_F(Documento, SinLetrasSeDeniegaElAcceso)
-{
-    auto doc = abrir(usuario(Demo::kUsuarioSinPermisos));
-    EXPECT_EQ(doc->estado(), lumIngAsiento::Estado::Detenido);
-    ASSERT_EQ(m_host.comandos.size(), 1);
-    EXPECT_EQ(m_host.comandos[0], QStringLiteral("lumcod:inf_AccesoDenegado<prm>[NombreApp]:=Ingreso de Asientos</prm>"));
-    EXPECT_EQ(m_host.marcos[0], QStringLiteral("centro"));
-}
-
-TEST_F(Documento, FallasDeArranqueVanAlHost)
-{
-    struct Caso
-    {
-        QString parametros;
-        QString baseDatos;
-        QString comando;
-    };
-    const QString noHay = m_carpeta.filePath(QStringLiteral("no-hay.sqlite"));
-    const Caso casos[] = {
-        {QString(), {}, QString()}, // nothing asked for: an empty page, nothing said
-        {QStringLiteral("psidusuario=1|psidempresa=0"), {},
-         QStringLiteral("lumcod:main_Error<prm>[prmErrDesc]:=Error al obtener los parámetros para el ingreso de asientos.</prm>")},
-        {usuario(1), noHay,
-         QStringLiteral("lumcod:main_Error<prm>[prmErrDesc]:=Error al iniciar la conexión a los datos, error: no existe el archivo ")
-             + noHay + QStringLiteral(". Para crear en él la base de datos ejecute «asientos --db ") + noHay
-             + QStringLiteral(" --inicializar».</prm>")},
-    };
-    for (const Caso &c : casos) {
-        m_host.comandos.clear();
-        auto doc = abrir(c.parametros, c.baseDatos);
-        EXPECT_EQ(doc->estado(), lumIngAsiento::Estado::Detenido);
-        EXPECT_EQ(m_host.comandos, c.comando.isNull() ? QStringList() : QStringList{c.comando});
-    }
-    EXPECT_TRUE(m_mensajes.mostrados.isEmpty());
-}
-
-TEST_F(Documento, SinComponenteDeIdiomaNoArranca)
-{
-    m_forzados.insert(QStringLiteral("LUM01/Idioma"), QStringLiteral("9"));
-    auto doc = abrir(usuario(1));
-    EXPECT_EQ(doc->EstadoInicio(), 9);
-    ASSERT_EQ(m_mensajes.mostrados.size(), 1);
-    EXPECT_TRUE(m_mensajes.mostrados[0].contains(QStringLiteral("LNG_TCO_009.dll")));
-    // Without the catalogue the failure text is empty.
-    EXPECT_EQ(m_host.comandos, QStringList{QStringLiteral("lumcod:main_Error<prm>[prmErrDesc]:=</prm>")});
-}
-
 // The document inside a window, shown the way the program's host shows it, with the real
 // message boxes on that window; each box is answered with its default button as soon as it
 // is up. Returns the texts of the boxes, in order, once start-up has ended.
@@ -220,8 +91,177 @@ QStringList ArrancarMostrando(const EntornoDocumento &base, HostDePrueba &host, 
     return cajas;
 }
 
-TEST_F(Documento, CajasDeMensajeDelArranqueConLaVentanaRecienMostrada)
+int cabezales(lumIngAsiento &doc)
 {
+    int n = 0;
+    for (int r = 1; r < doc.grilla().Filas(); ++r)
+        n += doc.asientos().EsFilaCabezal(r) ? 1 : 0;
+    return n;
+}
+
+TEST_F(Documento, AdministradorQuedaListoConTodosLosEnlacesYCadaVistaCargaSusAsientos)
+{
+    auto doc = abrir(usuario(Demo::kUsuarioAdministrador));
+    EXPECT_EQ(doc->estado(), lumIngAsiento::Estado::Listo);
+    EXPECT_TRUE(m_host.comandos.isEmpty()) << m_host.comandos.join(QLatin1Char('\n')).toStdString();
+    EXPECT_TRUE(m_mensajes.mostrados.isEmpty()) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
+    for (const char *l : {"hlRegistro", "hlAsientoFrecuente", "hlOpSave", "hlFind", "hlCargar"})
+        EXPECT_TRUE(habilitado(*doc, l)) << l;
+    EXPECT_EQ(doc->datosHost().NombreEmpresa, doc->empresa().NombreEmpresa); // the company row wins
+    EXPECT_EQ(m_mensajes.titulo(), QStringLiteral("Ingreso de Asientos"));
+
+    // Entries carry an authoriser in the demo company, which is multi-user.
+    auto *autoriza = doc->findChild<QComboBox *>(QStringLiteral("cfAutoriza"));
+    ASSERT_NE(autoriza, nullptr);
+    EXPECT_FALSE(autoriza->isHidden());
+    EXPECT_EQ(autoriza->count(), 2);
+    EXPECT_NE(autoriza->findData(Demo::kUsuarioAdministrador), -1);
+
+    // Every entry command is offered, print and export included.
+    EXPECT_TRUE(doc->menus().MnuExportar->menuAction()->isVisible());
+    for (const char *a : {"MnuPriCnfgPage", "MnuPriPrint", "MnuPriPrevia", "MnuExpExcell", "MnuExpCSV", "MnuExpHtml", "MnuEdiNew", "MnuEdiDel", "MnuEdiDelRow", "MnuEdiAddCta", "MnuEdiSaveNormal", "MnuEdiCopy",
+                          "MnuEdiHide", "MnuUnificarTCCta", "MnuUnificarTCMC", "MnuEdiHacerFrecuente",
+                          "MnuEdiAgendarAsiento", "MnuEdiLibro", "MnuEdiAPA", "MnuEdiASI", "MnuAFrRegistrar", "MnuAFrNew"})
+        EXPECT_TRUE(doc->menus().accion(QString::fromLatin1(a))->isVisible()) << a;
+    // The help link goes to its page.
+    doc->findChild<QToolButton *>(QStringLiteral("imgHelp"))->click();
+    EXPECT_EQ(m_host.comandos, QStringList{QStringLiteral("lumNav:navhelp?Main|asientos\\ingreso_de_asientos.htm")});
+    EXPECT_EQ(m_host.marcos, QStringList{QString()});
+
+    // Another document of the user starts on the recent entries; each view loads its own.
+    auto otro = abrir(usuario(1));
+    EXPECT_EQ(otro->VistaActual(), QStringLiteral("0"));
+    EXPECT_EQ(otro->grilla().Texto(1, 0), QStringLiteral("Nuevo Asiento"));
+
+    otro->ElegirVista(1);
+    EXPECT_EQ(cabezales(*otro), 5);
+    EXPECT_EQ(otro->findChild<QToolButton *>(QStringLiteral("hlCargar"))->text(), QStringLiteral("Ver : Últimos 5 ingresados"));
+    EXPECT_TRUE(otro->menus().MnuVieitem[1]->isChecked());
+    EXPECT_FALSE(otro->menus().MnuVieitem[0]->isChecked());
+    // The amount columns show the accounting currency's mask.
+    EXPECT_EQ(otro->grilla().FormatoColumna(2), QStringLiteral("#,##0.00"));
+
+    // A month: every header row is dated in it.
+    otro->ElegirVista(Vista::kPrimerMes + 1);
+    const QDate mes = otro->menus().MnuViewMItem[1]->data().toDate();
+    ASSERT_TRUE(mes.isValid());
+    for (int r = 1; r < otro->grilla().Filas(); ++r)
+        if (otro->asientos().EsFilaCabezal(r))
+            EXPECT_EQ(otro->grilla().Dato(r, 2).toDate().month(), mes.month());
+    EXPECT_TRUE(otro->findChild<QToolButton *>(QStringLiteral("hlCargar"))->text().startsWith(QStringLiteral("Ver : ")));
+
+    // The user's preferences survive a restart; another user keeps their own.
+    otro.reset();
+    otro = abrir(usuario(1));
+    EXPECT_FALSE(otro->AsiSaveB());
+    EXPECT_EQ(otro->AsiOrder(), 0);
+    EXPECT_TRUE(otro->menus().accion(QStringLiteral("MnuEdiVCod"))->isChecked());
+    otro->menus().accion(QStringLiteral("MnuSaveNewBorrador"))->trigger();
+    otro->menus().accion(QStringLiteral("MnuEdiVIngreso"))->trigger();
+    EXPECT_TRUE(otro->AsiSaveB());
+    EXPECT_EQ(otro->AsiOrder(), 1);
+    otro.reset();
+    otro = abrir(usuario(1));
+    EXPECT_TRUE(otro->AsiSaveB());
+    EXPECT_EQ(otro->AsiOrder(), 1);
+    EXPECT_TRUE(otro->menus().accion(QStringLiteral("MnuSaveNewBorrador"))->isChecked());
+    EXPECT_TRUE(otro->menus().accion(QStringLiteral("MnuEdiVIngreso"))->isChecked());
+    EXPECT_FALSE(otro->menus().accion(QStringLiteral("MnuEdiVCod"))->isChecked());
+
+    otro.reset();
+    EXPECT_FALSE(abrir(usuario(Demo::kUsuarioContador))->AsiSaveB());
+}
+
+TEST_F(Documento, UsuarioDeConsultaSoloBuscaYCambiaVistaYCadaLetraSusEnlaces)
+{
+    auto doc = abrir(usuario(Demo::kUsuarioConsulta));
+    EXPECT_EQ(doc->estado(), lumIngAsiento::Estado::Listo);
+    EXPECT_TRUE(habilitado(*doc, "hlRegistro")) << "the history and printing are there";
+    EXPECT_FALSE(habilitado(*doc, "hlAsientoFrecuente"));
+    EXPECT_FALSE(habilitado(*doc, "hlOpSave"));
+    EXPECT_TRUE(habilitado(*doc, "hlFind"));
+    EXPECT_TRUE(habilitado(*doc, "hlCargar"));
+    // The pointer over a link underlines it while it can be followed, and leaving takes it off.
+    for (const char *l : {"hlFind", "hlOpSave"}) {
+        auto *enlace = doc->findChild<QToolButton *>(QString::fromLatin1(l));
+        QEnterEvent entra(QPointF(1, 1), QPointF(1, 1), QPointF(1, 1));
+        QApplication::sendEvent(enlace, &entra);
+        EXPECT_EQ(enlace->font().underline(), enlace->isEnabled()) << l;
+        QEvent sale(QEvent::Leave);
+        QApplication::sendEvent(enlace, &sale);
+        EXPECT_FALSE(enlace->font().underline()) << l;
+    }
+
+    // The grid's own menu offers no write either: right-click on an entry.
+    doc->ElegirVista(Vista::kPrimerMes);
+    doc->resize(900, 500);
+    QTest::mouseClick(doc->grid()->viewport(), Qt::RightButton, {}, QPoint(20, doc->grid()->rowViewportPosition(1) + 2));
+    EXPECT_EQ(doc->grid()->FilaActual(), doc->grilla().FilasFijas() + 1); // the menu is the clicked row's
+    for (const char *a : {"MnuEdiNew", "MnuEdiDel", "MnuEdiDelRow", "MnuEdiAddCta", "MnuEdiSaveNormal", "MnuEdiCopy",
+                          "MnuEdiHacerFrecuente", "MnuEdiAgendarAsiento", "MnuEdiLibro", "MnuUnificarTCCta", "MnuEdiAPA",
+                          "MnuEdiASI", "MnuEdiDeshacer"})
+        EXPECT_FALSE(doc->menus().accion(QString::fromLatin1(a))->isEnabled()) << a;
+    EXPECT_TRUE(doc->menus().accion(QStringLiteral("MnuEdiHide"))->isEnabled());
+    EXPECT_TRUE(doc->menus().accion(QStringLiteral("MnuEdiHistorial"))->isEnabled());
+    doc->menus().MnuEdicion->close();
+
+    // Each letter alone opens its own links; the search and the views come with any of them.
+    for (const auto &[letras, frecuentes, grabar] : {std::tuple{"A", true, false}, {"M", false, true}, {"E", false, false}}) {
+        SCOPED_TRACE(letras);
+        m_base.conexion().Ejecutar(QStringLiteral("Update segPermisos Set PerLetras = ? Where PerUsuario = ?"),
+                                   {QString::fromLatin1(letras), Demo::kUsuarioConsulta});
+        auto solo = abrir(usuario(Demo::kUsuarioConsulta));
+        ASSERT_EQ(solo->estado(), lumIngAsiento::Estado::Listo);
+        EXPECT_TRUE(habilitado(*solo, "hlRegistro"));
+        EXPECT_EQ(habilitado(*solo, "hlAsientoFrecuente"), frecuentes);
+        EXPECT_EQ(habilitado(*solo, "hlOpSave"), grabar);
+        EXPECT_TRUE(habilitado(*solo, "hlFind"));
+        EXPECT_TRUE(habilitado(*solo, "hlCargar"));
+    }
+}
+
+TEST_F(Documento, FallasDeArranqueVanAlHostOAUnaCaja)
+{
+    struct Caso
+    {
+        QString parametros;
+        QString baseDatos;
+        QString comando;
+    };
+    const QString noHay = m_carpeta.filePath(QStringLiteral("no-hay.sqlite"));
+    const Caso casos[] = {
+        {QString(), {}, QString()}, // nothing asked for: an empty page, nothing said
+        {QStringLiteral("psidusuario=1|psidempresa=0"), {},
+         QStringLiteral("lumcod:main_Error<prm>[prmErrDesc]:=Error al obtener los parámetros para el ingreso de asientos.</prm>")},
+        {usuario(1), noHay,
+         QStringLiteral("lumcod:main_Error<prm>[prmErrDesc]:=Error al iniciar la conexión a los datos, error: no existe el archivo ")
+             + noHay + QStringLiteral(". Para crear en él la base de datos ejecute «asientos --db ") + noHay
+             + QStringLiteral(" --inicializar».</prm>")},
+    };
+    for (const Caso &c : casos) {
+        m_host.comandos.clear();
+        auto doc = abrir(c.parametros, c.baseDatos);
+        EXPECT_EQ(doc->estado(), lumIngAsiento::Estado::Detenido);
+        EXPECT_EQ(m_host.comandos, c.comando.isNull() ? QStringList() : QStringList{c.comando});
+    }
+    EXPECT_TRUE(m_mensajes.mostrados.isEmpty());
+
+    // A user without letters is denied access, in the centre frame.
+    m_host.comandos.clear();
+    EXPECT_EQ(abrir(usuario(Demo::kUsuarioSinPermisos))->estado(), lumIngAsiento::Estado::Detenido);
+    EXPECT_EQ(m_host.comandos, QStringList{QStringLiteral("lumcod:inf_AccesoDenegado<prm>[NombreApp]:=Ingreso de Asientos</prm>")});
+    EXPECT_EQ(m_host.marcos.last(), QStringLiteral("centro"));
+
+    // Without the language component the failure text is empty.
+    m_forzados.insert(QStringLiteral("LUM01/Idioma"), QStringLiteral("9"));
+    m_host.comandos.clear();
+    m_mensajes.mostrados.clear();
+    EXPECT_EQ(abrir(usuario(1))->EstadoInicio(), 9);
+    ASSERT_EQ(m_mensajes.mostrados.size(), 1);
+    EXPECT_TRUE(m_mensajes.mostrados[0].contains(QStringLiteral("LNG_TCO_009.dll")));
+    EXPECT_EQ(m_host.comandos, QStringList{QStringLiteral("lumcod:main_Error<prm>[prmErrDesc]:=</prm>")});
+
+    // The message boxes of the start-up, with the window just shown.
     EntornoDocumento e;
     e.ajustes.archivoAjustes = m_carpeta.filePath(QStringLiteral("ajustes.ini"));
     m_host.base = QStringLiteral("lumapp://asientos/ingreso.htm?") + usuario(Demo::kUsuarioAdministrador);
@@ -234,9 +274,9 @@ TEST_F(Documento, CajasDeMensajeDelArranqueConLaVentanaRecienMostrada)
         m_host.comandos.clear();
         BaseDePrueba vacia(motor, BaseDePrueba::Contenido::Vacia);
         e.ajustes.baseDatos = vacia.direccion();
-        const QStringList cajas = ArrancarMostrando(e, m_host, estado);
+        const QStringList cajasLeidas = ArrancarMostrando(e, m_host, estado);
         EXPECT_NE(estado, lumIngAsiento::Estado::Listo);
-        EXPECT_TRUE(cajas.isEmpty()) << cajas.join(QLatin1Char('\n')).toStdString();
+        EXPECT_TRUE(cajasLeidas.isEmpty()) << cajasLeidas.join(QLatin1Char('\n')).toStdString();
         ASSERT_EQ(m_host.comandos.size(), 1);
         EXPECT_TRUE(m_host.comandos[0].startsWith(QLatin1String("lumcod:main_Error")));
         EXPECT_TRUE(m_host.comandos[0].contains(QStringLiteral("está vacía"))) << m_host.comandos[0].toStdString();
@@ -249,10 +289,10 @@ TEST_F(Documento, CajasDeMensajeDelArranqueConLaVentanaRecienMostrada)
     // The parameters cannot be read (the table is there, its value column is not).
     m_base.conexion().Ejecutar(QStringLiteral("Alter Table genParametros Rename Column ParValor To ParOtro"));
     e.ajustes.baseDatos = m_base.direccion();
-    const QStringList cajas = ArrancarMostrando(e, m_host, estado);
+    const QStringList cajasLeidas = ArrancarMostrando(e, m_host, estado);
     EXPECT_EQ(estado, lumIngAsiento::Estado::Listo);
-    ASSERT_FALSE(cajas.isEmpty());
-    EXPECT_EQ(cajas[0], QStringLiteral("Error al cargar los parámetros del sistema."));
+    ASSERT_FALSE(cajasLeidas.isEmpty());
+    EXPECT_EQ(cajasLeidas[0], QStringLiteral("Error al cargar los parámetros del sistema."));
     EXPECT_TRUE(m_host.comandos.isEmpty()) << m_host.comandos.join(QLatin1Char('\n')).toStdString();
 
     // Nor is a currency list that cannot be read passed over in silence.
@@ -263,81 +303,9 @@ TEST_F(Documento, CajasDeMensajeDelArranqueConLaVentanaRecienMostrada)
         << sinMonedas.join(QLatin1Char('\n')).toStdString();
 }
 
-TEST_F(Documento, PreferenciasDelUsuarioSobrevivenAlReinicio)
-{
-    {
-        auto doc = abrir(usuario(1));
-        EXPECT_FALSE(doc->AsiSaveB());
-        EXPECT_EQ(doc->AsiOrder(), 0);
-        EXPECT_TRUE(doc->menus().accion(QStringLiteral("MnuEdiVCod"))->isChecked());
-        doc->menus().accion(QStringLiteral("MnuSaveNewBorrador"))->trigger();
-        doc->menus().accion(QStringLiteral("MnuEdiVIngreso"))->trigger();
-        EXPECT_TRUE(doc->AsiSaveB());
-        EXPECT_EQ(doc->AsiOrder(), 1);
-    }
-    auto doc = abrir(usuario(1));
-    EXPECT_TRUE(doc->AsiSaveB());
-    EXPECT_EQ(doc->AsiOrder(), 1);
-    EXPECT_TRUE(doc->menus().accion(QStringLiteral("MnuSaveNewBorrador"))->isChecked());
-    EXPECT_TRUE(doc->menus().accion(QStringLiteral("MnuEdiVIngreso"))->isChecked());
-    EXPECT_FALSE(doc->menus().accion(QStringLiteral("MnuEdiVCod"))->isChecked());
-
-    // Another user keeps their own preferences.
-    doc.reset();
-    auto otro = abrir(usuario(Demo::kUsuarioContador));
-    EXPECT_FALSE(otro->AsiSaveB());
-}
-
-TEST_F(Documento, LaAyudaLlevaASuPagina)
-{
-    auto doc = abrir(usuario(1));
-    doc->findChild<QToolButton *>(QStringLiteral("imgHelp"))->click();
-    EXPECT_EQ(m_host.comandos, QStringList{QStringLiteral("lumNav:navhelp?Main|asientos\\ingreso_de_asientos.htm")});
-    EXPECT_EQ(m_host.marcos, QStringList{QString()});
-}
-
-TEST_F(Documento, LaEmpresaQueFaltaLaDaElProceso)
-{
-    auto uno = abrir(usuario(1));
-    auto dos = abrir(QStringLiteral("psidusuario=2|psckey=lum01"));
-    EXPECT_EQ(dos->estado(), lumIngAsiento::Estado::Listo);
-    EXPECT_EQ(dos->empresa().NombreEmpresa, uno->empresa().NombreEmpresa);
-}
 
 
-int cabezales(lumIngAsiento &doc)
-{
-    int n = 0;
-    for (int r = 1; r < doc.grilla().Filas(); ++r)
-        n += doc.asientos().EsFilaCabezal(r) ? 1 : 0;
-    return n;
-}
-
-TEST_F(Documento, ArrancaEnRecienIngresadosYCadaVistaCargaSusAsientos)
-{
-    auto doc = abrir(usuario(1));
-    EXPECT_EQ(doc->VistaActual(), QStringLiteral("0"));
-    EXPECT_EQ(doc->grilla().Texto(1, 0), QStringLiteral("Nuevo Asiento"));
-
-    doc->ElegirVista(1);
-    EXPECT_EQ(cabezales(*doc), 5);
-    EXPECT_EQ(doc->findChild<QToolButton *>(QStringLiteral("hlCargar"))->text(), QStringLiteral("Ver : Últimos 5 ingresados"));
-    EXPECT_TRUE(doc->menus().MnuVieitem[1]->isChecked());
-    EXPECT_FALSE(doc->menus().MnuVieitem[0]->isChecked());
-    // The amount columns show the accounting currency's mask.
-    EXPECT_EQ(doc->grilla().FormatoColumna(2), QStringLiteral("#,##0.00"));
-
-    // A month: every header row is dated in it.
-    doc->ElegirVista(Vista::kPrimerMes + 1);
-    const QDate mes = doc->menus().MnuViewMItem[1]->data().toDate();
-    ASSERT_TRUE(mes.isValid());
-    for (int r = 1; r < doc->grilla().Filas(); ++r)
-        if (doc->asientos().EsFilaCabezal(r))
-            EXPECT_EQ(doc->grilla().Dato(r, 2).toDate().month(), mes.month());
-    EXPECT_TRUE(doc->findChild<QToolButton *>(QStringLiteral("hlCargar"))->text().startsWith(QStringLiteral("Ver : ")));
-}
-
-TEST_F(Documento, LaGrillaVuelveComoSeDejoYUnDisenoDanadoNoDetiene)
+TEST_F(Documento, LaGrillaVuelveComoSeDejoUnDisenoDanadoNoDetieneYElPedidoDeAsiento)
 {
     const QString carpeta = m_carpeta.filePath(QStringLiteral("tmp dir"));
     const QString parametros = QStringLiteral("psidusuario=1|psidempresa=1|pskeyinit=1|pstempdir=")
@@ -378,10 +346,8 @@ TEST_F(Documento, LaGrillaVuelveComoSeDejoYUnDisenoDanadoNoDetiene)
     }
     {
         // An entry asked for at start-up is made current, whether the saved rows hold it or not.
-        auto rs = m_base.conexion().Abrir(QStringLiteral("Select Min(AsiID), Max(AsiID) From cceAsientos Where AsiEstado <> 9"));
-        const qint32 primero = QVariant(rs->Campo(0)).toInt();
-        const qint32 ultimo = QVariant(rs->Campo(1)).toInt();
-        rs->Cerrar();
+        const qint32 primero = m_base.Valor(QStringLiteral("Select Min(AsiID) From cceAsientos Where AsiEstado <> 9")).toInt();
+        const qint32 ultimo = m_base.Valor(QStringLiteral("Select Max(AsiID) From cceAsientos Where AsiEstado <> 9")).toInt();
         for (const qint32 id : {ultimo, primero}) {
             auto doc = abrir(parametros + QStringLiteral("|prmidasi=%1").arg(id));
             const int actual = doc->grid()->FilaActual();
@@ -398,27 +364,24 @@ TEST_F(Documento, LaGrillaVuelveComoSeDejoYUnDisenoDanadoNoDetiene)
     auto doc = abrir(parametros);
     EXPECT_EQ(doc->estado(), lumIngAsiento::Estado::Listo);
     EXPECT_EQ(doc->grilla().Filas(), 2);
+
+    // An entry asked for at start-up alone.
+    const int pedido = m_base.Valor(QStringLiteral("Select Max(AsiID) From cceAsientos Where AsiEstado = 1")).toInt();
+    auto conPedido = abrir(usuario(1) + QStringLiteral("|prmidasi=%1").arg(pedido));
+    ASSERT_EQ(cabezales(*conPedido), 1);
+    EXPECT_EQ(conPedido->grilla().Dato(1, 0).toInt(), pedido);
+    EXPECT_TRUE(conPedido->asientos().EsFilaNuevoAsiento(conPedido->grilla().Filas() - 1));
+    // A company left out is the process's.
+    auto uno = std::move(conPedido);
+    auto dos = abrir(QStringLiteral("psidusuario=2|psckey=lum01"));
+    EXPECT_EQ(dos->estado(), lumIngAsiento::Estado::Listo);
+    EXPECT_EQ(dos->empresa().NombreEmpresa, uno->empresa().NombreEmpresa);
+
+    // Without a prefix there is no layout file.
+    const QString sinPrefijo = m_carpeta.filePath(QStringLiteral("sin"));
+    abrir(QStringLiteral("psidusuario=1|psidempresa=1|pstempdir=") + sinPrefijo)->ElegirVista(1);
+    EXPECT_FALSE(QDir(sinPrefijo).exists());
 }
 
-TEST_F(Documento, SinPrefijoNoHayArchivoDeDiseno)
-{
-    const QString carpeta = m_carpeta.filePath(QStringLiteral("sin"));
-    {
-        auto doc = abrir(QStringLiteral("psidusuario=1|psidempresa=1|pstempdir=") + carpeta);
-        doc->ElegirVista(1);
-    }
-    EXPECT_FALSE(QDir(carpeta).exists());
-}
-
-TEST_F(Documento, PedidoDeAsientoAlArrancar)
-{
-    auto rs = m_base.conexion().Abrir(QStringLiteral("Select Max(AsiID) From cceAsientos Where AsiEstado = 1"));
-    const int id = QVariant(rs->Campo(0)).toInt();
-    rs->Cerrar();
-    auto doc = abrir(usuario(1) + QStringLiteral("|prmidasi=%1").arg(id));
-    ASSERT_EQ(cabezales(*doc), 1);
-    EXPECT_EQ(doc->grilla().Dato(1, 0).toInt(), id);
-    EXPECT_TRUE(doc->asientos().EsFilaNuevoAsiento(doc->grilla().Filas() - 1));
-}
 
 } // namespace

@@ -1,13 +1,9 @@
 #include "escenario.h"
 
-#include "entries/asientodatos.h"
-#include "entries/vistas.h"
-#include "store/basedemo.h"
+#include "entries/historialasiento.h"
 #include "store/valoressql.h"
 
 #include <QAbstractItemModel>
-#include <QComboBox>
-#include <QLineEdit>
 
 std::ostream &operator<<(std::ostream &os, const AsientoEnBase &a)
 {
@@ -32,9 +28,11 @@ std::unique_ptr<lumIngAsiento> Escenario::Documento(HostDePrueba &host, Mensajes
 }
 
 std::unique_ptr<lumIngAsiento> DocumentoIniciado(const BaseDePrueba &base, HostDePrueba &host, MensajesGuionados &mensajes,
-                                                 ServicioBusquedaCuentas &busqueda, const QTemporaryDir &carpeta, int usuario)
+                                                 ServicioBusquedaCuentas &busqueda, const QTemporaryDir &carpeta, int usuario,
+                                                 const QString &opciones)
 {
-    host.base = QStringLiteral("x?psidusuario=%1|psidempresa=1|psckey=lum01|pskeyinit=%1|pstempdir=").arg(usuario) + carpeta.path();
+    host.base = QStringLiteral("x?psidusuario=%1|psidempresa=1|psckey=lum01|pskeyinit=%1|pstempdir=").arg(usuario) + carpeta.path()
+              + opciones;
     EntornoDocumento d;
     d.host = &host;
     d.mensajes = &mensajes;
@@ -50,14 +48,29 @@ std::unique_ptr<lumIngAsiento> DocumentoIniciado(const BaseDePrueba &base, HostD
     return doc;
 }
 
-void Escenario::escribir(QWidget *w, const QString &t)
+QStringList Operaciones(Conexion &conexion, qint32 id, bool conUsuario)
 {
-    if (auto *e = qobject_cast<QLineEdit *>(w))
-        e->selectAll();
-    QTest::keyClicks(w, t);
+    QStringList l;
+    for (const HistorialAsiento::Fila &f : HistorialAsiento::Leer(conexion, id))
+        l << (conUsuario ? QStringLiteral("%1:%2").arg(f.operacion).arg(f.usuario) : f.operacion);
+    return l;
 }
 
+void Escenario::aceptarLinea()
+{
+    enter(editor()->campo(lumERAsiento::kImporte));
+    if (foco() == autoriza()) {
+        EXPECT_EQ(m_mensajes.mostrados.value(m_mensajes.mostrados.size() - 1), Dicho("advertencia", 1953));
+        m_mensajes.mostrados.removeLast();
+        autoriza()->setCurrentIndex(0);
+        enter(autoriza());
+    }
+}
 
+::testing::AssertionResult Escenario::mostrarAlFinal(qint32 id)
+{
+    return Bien(CargarAsientoEnGrilla(m_doc->asientos(), *m_doc->proceso().conexion, id, m_doc->grilla().Filas() - 1));
+}
 
 void Escenario::abrir(int fila)
 {
@@ -127,31 +140,23 @@ AsientoEnBase Escenario::enBase(qint32 id)
 
 qint32 Escenario::ultimoId()
 {
-    auto rs = m_base.conexion().Abrir(QStringLiteral("Select Max(AsiID) From cceAsientos"));
-    return QVariant(rs->Campo(0)).toInt();
+    return m_base.Valor(QStringLiteral("Select Max(AsiID) From cceAsientos")).toInt();
 }
 
 QList<qint32> Escenario::ids(const QString &condicion)
 {
     QList<qint32> l;
-    auto rs = m_base.conexion().Abrir(QStringLiteral("Select AsiID From cceAsientos Where ") + condicion
-                                      + QStringLiteral(" Order By AsiID"));
-    for (; !rs->Fin(); rs->MoverSiguiente())
-        l << qint32(rs->Entero(QStringLiteral("AsiID")));
-    rs->Cerrar();
+    const QString sql = QStringLiteral("Select AsiID From cceAsientos Where %1 Order By AsiID").arg(condicion);
+    for (const QString &id : Columna(m_base.conexion(), sql))
+        l << id.toInt();
     return l;
-}
-
-qint32 Escenario::cuenta(const char *codigo)
-{
-    return m_base.IdCuenta(codigo);
 }
 
 qint32 Escenario::asientoAlFinal(qint16 estado, const QString &leyenda, const QList<std::tuple<const char *, bool, double>> &lineas,
                                  qint16 libro)
 {
     const qint32 id = GrabarAsientoDePrueba(m_base, estado, BaseDePrueba::Hoy().addDays(-1), leyenda, libro, lineas);
-    EXPECT_FALSE(CargarAsientoEnGrilla(m_doc->asientos(), *m_doc->proceso().conexion, id, m_doc->grilla().Filas() - 1));
+    EXPECT_TRUE(mostrarAlFinal(id));
     return id;
 }
 
@@ -168,9 +173,8 @@ void Escenario::nuevoConTeclado(const QString &leyenda, const QString &debe, con
     escribir(m_doc->campoLeyenda(), leyenda);
     enter(m_doc->campoLeyenda());
     if (foco() != editor()->campoCuenta(true)) {
-        auto *autoriza = m_doc->findChild<QComboBox *>(QStringLiteral("cfAutoriza"));
-        autoriza->setCurrentIndex(0);
-        enter(autoriza);
+        autoriza()->setCurrentIndex(0);
+        enter(autoriza());
     }
     ASSERT_EQ(foco(), editor()->campoCuenta(true));
     escribir(editor()->campoCuenta(true), debe);

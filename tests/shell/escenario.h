@@ -3,21 +3,26 @@
 #include "comun/asientosdeprueba.h"
 #include "comun/basesprueba.h"
 #include "comun/busquedaexacta.h"
+#include "comun/columna.h"
 #include "comun/datosdeprueba.h"
 #include "comun/hostdeprueba.h"
 #include "comun/mensajesguionados.h"
-#include "comun/mensajesguionados.h"
 #include "shell/idioma.h"
 #include "shell/lumingasiento.h"
+#include "shell/menusdocumento.h"
 
 #include "grid/vsgrid.h"
 #include "lineeditor/campocalculadora.h"
 #include "lineeditor/campofecha.h"
 #include "lineeditor/lumerasiento.h"
-#include "services/serviciobusquedacuentas.h"
-#include "shell/lumingasiento.h"
+#include "entries/asientodatos.h"
+#include "entries/vistas.h"
+#include "store/basedemo.h"
 
+#include <QAction>
 #include <QApplication>
+#include <QComboBox>
+#include <QLineEdit>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -36,10 +41,26 @@ inline QString Dicho(const char *tipo, int numero)
     return QString::fromUtf8(tipo) + QStringLiteral(": ") + texto;
 }
 
+// Keys as a user presses them, where the test says.
+inline void enter(QWidget *w) { QTest::keyClick(w, Qt::Key_Return); }
+inline QWidget *foco() { return QApplication::focusWidget(); }
+// Types over what a text field holds.
+inline void escribir(QWidget *w, const QString &t)
+{
+    if (auto *e = qobject_cast<QLineEdit *>(w))
+        e->selectAll();
+    QTest::keyClicks(w, t);
+}
+
+// An entry's writes, oldest first, as "operation" or "operation:user".
+QStringList Operaciones(Conexion &conexion, qint32 id, bool conUsuario = false);
+
 // A started document of the user on the test database, on its clock, with its own host, messages
 // and layout folder, in a window shorter than a month of entries (the grid scrolls).
+// The start-up options given are added after the usual ones.
 std::unique_ptr<lumIngAsiento> DocumentoIniciado(const BaseDePrueba &base, HostDePrueba &host, MensajesGuionados &mensajes,
-                                                 ServicioBusquedaCuentas &busqueda, const QTemporaryDir &carpeta, int usuario);
+                                                 ServicioBusquedaCuentas &busqueda, const QTemporaryDir &carpeta, int usuario,
+                                                 const QString &opciones = {});
 
 // A stored entry as the database holds it: the header's columns and its lines, as text, so
 // two snapshots compare whole.
@@ -64,16 +85,22 @@ protected:
     std::unique_ptr<lumIngAsiento> Documento(HostDePrueba &host, MensajesGuionados &mensajes, const QTemporaryDir &carpeta,
                                              int usuario);
 
-    void enter(QWidget *w) { QTest::keyClick(w, Qt::Key_Return); }
     // Escape in the line editor leaves edit mode once the key's event is over.
     void escape(QWidget *w)
     {
         QTest::keyClick(w, Qt::Key_Escape);
         QApplication::processEvents();
     }
-    void escribir(QWidget *w, const QString &t);
-    QWidget *foco() const { return QApplication::focusWidget(); }
     lumERAsiento *editor() const { return m_doc->editor(); }
+
+    QComboBox *autoriza() const { return m_doc->findChild<QComboBox *>(QStringLiteral("cfAutoriza")); }
+    // Enter in the amount accepts the line; an entry without an authoriser is first given
+    // the first one of the list, as the document asks (1953), and Enter there takes the line.
+    void aceptarLinea();
+    // Runs an item of the document's menus.
+    void elegir(const char *accion) { m_doc->menus().accion(QString::fromLatin1(accion))->trigger(); }
+    // Loads the stored entry into the grid, above the "new entry" row.
+    ::testing::AssertionResult mostrarAlFinal(qint32 id);
 
     // Loads a view of the view menu.
     void vista(int v) { m_doc->ElegirVista(v); }
@@ -92,8 +119,6 @@ protected:
     void nuevoConTeclado(const QString &leyenda, const QString &debe, const QString &haber, const QString &importe);
 
     AsientoEnBase enBase(qint32 id);
-    // The id of the demo account with that code.
-    qint32 cuenta(const char *codigo);
     // Stores an entry of yesterday in pesos with the lines given (account code, debit,
     // amount) and shows it last in the grid.
     qint32 asientoAlFinal(qint16 estado, const QString &leyenda, const QList<std::tuple<const char *, bool, double>> &lineas,

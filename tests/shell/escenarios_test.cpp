@@ -2,50 +2,28 @@
 // grid as the user sees it and in the database.
 #include "escenario.h"
 
-#include "entries/vistas.h"
-#include "lineeditor/campocalculadora.h"
-#include "shell/idioma.h"
-#include "shell/menusdocumento.h"
-#include "entries/asientodatos.h"
-#include "entries/modeloasiento.h"
-#include "store/basedemo.h"
-
-#include <QAction>
-#include <QComboBox>
-#include "lineeditor/campofecha.h"
-#include <QLineEdit>
-
 namespace {
+
+// Writes an entry of the opening-balance book straight into the database: 1.1.01 against
+// 3.1.01 for 5000, in the given state; answers its id.
+qint32 AsientoDeSaldosIniciales(BaseDePrueba &base, qint16 estado)
+{
+    const double credito = estado == EstadoAsiento::kInconcluso ? 4000 : 5000;
+    return GrabarAsientoDePrueba(base, estado, QDate(BaseDePrueba::Hoy().year(), 1, 1), QStringLiteral("Asiento de Saldos Iniciales"),
+                                 Demo::kLibroPrimeraApertura, {{"1.1.01", true, 5000}, {"3.1.01", false, credito}}, false);
+}
 
 class Escenarios : public Escenario
 {
 protected:
-    // Opens the entry's first line and accepts it unchanged with Enter in the amount; leaves
-    // with Escape when the entry stays open (it does not balance).
-    void aceptarSinCambios(qint32 id)
+    // A registered opening-balance entry beside the incomplete one: the store no longer lets
+    // it be made, so the incomplete one is in the trash meanwhile, as data written before.
+    void registradoAlLado(qint32 inconcluso)
     {
-        abrir(filaDe(id));
-        ASSERT_GT(m_doc->FilaEdicion(), 0) << "asiento " << id;
-        aceptarLinea();
-        if (m_doc->FilaEdicion() > 0)
-            escape(foco());
-        ASSERT_EQ(m_doc->FilaEdicion(), 0) << "asiento " << id;
+        m_base.conexion().Ejecutar(QStringLiteral("Update cceAsientos Set AsiEstado = 9 Where AsiID = ?"), {inconcluso});
+        ASSERT_GT(AsientoDeSaldosIniciales(m_base, EstadoAsiento::kRegistrado), 0);
+        m_base.conexion().Ejecutar(QStringLiteral("Update cceAsientos Set AsiEstado = 2 Where AsiID = ?"), {inconcluso});
     }
-
-    // Enter in the amount accepts the line; an entry without an authoriser is first given
-    // the first one of the list, as the document asks (1953), and Enter there takes the line.
-    void aceptarLinea()
-    {
-        enter(editor()->campo(lumERAsiento::kImporte));
-        if (foco() == autoriza()) {
-            EXPECT_EQ(m_mensajes.mostrados.value(m_mensajes.mostrados.size() - 1),
-                      QStringLiteral("advertencia: ") + Idioma::resLoad(953));
-            m_mensajes.mostrados.removeLast();
-            autoriza()->setCurrentIndex(0);
-            enter(autoriza());
-        }
-    }
-    QComboBox *autoriza() const { return m_doc->findChild<QComboBox *>(QStringLiteral("cfAutoriza")); }
     QString primerAutorizador() const { return autoriza()->itemData(0).toString(); }
 
     // A stored entry of the first month's view, shown, with lines in pesos only, registered,
@@ -65,13 +43,13 @@ protected:
         if (candidatos.isEmpty())
             return 0;
         // None in the view: the last one is put above the first entry of the grid.
-        EXPECT_FALSE(CargarAsientoEnGrilla(m_doc->asientos(), *m_doc->proceso().conexion, candidatos.last(),
-                                           m_doc->grilla().FilasFijas()));
+        EXPECT_TRUE(Bien(CargarAsientoEnGrilla(m_doc->asientos(), *m_doc->proceso().conexion, candidatos.last(),
+                                               m_doc->grilla().FilasFijas())));
         return candidatos.last();
     }
 };
 
-TEST_P(Escenarios, DiezAsientosSeguidosConElTecladoEnUnaGrillaMasAltaQueLaVentana)
+TEST_P(Escenarios, DiezAsientosConElTecladoLaFechaEscritaYUnaCopiaConUnaCuentaCerrada)
 {
     // The first month of the view menu whose entries do not fit in the window.
     for (int mes = 0; mes < Vista::kCantidadMeses; ++mes) {
@@ -105,9 +83,45 @@ TEST_P(Escenarios, DiezAsientosSeguidosConElTecladoEnUnaGrillaMasAltaQueLaVentan
     }
     // The last entry typed is the current row, in view.
     EXPECT_EQ(m_doc->grid()->FilaActual(), filaDe(nuevos.last()));
+
+    // The date is typed whole and left with Tab: the line editor takes it at once, so a dollar
+    // account gets that day's rate, not today's.
+    QTest::keyClick(m_doc->grid(), Qt::Key_N, Qt::ControlModifier);
+    ASSERT_EQ(foco(), m_doc->campoFecha());
+    // The date shown is selected: what is typed replaces it.
+    QApplication::processEvents();
+    QTest::keyClicks(m_doc->campoFecha(), QStringLiteral("31 12 2025"));
+    QTest::keyClick(m_doc->campoFecha(), Qt::Key_Tab);
+    EXPECT_EQ(m_doc->campoFecha()->date(), QDate(2025, 12, 31));
+    EXPECT_EQ(editor()->FechaAsiento(), QDate(2025, 12, 31));
+    // A day the month lacks is refused and changes nothing.
+    m_doc->campoFecha()->setFocus();
+    escribir(m_doc->campoFecha(), QStringLiteral("31/11/2025"));
+    QTest::keyClick(m_doc->campoFecha(), Qt::Key_Tab);
+    QApplication::processEvents();
+    EXPECT_EQ(m_doc->campoFecha()->date(), QDate(2025, 12, 31));
+    EXPECT_EQ(foco(), m_doc->campoFecha());
+    EXPECT_EQ(m_mensajes.mostrados, QStringList{Dicho("error", 1951)});
+    escape(foco());
+
+    // Copying an entry with a closed account tells so and copies nothing.
+    m_mensajes.mostrados.clear();
+    const QList<qint32> conCerradas = ids(QStringLiteral("AsiEstado = 1 And AsiID In (Select ACuIDAsiento From cceAsientoCuenta"
+                                                         " INNER JOIN cceCuentas ON CueID = ACuCuenta"
+                                                         " Where CueFechaCerrada >= AsiFechaAsiento)"));
+    ASSERT_FALSE(conCerradas.isEmpty());
+    const qint32 conCerrada = conCerradas.first();
+    ASSERT_TRUE(mostrarAlFinal(conCerrada));
+    const qint32 ultimo = ultimoId();
+    m_doc->grid()->FijarFilaActual(filaDe(conCerrada));
+    m_mensajes.Responder(ServicioMensajes::Respuesta::Si);
+    elegir("MnuEdiCopy");
+    EXPECT_EQ(m_mensajes.mostrados, (QStringList{Dicho("pregunta", 1806), Dicho("información", 1816)}));
+    EXPECT_EQ(m_mensajes.titulosPreguntas, QStringList{QStringLiteral("Copiar Asiento")});
+    EXPECT_EQ(ultimoId(), ultimo);
 }
 
-TEST_P(Escenarios, AbrirUnAsientoGuardadoYAceptarloSinCambiosNoCambiaNada)
+TEST_P(Escenarios, AbrirUnAsientoGuardadoYAceptarloSinCambiosNoCambiaNadaSalvoLoEscrito)
 {
     const qint32 id = asientoSimple();
     ASSERT_GT(id, 0);
@@ -148,9 +162,33 @@ TEST_P(Escenarios, AbrirUnAsientoGuardadoYAceptarloSinCambiosNoCambiaNada)
     escape(foco());
     clic();
     EXPECT_EQ(m_doc->FilaEdicion(), 0);
+
+    // A stamp stored without milliseconds ("…10:00:00") is the stamp read: the write goes through.
+    const QString sello = QStringLiteral("2026-01-02 10:00:00");
+    m_base.conexion().Ejecutar(QStringLiteral("Update cceAsientos Set AsiFechaModificado = '%1' Where AsiID = %2").arg(sello).arg(id));
+    m_doc->grilla().QuitarFilas(filaDe(id), m_doc->asientos().UltimaFilaAsiento(filaDe(id)) - filaDe(id) + 1);
+    ASSERT_FALSE(CargarAsientoEnGrilla(m_doc->asientos(), *m_doc->proceso().conexion, id, m_doc->grilla().FilasFijas()));
+    abrir(filaDe(id));
+    escribir(m_doc->campoLeyenda(), QStringLiteral("Leyenda corregida"));
+    aceptarLinea();
+    EXPECT_TRUE(m_mensajes.mostrados.isEmpty()) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
+    EXPECT_EQ(enBase(id).cabezal[2], QStringLiteral("Leyenda corregida"));
+
+    // A verified entry keeps its authoriser: the list is locked; an unverified one's is not.
+    const QList<qint32> verificados = ids(QStringLiteral("AsiVerificado In (1, 2) And AsiEstado = 1"));
+    const QList<qint32> otros = ids(QStringLiteral("AsiVerificado Is Null And AsiEstado = 1"));
+    ASSERT_FALSE(verificados.isEmpty());
+    ASSERT_FALSE(otros.isEmpty());
+    for (const qint32 otro : {verificados.first(), otros.first()}) {
+        ASSERT_TRUE(mostrarAlFinal(otro));
+        abrir(filaDe(otro));
+        ASSERT_GT(m_doc->FilaEdicion(), 0);
+        EXPECT_EQ(autoriza()->isEnabled(), otro != verificados.first()) << "asiento " << otro;
+        escape(foco());
+    }
 }
 
-TEST_P(Escenarios, CambiarImporteFechaYLibroDeUnAsientoGuardado)
+TEST_P(Escenarios, CambiarImporteFechaLibroYLineasYAgendarUnAsientoGuardado)
 {
     const qint32 id = asientoSimple();
     ASSERT_GT(id, 0);
@@ -190,16 +228,11 @@ TEST_P(Escenarios, CambiarImporteFechaYLibroDeUnAsientoGuardado)
     EXPECT_EQ(a.cabezal[2], antes.cabezal[2]);
     EXPECT_TRUE(filasVistas(id).value(0).contains(QStringLiteral("Ventas")));
     EXPECT_TRUE(m_mensajes.mostrados.isEmpty()) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
-}
 
-TEST_P(Escenarios, AgregarYBorrarUnaLinea)
-{
-    const qint32 id = asientoSimple();
-    ASSERT_GT(id, 0);
-    const AsientoEnBase antes = enBase(id);
+    const AsientoEnBase cambiado = enBase(id);
     // "Agregar cuenta": a third line, 100 at the debit, leaves the entry unbalanced.
     m_doc->grid()->FijarFilaActual(filaDe(id) + 1);
-    m_doc->menus().accion(QStringLiteral("MnuEdiAddCta"))->trigger();
+    elegir("MnuEdiAddCta");
     ASSERT_GT(m_doc->FilaEdicion(), 0);
     EXPECT_TRUE(editorALaVista());
     escribir(editor()->campoCuenta(true), QStringLiteral("1.1.02"));
@@ -207,81 +240,65 @@ TEST_P(Escenarios, AgregarYBorrarUnaLinea)
     escribir(editor()->campo(lumERAsiento::kImporte), QStringLiteral("100"));
     aceptarLinea();
     escape(foco());
-    AsientoEnBase a = enBase(id);
+    a = enBase(id);
     ASSERT_EQ(a.lineas.size(), 3);
     EXPECT_EQ(a.lineas[2][0], QStringLiteral("1.1.02"));
-    EXPECT_EQ(a.lineas[2][4], QString::number(antes.lineas[1][4].toInt() + 1)); // the next number
+    EXPECT_EQ(a.lineas[2][4], QString::number(cambiado.lineas[1][4].toInt() + 1)); // the next number
     EXPECT_EQ(a.cabezal[0], QStringLiteral("2"));
-    EXPECT_EQ(a.cabezal[2], antes.cabezal[2]);
-}
+    EXPECT_EQ(a.cabezal[2], cambiado.cabezal[2]);
 
-// "Eliminar fila" chosen while a line of a stored entry is open deletes that line, not the
-// entry; chosen on the row of a line not typed yet, it only leaves the edit.
-TEST_P(Escenarios, EliminarFilaConUnaLineaAbierta)
-{
-    const qint32 id = asientoSimple();
-    ASSERT_GT(id, 0);
-    const AsientoEnBase antes = enBase(id);
-    abrir(filaDe(id) + 2); // the second line
+    // "Eliminar fila" chosen while a line of a stored entry is open deletes that line, not the
+    // entry; chosen on the row of a line not typed yet, it only leaves the edit.
+    const qint32 otro = asientoSimple();
+    ASSERT_GT(otro, 0);
+    const AsientoEnBase antesOtro = enBase(otro);
+    abrir(filaDe(otro) + 2); // the second line
     ASSERT_GT(m_doc->FilaEdicion(), 0);
     m_mensajes.Responder(ServicioMensajes::Respuesta::Si);
-    m_doc->menus().accion(QStringLiteral("MnuEdiDelRow"))->trigger();
+    elegir("MnuEdiDelRow");
     EXPECT_EQ(m_doc->FilaEdicion(), 0);
-    AsientoEnBase a = enBase(id);
+    AsientoEnBase sinLinea = enBase(otro);
     // Not in the trash, and no longer balanced: incomplete, so it cannot stay registered.
-    EXPECT_EQ(antes.cabezal[0], QStringLiteral("1"));
-    EXPECT_EQ(a.cabezal[0], QStringLiteral("2"));
-    ASSERT_EQ(a.lineas.size(), 1);
-    EXPECT_EQ(a.lineas[0], antes.lineas[0]);
+    EXPECT_EQ(antesOtro.cabezal[0], QStringLiteral("1"));
+    EXPECT_EQ(sinLinea.cabezal[0], QStringLiteral("2"));
+    ASSERT_EQ(sinLinea.lineas.size(), 1);
+    EXPECT_EQ(sinLinea.lineas[0], antesOtro.lineas[0]);
 
-    m_doc->grid()->FijarFilaActual(filaDe(id) + 1);
-    m_doc->menus().accion(QStringLiteral("MnuEdiAddCta"))->trigger();
+    m_doc->grid()->FijarFilaActual(filaDe(otro) + 1);
+    elegir("MnuEdiAddCta");
     ASSERT_GT(m_doc->FilaEdicion(), 0);
-    m_doc->menus().accion(QStringLiteral("MnuEdiDelRow"))->trigger();
+    elegir("MnuEdiDelRow");
     EXPECT_EQ(m_doc->FilaEdicion(), 0);
-    EXPECT_EQ(enBase(id).lineas, a.lineas);
-    EXPECT_EQ(enBase(id).cabezal[0], QStringLiteral("2"));
-}
+    EXPECT_EQ(enBase(otro).lineas, sinLinea.lineas);
+    EXPECT_EQ(enBase(otro).cabezal[0], QStringLiteral("2"));
 
-TEST_P(Escenarios, AgendarDesdeUnaLineaNoTocaElAsientoSiguiente)
-{
-    const qint32 id = asientoSimple();
-    ASSERT_GT(id, 0);
-    const int fila = filaDe(id);
-    const int siguiente = m_doc->asientos().UltimaFilaAsiento(fila) + 1;
+    // Scheduled from a line, the entry does not touch the next one.
+    const qint32 agendado = asientoSimple();
+    ASSERT_GT(agendado, 0);
+    const int filaAgendado = filaDe(agendado);
+    const int siguiente = m_doc->asientos().UltimaFilaAsiento(filaAgendado) + 1;
     ASSERT_TRUE(m_doc->asientos().EsFilaCabezal(siguiente));
     const qint32 idSiguiente = m_doc->grilla().Dato(siguiente, 0).toInt();
     const QStringList filasSiguiente = filasVistas(idSiguiente);
-    const QString leyenda = enBase(id).cabezal[2];
+    const QString leyenda = enBase(agendado).cabezal[2];
 
-    abrir(fila);
+    abrir(filaAgendado);
     m_doc->campoFecha()->setDate(BaseDePrueba::Hoy().addDays(10));
     QTest::keyClick(m_doc->campoFecha(), Qt::Key_Tab);
     m_mensajes.Responder(ServicioMensajes::Respuesta::Si); // 1807: schedule it
     aceptarLinea();
     EXPECT_EQ(m_doc->FilaEdicion(), 0);
-    EXPECT_TRUE(enBase(id).cabezal.isEmpty()); // turned into a scheduled frequent entry
-    EXPECT_EQ(filaDe(id), -1);
+    EXPECT_TRUE(enBase(agendado).cabezal.isEmpty()); // turned into a scheduled frequent entry
+    EXPECT_EQ(filaDe(agendado), -1);
     EXPECT_EQ(filasVistas(idSiguiente), filasSiguiente);
-    auto rs = m_base.conexion().Abrir(QStringLiteral("Select MFrNombre From genMovimientosFrecuentes Order By MFrID Desc"));
-    ASSERT_FALSE(rs->Fin());
-    EXPECT_EQ(rs->Texto(QStringLiteral("MFrNombre")), leyenda);
-}
-
-// Writes an entry of the opening-balance book straight into the database: 1.1.01 against
-// 3.1.01 for 5000, in the given state; answers its id.
-qint32 AsientoDeSaldosIniciales(BaseDePrueba &base, qint16 estado)
-{
-    const double credito = estado == EstadoAsiento::kInconcluso ? 4000 : 5000;
-    return GrabarAsientoDePrueba(base, estado, QDate(BaseDePrueba::Hoy().year(), 1, 1), QStringLiteral("Asiento de Saldos Iniciales"),
-                                 Demo::kLibroPrimeraApertura, {{"1.1.01", true, 5000}, {"3.1.01", false, credito}}, false);
+    EXPECT_EQ(m_base.Valor(QStringLiteral("Select MFrNombre From genMovimientosFrecuentes Order By MFrID Desc")).toString(), leyenda);
 }
 
 TEST_P(Escenarios, ElAsientoDeSaldosInicialesConservaSuLibro)
 {
     const qint32 id = AsientoDeSaldosIniciales(m_base, EstadoAsiento::kRegistrado);
     ASSERT_GT(id, 0);
-    ASSERT_FALSE(CargarAsientoEnGrilla(m_doc->asientos(), *m_doc->proceso().conexion, id, m_doc->grilla().Filas() - 1));
+    ASSERT_TRUE(mostrarAlFinal(id));
     const AsientoEnBase antes = enBase(id);
     abrir(filaDe(id));
     ASSERT_GT(m_doc->FilaEdicion(), 0);
@@ -303,16 +320,11 @@ TEST_P(Escenarios, UnInconclusoDelLibroDeSaldosInicialesAlCerrar)
     for (const bool yaExiste : {false, true}) {
         const qint32 id = AsientoDeSaldosIniciales(m_base, EstadoAsiento::kInconcluso);
         ASSERT_GT(id, 0);
-        // The store no longer lets a second one be made beside it: an incomplete one beside
-        // the registered one is data written before that rule.
         if (yaExiste) {
-            const qint32 registrado = AsientoDeSaldosIniciales(m_base, EstadoAsiento::kRegistrado);
-            EXPECT_EQ(registrado, 0);
-            m_base.conexion().Ejecutar(QStringLiteral("Update cceAsientos Set AsiEstado = 9 Where AsiID = ?"), {id});
-            ASSERT_GT(AsientoDeSaldosIniciales(m_base, EstadoAsiento::kRegistrado), 0);
-            m_base.conexion().Ejecutar(QStringLiteral("Update cceAsientos Set AsiEstado = 2 Where AsiID = ?"), {id});
+            EXPECT_EQ(AsientoDeSaldosIniciales(m_base, EstadoAsiento::kRegistrado), 0);
+            ASSERT_NO_FATAL_FAILURE(registradoAlLado(id));
         }
-        ASSERT_FALSE(CargarAsientoEnGrilla(m_doc->asientos(), *m_doc->proceso().conexion, id, m_doc->grilla().Filas() - 1));
+        ASSERT_TRUE(mostrarAlFinal(id));
         abrir(filaDe(id) + 2); // the credit line of 4000
         escribir(editor()->campo(lumERAsiento::kImporte), QStringLiteral("5000"));
         m_mensajes.mostrados.clear();
@@ -346,14 +358,12 @@ TEST_P(Escenarios, UnInconclusoDelLibroDeSaldosInicialesAlCerrar)
 TEST_P(Escenarios, UnSegundoDeSaldosInicialesSinSiOSinOtroLibroNoSeGraba)
 {
     const qint32 id = AsientoDeSaldosIniciales(m_base, EstadoAsiento::kInconcluso);
-    m_base.conexion().Ejecutar(QStringLiteral("Update cceAsientos Set AsiEstado = 9 Where AsiID = ?"), {id});
-    ASSERT_GT(AsientoDeSaldosIniciales(m_base, EstadoAsiento::kRegistrado), 0);
-    m_base.conexion().Ejecutar(QStringLiteral("Update cceAsientos Set AsiEstado = 2 Where AsiID = ?"), {id});
+    ASSERT_NO_FATAL_FAILURE(registradoAlLado(id));
     const AsientoEnBase antes = enBase(id);
     for (const bool sinLibros : {false, true}) {
         if (sinLibros)
             m_base.conexion().Ejecutar(QStringLiteral("Delete From genLibros Where LibDelSistema = 0"));
-        ASSERT_FALSE(CargarAsientoEnGrilla(m_doc->asientos(), *m_doc->proceso().conexion, id, m_doc->grilla().Filas() - 1));
+        ASSERT_TRUE(mostrarAlFinal(id));
         abrir(filaDe(id) + 2);
         escribir(editor()->campo(lumERAsiento::kImporte), QStringLiteral("5000"));
         m_mensajes.mostrados.clear();
@@ -372,78 +382,6 @@ TEST_P(Escenarios, UnSegundoDeSaldosInicialesSinSiOSinOtroLibroNoSeGraba)
         EXPECT_EQ(enBase(id).sello, antes.sello);
         m_doc->asientos().QuitarAsientoDeGrilla(id);
     }
-}
-
-TEST_P(Escenarios, UnSelloSinMilisegundosNoImpideGuardar)
-{
-    const qint32 id = asientoSimple();
-    ASSERT_GT(id, 0);
-    const QString sello = QStringLiteral("2026-01-02 10:00:00");
-    m_base.conexion().Ejecutar(QStringLiteral("Update cceAsientos Set AsiFechaModificado = '%1' Where AsiID = %2").arg(sello).arg(id));
-    m_doc->grilla().QuitarFilas(filaDe(id), m_doc->asientos().UltimaFilaAsiento(filaDe(id)) - filaDe(id) + 1);
-    ASSERT_FALSE(CargarAsientoEnGrilla(m_doc->asientos(), *m_doc->proceso().conexion, id, m_doc->grilla().FilasFijas()));
-    abrir(filaDe(id));
-    escribir(m_doc->campoLeyenda(), QStringLiteral("Leyenda corregida"));
-    aceptarLinea();
-    EXPECT_TRUE(m_mensajes.mostrados.isEmpty()) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
-    EXPECT_EQ(enBase(id).cabezal[2], QStringLiteral("Leyenda corregida"));
-}
-
-// A verified entry keeps its authoriser: the list is locked; an unverified one's is not.
-TEST_P(Escenarios, ElAutorizadorDeUnAsientoVerificadoNoSeCambia)
-{
-    const QList<qint32> verificados = ids(QStringLiteral("AsiVerificado In (1, 2) And AsiEstado = 1"));
-    const QList<qint32> otros = ids(QStringLiteral("AsiVerificado Is Null And AsiEstado = 1"));
-    ASSERT_FALSE(verificados.isEmpty());
-    ASSERT_FALSE(otros.isEmpty());
-    for (const qint32 id : {verificados.first(), otros.first()}) {
-        ASSERT_FALSE(CargarAsientoEnGrilla(m_doc->asientos(), *m_doc->proceso().conexion, id, m_doc->grilla().Filas() - 1));
-        abrir(filaDe(id));
-        ASSERT_GT(m_doc->FilaEdicion(), 0);
-        EXPECT_EQ(autoriza()->isEnabled(), id != verificados.first()) << "asiento " << id;
-        escape(foco());
-    }
-}
-
-// The date is typed whole and left with Tab: the line editor takes it at once, so a dollar
-// account gets that day's rate, not today's.
-TEST_P(Escenarios, LaFechaEscritaYDejadaConTabLlegaAlEditorDeLinea)
-{
-    QTest::keyClick(m_doc->grid(), Qt::Key_N, Qt::ControlModifier);
-    ASSERT_EQ(foco(), m_doc->campoFecha());
-    // The date shown is selected: what is typed replaces it.
-    QApplication::processEvents();
-    QTest::keyClicks(m_doc->campoFecha(), QStringLiteral("31 12 2025"));
-    QTest::keyClick(m_doc->campoFecha(), Qt::Key_Tab);
-    EXPECT_EQ(m_doc->campoFecha()->date(), QDate(2025, 12, 31));
-    EXPECT_EQ(editor()->FechaAsiento(), QDate(2025, 12, 31));
-    // A day the month lacks is refused and changes nothing.
-    m_doc->campoFecha()->setFocus();
-    escribir(m_doc->campoFecha(), QStringLiteral("31/11/2025"));
-    QTest::keyClick(m_doc->campoFecha(), Qt::Key_Tab);
-    QApplication::processEvents();
-    EXPECT_EQ(m_doc->campoFecha()->date(), QDate(2025, 12, 31));
-    EXPECT_EQ(foco(), m_doc->campoFecha());
-    EXPECT_EQ(m_mensajes.mostrados, QStringList{Dicho("error", 1951)});
-    escape(foco());
-}
-
-TEST_P(Escenarios, CopiarUnAsientoConUnaCuentaCerradaInformaYNoCopia)
-{
-    const QList<qint32> conCerrada = ids(QStringLiteral("AsiEstado = 1 And AsiID In (Select ACuIDAsiento From cceAsientoCuenta"
-                                                        " INNER JOIN cceCuentas ON CueID = ACuCuenta"
-                                                        " Where CueFechaCerrada >= AsiFechaAsiento)"));
-    ASSERT_FALSE(conCerrada.isEmpty());
-    const qint32 id = conCerrada.first();
-    ASSERT_FALSE(CargarAsientoEnGrilla(m_doc->asientos(), *m_doc->proceso().conexion, id, m_doc->grilla().Filas() - 1));
-    const qint32 ultimo = ultimoId();
-    m_doc->grid()->FijarFilaActual(filaDe(id));
-    m_mensajes.Responder(ServicioMensajes::Respuesta::Si);
-    m_doc->menus().accion(QStringLiteral("MnuEdiCopy"))->trigger();
-    EXPECT_EQ(m_mensajes.mostrados, (QStringList{Dicho("pregunta", 1806),
-                                                 Dicho("información", 1816)}));
-    EXPECT_EQ(m_mensajes.titulosPreguntas, QStringList{QStringLiteral("Copiar Asiento")});
-    EXPECT_EQ(ultimoId(), ultimo);
 }
 
 INSTANCIAR_EN_MOTORES(Escenarios);

@@ -1,16 +1,8 @@
 #include "escenario.h"
 
-#include "entries/asientodatos.h"
-#include "entries/modeloasiento.h"
-#include "entries/vistas.h"
-#include "shell/menusdocumento.h"
-#include "store/basedemo.h"
 
-#include <QAction>
 #include <QMenu>
 #include <QToolButton>
-
-#include <tuple>
 
 namespace {
 
@@ -67,7 +59,7 @@ protected:
     }
 };
 
-TEST_P(FrecuentesEnDocumento, HacerFrecuenteDeUnAsientoLoOfreceEntreLosRecientesYAgendarNo)
+TEST_P(FrecuentesEnDocumento, HacerFrecuenteAgendarYRegistrarUnReciente)
 {
     const QStringList alComienzo = recientes();
     const qint32 inconcluso = asiento(EstadoAsiento::kInconcluso, QStringLiteral("Sin cuadrar"), 100, 90);
@@ -86,37 +78,31 @@ TEST_P(FrecuentesEnDocumento, HacerFrecuenteDeUnAsientoLoOfreceEntreLosRecientes
     // and it is never one of the recent ones.
     const qint32 agendado = comandoSobre(registrado, "MnuEdiAgendarAsiento");
     ASSERT_GT(agendado, 0);
-    auto rs = m_base.conexion().Abrir(QStringLiteral("Select MFrFechaProxima From genMovimientosFrecuentes Where MFrID = ?"
-                                                     " And MFrRecurrencia Is Not Null"), {agendado});
-    ASSERT_FALSE(rs->Fin());
-    EXPECT_EQ(rs->Fecha(QStringLiteral("MFrFechaProxima")), BaseDePrueba::Hoy().addDays(-1).addMonths(1));
-    rs->Cerrar();
+    EXPECT_EQ(m_base.Valor(QStringLiteral("Select MFrFechaProxima From genMovimientosFrecuentes Where MFrID = ?"
+                                          " And MFrRecurrencia Is Not Null"),
+                           {agendado}).toDate(),
+              BaseDePrueba::Hoy().addDays(-1).addMonths(1));
     EXPECT_EQ(recientes(), QStringList{QStringLiteral("Alquiler de oficina #%1").arg(frecuente)} + alComienzo);
     EXPECT_TRUE(m_mensajes.mostrados.isEmpty()) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
-}
 
-// A template of an entry in a system book takes the company's default book; when the books
-// cannot be read, none is made and the user is told, rather than one stored without a book.
-TEST_P(FrecuentesEnDocumento, SinLeerLosLibrosNoSeHaceUnFrecuenteDeUnLibroDelSistema)
-{
+    // A template of an entry in a system book takes the company's default book; when the books
+    // cannot be read, none is made and the user is told, rather than one stored without a book.
     const qint32 resumen = asientoAlFinal(EstadoAsiento::kRegistrado, QStringLiteral("Resumen"),
                                           {{"5.3.01", true, 10}, {"1.1.01", false, 10}}, Demo::kLibroResumen);
     m_base.conexion().Ejecutar(QStringLiteral("Alter Table genLibros Rename To librosAparte"));
     EXPECT_EQ(comandoSobre(resumen, "MnuEdiHacerFrecuente"), 0);
     EXPECT_EQ(m_mensajes.mostrados, QStringList{Dicho("error", 1908)});
     m_base.conexion().Ejecutar(QStringLiteral("Alter Table librosAparte Rename To genLibros"));
-    const qint32 frecuente = comandoSobre(resumen, "MnuEdiHacerFrecuente");
-    EXPECT_EQ(valor(QStringLiteral("Select MFrLibro From genMovimientosFrecuentes Where MFrID = %1").arg(frecuente)), Demo::kLibroDiario);
-}
+    const qint32 deResumen = comandoSobre(resumen, "MnuEdiHacerFrecuente");
+    EXPECT_EQ(valor(QStringLiteral("Select MFrLibro From genMovimientosFrecuentes Where MFrID = %1").arg(deResumen)), Demo::kLibroDiario);
 
-TEST_P(FrecuentesEnDocumento, UnRecienteSeRegistraSoloConSiYQuedaAlFinalDeLaGrilla)
-{
+    m_mensajes.mostrados.clear();
     const qint32 alquiler = comandoSobre(asiento(EstadoAsiento::kRegistrado, QStringLiteral("Alquiler"), 800, 800), "MnuEdiHacerFrecuente");
     const qint32 sueldos = comandoSobre(asiento(EstadoAsiento::kRegistrado, QStringLiteral("Sueldos"), 55.25, 55.25), "MnuEdiHacerFrecuente");
     ASSERT_GT(alquiler, 0);
     ASSERT_GT(sueldos, 0);
     ASSERT_EQ(recientes().mid(0, 2), (QStringList{QStringLiteral("Sueldos #%1").arg(sueldos), QStringLiteral("Alquiler #%1").arg(alquiler)}));
-    auto elegir = [this](qint32 id) {
+    auto elegirReciente = [this](qint32 id) {
         recientes();
         for (QAction *a : m_doc->menus().MnuAFrRecientes)
             if (a->data().toInt() == id)
@@ -125,14 +111,14 @@ TEST_P(FrecuentesEnDocumento, UnRecienteSeRegistraSoloConSiYQuedaAlFinalDeLaGril
 
     const qint32 ultimo = ultimoId();
     m_mensajes.Responder(ServicioMensajes::Respuesta::No);
-    elegir(alquiler);
+    elegirReciente(alquiler);
     EXPECT_EQ(m_mensajes.mostrados, QStringList{Dicho("pregunta", 1834)});
     EXPECT_TRUE(m_doc->ComandoDiferido().isEmpty()); // nothing left to run later
     EXPECT_EQ(ultimoId(), ultimo);
 
     const QStringList antes = filasVistas(m_doc->grilla().FilasFijas(), m_doc->grilla().Filas() - 1);
     m_mensajes.Responder(ServicioMensajes::Respuesta::Si);
-    elegir(alquiler);
+    elegirReciente(alquiler);
     EXPECT_TRUE(QTest::qWaitFor([this] { return m_doc->ComandoDiferido().isEmpty(); }, 5000));
 
     const qint32 nuevo = ultimoId();

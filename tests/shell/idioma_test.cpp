@@ -26,17 +26,15 @@ void liberarTodo()
         Idioma::Liberar();
 }
 
-TEST(Catalogo, FormatoDeArchivo)
+TEST(Catalogo, FormatoYLosDosIdiomas)
 {
     const auto t = ComponenteIdioma::LeerCatalogo(
         QByteArray("# comentario\n\n1000\tUno\\r\\rDos\\\\tres\\tcuatro\r\n1001\t trailing \nmal formada\n12x\tno\n"));
     EXPECT_EQ(t.size(), 2);
     EXPECT_EQ(t.value(1000), QStringLiteral("Uno\r\rDos\\tres\tcuatro"));
     EXPECT_EQ(t.value(1001), QStringLiteral(" trailing "));
-}
 
-TEST(Catalogo, EspanolEInglesTienenLosMismosNumerosYMarcadores)
-{
+    // Spanish and English have the same numbers and markers.
     const auto es = catalogo(QStringLiteral("LNG_TCO_001"));
     const auto en = catalogo(QStringLiteral("LNG_TCO_002"));
     ASSERT_GE(es.size(), 170);
@@ -81,7 +79,7 @@ protected:
     MensajesGuionados m_mensajes;
 };
 
-TEST_F(ComponenteCompartido, SinAjusteOCeroEsEspanol)
+TEST_F(ComponenteCompartido, SinAjusteOCeroEsEspanolYSeLiberaConElUltimoDocumento)
 {
     for (const QString &ajuste : {QString(), QStringLiteral("0"), QStringLiteral("abc")}) {
         ASSERT_EQ(Idioma::CrearComponenteIdioma(QStringLiteral("LUM01"), QStringLiteral("IngresoAsiento"),
@@ -93,9 +91,21 @@ TEST_F(ComponenteCompartido, SinAjusteOCeroEsEspanol)
         liberarTodo();
     }
     EXPECT_TRUE(m_mensajes.mostrados.isEmpty());
+
+    // The component is released with the last document.
+    const ServicioConexion s = conIdioma(QString());
+    ASSERT_EQ(Idioma::CrearComponenteIdioma(QStringLiteral("LUM01"), QStringLiteral("uno"), s, m_mensajes), 1);
+    ASSERT_EQ(Idioma::CrearComponenteIdioma(QStringLiteral("LUM01"), QStringLiteral("dos"), s, m_mensajes), 1);
+    EXPECT_EQ(Idioma::Actual()->IDAppName, QStringLiteral("dos")); // the second replaced the first
+    EXPECT_EQ(Idioma::Cuenta(), 2);
+    Idioma::Liberar();
+    EXPECT_NE(Idioma::Actual(), nullptr);
+    Idioma::Liberar();
+    EXPECT_EQ(Idioma::Actual(), nullptr);
+    EXPECT_EQ(Idioma::resLoad(0), QString());
 }
 
-TEST_F(ComponenteCompartido, InglesYSecundario)
+TEST_F(ComponenteCompartido, InglesYSecundarioOFaltaElComponente)
 {
     ASSERT_EQ(Idioma::CrearComponenteIdioma(QStringLiteral("lum01"), QStringLiteral("IngresoAsiento"),
                                             conIdioma(QStringLiteral("2")), m_mensajes), 1);
@@ -103,10 +113,9 @@ TEST_F(ComponenteCompartido, InglesYSecundario)
     EXPECT_EQ(Idioma::Actual()->IDSLNG, 3);
     EXPECT_EQ(Idioma::resLoad(2), QStringLiteral("F"));
     EXPECT_EQ(Idioma::resLoad(500), QString()); // no such text
-}
+    liberarTodo();
 
-TEST_F(ComponenteCompartido, FaltaElComponente)
-{
+    // A language without its component.
     EXPECT_EQ(Idioma::CrearComponenteIdioma(QStringLiteral("LUM04"), QStringLiteral("x"), conIdioma(QStringLiteral("1")),
                                             m_mensajes), 0);
     ASSERT_EQ(m_mensajes.mostrados.size(), 1);
@@ -118,20 +127,6 @@ TEST_F(ComponenteCompartido, FaltaElComponente)
     EXPECT_EQ(Idioma::Cuenta(), 0);
 
     EXPECT_EQ(Idioma::NombreComponente(QStringLiteral("lum01"), 12), QStringLiteral("LNG_TCO_012.clsResources"));
-}
-
-TEST_F(ComponenteCompartido, SeLiberaConElUltimoDocumento)
-{
-    const ServicioConexion s = conIdioma(QString());
-    ASSERT_EQ(Idioma::CrearComponenteIdioma(QStringLiteral("LUM01"), QStringLiteral("uno"), s, m_mensajes), 1);
-    ASSERT_EQ(Idioma::CrearComponenteIdioma(QStringLiteral("LUM01"), QStringLiteral("dos"), s, m_mensajes), 1);
-    EXPECT_EQ(Idioma::Actual()->IDAppName, QStringLiteral("dos")); // the second replaced the first
-    EXPECT_EQ(Idioma::Cuenta(), 2);
-    Idioma::Liberar();
-    EXPECT_NE(Idioma::Actual(), nullptr);
-    Idioma::Liberar();
-    EXPECT_EQ(Idioma::Actual(), nullptr);
-    EXPECT_EQ(Idioma::resLoad(0), QString());
 }
 
 } // namespace

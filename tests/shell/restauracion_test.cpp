@@ -1,12 +1,7 @@
 #include "escenario.h"
 
-#include "editing/restauraciones.h"
-#include "entries/asientodatos.h"
-#include "entries/historialasiento.h"
-#include "entries/vistas.h"
 #include "shell/dialogohistorial.h"
 #include "shell/dialogopapelera.h"
-#include "shell/menusdocumento.h"
 
 #include <QPushButton>
 #include <QTableWidget>
@@ -25,7 +20,6 @@ protected:
                               1);
     }
 
-    void alCabezal(qint32 id) { m_doc->grid()->FijarFilaActual(filaDe(id)); }
 
     // Delete on the row, answering the question.
     void suprimir(int fila, ServicioMensajes::Respuesta respuesta)
@@ -37,18 +31,25 @@ protected:
 
     void deshacer() { QTest::keyClick(m_doc->grid(), Qt::Key_Z, Qt::ControlModifier); }
 
-    QStringList operaciones(qint32 id)
-    {
-        QStringList ops;
-        for (const HistorialAsiento::Fila &f : HistorialAsiento::Leer(m_base.conexion(), id))
-            ops << f.operacion;
-        return ops;
-    }
+    QStringList operaciones(qint32 id) { return Operaciones(m_base.conexion(), id); }
 
+    // The trash window, opened again from the menu.
     DialogoPapelera *papelera()
     {
-        m_doc->menus().accion(QStringLiteral("MnuViePapelera"))->trigger();
+        delete m_doc->findChild<DialogoPapelera *>();
+        elegir("MnuViePapelera");
         return m_doc->findChild<DialogoPapelera *>();
+    }
+    // The entry's history from its menu, with its first version chosen.
+    DialogoHistorial *historial(qint32 id)
+    {
+        delete m_doc->findChild<DialogoHistorial *>();
+        m_doc->grid()->FijarFilaActual(filaDe(id));
+        elegir("MnuEdiHistorial");
+        auto *dialogo = m_doc->findChild<DialogoHistorial *>();
+        if (dialogo)
+            dialogo->findChild<QTableWidget *>(QStringLiteral("tablaHistorial"))->setCurrentCell(0, 0);
+        return dialogo;
     }
 
     // Another user changes the entry's legend through the store.
@@ -62,7 +63,7 @@ protected:
     }
 };
 
-TEST_P(Restauracion, EliminarPreguntaYLaPapeleraLoDevuelveEntero)
+TEST_P(Restauracion, EliminarPreguntaYLaPapeleraLoDevuelveEnteroSiUnaEscrituraPuede)
 {
     const qint32 id = nuevoAsiento();
     const AsientoEnBase antes = enBase(id);
@@ -107,57 +108,48 @@ TEST_P(Restauracion, EliminarPreguntaYLaPapeleraLoDevuelveEntero)
     dialogo->findChild<QPushButton *>(QStringLiteral("botonEliminarDefinitivo"))->click();
     EXPECT_TRUE(enBase(id).cabezal.isEmpty());
     EXPECT_EQ(operaciones(id).last(), QStringLiteral("eliminacion"));
-    dialogo->close();
-}
 
-// After the last row of the trash comes back, the row before it is the one chosen, so
-// Enter or a button goes on working without a click.
-TEST_P(Restauracion, TrasRestaurarLaUltimaFilaLaEleccionSigueEnLaLista)
-{
+    // After the last row of the trash comes back, the row before it is the one chosen, so
+    // Enter or a button goes on working without a click.
     m_base.conexion().Ejecutar(QStringLiteral("Delete From cceAsientoCuenta Where ACuIDAsiento In (Select AsiID From cceAsientos Where AsiEstado = 9)"));
     m_base.conexion().Ejecutar(QStringLiteral("Delete From cceAsientos Where AsiEstado = 9"));
     const qint32 primero = nuevoAsiento();
     suprimir(filaDe(primero), ServicioMensajes::Respuesta::Si);
     const qint32 segundo = nuevoAsiento();
     suprimir(filaDe(segundo), ServicioMensajes::Respuesta::Si);
-    DialogoPapelera *dialogo = papelera();
-    ASSERT_NE(dialogo, nullptr);
-    auto *tabla = dialogo->findChild<QTableWidget *>(QStringLiteral("tablaPapelera"));
-    auto *restaurar = dialogo->findChild<QPushButton *>(QStringLiteral("botonRestaurar"));
-    ASSERT_EQ(tabla->rowCount(), 2);
-    EXPECT_EQ(tabla->currentRow(), 0); // opened, the newest is chosen
+    DialogoPapelera *lista = papelera();
+    ASSERT_NE(lista, nullptr);
+    auto *filasPapelera = lista->findChild<QTableWidget *>(QStringLiteral("tablaPapelera"));
+    auto *restaurar = lista->findChild<QPushButton *>(QStringLiteral("botonRestaurar"));
+    ASSERT_EQ(filasPapelera->rowCount(), 2);
+    EXPECT_EQ(filasPapelera->currentRow(), 0); // opened, the newest is chosen
     EXPECT_TRUE(restaurar->isEnabled());
-    tabla->setCurrentCell(1, 0); // the first one sent, listed last
+    filasPapelera->setCurrentCell(1, 0); // the first one sent, listed last
     restaurar->click();
     EXPECT_EQ(enBase(primero).cabezal.value(0), QStringLiteral("1"));
-    ASSERT_EQ(tabla->rowCount(), 1);
-    EXPECT_EQ(tabla->currentRow(), 0);
+    ASSERT_EQ(filasPapelera->rowCount(), 1);
+    EXPECT_EQ(filasPapelera->currentRow(), 0);
     EXPECT_TRUE(restaurar->isEnabled());
-    dialogo->close();
-}
 
-// Restoring from the trash obeys the rules of any write: another user's opening-balance
-// entry keeps a trashed one out, and an account closed since keeps the entry where it is.
-TEST_P(Restauracion, DeLaPapeleraSoloLoQueUnaEscrituraPuede)
-{
-    const qint32 id = nuevoAsiento();
-    suprimir(filaDe(id), ServicioMensajes::Respuesta::Si);
+    // Restoring from the trash obeys the rules of any write: another user's opening-balance
+    // entry keeps a trashed one out, and an account closed since keeps the entry where it is.
+    const qint32 cerrada = nuevoAsiento();
+    suprimir(filaDe(cerrada), ServicioMensajes::Respuesta::Si);
     m_base.conexion().Ejecutar(QStringLiteral("Update cceCuentas Set CueFechaCerrada = ? Where CueID = ?"),
-                               {Conexion::ValorFecha(BaseDePrueba::Hoy()), cuenta("5.2.01")});
-    DialogoPapelera *dialogo = papelera();
-    ASSERT_NE(dialogo, nullptr);
-    auto *tabla = dialogo->findChild<QTableWidget *>(QStringLiteral("tablaPapelera"));
-    tabla->setCurrentCell(0, 0);
-    ASSERT_EQ(tabla->item(0, 1)->text(), QStringLiteral("Compra con flete"));
-    dialogo->findChild<QPushButton *>(QStringLiteral("botonRestaurar"))->click();
+                               {Conexion::ValorFecha(BaseDePrueba::Hoy()), m_base.IdCuenta("5.2.01")});
+    DialogoPapelera *ultima = papelera();
+    ASSERT_NE(ultima, nullptr);
+    auto *tablaUltima = ultima->findChild<QTableWidget *>(QStringLiteral("tablaPapelera"));
+    tablaUltima->setCurrentCell(0, 0);
+    ASSERT_EQ(tablaUltima->item(0, 1)->text(), QStringLiteral("Compra con flete"));
+    ultima->findChild<QPushButton *>(QStringLiteral("botonRestaurar"))->click();
     EXPECT_EQ(m_mensajes.mostrados.last(), Dicho("error", 1962));
-    EXPECT_EQ(enBase(id).cabezal.value(0), QStringLiteral("9"));
-    EXPECT_EQ(filaDe(id), -1);
-    dialogo->close();
+    EXPECT_EQ(enBase(cerrada).cabezal.value(0), QStringLiteral("9"));
+    EXPECT_EQ(filaDe(cerrada), -1);
 }
 
 // Ctrl+Z takes back this session's writes one at a time, newest first, and stops there.
-TEST_P(Restauracion, DeshacerPasoAPaso)
+TEST_P(Restauracion, DeshacerPasoAPasoYUnAsientoTecleado)
 {
     const qint32 id = nuevoAsiento();
     const AsientoEnBase original = enBase(id);
@@ -186,35 +178,32 @@ TEST_P(Restauracion, DeshacerPasoAPaso)
     EXPECT_FALSE(m_doc->menus().accion(QStringLiteral("MnuEdiDeshacer"))->isEnabled());
     EXPECT_EQ(operaciones(id), (QStringList{QStringLiteral("alta"), QStringLiteral("cambio"), QStringLiteral("papelera"),
                                             QStringLiteral("deshacer"), QStringLiteral("deshacer")}));
-}
 
-// An entry typed here and stored goes to the trash with Ctrl+Z; inside an edit Ctrl+Z is the
-// text fields' own and undoes no write.
-TEST_P(Restauracion, DeshacerUnAsientoTecleado)
-{
+    // An entry typed here and stored goes to the trash with Ctrl+Z; inside an edit Ctrl+Z is the
+    // text fields' own and undoes no write.
     vista(Vista::kRecienIngresados);
     nuevoConTeclado(QStringLiteral("Tecleado y deshecho"), QStringLiteral("1.1.01"), QStringLiteral("4.1.01"), QStringLiteral("500"));
-    const qint32 id = ultimoId();
-    ASSERT_EQ(enBase(id).cabezal.value(2), QStringLiteral("Tecleado y deshecho"));
+    const qint32 tecleado = ultimoId();
+    ASSERT_EQ(enBase(tecleado).cabezal.value(2), QStringLiteral("Tecleado y deshecho"));
     ASSERT_EQ(m_doc->FilaEdicion(), 0) << "balanced, it was stored and the edit ended";
     QTest::keyClick(m_doc->grid(), Qt::Key_N, Qt::ControlModifier);
     ASSERT_GT(m_doc->FilaEdicion(), 0);
     QTest::keyClick(foco(), Qt::Key_Z, Qt::ControlModifier);
-    EXPECT_EQ(enBase(id).cabezal.value(0), QStringLiteral("1"));
+    EXPECT_EQ(enBase(tecleado).cabezal.value(0), QStringLiteral("1"));
     escape(foco());
     ASSERT_EQ(m_doc->FilaEdicion(), 0);
 
     deshacer();
-    EXPECT_EQ(enBase(id).cabezal.value(0), QStringLiteral("9"));
-    EXPECT_EQ(filaDe(id), -1);
-    EXPECT_EQ(operaciones(id), (QStringList{QStringLiteral("alta"), QStringLiteral("papelera")}));
+    EXPECT_EQ(enBase(tecleado).cabezal.value(0), QStringLiteral("9"));
+    EXPECT_EQ(filaDe(tecleado), -1);
+    EXPECT_EQ(operaciones(tecleado), (QStringList{QStringLiteral("alta"), QStringLiteral("papelera")}));
     // The undone write leaves the list: nothing of this session is left, and Ctrl+Z says nothing.
     m_doc->PrepararMenuEdicion();
     EXPECT_FALSE(m_doc->menus().accion(QStringLiteral("MnuEdiDeshacer"))->isEnabled());
-    const qsizetype mensajes = m_mensajes.mostrados.size();
+    const qsizetype dichos = m_mensajes.mostrados.size();
     deshacer();
-    EXPECT_EQ(m_mensajes.mostrados.size(), mensajes);
-    EXPECT_EQ(operaciones(id).size(), 2);
+    EXPECT_EQ(m_mensajes.mostrados.size(), dichos);
+    EXPECT_EQ(operaciones(tecleado).size(), 2);
 }
 
 // Nothing of another user's newer work is overwritten: undoing over it, or restoring a
@@ -229,16 +218,16 @@ TEST_P(Restauracion, NadaPisaElCambioDeOtroUsuario)
     EXPECT_EQ(m_mensajes.mostrados.last(), Dicho("error", 1820));
     EXPECT_EQ(enBase(id), deOtro);
 
-    // The history read now offers the first version back.
-    alCabezal(id);
-    m_doc->menus().accion(QStringLiteral("MnuEdiHistorial"))->trigger();
-    auto *historial = m_doc->findChild<DialogoHistorial *>();
-    ASSERT_NE(historial, nullptr);
-    auto *tabla = historial->findChild<QTableWidget *>(QStringLiteral("tablaHistorial"));
-    auto *restaurar = historial->findChild<QPushButton *>(QStringLiteral("botonRestaurarVersion"));
+    // The history read now offers the first version back; the last version is the entry as
+    // it stands.
+    m_doc->grid()->FijarFilaActual(filaDe(id));
+    elegir("MnuEdiHistorial");
+    DialogoHistorial *dialogo = m_doc->findChild<DialogoHistorial *>();
+    ASSERT_NE(dialogo, nullptr);
+    auto *restaurar = dialogo->findChild<QPushButton *>(QStringLiteral("botonRestaurarVersion"));
     ASSERT_NE(restaurar, nullptr);
-    EXPECT_FALSE(restaurar->isEnabled()) << "the last version is the entry as it stands";
-    tabla->setCurrentCell(0, 0);
+    EXPECT_FALSE(restaurar->isEnabled());
+    dialogo->findChild<QTableWidget *>(QStringLiteral("tablaHistorial"))->setCurrentCell(0, 0);
     EXPECT_TRUE(restaurar->isEnabled());
 
     // Another change after the history was read: the version is refused.
@@ -248,33 +237,23 @@ TEST_P(Restauracion, NadaPisaElCambioDeOtroUsuario)
     restaurar->click();
     EXPECT_EQ(m_mensajes.mostrados.last(), Dicho("error", 1820));
     EXPECT_EQ(enBase(id), ultimo);
-    historial->close();
-    delete historial;
 
     // Read again, the first version goes back as a new write: the three lines, registered.
-    alCabezal(id);
-    m_doc->menus().accion(QStringLiteral("MnuEdiHistorial"))->trigger();
-    historial = m_doc->findChild<DialogoHistorial *>();
-    ASSERT_NE(historial, nullptr);
-    historial->findChild<QTableWidget *>(QStringLiteral("tablaHistorial"))->setCurrentCell(0, 0);
+    dialogo = historial(id);
+    ASSERT_NE(dialogo, nullptr);
     m_mensajes.Responder(ServicioMensajes::Respuesta::Si);
-    historial->findChild<QPushButton *>(QStringLiteral("botonRestaurarVersion"))->click();
+    dialogo->findChild<QPushButton *>(QStringLiteral("botonRestaurarVersion"))->click();
     const AsientoEnBase restaurado = enBase(id);
     EXPECT_EQ(restaurado.lineas.size(), 3);
     EXPECT_EQ(restaurado.cabezal.value(0), QStringLiteral("1"));
     EXPECT_EQ(restaurado.cabezal.value(2), QStringLiteral("Compra con flete"));
     EXPECT_EQ(operaciones(id).last(), QStringLiteral("restauracion"));
-    historial->close();
-    delete historial;
 
     // The same version again is the entry as it stands: nothing is written.
     const int escrituras = int(operaciones(id).size());
-    alCabezal(id);
-    m_doc->menus().accion(QStringLiteral("MnuEdiHistorial"))->trigger();
-    historial = m_doc->findChild<DialogoHistorial *>();
-    ASSERT_NE(historial, nullptr);
-    historial->findChild<QTableWidget *>(QStringLiteral("tablaHistorial"))->setCurrentCell(0, 0);
-    historial->findChild<QPushButton *>(QStringLiteral("botonRestaurarVersion"))->click();
+    dialogo = historial(id);
+    ASSERT_NE(dialogo, nullptr);
+    dialogo->findChild<QPushButton *>(QStringLiteral("botonRestaurarVersion"))->click();
     EXPECT_EQ(m_mensajes.mostrados.last(), Dicho("información", 1965));
     EXPECT_EQ(operaciones(id).size(), escrituras);
 }

@@ -5,21 +5,12 @@
 #include "comun/archivosleidos.h"
 #include "comun/dialogos.h"
 
-#include "entries/asientodatos.h"
-#include "entries/vistas.h"
 #include "export/exportacion.h"
-#include "shell/menusdocumento.h"
 #include "shell/pvprevia.h"
-#include "store/basedemo.h"
 
-#include <QAction>
-#include <QFile>
 #include <QFileDialog>
-#include <QJsonArray>
-#include <QJsonDocument>
 #include <QJsonObject>
 #include <QPrintPreviewDialog>
-#include <QProcess>
 #include <QSettings>
 #include <QTimer>
 
@@ -93,7 +84,7 @@ protected:
     qint32 m_id = 0;
 };
 
-TEST_P(Salidas, CSVLeidoDeVueltaEsLaGrilla)
+TEST_P(Salidas, ArchivosEImpresionSonLaGrillaQueVuelveComoEstaba)
 {
     m_selector.respuesta = ruta("mes.csv");
     elegir("MnuExpCSV");
@@ -143,41 +134,86 @@ TEST_P(Salidas, CSVLeidoDeVueltaEsLaGrilla)
     EXPECT_FALSE(m_doc->grilla().Fila(m_doc->grilla().Filas() - 1).oculta);
     for (const QJsonValue &f : csv)
         EXPECT_NE(f.toArray().at(0).toString(), QStringLiteral("Nuevo Asiento"));
-}
 
-TEST_P(Salidas, LibroConNumerosYFechas)
-{
+    // The workbook: numbers and dates as such.
+    m_mensajes.mostrados.clear();
     m_selector.respuesta = ruta("mes");
     elegir("MnuExpExcell");
     // The name as written, with the extension the dialog added, is the one told.
     EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("información: Se exportó a %1.").arg(ruta("mes.xlsx"))});
     const QJsonArray filas = LeerArchivoExportado("xlsx", ruta("mes.xlsx"));
     ASSERT_EQ(filas.size(), celdasVistas().size());
-    const Grilla &g = m_doc->grilla();
-    int r = 0, numeros = 0, fechas = 0;
+    int f = 0, numeros = 0, fechas = 0;
     for (const QJsonValue &v : filas) {
-        while (g.Fila(r).oculta)
-            ++r;
+        while (g.Fila(f).oculta)
+            ++f;
         const QJsonArray celdas = v.toArray();
         for (int c = 0; c < celdas.size(); ++c) {
             const QJsonObject celda = celdas.at(c).toObject();
-            if (g.EsNumero(r, c)) {
-                EXPECT_NEAR(celda.value(QStringLiteral("numero")).toDouble(), g.Valor(r, c).aDouble(), 1e-9) << r << "," << c;
+            if (g.EsNumero(f, c)) {
+                EXPECT_NEAR(celda.value(QStringLiteral("numero")).toDouble(), g.Valor(f, c).aDouble(), 1e-9) << f << "," << c;
                 ++numeros;
-            } else if (m_doc->asientos().EsFilaCabezal(r) && c == 0) {
-                EXPECT_EQ(celda.value(QStringLiteral("fecha")).toString(), g.Dato(r, 2).toDate().toString(Qt::ISODate)) << r;
+            } else if (m_doc->asientos().EsFilaCabezal(f) && c == 0) {
+                EXPECT_EQ(celda.value(QStringLiteral("fecha")).toString(), g.Dato(f, 2).toDate().toString(Qt::ISODate)) << f;
                 ++fechas;
             }
         }
-        ++r;
+        ++f;
     }
     EXPECT_GT(numeros, 20);
     EXPECT_GT(fechas, 10);
+
+    // The print preview and the printout, and the grid afterwards.
+    Grilla &grilla = m_doc->grilla();
+    const int ultima = grilla.Filas() - 1;
+    const int ancho = grilla.AnchoColumna(1);
+    int paginas = 0;
+    bool ultimaOcultaDurante = false;
+    QTimer::singleShot(0, [&] {
+        auto *d = qobject_cast<QPrintPreviewDialog *>(QApplication::activeModalWidget());
+        ASSERT_TRUE(d);
+        paginas = m_doc->previa()->paginas().Paginas();
+        ultimaOcultaDurante = grilla.Fila(ultima).oculta;
+        d->reject();
+    });
+    elegir("MnuPriPrevia");
+    EXPECT_GT(paginas, 1);
+    EXPECT_TRUE(ultimaOcultaDurante);
+    EXPECT_EQ(m_doc->previa()->titulo(), QStringLiteral("Ingreso de Asientos||") + m_doc->empresa().NombreEmpresa);
+    // Afterwards the grid is as before, and back in the window it has the focus.
+    EXPECT_FALSE(grilla.Fila(ultima).oculta);
+    QApplication::setActiveWindow(m_doc.get());
+    QApplication::processEvents();
+    EXPECT_EQ(QApplication::focusWidget(), m_doc->grid());
+    EXPECT_EQ(grilla.AnchoColumna(1), ancho);
+    EXPECT_TRUE(grilla.Redibujar());
+    EXPECT_EQ(m_doc->grid()->columnWidth(1), m_doc->grid()->TwipsAPixeles(ancho));
+
+    // Printed to PDF.
+    m_doc->previa()->FijarSalidaPDF(ruta("mes.pdf"));
+    QTest::keyClick(m_doc->grid(), Qt::Key_P, Qt::ControlModifier);
+    ASSERT_TRUE(QFile::exists(ruta("mes.pdf")));
+    const QString texto = TextoPDF(ruta("mes.pdf"));
+    EXPECT_TRUE(texto.contains(QStringLiteral("Ingreso de Asientos"))) << texto.left(400).toStdString();
+    EXPECT_TRUE(texto.contains(m_doc->empresa().NombreEmpresa));
+    const int hojas = m_doc->previa()->paginas().Paginas();
+    EXPECT_GT(hojas, 1);
+    EXPECT_EQ(texto.count(QStringLiteral("Ingreso de Asientos")), hojas);
+    EXPECT_TRUE(texto.contains(QStringLiteral("Página %1 de %1").arg(hojas)));
+    // Every amount of the grid is on paper, and the closing row is not.
+    for (int r = grilla.FilasFijas(); r < grilla.Filas() - 1; ++r)
+        for (int c = 2; c <= 3; ++c)
+            if (grilla.EsNumero(r, c))
+                EXPECT_TRUE(texto.contains(grilla.Texto(r, c))) << r;
+    EXPECT_TRUE(texto.contains(QStringLiteral("Pago \"urgente\", caja <chica> & más")));
+    EXPECT_FALSE(texto.contains(QStringLiteral("Nuevo Asiento")));
+    EXPECT_FALSE(grilla.Fila(grilla.Filas() - 1).oculta);
+    EXPECT_EQ(QApplication::focusWidget(), m_doc->grid());
 }
 
 // The save dialog: cancelled, it answers no file, though a name was proposed; accepted, the
 // proposed name in the export folder.
-TEST(NombresDeExportacion, LaExtensionDelFormatoVaUnaSolaVez)
+TEST(NombresDeExportacion, LaExtensionDelFormatoVaUnaSolaVezYCancelarNoDaNingunArchivo)
 {
     using E = ExportacionGrilla;
     const struct
@@ -192,14 +228,11 @@ TEST(NombresDeExportacion, LaExtensionDelFormatoVaUnaSolaVez)
     };
     for (const auto &c : casos)
         EXPECT_EQ(E::ConExtension(QString::fromLatin1(c.ruta), c.formato), QString::fromLatin1(c.esperada)) << c.ruta;
-}
 
-TEST(SelectorArchivo, CancelarNoDaNingunArchivo)
-{
     QTemporaryDir carpeta;
     SelectorArchivoQt selector(nullptr);
-    QString elegido = QStringLiteral("sin elegir");
-    auto elegir = [&](bool aceptar) {
+    QString elegido = QStringLiteral("sin guardar");
+    auto guardar = [&](bool aceptar) {
         ConDialogo<QFileDialog>(
             [&] {
                 elegido = selector.ElegirArchivoGuardar(QStringLiteral("Exportar"), carpeta.path(), QStringLiteral("asientos.csv"),
@@ -210,9 +243,9 @@ TEST(SelectorArchivo, CancelarNoDaNingunArchivo)
                     QTest::keyClick(&d, Qt::Key_Return); // the proposed name, as it is
             });
     };
-    elegir(false);
+    guardar(false);
     EXPECT_TRUE(elegido.isEmpty()) << elegido.toStdString();
-    elegir(true);
+    guardar(true);
     EXPECT_EQ(elegido, QDir(carpeta.path()).filePath(QStringLiteral("asientos.csv")));
 }
 
@@ -245,58 +278,6 @@ TEST_P(Salidas, CancelarOFallarNoEscribeNada)
     EXPECT_EQ(QDir(m_carpeta.path()).entryList(QDir::Files | QDir::Hidden), QStringList{QStringLiteral("a.ini")});
     EXPECT_EQ(celdasVistas(), antes);
     EXPECT_TRUE(m_doc->grilla().Redibujar());
-}
-
-TEST_P(Salidas, VistaPreviaYVueltaDeLaGrilla)
-{
-    Grilla &g = m_doc->grilla();
-    const int ultima = g.Filas() - 1;
-    const int ancho = g.AnchoColumna(1);
-    int paginas = 0;
-    bool ultimaOcultaDurante = false;
-    QTimer::singleShot(0, [&] {
-        auto *d = qobject_cast<QPrintPreviewDialog *>(QApplication::activeModalWidget());
-        ASSERT_TRUE(d);
-        paginas = m_doc->previa()->paginas().Paginas();
-        ultimaOcultaDurante = g.Fila(ultima).oculta;
-        d->reject();
-    });
-    elegir("MnuPriPrevia");
-    EXPECT_GT(paginas, 1);
-    EXPECT_TRUE(ultimaOcultaDurante);
-    EXPECT_EQ(m_doc->previa()->titulo(), QStringLiteral("Ingreso de Asientos||") + m_doc->empresa().NombreEmpresa);
-    // Afterwards the grid is as before, and back in the window it has the focus.
-    EXPECT_FALSE(g.Fila(ultima).oculta);
-    QApplication::setActiveWindow(m_doc.get());
-    QApplication::processEvents();
-    EXPECT_EQ(QApplication::focusWidget(), m_doc->grid());
-    EXPECT_EQ(g.AnchoColumna(1), ancho);
-    EXPECT_TRUE(g.Redibujar());
-    EXPECT_EQ(m_doc->grid()->columnWidth(1), m_doc->grid()->TwipsAPixeles(ancho));
-}
-
-TEST_P(Salidas, ImprimirAPDF)
-{
-    m_doc->previa()->FijarSalidaPDF(ruta("mes.pdf"));
-    QTest::keyClick(m_doc->grid(), Qt::Key_P, Qt::ControlModifier);
-    ASSERT_TRUE(QFile::exists(ruta("mes.pdf")));
-    const QString texto = TextoPDF(ruta("mes.pdf"));
-    EXPECT_TRUE(texto.contains(QStringLiteral("Ingreso de Asientos"))) << texto.left(400).toStdString();
-    EXPECT_TRUE(texto.contains(m_doc->empresa().NombreEmpresa));
-    const int paginas = m_doc->previa()->paginas().Paginas();
-    EXPECT_GT(paginas, 1);
-    EXPECT_EQ(texto.count(QStringLiteral("Ingreso de Asientos")), paginas);
-    EXPECT_TRUE(texto.contains(QStringLiteral("Página %1 de %1").arg(paginas)));
-    // Every amount of the grid is on paper, and the closing row is not.
-    const Grilla &g = m_doc->grilla();
-    for (int r = g.FilasFijas(); r < g.Filas() - 1; ++r)
-        for (int c = 2; c <= 3; ++c)
-            if (g.EsNumero(r, c))
-                EXPECT_TRUE(texto.contains(g.Texto(r, c))) << r;
-    EXPECT_TRUE(texto.contains(QStringLiteral("Pago \"urgente\", caja <chica> & más")));
-    EXPECT_FALSE(texto.contains(QStringLiteral("Nuevo Asiento")));
-    EXPECT_FALSE(g.Fila(g.Filas() - 1).oculta);
-    EXPECT_EQ(QApplication::focusWidget(), m_doc->grid());
 }
 
 // What is printed and exported is the grid, whichever engine filled it.
