@@ -10,6 +10,8 @@
 
 #include <QFileDialog>
 #include <QJsonObject>
+#include <QLineEdit>
+#include <QPrintDialog>
 #include <QPrintPreviewDialog>
 #include <QSettings>
 #include <QTimer>
@@ -209,6 +211,20 @@ TEST_P(Salidas, ArchivosEImpresionSonLaGrillaQueVuelveComoEstaba)
     EXPECT_FALSE(texto.contains(QStringLiteral("Nuevo Asiento")));
     EXPECT_FALSE(grilla.Fila(grilla.Filas() - 1).oculta);
     EXPECT_EQ(QApplication::focusWidget(), m_doc->grid());
+
+    // Through the print dialog: cancelled, nothing is printed; accepted, the printout goes
+    // where the dialog says (here, with no printer, a file).
+    m_doc->previa()->FijarSalidaPDF(QString());
+    const QString destino = ruta("dialogo.pdf");
+    EXPECT_EQ(ConDialogo<QPrintDialog>([&] { elegir("MnuPriPrint"); }), 1);
+    ConDialogo<QPrintDialog>([&] { elegir("MnuPriPrint"); }, [&](QPrintDialog &d) {
+        auto *archivo = d.findChild<QLineEdit *>(QStringLiteral("filename"));
+        ASSERT_TRUE(archivo);
+        EXPECT_FALSE(QFile::exists(destino));
+        archivo->setText(destino);
+        d.accept();
+    });
+    EXPECT_TRUE(TextoPDF(destino).contains(m_doc->empresa().NombreEmpresa));
 }
 
 // The save dialog: cancelled, it answers no file, though a name was proposed; accepted, the
