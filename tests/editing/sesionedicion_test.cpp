@@ -352,6 +352,14 @@ TEST_P(Edicion, UnAsientoConFechaFuturaPuedeAgendarse1807)
     EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientos Where AsiLeyenda = ?"), {leyenda}), 0);
     EXPECT_EQ(m_grilla.Filas(), cabezal + 1); // only the new-entry row is left
     EXPECT_EQ(m_vista.cerrada, cabezal);
+
+    // A template that cannot be written keeps the entry, as a draft on its rows.
+    ejecutar(QStringLiteral("Alter Table genMovimientosFrecuentesLineas Rename To mflFuera"));
+    m_mensajes.Responder(R::Si);
+    nuevo(BaseDePrueba::Hoy().addDays(10), QStringLiteral("Sin agenda"));
+    teclear(cuenta("5.3.01", 800), cuenta("1.1.01", 800));
+    EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientos Where AsiLeyenda = 'Sin agenda' And AsiEstado = 0")), 1);
+    EXPECT_EQ(m_vista.cerrada, cabezal);
 }
 
 // "After today" is after the clock's day, across the ends of months and years: an entry

@@ -226,8 +226,10 @@ TEST_P(Restauracion, NadaPisaElCambioDeOtroUsuario)
     ASSERT_NE(dialogo, nullptr);
     auto *restaurar = dialogo->findChild<QPushButton *>(QStringLiteral("botonRestaurarVersion"));
     ASSERT_NE(restaurar, nullptr);
+    auto *tabla = dialogo->findChild<QTableWidget *>(QStringLiteral("tablaHistorial"));
+    EXPECT_EQ(tabla->currentRow(), tabla->rowCount() - 1); // it opens on the entry as it stands
     EXPECT_FALSE(restaurar->isEnabled());
-    dialogo->findChild<QTableWidget *>(QStringLiteral("tablaHistorial"))->setCurrentCell(0, 0);
+    tabla->setCurrentCell(0, 0);
     EXPECT_TRUE(restaurar->isEnabled());
 
     // Another change after the history was read: the version is refused.
