@@ -102,6 +102,10 @@ TEST_P(Datos, PapeleraConSelloYLosCierresDeLaApertura)
     ASSERT_TRUE(Bien(ap.CargarAsiento(apertura)));
     EXPECT_EQ(Papelera(ap, apertura, ap.Cabezal().FechaModificado), QStringLiteral("%1,%2").arg(apertura).arg(cierre));
     EXPECT_EQ(contar(QStringLiteral("Select AsiEstado From cceAsientos Where AsiID = %1").arg(otroCierre)), 1);
+    // Any other entry goes alone, even the day after a closing.
+    const qint32 comun = d.Asiento(QDate(2025, 1, 1), 1, lineas, QStringLiteral("Cobro"));
+    ASSERT_TRUE(Bien(ap.CargarAsiento(comun)));
+    EXPECT_EQ(Papelera(ap, comun, ap.Cabezal().FechaModificado), QString::number(comun));
 
     // The opening-balance entry: later exchange differences (1), or a later closing (2).
     EXPECT_EQ(ap.EstadoApertura(QDate(2024, 1, 1), 1), 2);

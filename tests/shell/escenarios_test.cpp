@@ -162,6 +162,11 @@ TEST_P(Escenarios, AbrirUnAsientoGuardadoYAceptarloSinCambiosNoCambiaNadaSalvoLo
     escape(foco());
     clic();
     EXPECT_EQ(m_doc->FilaEdicion(), 0);
+    // A key typed on a line's account opens the line, the key the account's first.
+    QTest::keyClick(m_doc->grid(), Qt::Key_9);
+    EXPECT_EQ(m_doc->FilaEdicion(), filaDe(id) + 1);
+    EXPECT_EQ(editor()->campoCuenta(true)->text(), QStringLiteral("9"));
+    escape(foco());
 
     // A stamp stored without milliseconds ("…10:00:00") is the stamp read: the write goes through.
     const QString sello = QStringLiteral("2026-01-02 10:00:00");
