@@ -81,6 +81,20 @@ qint32 BaseDePrueba::IdCuenta(const char *codigo)
     return Valor(QStringLiteral("Select CueID From cceCuentas Where CueIDEmpresa = 1 And CueCodigo = ?"), {QString::fromLatin1(codigo)}).toInt();
 }
 
+qint32 BaseDePrueba::UltimoAsiento()
+{
+    return Valor(QStringLiteral("Select Max(AsiID) From cceAsientos")).toInt();
+}
+
+QList<qint32> BaseDePrueba::Asientos(const QString &condicion)
+{
+    QList<qint32> l;
+    for (auto rs = conexion().Abrir(QStringLiteral("Select AsiID From cceAsientos Where %1 Order By AsiID").arg(condicion)); !rs->Fin();
+         rs->MoverSiguiente())
+        l << qint32(rs->Entero(QStringLiteral("AsiID")));
+    return l;
+}
+
 QString NombreMotor(Motor motor)
 {
     return motor == Motor::SQLite ? QStringLiteral("SQLite") : QStringLiteral("PostgreSQL");

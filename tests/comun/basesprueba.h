@@ -23,6 +23,9 @@ public:
     QVariant Valor(const QString &sql, const QVariantList &valores = {});
     // The id of the account of the demo company with that code.
     qint32 IdCuenta(const char *codigo);
+    // The newest entry's id, and the ids of the entries meeting a condition, oldest first.
+    qint32 UltimoAsiento();
+    QList<qint32> Asientos(const QString &condicion);
     // The clock of this database's connection, fixed at noon of Hoy(); a test that needs
     // another day fixes it again, and hands it to every document it opens on the data.
     std::shared_ptr<Reloj> reloj() const { return m_reloj; }

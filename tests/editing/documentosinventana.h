@@ -77,15 +77,8 @@ protected:
 
     void ejecutar(const QString &sql, const QVariantList &valores = {}) { m_base.conexion().Ejecutar(sql, valores); }
     int contar(const QString &sql, const QVariantList &valores = {}) { return m_base.Valor(sql, valores).toInt(); }
-    qint32 ultimoId() { return contar(QStringLiteral("Select Max(AsiID) From cceAsientos")); }
-    QList<qint32> ids(const QString &condicion)
-    {
-        QList<qint32> l;
-        for (auto rs = m_base.conexion().Abrir(QStringLiteral("Select AsiID From cceAsientos Where %1 Order By AsiID").arg(condicion));
-             !rs->Fin(); rs->MoverSiguiente())
-            l << qint32(rs->Entero(QStringLiteral("AsiID")));
-        return l;
-    }
+    qint32 ultimoId() { return m_base.UltimoAsiento(); }
+    QList<qint32> ids(const QString &condicion) { return m_base.Asientos(condicion); }
     // Puts a stored entry before the new-entry row and makes its header row current.
     int cargar(qint32 id)
     {

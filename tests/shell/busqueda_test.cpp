@@ -29,8 +29,7 @@ protected:
     {
         auto *e = d.findChild<QLineEdit *>(QString::fromLatin1(campo));
         e->setFocus();
-        e->selectAll();
-        QTest::keyClicks(e, texto);
+        escribir(e, texto);
     }
     // Types the texts in their fields and confirms.
     static Usuario buscar(const QList<std::pair<const char *, QString>> &campos)

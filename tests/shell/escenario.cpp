@@ -56,14 +56,15 @@ QStringList Operaciones(Conexion &conexion, qint32 id, bool conUsuario)
     return l;
 }
 
-void Escenario::aceptarLinea()
+void AceptarLinea(lumIngAsiento &doc, MensajesGuionados &mensajes)
 {
-    enter(editor()->campo(lumERAsiento::kImporte));
-    if (foco() == autoriza()) {
-        EXPECT_EQ(m_mensajes.mostrados.value(m_mensajes.mostrados.size() - 1), Dicho("advertencia", 1953));
-        m_mensajes.mostrados.removeLast();
-        autoriza()->setCurrentIndex(0);
-        enter(autoriza());
+    enter(doc.editor()->campo(lumERAsiento::kImporte));
+    auto *autoriza = doc.findChild<QComboBox *>(QStringLiteral("cfAutoriza"));
+    if (foco() == autoriza) {
+        EXPECT_EQ(mensajes.mostrados.value(mensajes.mostrados.size() - 1), Dicho("advertencia", 1953));
+        mensajes.mostrados.removeLast();
+        autoriza->setCurrentIndex(0);
+        enter(autoriza);
     }
 }
 
@@ -136,20 +137,6 @@ AsientoEnBase Escenario::enBase(qint32 id)
     }
     rs->Cerrar();
     return a;
-}
-
-qint32 Escenario::ultimoId()
-{
-    return m_base.Valor(QStringLiteral("Select Max(AsiID) From cceAsientos")).toInt();
-}
-
-QList<qint32> Escenario::ids(const QString &condicion)
-{
-    QList<qint32> l;
-    const QString sql = QStringLiteral("Select AsiID From cceAsientos Where %1 Order By AsiID").arg(condicion);
-    for (const QString &id : Columna(m_base.conexion(), sql))
-        l << id.toInt();
-    return l;
 }
 
 qint32 Escenario::asientoAlFinal(qint16 estado, const QString &leyenda, const QList<std::tuple<const char *, bool, double>> &lineas,

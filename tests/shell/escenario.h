@@ -52,6 +52,11 @@ inline void escribir(QWidget *w, const QString &t)
     QTest::keyClicks(w, t);
 }
 
+// Enter in the amount accepts the line; an entry without an authoriser is first given the
+// first one of the list, as the document asks (1953, not kept among the texts shown), and
+// Enter there takes the line.
+void AceptarLinea(lumIngAsiento &doc, MensajesGuionados &mensajes);
+
 // An entry's writes, oldest first, as "operation" or "operation:user".
 QStringList Operaciones(Conexion &conexion, qint32 id, bool conUsuario = false);
 
@@ -94,9 +99,7 @@ protected:
     lumERAsiento *editor() const { return m_doc->editor(); }
 
     QComboBox *autoriza() const { return m_doc->findChild<QComboBox *>(QStringLiteral("cfAutoriza")); }
-    // Enter in the amount accepts the line; an entry without an authoriser is first given
-    // the first one of the list, as the document asks (1953), and Enter there takes the line.
-    void aceptarLinea();
+    void aceptarLinea() { AceptarLinea(*m_doc, m_mensajes); }
     // Runs an item of the document's menus.
     void elegir(const char *accion) { m_doc->menus().accion(QString::fromLatin1(accion))->trigger(); }
     // Loads the stored entry into the grid, above the "new entry" row.
@@ -123,8 +126,8 @@ protected:
     // amount) and shows it last in the grid.
     qint32 asientoAlFinal(qint16 estado, const QString &leyenda, const QList<std::tuple<const char *, bool, double>> &lineas,
                           qint16 libro);
-    qint32 ultimoId();
-    QList<qint32> ids(const QString &condicion);
+    qint32 ultimoId() { return m_base.UltimoAsiento(); }
+    QList<qint32> ids(const QString &condicion) { return m_base.Asientos(condicion); }
 
     BaseDePrueba m_base;
     QTemporaryDir m_carpeta;

@@ -31,20 +31,11 @@ protected:
         QTest::keyClick(doc.grid(), Qt::Key_Return);
     }
 
-    // Types the legend over and accepts the line with Enter in the amount; an entry without
-    // an authoriser is given the first one when the document asks for it (1953), and Enter
-    // on the list takes the line. The request is not kept among the texts shown.
+    // Types the legend over and accepts the line with Enter in the amount.
     static void cambiarLeyendaYAceptar(lumIngAsiento &doc, MensajesGuionados &mensajes, const QString &leyenda)
     {
-        doc.campoLeyenda()->selectAll();
-        QTest::keyClicks(doc.campoLeyenda(), leyenda);
-        QTest::keyClick(doc.editor()->campo(lumERAsiento::kImporte), Qt::Key_Return);
-        if (auto *autoriza = doc.findChild<QComboBox *>(QStringLiteral("cfAutoriza")); QApplication::focusWidget() == autoriza) {
-            EXPECT_EQ(mensajes.mostrados.value(mensajes.mostrados.size() - 1), Dicho("advertencia", 1953));
-            mensajes.mostrados.removeLast();
-            autoriza->setCurrentIndex(0);
-            QTest::keyClick(autoriza, Qt::Key_Return);
-        }
+        escribir(doc.campoLeyenda(), leyenda);
+        AceptarLinea(doc, mensajes);
     }
 
     // Waits, as the user's screen does, until the entry's header row is marked.
