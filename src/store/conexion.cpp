@@ -1,6 +1,7 @@
 #include "conexion.h"
 #include "fallo.h"
 
+#include <QLocale>
 #include <QStringList>
 
 #include <algorithm>
@@ -13,6 +14,19 @@ ErrorBaseDatos::ErrorBaseDatos(const QString &descripcion, int numero, Causa cau
     , m_numero(numero)
     , m_causa(causa)
 {
+}
+
+ErrorBaseDatos ErrorBaseDatos::Ocupada(int esperaMs)
+{
+    return ErrorBaseDatos(QStringLiteral("La base de datos está ocupada por otro usuario: se esperó %1 segundos y la operación"
+                                         " no se hizo, sin cambiar nada. Vuelva a intentarlo en unos instantes.")
+                              .arg(QLocale(QLocale::Spanish).toString(esperaMs / 1000.0)),
+                          -1, Causa::Ocupada);
+}
+
+ErrorBaseDatos ErrorBaseDatos::SoloLectura()
+{
+    return ErrorBaseDatos(QStringLiteral("La base de datos no admite cambios (es de solo lectura para este usuario): no se grabó nada."));
 }
 
 static QVariant campoNoNulo(const Recordset &rs, const QString &nombre)

@@ -28,6 +28,11 @@ public:
 
     explicit ErrorBaseDatos(const QString &descripcion, int numero = -1, Causa causa = Causa::Otra);
 
+    // Another session held the rows past esperaMs; nothing was written.
+    static ErrorBaseDatos Ocupada(int esperaMs);
+    // The database or the session takes no writes.
+    static ErrorBaseDatos SoloLectura();
+
     QString descripcion() const { return m_descripcion; }
     int numero() const { return m_numero; }
     Causa causa() const { return m_causa; }

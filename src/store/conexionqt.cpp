@@ -1,12 +1,12 @@
 #include "conexionqt.h"
 
 #include "dialectosql.h"
+#include "recordsetsqlite.h"
 #include "registrosql.h"
 #include "semejanza.h"
 
 #include <QAtomicInt>
 #include <QFileInfo>
-#include <QLocale>
 #include <QUrl>
 #include <QSqlDriver>
 #include <QSqlError>
@@ -64,12 +64,9 @@ bool esOcupada(const QSqlError &e, Motor motor)
 ErrorBaseDatos errorDeMotor(const QSqlError &e, Motor motor, int esperaMs)
 {
     if (esOcupada(e, motor))
-        return ErrorBaseDatos(QStringLiteral("La base de datos está ocupada por otro usuario: se esperó %1 segundos y la operación"
-                                             " no se hizo, sin cambiar nada. Vuelva a intentarlo en unos instantes.")
-                                  .arg(QLocale(QLocale::Spanish).toString(esperaMs / 1000.0)),
-                              -1, ErrorBaseDatos::Causa::Ocupada);
+        return ErrorBaseDatos::Ocupada(esperaMs);
     if (esSoloLectura(e, motor))
-        return ErrorBaseDatos(QStringLiteral("La base de datos no admite cambios (es de solo lectura para este usuario): no se grabó nada."));
+        return ErrorBaseDatos::SoloLectura();
     return ErrorBaseDatos(textoError(e), numeroError(e));
 }
 
@@ -314,11 +311,17 @@ void ConexionQt::reconectar()
     suscribir();
 }
 
-QSqlQuery ConexionQt::preparar(const QString &sql, const QVariantList &valores, bool lectura)
+QString ConexionQt::adaptar(const QString &sql) const
 {
     const QString enviado = AdaptarSQL(sql, m_motor);
     qCDebug(lcSql).noquote() << "construido:" << sql;
     qCDebug(lcSql).noquote() << "enviado:   " << enviado;
+    return enviado;
+}
+
+QSqlQuery ConexionQt::preparar(const QString &sql, const QVariantList &valores, bool lectura)
+{
+    const QString enviado = adaptar(sql);
 
     for (int intento = 0;; ++intento) {
         QSqlDatabase db = QSqlDatabase::database(m_nombre, false);
@@ -356,6 +359,16 @@ QSqlQuery ConexionQt::preparar(const QString &sql, const QVariantList &valores, 
 
 std::unique_ptr<Recordset> ConexionQt::Abrir(const QString &sql, const QVariantList &valores)
 {
+    // SQLite's rows are read from the engine itself, each column when it is asked for: a
+    // fill of the grid reads a third of the columns of the view it selects.
+    if (m_motor == Motor::SQLite) {
+        QSqlDatabase db = QSqlDatabase::database(m_nombre, false);
+        if (!db.isOpen())
+            throw ErrorBaseDatos(QStringLiteral("La conexión no está abierta."), 3704);
+        if (sqlite3 *base = RecordsetSqlite::Manejador(db.driver()->handle())) {
+            return std::make_unique<RecordsetSqlite>(base, adaptar(sql), valores, m_direccion.esperaBloqueoMs);
+        }
+    }
     return std::make_unique<RecordsetQt>(preparar(sql, valores, true), m_direccion.esperaBloqueoMs);
 }
 

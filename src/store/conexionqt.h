@@ -42,6 +42,8 @@ public:
 private:
     ConexionQt(Motor motor, const QString &nombre, const DireccionBD &direccion);
 
+    // The statement in the engine's dialect, logged as built and as sent.
+    QString adaptar(const QString &sql) const;
     QSqlQuery preparar(const QString &sql, const QVariantList &valores, bool lectura);
     ErrorBaseDatos errorDe(const QSqlError &error) const;
     bool conexionCaida(const QSqlError &error);

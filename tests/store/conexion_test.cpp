@@ -196,6 +196,58 @@ TEST(ConexionSQLite, ArchivosQueNoSePuedenAbrir)
                  ErrorBaseDatos);
 }
 
+// Rows read straight from the engine: values bound as the driver binds them find the same
+// rows, columns come back typed as the driver gives them, and a read that meets the file held
+// by another session says so instead of hanging.
+TEST(ConexionSQLite, LecturaDirectaLigaTiposYDiceOcupada)
+{
+    QTemporaryDir carpeta;
+    DireccionBD direccion = DireccionBD::Leer(carpeta.filePath(QStringLiteral("tipos.sqlite")));
+    direccion.esperaBloqueoMs = 100;
+    auto c = ConexionQt::Abrir(direccion, true);
+    c->Ejecutar(QStringLiteral("Create Table t (n Integer, x Real, s Text, b Blob, f Text)"));
+    const QDateTime momento(QDate(2025, 3, 1), QTime(9, 30, 15, 250), Qt::UTC);
+    const QVariantList fila{true, 2.5, QStringLiteral("cañería «año»"), QByteArray("\x00\x01z", 3), momento};
+    c->Ejecutar(QStringLiteral("Insert Into t Values (?, ?, ?, ?, ?)"), fila);
+    c->Ejecutar(QStringLiteral("Insert Into t Values (Null, Null, Null, Null, Null)"));
+
+    auto rs = c->Abrir(QStringLiteral("Select n, x, s, b, f From t Where n = ? And x = ? And s = ? And b = ? And f = ?"), fila);
+    ASSERT_FALSE(rs->Fin());
+    EXPECT_EQ(rs->CantidadCampos(), 5);
+    EXPECT_EQ(rs->NombreCampo(2), QStringLiteral("s"));
+    EXPECT_EQ(rs->IndiceCampo(QStringLiteral("F")), 4);
+    EXPECT_EQ(rs->IndiceCampo(QStringLiteral("g")), -1);
+    EXPECT_EQ(rs->Campo(0), QVariant(qlonglong(1)));
+    EXPECT_EQ(rs->Campo(1), QVariant(2.5));
+    EXPECT_EQ(rs->Campo(QStringLiteral("S")), QVariant(QStringLiteral("cañería «año»")));
+    EXPECT_EQ(rs->Campo(3), QVariant(QByteArray("\x00\x01z", 3)));
+    EXPECT_EQ(rs->Texto(QStringLiteral("f")), QStringLiteral("2025-03-01T09:30:15.250Z"));
+    EXPECT_THROW(rs->Campo(5), ErrorBaseDatos);
+    rs->MoverSiguiente();
+    EXPECT_TRUE(rs->Fin());
+    EXPECT_THROW(rs->Campo(0), ErrorBaseDatos);
+
+    rs = c->Abrir(QStringLiteral("Select n, s From t Where n Is Null And s Is ?"), {QVariant(QMetaType(QMetaType::QString))});
+    ASSERT_FALSE(rs->Fin());
+    EXPECT_TRUE(rs->EsNulo(QStringLiteral("n")));
+    EXPECT_TRUE(rs->Campo(1).isNull());
+    rs->Cerrar();
+    EXPECT_TRUE(rs->Fin());
+    EXPECT_THROW(c->Abrir(QStringLiteral("Select * From t Where n = ?")), ErrorBaseDatos); // a value missing
+
+    // Another session holds the file whole: the read waits its time and is refused as busy.
+    auto otra = ConexionQt::Abrir(direccion);
+    otra->Ejecutar(QStringLiteral("Begin Exclusive"));
+    try {
+        c->Abrir(QStringLiteral("Select count(*) From t"));
+        ADD_FAILURE() << "se esperaba que la base estuviera ocupada";
+    } catch (const ErrorBaseDatos &e) {
+        EXPECT_EQ(e.causa(), ErrorBaseDatos::Causa::Ocupada) << e.what();
+    }
+    otra->Ejecutar(QStringLiteral("Rollback"));
+    EXPECT_EQ(c->Abrir(QStringLiteral("Select count(*) From t"))->Campo(0).toInt(), 2);
+}
+
 // Nobody listens on this socket folder: the refusal comes back as an error.
 TEST(ConexionPostgreSQL, ServidorQueNoRespondeFallaEnSegundos)
 {

@@ -1,0 +1,156 @@
+#include "recordsetsqlite.h"
+
+#include <sqlite3.h>
+
+namespace {
+
+QString desdeUtf16(const void *texto, int bytes)
+{
+    return QString(static_cast<const QChar *>(texto), bytes / int(sizeof(QChar)));
+}
+
+// Binds one value as the Qt driver binds it, so that a statement finds the same rows either way.
+int ligar(sqlite3_stmt *s, int n, const QVariant &v)
+{
+    if (v.isNull())
+        return sqlite3_bind_null(s, n);
+    switch (v.typeId()) {
+    case QMetaType::QByteArray: {
+        const QByteArray b = v.toByteArray();
+        return sqlite3_bind_blob(s, n, b.constData(), int(b.size()), SQLITE_TRANSIENT);
+    }
+    case QMetaType::Bool:
+    case QMetaType::Int:
+        return sqlite3_bind_int(s, n, v.toInt());
+    case QMetaType::UInt:
+    case QMetaType::LongLong:
+    case QMetaType::ULongLong:
+        return sqlite3_bind_int64(s, n, v.toLongLong());
+    case QMetaType::Double:
+        return sqlite3_bind_double(s, n, v.toDouble());
+    case QMetaType::QDateTime:
+        return sqlite3_bind_text16(s, n, v.toDateTime().toString(Qt::ISODateWithMs).utf16(), -1, SQLITE_TRANSIENT);
+    default: {
+        const QString t = v.toString();
+        return sqlite3_bind_text16(s, n, t.utf16(), int(t.size() * sizeof(QChar)), SQLITE_TRANSIENT);
+    }
+    }
+}
+
+} // namespace
+
+sqlite3 *RecordsetSqlite::Manejador(const QVariant &manejador)
+{
+    if (!manejador.isValid() || qstrcmp(manejador.typeName(), "sqlite3*") != 0)
+        return nullptr;
+    return *static_cast<sqlite3 *const *>(manejador.constData());
+}
+
+RecordsetSqlite::RecordsetSqlite(sqlite3 *base, const QString &sql, const QVariantList &valores, int esperaMs)
+    : m_base(base)
+    , m_esperaMs(esperaMs)
+{
+    int r = sqlite3_prepare16_v2(m_base, sql.utf16(), int(sql.size() * sizeof(QChar)), &m_sentencia, nullptr);
+    if (r != SQLITE_OK)
+        fallar(r);
+    if (!m_sentencia) // nothing but blanks or a comment: no rows
+        throw ErrorBaseDatos(QStringLiteral("La consulta está vacía."));
+    if (sqlite3_bind_parameter_count(m_sentencia) != valores.size()) {
+        Cerrar();
+        throw ErrorBaseDatos(QStringLiteral("La consulta espera %1 valores y se dieron %2.")
+                                 .arg(sqlite3_bind_parameter_count(m_sentencia))
+                                 .arg(valores.size()));
+    }
+    for (int i = 0; i < valores.size(); ++i)
+        if ((r = ligar(m_sentencia, i + 1, valores[i])) != SQLITE_OK)
+            fallar(r);
+    const int columnas = sqlite3_column_count(m_sentencia);
+    m_nombres.reserve(columnas);
+    for (int i = 0; i < columnas; ++i)
+        m_nombres << QString::fromUtf8(sqlite3_column_name(m_sentencia, i));
+    avanzar();
+}
+
+RecordsetSqlite::~RecordsetSqlite()
+{
+    Cerrar();
+}
+
+void RecordsetSqlite::fallar(int codigo) const
+{
+    const int primario = codigo & 0xff;
+    const QString texto = QString::fromUtf8(sqlite3_errmsg(m_base));
+    if (m_sentencia)
+        sqlite3_finalize(m_sentencia);
+    const_cast<RecordsetSqlite *>(this)->m_sentencia = nullptr;
+    const_cast<RecordsetSqlite *>(this)->m_fin = true;
+    if (primario == SQLITE_BUSY || primario == SQLITE_LOCKED)
+        throw ErrorBaseDatos::Ocupada(m_esperaMs);
+    throw ErrorBaseDatos(texto, primario);
+}
+
+void RecordsetSqlite::avanzar()
+{
+    const int r = sqlite3_step(m_sentencia);
+    if (r == SQLITE_ROW)
+        return;
+    if (r != SQLITE_DONE)
+        fallar(r);
+    // The statement is let go at the end of its rows, as soon as they are read: a write that
+    // follows on the connection finds no reader of its own session still open.
+    Cerrar();
+}
+
+void RecordsetSqlite::MoverSiguiente()
+{
+    if (m_fin)
+        throw ErrorBaseDatos(QStringLiteral("No hay fila actual."), 3021);
+    avanzar();
+}
+
+void RecordsetSqlite::Cerrar()
+{
+    if (m_sentencia)
+        sqlite3_finalize(m_sentencia);
+    m_sentencia = nullptr;
+    m_fin = true;
+}
+
+int RecordsetSqlite::IndiceCampo(const QString &nombre) const
+{
+    for (int i = 0; i < m_nombres.size(); ++i)
+        if (m_nombres[i].compare(nombre, Qt::CaseInsensitive) == 0)
+            return i;
+    return -1;
+}
+
+QVariant RecordsetSqlite::Campo(const QString &nombre) const
+{
+    const int i = IndiceCampo(nombre);
+    if (i < 0)
+        throw ErrorBaseDatos(QStringLiteral("No se encontró el elemento en esta colección (%1).").arg(nombre), 3265);
+    return Campo(i);
+}
+
+QVariant RecordsetSqlite::Campo(int indice) const
+{
+    if (m_fin)
+        throw ErrorBaseDatos(QStringLiteral("No hay fila actual."), 3021);
+    if (indice < 0 || indice >= m_nombres.size())
+        throw ErrorBaseDatos(QStringLiteral("No se encontró el elemento en esta colección (%1).").arg(indice), 3265);
+    switch (sqlite3_column_type(m_sentencia, indice)) {
+    case SQLITE_INTEGER:
+        return QVariant(qlonglong(sqlite3_column_int64(m_sentencia, indice)));
+    case SQLITE_FLOAT:
+        return QVariant(sqlite3_column_double(m_sentencia, indice));
+    case SQLITE_NULL:
+        return QVariant(QMetaType::fromType<QString>());
+    case SQLITE_BLOB:
+        return QByteArray(static_cast<const char *>(sqlite3_column_blob(m_sentencia, indice)),
+                          sqlite3_column_bytes(m_sentencia, indice));
+    default: {
+        const void *texto = sqlite3_column_text16(m_sentencia, indice);
+        return desdeUtf16(texto, sqlite3_column_bytes16(m_sentencia, indice));
+    }
+    }
+}
