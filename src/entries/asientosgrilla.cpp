@@ -8,7 +8,6 @@
 #include <QFontMetrics>
 #include <QHash>
 
-#include <cstdio>
 
 const QString AsientosGrilla::kClaveDiferencia = QStringLiteral("-1|0|0|0|999");
 const QString AsientosGrilla::kTextoDiferencia = QStringLiteral("................?");
@@ -144,10 +143,17 @@ void AsientosGrilla::FilaCabezalAsiento(const QString &libro)
     m_g.FijarDato(r, 2, Cabezal.AsiFechaAsiento);
     m_g.FijarDato(r, 3, Cabezal.AsiEstado);
     m_g.FijarDato(r, 4, Cabezal.AsiFechaModificado);
-    m_g.FijarDato(r, 5, QStringLiteral("%1:%2").arg(Cabezal.AsiTipo).arg(Cabezal.AsiUsuarioVerificador));
+    FijarLibroAutoriza(r, Cabezal.AsiTipo, Cabezal.AsiUsuarioVerificador);
     m_g.LimpiarTextos(r);
-    m_g.FijarTexto(r, 1, FormatoFechaSuite(Cabezal.AsiFechaAsiento, QTime(0, 0), m_ctx.formatoFecha)
-                             + QString(anchoRelleno() + 5, QLatin1Char(' ')) + Cabezal.AsiLeyenda.trimmed());
+    // Entries of one day come together: the date is written once for all of them.
+    if (Cabezal.AsiFechaAsiento != m_fechaEscrita.fecha || m_ctx.formatoFecha != m_fechaEscrita.formato
+        || QLocale() != m_fechaEscrita.locale) {
+        m_fechaEscrita.fecha = Cabezal.AsiFechaAsiento;
+        m_fechaEscrita.formato = m_ctx.formatoFecha;
+        m_fechaEscrita.locale = QLocale();
+        m_fechaEscrita.texto = FormatoFechaSuite(Cabezal.AsiFechaAsiento, QTime(0, 0), m_ctx.formatoFecha);
+    }
+    m_g.FijarTexto(r, 1, m_fechaEscrita.texto + QString(anchoRelleno() + 5, QLatin1Char(' ')) + Cabezal.AsiLeyenda.trimmed());
     if (Cabezal.AsiTipo > 0)
         m_g.FijarTexto(r, 4, libro);
     m_g.FijarAlineacion(r, 4, Qt::AlignLeft | Qt::AlignVCenter);
@@ -158,10 +164,24 @@ void AsientosGrilla::FilaCabezalAsiento(const QString &libro)
 
 void AsientosGrilla::ClaveLinea(int fila, qint32 lCta, qint16 iMon, qint16 iPry, qint16 iDep, qint16 ACuOrden)
 {
-    char clave[64];
-    const int largo = std::snprintf(clave, sizeof clave, "%d|%d|%d|%d|%d", int(lCta), int(iPry), int(iDep), int(iMon),
-                                    int(ACuOrden));
-    m_g.FijarDato(fila, 1, QString::fromLatin1(clave, largo));
+    char16_t clave[64];
+    int largo = 0;
+    for (const int campo : {int(lCta), int(iPry), int(iDep), int(iMon), int(ACuOrden)}) {
+        if (largo > 0)
+            clave[largo++] = u'|';
+        if (campo < 0)
+            clave[largo++] = u'-';
+        unsigned resto = campo < 0 ? 0u - unsigned(campo) : unsigned(campo);
+        char16_t cifras[10];
+        int n = 0;
+        do {
+            cifras[n++] = char16_t(u'0' + resto % 10);
+            resto /= 10;
+        } while (resto > 0);
+        while (n > 0)
+            clave[largo++] = cifras[--n];
+    }
+    m_g.FijarDato(fila, 1, QString(reinterpret_cast<const QChar *>(clave), largo));
 }
 
 void AsientosGrilla::FilaLineaAsiento(int fila, const RegistroLinea &l)
@@ -226,7 +246,7 @@ qint16 AsientosGrilla::AutorizaDeFila(int fila) const
 
 void AsientosGrilla::FijarLibroAutoriza(int fila, qint16 tipo, qint16 autoriza)
 {
-    m_g.FijarDato(fila, 5, QStringLiteral("%1:%2").arg(tipo).arg(autoriza));
+    m_g.FijarDato(fila, 5, QString::number(tipo) + u':' + QString::number(autoriza));
 }
 
 void AsientosGrilla::TomarAsientoDeFila(int fila)
@@ -400,7 +420,9 @@ double numero(const QVariant &v)
 {
     switch (v.typeId()) {
     case QMetaType::Double:
+        return *static_cast<const double *>(v.constData());
     case QMetaType::LongLong:
+        return double(*static_cast<const qlonglong *>(v.constData()));
     case QMetaType::Int:
         return v.toDouble();
     default:
@@ -418,7 +440,9 @@ int entero(const QVariant &v)
 {
     if (v.isNull())
         return 0;
-    if (v.typeId() == QMetaType::LongLong || v.typeId() == QMetaType::Int)
+    if (v.typeId() == QMetaType::LongLong)
+        return int(*static_cast<const qlonglong *>(v.constData()));
+    if (v.typeId() == QMetaType::Int)
         return v.toInt();
     return qRound(numero(v));
 }

@@ -196,4 +196,11 @@ private:
     int m_relleno = -1;
     QFont m_fuenteRelleno;
     QHash<QString, Mascara> m_mascaras; // each mask met, read once
+    struct FechaEscrita
+    {
+        QDate fecha;
+        QString formato;
+        QLocale locale;
+        QString texto;
+    } m_fechaEscrita; // the last header date written, in the format it was written in
 };

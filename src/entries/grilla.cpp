@@ -57,7 +57,10 @@ void Grilla::InsertarFilas(int fila, int cantidad)
     const bool aviso = avisar();
     if (aviso)
         m_observador->AntesDeInsertar(fila, cantidad);
-    m_filas.insert(m_filas.begin() + fila, size_t(cantidad), filaVacia());
+    if (cantidad == 1)
+        m_filas.insert(m_filas.begin() + fila, filaVacia());
+    else
+        m_filas.insert(m_filas.begin() + fila, size_t(cantidad), filaVacia());
     if (aviso)
         m_observador->DespuesDeInsertar();
     else
@@ -180,7 +183,9 @@ void Grilla::FijarNumero(int fila, int columna, Importe valor, const QString &ma
 Importe Grilla::Valor(int fila, int columna) const
 {
     const CeldaGrilla &c = celda(fila, columna);
-    return c.mascara == -1 ? Importe::DesdeDouble(LeerNumero(c.texto)) : c.valor;
+    if (c.mascara != -1)
+        return c.valor;
+    return c.texto.isEmpty() ? Importe() : Importe::DesdeDouble(LeerNumero(c.texto));
 }
 
 void Grilla::FijarDato(int fila, int columna, const QVariant &dato)

@@ -4,11 +4,6 @@
 
 namespace {
 
-QString desdeUtf16(const void *texto, int bytes)
-{
-    return QString(static_cast<const QChar *>(texto), bytes / int(sizeof(QChar)));
-}
-
 // Binds one value as the Qt driver binds it, so that a statement finds the same rows either way.
 int ligar(sqlite3_stmt *s, int n, const QVariant &v)
 {
@@ -149,8 +144,9 @@ QVariant RecordsetSqlite::Campo(int indice) const
         return QByteArray(static_cast<const char *>(sqlite3_column_blob(m_sentencia, indice)),
                           sqlite3_column_bytes(m_sentencia, indice));
     default: {
-        const void *texto = sqlite3_column_text16(m_sentencia, indice);
-        return desdeUtf16(texto, sqlite3_column_bytes16(m_sentencia, indice));
+        // The file keeps text as UTF-8: read as such, it is converted once, by Qt.
+        const auto *texto = reinterpret_cast<const char *>(sqlite3_column_text(m_sentencia, indice));
+        return QString::fromUtf8(texto, sqlite3_column_bytes(m_sentencia, indice));
     }
     }
 }
