@@ -141,15 +141,6 @@ TEST_F(Documento, AdministradorQuedaListoConTodosLosEnlacesYCadaVistaCargaSusAsi
     // The amount columns show the accounting currency's mask.
     EXPECT_EQ(otro->grilla().FormatoColumna(2), QStringLiteral("#,##0.00"));
 
-    // A month: every header row is dated in it.
-    otro->ElegirVista(Vista::kPrimerMes + 1);
-    const QDate mes = otro->menus().MnuViewMItem[1]->data().toDate();
-    ASSERT_TRUE(mes.isValid());
-    for (int r = 1; r < otro->grilla().Filas(); ++r)
-        if (otro->asientos().EsFilaCabezal(r))
-            EXPECT_EQ(otro->grilla().Dato(r, 2).toDate().month(), mes.month());
-    EXPECT_TRUE(otro->findChild<QToolButton *>(QStringLiteral("hlCargar"))->text().startsWith(QStringLiteral("Ver : ")));
-
     // The user's preferences survive a restart; another user keeps their own.
     otro.reset();
     otro = abrir(usuario(1));
