@@ -9,7 +9,6 @@
 #include "shell/pvprevia.h"
 
 #include <QFileDialog>
-#include <QLineEdit>
 #include <QPrintDialog>
 #include <QPrintPreviewDialog>
 #include <QSettings>
