@@ -281,22 +281,11 @@ private:
         lineas(c);
     }
 
-    // The header rows of stored entries in a document's grid.
-    static QList<int> cabezales(Contador &c)
-    {
-        QList<int> filas;
-        AsientosGrilla &a = c.doc->asientos();
-        for (int r = a.grilla().FilasFijas(); r < a.grilla().Filas(); ++r)
-            if (a.EsFilaCabezal(r) && a.IdDeFila(r) > 0)
-                filas << r;
-        return filas;
-    }
-
     // Opens a stored entry of the grid as a user does: a click on it ends an open edit
     // first, then Enter on its row. Answers the entry, 0 when none was opened.
     qint32 abrirAlguno(Contador &c)
     {
-        QList<int> filas = cabezales(c);
+        QList<int> filas = FilasCabezal(*c.doc);
         if (filas.isEmpty())
             return 0;
         const qint32 id = c.doc->asientos().IdDeFila(filas[al(int(filas.size()))]);
@@ -441,7 +430,7 @@ private:
     {
         const char *enlace = qstrcmp(accion, "MnuSaveEnBorrador") == 0 ? "hlOpSave" : "hlRegistro";
         if (!editando(c)) {
-            QList<int> filas = cabezales(c);
+            QList<int> filas = FilasCabezal(*c.doc);
             if (soloExtranjeras)
                 filas.removeIf([&](int r) { return !conMonedaExtranjera(c, r); });
             if (filas.isEmpty())
@@ -475,7 +464,7 @@ private:
         if (editando(c))
             return cambiarVista(c);
         const int cabezal = otro.doc->asientos().FilaCabezalDe(otro.doc->grid()->FilaActual());
-        QList<int> filas = cabezales(otro);
+        QList<int> filas = FilasCabezal(*otro.doc);
         const qint32 id = cabezal >= 0 && otro.doc->asientos().IdDeFila(cabezal) > 0 ? otro.doc->asientos().IdDeFila(cabezal)
                           : filas.isEmpty()                                          ? 0
                                                                                      : otro.doc->asientos().IdDeFila(filas[al(int(filas.size()))]);
@@ -490,7 +479,7 @@ private:
     QHash<qint32, QString> sellosEnGrilla(Contador &c)
     {
         QHash<qint32, QString> sellos;
-        for (int r : cabezales(c))
+        for (int r : FilasCabezal(*c.doc))
             sellos.insert(c.doc->asientos().IdDeFila(r), c.doc->grilla().Dato(r, 4).toDateTime().toString(QStringLiteral("yyyy-MM-dd hh:mm:ss.zzz")));
         return sellos;
     }
@@ -610,7 +599,7 @@ private:
     {
         AsientosGrilla &a = c.doc->asientos();
         Grilla &g = c.doc->grilla();
-        c.vigia->Revisar(cabezales(c));
+        c.vigia->Revisar(FilasCabezal(*c.doc));
         const int editado = editando(c) ? a.FilaCabezalDe(c.doc->FilaEdicion()) : -1;
         // The header, then the lines in sorted order, written alike from the grid and the database.
         auto cabezal = [](qint64 estado, const QDate &fecha, qint64 libro, const QDateTime &sello) {
@@ -621,7 +610,7 @@ private:
         };
         QHash<qint32, QStringList> vistos, guardados;
         QHash<qint32, QString> imagenes;
-        for (int r : cabezales(c)) {
+        for (int r : FilasCabezal(*c.doc)) {
             if (r == editado || g.Fila(r).imagen == QLatin1String(CambiosAjenos::kImagen))
                 continue;
             QStringList &v = vistos[a.IdDeFila(r)];
