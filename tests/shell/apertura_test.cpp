@@ -10,97 +10,74 @@ namespace {
 
 using R = ServicioMensajes::Respuesta;
 
-class AperturaEnDocumento : public ::testing::TestWithParam<Motor>
+class AperturaEnDocumento : public Escenario
 {
 protected:
-    AperturaEnDocumento()
-        : m_base(GetParam(), BaseDePrueba::Contenido::Demo)
-    {
-    }
-
-    // The document on the demo company, with the start-up options given after the usual ones.
-    std::unique_ptr<lumIngAsiento> abrir(const QString &opciones = {})
+    // Another document of the administrator, with the start-up options given after the usual ones.
+    std::unique_ptr<lumIngAsiento> abrirCon(const QString &opciones)
     {
         return DocumentoIniciado(m_base, m_host, m_mensajes, m_busqueda, m_carpeta, Demo::kUsuarioAdministrador, opciones);
     }
-    static bool conAviso(lumIngAsiento &doc) { return doc.findChild<QFrame *>(QStringLiteral("picASI"))->isVisibleTo(&doc); }
-
-    int contar(const QString &sql, const QVariantList &valores = {}) { return m_base.Valor(sql, valores).toInt(); }
+    bool conAviso(lumIngAsiento *doc = nullptr)
+    {
+        doc = doc ? doc : m_doc.get();
+        return doc->findChild<QFrame *>(QStringLiteral("picASI"))->isVisibleTo(doc);
+    }
     QStringList aperturas(int estado)
     {
         return Columna(m_base.conexion(), QStringLiteral("Select AsiID From cceAsientos Where AsiTipo = 94 And AsiEstado = ?"), {estado});
     }
     // The menu command that makes the opening-balance entry, with yes to both questions.
-    void hacer(lumIngAsiento &doc)
+    void hacer()
     {
         m_mensajes.Responder(R::Si);
         m_mensajes.Responder(R::Si);
-        doc.menus().accion(QStringLiteral("MnuEdiAPA"))->trigger();
+        elegir("MnuEdiAPA");
     }
-    // A balanced entry of the opening-balance book, written straight to the store; its id.
-    qint32 apertura(qint16 estado)
-    {
-        return GrabarAsientoDePrueba(m_base, estado, QDate(2024, 1, 1), QStringLiteral("Saldos"), Demo::kLibroPrimeraApertura,
-                                     {{"1.1.01", true, 10}, {"3.1.01", false, 10}});
-    }
-
-    BaseDePrueba m_base;
-    QTemporaryDir m_carpeta;
-    HostDePrueba m_host;
-    MensajesGuionados m_mensajes;
-    BusquedaExacta m_busqueda;
 };
 
+// Which accounts and balances the entry takes is the store's; here, the banner, the menu and
+// the grid.
 TEST_P(AperturaEnDocumento, ElMenuLoHaceBorrarloDevuelveElAvisoYUnaLineaAceptadaLoDejaRegistrado)
 {
-    auto doc = abrir();
-    EXPECT_TRUE(conAviso(*doc));
-    const QVariant fecha = Conexion::ValorFecha(doc->FechaAsientoApertura());
-    // The demo's closed accounts are closed after the opening-balance date: they are opened.
-    const QString cerradas = QStringLiteral("Select Count(*) From cceCuentas Where CueFechaCerrada >= ?");
-    ASSERT_GT(contar(cerradas, {fecha}), 0);
-    const int conSaldo = contar(QStringLiteral("Select Count(*) From cceCuentas Where CueEsCarpeta = 0 And CueIDEmpresa = 1"
-                                               " And (CueSaldo <> 0 Or CueSaldoMConta <> 0)"));
-
-    hacer(*doc);
+    EXPECT_TRUE(conAviso());
+    hacer();
     EXPECT_EQ(m_mensajes.mostrados.filter(QStringLiteral("pregunta: ")).size(), 2) << m_mensajes.mostrados.join(u'\n').toStdString();
     EXPECT_EQ(m_mensajes.mostrados.size(), 2);
-    EXPECT_EQ(contar(cerradas, {fecha}), 0);
     const QStringList hechos = aperturas(1);
     ASSERT_EQ(hechos.size(), 1);
     const qint32 id = hechos.first().toInt();
-    EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientoCuenta Where ACuIDAsiento = ?"), {id}), conSaldo);
 
     // Shown as the current entry, a row per line; the banner has gone. Registered and
     // balanced in pesos, it shows no difference row.
-    const int fila = doc->FilaDeAsiento(id);
+    const int fila = filaDe(id);
     ASSERT_GT(fila, 0);
-    EXPECT_EQ(doc->grid()->FilaActual(), fila);
-    const int ultima = doc->asientos().UltimaFilaAsiento(fila);
-    EXPECT_EQ(ultima - fila - (doc->asientos().EsFilaDiferencia(ultima) ? 1 : 0), conSaldo);
-    EXPECT_FALSE(doc->asientos().EsFilaDiferencia(ultima)) << doc->grilla().Texto(ultima, 3).toStdString();
-    EXPECT_FALSE(conAviso(*doc));
+    EXPECT_EQ(m_doc->grid()->FilaActual(), fila);
+    const int ultima = m_doc->asientos().UltimaFilaAsiento(fila);
+    EXPECT_EQ(ultima - fila, m_base.Valor(QStringLiteral("Select Count(*) From cceAsientoCuenta Where ACuIDAsiento = ?"), {id}).toInt());
+    EXPECT_FALSE(m_doc->asientos().EsFilaDiferencia(ultima)) << m_doc->grilla().Texto(ultima, 3).toStdString();
+    EXPECT_FALSE(conAviso());
 
     // Deleted, it goes to the trash and the banner comes back.
     m_mensajes.mostrados.clear();
     m_mensajes.Responder(R::Si);
-    doc->grid()->FijarFilaActual(fila);
-    doc->menus().accion(QStringLiteral("MnuEdiDel"))->trigger();
+    m_doc->grid()->FijarFilaActual(fila);
+    elegir("MnuEdiDel");
     EXPECT_EQ(m_mensajes.mostrados.filter(QStringLiteral("error: ")), QStringList{});
     EXPECT_EQ(aperturas(9), hechos);
-    EXPECT_EQ(doc->FilaDeAsiento(id), -1);
-    EXPECT_TRUE(conAviso(*doc));
+    EXPECT_EQ(filaDe(id), -1);
+    EXPECT_TRUE(conAviso());
 
     // Made again, its lines are in several currencies: a line accepted as it is must leave it
     // registered, still the opening-balance entry.
-    hacer(*doc);
+    hacer();
     const QStringList otra = aperturas(1);
     ASSERT_EQ(otra.size(), 1);
-    ASSERT_TRUE(doc->edicion().EntrarEdicion(doc->FilaDeAsiento(otra.first().toInt()) + 1));
-    doc->edicion().AceptarLinea();
-    doc->edicion().SalirEdicion();
+    ASSERT_TRUE(m_doc->edicion().EntrarEdicion(filaDe(otra.first().toInt()) + 1));
+    m_doc->edicion().AceptarLinea();
+    m_doc->edicion().SalirEdicion();
     EXPECT_EQ(aperturas(1), otra);
-    EXPECT_FALSE(conAviso(*doc));
+    EXPECT_FALSE(conAviso());
 }
 
 // The entry menu offers what can be done on the row: making the opening-balance entry while
@@ -108,40 +85,40 @@ TEST_P(AperturaEnDocumento, ElMenuLoHaceBorrarloDevuelveElAvisoYUnaLineaAceptada
 // one; nothing on the new-entry row.
 TEST_P(AperturaEnDocumento, ElMenuDeCadaFilaYLaOpcionDeInicioSegunHayaAsiento)
 {
-    auto doc = abrir();
     auto estado = [&](int fila) {
-        doc->grid()->FijarFilaActual(fila);
-        doc->PrepararMenuEdicion();
-        QAction *hacer = doc->menus().accion(QStringLiteral("MnuEdiAPA"));
-        QAction *convertir = doc->menus().accion(QStringLiteral("MnuEdiASI"));
+        m_doc->grid()->FijarFilaActual(fila);
+        m_doc->PrepararMenuEdicion();
+        QAction *hacer = m_doc->menus().accion(QStringLiteral("MnuEdiAPA"));
+        QAction *convertir = m_doc->menus().accion(QStringLiteral("MnuEdiASI"));
         return QStringLiteral("%1|%2|%3").arg(hacer->isEnabled()).arg(convertir->text()).arg(convertir->isEnabled());
     };
     const QString aApertura = Idioma::resLoad(33);
-    doc->ElegirVista(Vista::kUltimos5);
-    const int comun = doc->grilla().FilasFijas();
-    ASSERT_TRUE(doc->asientos().EsFilaCabezal(comun));
-    const int nuevo = doc->grilla().Filas() - 1;
+    vista(Vista::kUltimos5);
+    const int comun = m_doc->grilla().FilasFijas();
+    ASSERT_TRUE(m_doc->asientos().EsFilaCabezal(comun));
+    const int nuevo = m_doc->grilla().Filas() - 1;
     EXPECT_EQ(estado(comun), QStringLiteral("1|%1|1").arg(aApertura));
     EXPECT_EQ(estado(nuevo), QStringLiteral("1|%1|0").arg(aApertura));
 
     // The start-up option asks for the entry only while the company has none; an incomplete
     // entry of that book is no opening-balance entry yet.
-    EXPECT_EQ(abrir()->ComandoDiferido(), QString());
-    EXPECT_EQ(abrir(QStringLiteral("|pshacerasi=si"))->ComandoDiferido(), QStringLiteral("1"));
-    const qint32 id = apertura(EstadoAsiento::kInconcluso);
-    EXPECT_EQ(abrir(QStringLiteral("|pshacerasi=si"))->ComandoDiferido(), QStringLiteral("1"));
+    EXPECT_EQ(m_doc->ComandoDiferido(), QString());
+    EXPECT_EQ(abrirCon(QStringLiteral("|pshacerasi=si"))->ComandoDiferido(), QStringLiteral("1"));
+    const qint32 id = GrabarAsientoDePrueba(m_base, EstadoAsiento::kInconcluso, QDate(2024, 1, 1), QStringLiteral("Saldos"),
+                                            Demo::kLibroPrimeraApertura, {{"1.1.01", true, 10}, {"3.1.01", false, 10}});
+    EXPECT_EQ(abrirCon(QStringLiteral("|pshacerasi=si"))->ComandoDiferido(), QStringLiteral("1"));
     AsientoDatos registrar(m_base.conexion());
     ASSERT_TRUE(Bien(registrar.CargarAsiento(id)));
     registrar.Cabezal().Estado = EstadoAsiento::kRegistrado;
     ASSERT_TRUE(Bien(registrar.Grabar()));
-    auto conAsiento = abrir(QStringLiteral("|pshacerasi=si"));
+    auto conAsiento = abrirCon(QStringLiteral("|pshacerasi=si"));
     EXPECT_EQ(conAsiento->ComandoDiferido(), QString());
-    EXPECT_FALSE(conAviso(*conAsiento));
+    EXPECT_FALSE(conAviso(conAsiento.get()));
     EXPECT_TRUE(m_mensajes.mostrados.isEmpty());
 
     // Made, the menu only turns it into an ordinary entry.
-    ASSERT_TRUE(Bien(CargarAsientoEnGrilla(doc->asientos(), *doc->proceso().conexion, id, doc->grilla().Filas() - 1)));
-    EXPECT_EQ(estado(doc->FilaDeAsiento(id)), QStringLiteral("0|%1|1").arg(Idioma::resLoad(34)));
+    ASSERT_TRUE(mostrarAlFinal(id));
+    EXPECT_EQ(estado(filaDe(id)), QStringLiteral("0|%1|1").arg(Idioma::resLoad(34)));
     EXPECT_EQ(estado(comun), QStringLiteral("0|%1|0").arg(aApertura));
 }
 

@@ -49,9 +49,8 @@ protected:
     QList<qint32> idsEnGrilla()
     {
         QList<qint32> l;
-        for (int r = m_doc->grilla().FilasFijas(); r < m_doc->grilla().Filas(); ++r)
-            if (m_doc->asientos().EsFilaCabezal(r) && m_doc->grilla().Dato(r, 0).toInt() > 0)
-                l << m_doc->grilla().Dato(r, 0).toInt();
+        for (int r : FilasCabezal(*m_doc))
+            l << m_doc->asientos().IdDeFila(r);
         std::sort(l.begin(), l.end());
         return l;
     }

@@ -48,6 +48,24 @@ std::unique_ptr<lumIngAsiento> DocumentoIniciado(const BaseDePrueba &base, HostD
     return doc;
 }
 
+QList<int> FilasCabezal(lumIngAsiento &doc)
+{
+    QList<int> filas;
+    for (int r = doc.grilla().FilasFijas(); r < doc.grilla().Filas(); ++r)
+        if (doc.asientos().EsFilaCabezal(r) && doc.asientos().IdDeFila(r) > 0)
+            filas << r;
+    return filas;
+}
+
+void Escenario::otroCambia(qint32 id, const QString &leyenda)
+{
+    AsientoDatos otro(m_base.conexion());
+    otro.FijarUsuario(Demo::kUsuarioContador);
+    ASSERT_TRUE(Bien(otro.CargarAsiento(id)));
+    otro.Cabezal().Leyenda = leyenda;
+    ASSERT_TRUE(Bien(otro.Grabar()));
+}
+
 QStringList Operaciones(Conexion &conexion, qint32 id, bool conUsuario)
 {
     QStringList l;

@@ -57,6 +57,9 @@ inline void escribir(QWidget *w, const QString &t)
 // Enter there takes the line.
 void AceptarLinea(lumIngAsiento &doc, MensajesGuionados &mensajes);
 
+// The grid rows of the stored entries' headers a document shows, top to bottom.
+QList<int> FilasCabezal(lumIngAsiento &doc);
+
 // An entry's writes, oldest first, as "operation" or "operation:user".
 QStringList Operaciones(Conexion &conexion, qint32 id, bool conUsuario = false);
 
@@ -127,6 +130,8 @@ protected:
     qint32 asientoAlFinal(qint16 estado, const QString &leyenda, const QList<std::tuple<const char *, bool, double>> &lineas,
                           qint16 libro);
     qint32 ultimoId() { return m_base.UltimoAsiento(); }
+    // Another session, the accountant's, changes the entry's legend through the store.
+    void otroCambia(qint32 id, const QString &leyenda);
     QList<qint32> ids(const QString &condicion) { return m_base.Asientos(condicion); }
 
     BaseDePrueba m_base;

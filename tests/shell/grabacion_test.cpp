@@ -53,14 +53,6 @@ protected:
         d.Lineas() = lineas;
         return IdGrabado(d);
     }
-    // Another session changes the entry's legend.
-    void otroCambia(qint32 id, const QString &leyenda)
-    {
-        AsientoDatos otro(m_base.conexion());
-        ASSERT_TRUE(Bien(otro.CargarAsiento(id)));
-        otro.Cabezal().Leyenda = leyenda;
-        ASSERT_TRUE(Bien(otro.Grabar()));
-    }
     int conLeyenda(qint32 id, const QString &leyenda)
     {
         return int(ids(QStringLiteral("AsiID = %1 And AsiLeyenda = '%2'").arg(id).arg(leyenda)).size());

@@ -51,16 +51,6 @@ protected:
             dialogo->findChild<QTableWidget *>(QStringLiteral("tablaHistorial"))->setCurrentCell(0, 0);
         return dialogo;
     }
-
-    // Another user changes the entry's legend through the store.
-    void otroUsuarioCambia(qint32 id)
-    {
-        AsientoDatos otro(m_base.conexion());
-        otro.FijarUsuario(4);
-        ASSERT_TRUE(Bien(otro.CargarAsiento(id)));
-        otro.Cabezal().Leyenda = QStringLiteral("Cambiada por otro");
-        ASSERT_TRUE(Bien(otro.Grabar()));
-    }
 };
 
 TEST_P(Restauracion, EliminarPreguntaYLaPapeleraLoDevuelveEnteroSiUnaEscrituraPuede)
@@ -212,7 +202,7 @@ TEST_P(Restauracion, NadaPisaElCambioDeOtroUsuario)
 {
     const qint32 id = nuevoAsiento();
     suprimir(filaDe(id) + 2, ServicioMensajes::Respuesta::Si);
-    otroUsuarioCambia(id);
+    otroCambia(id, QStringLiteral("Cambiada por otro"));
     const AsientoEnBase deOtro = enBase(id);
     deshacer();
     EXPECT_EQ(m_mensajes.mostrados.last(), Dicho("error", 1820));
@@ -233,7 +223,7 @@ TEST_P(Restauracion, NadaPisaElCambioDeOtroUsuario)
     EXPECT_TRUE(restaurar->isEnabled());
 
     // Another change after the history was read: the version is refused.
-    otroUsuarioCambia(id);
+    otroCambia(id, QStringLiteral("Cambiada por otro"));
     const AsientoEnBase ultimo = enBase(id);
     m_mensajes.Responder(ServicioMensajes::Respuesta::Si);
     restaurar->click();

@@ -9,8 +9,6 @@
 #include "shell/pvprevia.h"
 
 #include <QFileDialog>
-#include <QJsonObject>
-#include <QLineEdit>
 #include <QPrintDialog>
 #include <QPrintPreviewDialog>
 #include <QSettings>
@@ -104,66 +102,25 @@ TEST_P(Salidas, ArchivosEImpresionSonLaGrillaQueVuelveComoEstaba)
     QFile archivo(m_selector.respuesta);
     ASSERT_TRUE(archivo.open(QIODevice::ReadOnly));
     EXPECT_EQ(archivo.read(3), QByteArray("\xEF\xBB\xBF")); // UTF-8, said to the spreadsheet
+    // Every visible row but the "new entry" one, the legend with quotes, a comma and markup
+    // as typed; the cells themselves are the export's, checked where it is driven alone.
     const QJsonArray csv = LeerArchivoExportado("csv", m_selector.respuesta);
-    const QList<QStringList> vistas = celdasVistas();
-    ASSERT_EQ(csv.size(), vistas.size());
-    const Grilla &g = m_doc->grilla();
-    int cabezales = 0;
-    for (int i = 0, r = 0; i < csv.size(); ++i, ++r) {
-        while (g.Fila(r).oculta)
-            ++r;
-        const QJsonArray campos = csv.at(i).toArray();
-        ASSERT_EQ(campos.size(), vistas[i].size()) << i;
-        if (m_doc->asientos().EsFilaCabezal(r)) {
-            // A header row: its date, its legend alone, nothing under the amounts, its book.
-            ++cabezales;
-            EXPECT_TRUE(vistas[i][1].startsWith(campos.at(0).toString())) << i;
-            EXPECT_EQ(campos.at(1).toString(), vistas[i][1].mid(campos.at(0).toString().size()).trimmed()) << i;
-            EXPECT_EQ(campos.at(2).toString() + campos.at(3).toString(), QString()) << i;
-            EXPECT_EQ(campos.at(4).toString(), vistas[i][4]) << i;
-        } else {
-            for (int c = 0; c < campos.size(); ++c)
-                EXPECT_EQ(campos.at(c).toString(), vistas[i][c]) << i << "," << c;
-        }
-    }
-    EXPECT_GT(cabezales, 10);
-    // The legend with quotes, a comma and markup comes back as typed.
+    ASSERT_EQ(csv.size(), celdasVistas().size());
     bool hallada = false;
-    for (const QJsonValue &f : csv)
+    for (const QJsonValue &f : csv) {
         hallada = hallada || f.toArray().at(1).toString() == m_leyenda;
+        EXPECT_NE(f.toArray().at(0).toString(), QStringLiteral("Nuevo Asiento"));
+    }
     EXPECT_TRUE(hallada);
     EXPECT_TRUE(m_doc->grilla().Redibujar());
     EXPECT_FALSE(m_doc->grilla().Fila(m_doc->grilla().Filas() - 1).oculta);
-    for (const QJsonValue &f : csv)
-        EXPECT_NE(f.toArray().at(0).toString(), QStringLiteral("Nuevo Asiento"));
 
-    // The workbook: numbers and dates as such.
+    // The workbook: the name as written, with the extension the dialog added, is the one told.
     m_mensajes.mostrados.clear();
     m_selector.respuesta = ruta("mes");
     elegir("MnuExpExcell");
-    // The name as written, with the extension the dialog added, is the one told.
     EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("información: Se exportó a %1.").arg(ruta("mes.xlsx"))});
-    const QJsonArray filas = LeerArchivoExportado("xlsx", ruta("mes.xlsx"));
-    ASSERT_EQ(filas.size(), celdasVistas().size());
-    int f = 0, numeros = 0, fechas = 0;
-    for (const QJsonValue &v : filas) {
-        while (g.Fila(f).oculta)
-            ++f;
-        const QJsonArray celdas = v.toArray();
-        for (int c = 0; c < celdas.size(); ++c) {
-            const QJsonObject celda = celdas.at(c).toObject();
-            if (g.EsNumero(f, c)) {
-                EXPECT_NEAR(celda.value(QStringLiteral("numero")).toDouble(), g.Valor(f, c).aDouble(), 1e-9) << f << "," << c;
-                ++numeros;
-            } else if (m_doc->asientos().EsFilaCabezal(f) && c == 0) {
-                EXPECT_EQ(celda.value(QStringLiteral("fecha")).toString(), g.Dato(f, 2).toDate().toString(Qt::ISODate)) << f;
-                ++fechas;
-            }
-        }
-        ++f;
-    }
-    EXPECT_GT(numeros, 20);
-    EXPECT_GT(fechas, 10);
+    EXPECT_EQ(LeerArchivoExportado("xlsx", ruta("mes.xlsx")).size(), celdasVistas().size());
 
     // The print preview and the printout, and the grid afterwards.
     Grilla &grilla = m_doc->grilla();
@@ -198,15 +155,7 @@ TEST_P(Salidas, ArchivosEImpresionSonLaGrillaQueVuelveComoEstaba)
     const QString texto = TextoPDF(ruta("mes.pdf"));
     EXPECT_TRUE(texto.contains(QStringLiteral("Ingreso de Asientos"))) << texto.left(400).toStdString();
     EXPECT_TRUE(texto.contains(m_doc->empresa().NombreEmpresa));
-    const int hojas = m_doc->previa()->paginas().Paginas();
-    EXPECT_GT(hojas, 1);
-    EXPECT_EQ(texto.count(QStringLiteral("Ingreso de Asientos")), hojas);
-    EXPECT_TRUE(texto.contains(QStringLiteral("Página %1 de %1").arg(hojas)));
-    // Every amount of the grid is on paper, and the closing row is not.
-    for (int r = grilla.FilasFijas(); r < grilla.Filas() - 1; ++r)
-        for (int c = 2; c <= 3; ++c)
-            if (grilla.EsNumero(r, c))
-                EXPECT_TRUE(texto.contains(grilla.Texto(r, c))) << r;
+    // Pages, headers and amounts on paper are the printout's own, checked where it is driven alone.
     EXPECT_TRUE(texto.contains(QStringLiteral("Pago \"urgente\", caja <chica> & más")));
     EXPECT_FALSE(texto.contains(QStringLiteral("Nuevo Asiento")));
     EXPECT_FALSE(grilla.Fila(grilla.Filas() - 1).oculta);
