@@ -133,10 +133,26 @@ TEST_P(Apertura, SeHaceDeLosSaldosUnaSolaVez1827Y1835)
 // A balance in dollars stored without its value in pesos is valued at the quotation of the
 // opening-balance date, never booked as if the dollars were pesos; a currency with no
 // quotation at all stops the entry and names the account.
-TEST_P(Apertura, UnSaldoEnDolaresSinSuValorEnPesosSeValoraALaCotizacion)
+TEST_P(Apertura, SinSaldosNada1855YUnSaldoEnDolaresSinSuValorEnPesosSeValoraALaCotizacion)
 {
     const QDate dia = m_datos.fechaAsientoApertura;
     ejecutar(QStringLiteral("Update cceCuentas Set CueFechaCerrada = Null, CueSaldo = 0, CueSaldoMConta = 0"));
+    // With no balance at all (zero or none) nothing is made; the help is offered (1855).
+    ejecutar(QStringLiteral("Update cceCuentas Set CueSaldo = Null, CueSaldoMConta = Null Where CueTipo = 1"));
+    const int filas = m_grilla.Filas();
+    for (const R ayuda : {R::No, R::Si}) {
+        m_mensajes.mostrados.clear();
+        m_mensajes.Responder(R::Si);
+        m_mensajes.Responder(ayuda);
+        m_apertura.MnuEdiAPA();
+        EXPECT_EQ(m_mensajes.mostrados, (QStringList{QStringLiteral("pregunta: 1827"), QStringLiteral("pregunta: 1855")}));
+        EXPECT_EQ(m_ayudas, ayuda == R::Si ? 1 : 0);
+    }
+    EXPECT_TRUE(aperturas().isEmpty());
+    EXPECT_EQ(m_grilla.Filas(), filas);
+
+    // Dollars without their pesos.
+    ejecutar(QStringLiteral("Update cceCuentas Set CueSaldo = 0, CueSaldoMConta = 0"));
     fijar("CueSaldo = ?, CueSaldoMConta = Null", "1.1.04", {12500});
     fijar("CueSaldo = ?, CueSaldoMConta = ?", "3.1.01", {500000, 500000});
     ejecutar(QStringLiteral("Delete From genCotizacionesMoneda Where CMoFecha >= ? And CMoFecha <= ?"),
@@ -300,23 +316,6 @@ TEST_P(Apertura, UnaEscrituraFallidaSeDiceConSuDetalle)
         << m_mensajes.detalles.value(0).toStdString();
     EXPECT_TRUE(aperturas().isEmpty());
     EXPECT_EQ(m_base.Valor(cerradas).toInt(), antes);
-}
-
-TEST_P(Apertura, SinSaldosNoSeHaceNada1855)
-{
-    ejecutar(QStringLiteral("Update cceCuentas Set CueFechaCerrada = Null, CueSaldo = 0, CueSaldoMConta = 0"));
-    ejecutar(QStringLiteral("Update cceCuentas Set CueSaldo = Null, CueSaldoMConta = Null Where CueTipo = 1"));
-    const int filas = m_grilla.Filas();
-    for (const R ayuda : {R::No, R::Si}) {
-        m_mensajes.mostrados.clear();
-        m_mensajes.Responder(R::Si);
-        m_mensajes.Responder(ayuda);
-        m_apertura.MnuEdiAPA();
-        EXPECT_EQ(m_mensajes.mostrados, (QStringList{QStringLiteral("pregunta: 1827"), QStringLiteral("pregunta: 1855")}));
-        EXPECT_EQ(m_ayudas, ayuda == R::Si ? 1 : 0);
-    }
-    EXPECT_TRUE(aperturas().isEmpty());
-    EXPECT_EQ(m_grilla.Filas(), filas);
 }
 
 TEST_P(Apertura, UnAsientoComunPasaASerElDeAperturaYVuelve1856Y1857)

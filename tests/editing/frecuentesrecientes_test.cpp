@@ -5,9 +5,9 @@
 #include "comun/conexionespia.h"
 #include "comun/datosdeprueba.h"
 #include "comun/mensajesguionados.h"
+#include "frequent/plantillademo.h"
 
 #include "editing/frecuentesrecientes.h"
-#include "entries/frecuentesdatos.h"
 
 namespace {
 
@@ -22,18 +22,7 @@ protected:
 
     qint32 plantilla(const QString &nombre, bool agendada = false, qint32 empresa = Demo::kEmpresa)
     {
-        MovimientoFrecuente m;
-        m.Empresa = empresa;
-        m.Nombre = nombre;
-        m.Fecha = BaseDePrueba::Hoy();
-        if (agendada) {
-            m.Recurrencia = QString::fromLatin1(FrecuentesDatos::kRecurrenciaAgendado);
-            m.FechaProxima = m.Fecha;
-        }
-        m.Lineas = LineasDePrueba(m_base, {{"1.1.01", true, 10}});
-        m.Monedas = {0};
-        EXPECT_TRUE(Bien(FrecuentesDatos(m_base.conexion()).Guardar(m)));
-        return m.MFrID;
+        return PlantillaDemo(m_base, nombre, {{"1.1.01", true, 10}}, agendada ? BaseDePrueba::Hoy() : QDate(), empresa);
     }
 
     BaseDePrueba m_base;

@@ -15,7 +15,7 @@ class SesionEnMotor : public ::testing::TestWithParam<Motor>
 
 // Each parameter is read into its field, texts trimmed; a Null value leaves the field as it
 // was. Without the table it says 1926, and what was read stays.
-TEST_P(SesionEnMotor, ParametrosDelSistema)
+TEST_P(SesionEnMotor, ParametrosAjustesDelUsuarioYEmpresasLeidas)
 {
     BaseDePrueba base(GetParam(), BaseDePrueba::Contenido::Esquema);
     base.conexion().Ejecutar(QStringLiteral("Insert Into genParametros (ParNombre, ParValor, ParTexto) Values ('defBDDateCharSQLs', Null, ' # '),"
@@ -37,30 +37,22 @@ TEST_P(SesionEnMotor, ParametrosDelSistema)
     ASSERT_TRUE(fallo.has_value());
     EXPECT_EQ(fallo->numeroTexto, 1926);
     EXPECT_EQ(p.libroCierre, 13);
-}
 
-TEST_P(SesionEnMotor, ConfiguracionDeLaEmpresaDemo)
-{
-    BaseDePrueba base(GetParam(), BaseDePrueba::Contenido::Demo);
-    ConfigEmpresa c;
-    bool leida = false;
-    EXPECT_FALSE(LeerConfigEmpresa(base.conexion(), Demo::kEmpresa, c, leida).has_value());
-    EXPECT_TRUE(leida);
-    EXPECT_TRUE(c.mostrarCodigoCta);
-    EXPECT_EQ(c.monedaContabilidad, Demo::kMonedaPesos);
-    EXPECT_EQ(c.usuarioYAutoriza, QStringLiteral("01"));
-    EXPECT_TRUE(c.ConAutoriza());
-    EXPECT_EQ(c.tipoTCComprobantes, Demo::kTipoCotizacion);
-    EXPECT_EQ(c.FechaCierreEjercicio, QDate(BaseDePrueba::Hoy().year() - 1, 12, 31));
-    EXPECT_EQ(c.baseEjercicio, c.FechaCierreEjercicio);
-    EXPECT_EQ(c.libroPorDefecto, Demo::kLibroDiario);
-}
+    // A user's settings are stored only when confirmed, and are that user's.
+    const QString seccion = QStringLiteral("PasajeAsientos"), clave = QStringLiteral("AsiSaveB");
+    auto leer = [&](int usuario) { return ServicioConfigUsuario(base.conexion(), usuario).Leer(seccion, clave); };
+    ServicioConfigUsuario(base.conexion(), 5).Escribir(seccion, clave, QStringLiteral("1")); // not confirmed: nothing stored
+    EXPECT_EQ(leer(5), QString());
+    ServicioConfigUsuario config(base.conexion(), 5);
+    config.Escribir(seccion, clave, QStringLiteral("1"));
+    config.Confirmar();
+    config.Escribir(seccion, clave, QStringLiteral("0"));
+    config.Confirmar();
+    EXPECT_EQ(leer(5), QStringLiteral("0"));
+    EXPECT_EQ(leer(6), QString());
 
-// The default book from EmpPrms, else the user's first book; a company that is not there
-// is not read, and one whose row cannot be read says 1920.
-TEST_P(SesionEnMotor, LibroPorDefectoYEmpresaQueNoSeLee)
-{
-    BaseDePrueba base(GetParam(), BaseDePrueba::Contenido::Esquema);
+    // The default book from EmpPrms, else the user's first book; a company that is not there
+    // is not read, and one whose row cannot be read says 1920.
     Conexion &c = base.conexion();
     c.Ejecutar(QStringLiteral("Insert Into genLibros (LibCodigo, LibNombre, LibDelSistema) Values (90, 'Resumen', 1), (3, 'Ventas', 0)"));
     c.Ejecutar(QStringLiteral("Insert Into cceEmpresas (EmpID, EmpNombre, EmpPrms, EmpValoresUsuarioYAuroriza) Values"
@@ -85,10 +77,44 @@ TEST_P(SesionEnMotor, LibroPorDefectoYEmpresaQueNoSeLee)
     EXPECT_EQ(falta.usuarioYAutoriza, QStringLiteral("00"));
 
     ConfigEmpresa nulo;
-    const auto fallo = LeerConfigEmpresa(c, 3, nulo, leida);
-    ASSERT_TRUE(fallo.has_value());
-    EXPECT_EQ(fallo->numeroTexto, 1920);
+    const auto sinFila = LeerConfigEmpresa(c, 3, nulo, leida);
+    ASSERT_TRUE(sinFila.has_value());
+    EXPECT_EQ(sinFila->numeroTexto, 1920);
     EXPECT_FALSE(leida);
+}
+
+TEST_P(SesionEnMotor, ConfiguracionPermisosYAutorizadoresDeLaDemo)
+{
+    BaseDePrueba base(GetParam(), BaseDePrueba::Contenido::Demo);
+    ConfigEmpresa c;
+    bool leida = false;
+    EXPECT_FALSE(LeerConfigEmpresa(base.conexion(), Demo::kEmpresa, c, leida).has_value());
+    EXPECT_TRUE(leida);
+    EXPECT_TRUE(c.mostrarCodigoCta);
+    EXPECT_EQ(c.monedaContabilidad, Demo::kMonedaPesos);
+    EXPECT_EQ(c.usuarioYAutoriza, QStringLiteral("01"));
+    EXPECT_TRUE(c.ConAutoriza());
+    EXPECT_EQ(c.tipoTCComprobantes, Demo::kTipoCotizacion);
+    EXPECT_EQ(c.FechaCierreEjercicio, QDate(BaseDePrueba::Hoy().year() - 1, 12, 31));
+    EXPECT_EQ(c.baseEjercicio, c.FechaCierreEjercicio);
+    EXPECT_EQ(c.libroPorDefecto, Demo::kLibroDiario);
+
+    // Its users' permission letters and authorisers.
+    const QString modulo = QString::fromLatin1(Demo::kModulo);
+    auto letras = [&](int usuario) {
+        ServicioPermisos s(base.conexion(), usuario);
+        return s.Permisos(QStringLiteral("lum01"), modulo, Demo::kEmpresa).trimmed();
+    };
+    EXPECT_EQ(letras(Demo::kUsuarioAdministrador), QStringLiteral("AMEQ"));
+    EXPECT_EQ(letras(Demo::kUsuarioConsulta), QStringLiteral("Q"));
+    EXPECT_EQ(letras(Demo::kUsuarioSinPermisos), QString());
+    EXPECT_EQ(letras(77), QString());
+
+    ServicioPermisos s(base.conexion(), Demo::kUsuarioAdministrador);
+    const QStringList autorizadores =
+        s.Autorizadores(QStringLiteral("lum01"), modulo, Demo::kEmpresa).split(QLatin1Char('\r'));
+    EXPECT_EQ(autorizadores.size(), 2);
+    EXPECT_TRUE(autorizadores.contains(QStringLiteral("1|Administrador")));
 }
 
 // The opening-balance date: a registered opening entry's own date, else the start of the
@@ -138,64 +164,22 @@ TEST_P(SesionEnMotor, FechaDeAperturaEsElComienzoDelEjercicio)
     }
 }
 
-TEST(FechaApertura, InicioEjercicioConAniosBisiestos)
-{
-    EXPECT_EQ(InicioEjercicio(QDate(2009, 3, 10), QDate(2010, 6, 30)), QDate(2008, 7, 1));
-    EXPECT_EQ(InicioEjercicio(QDate(2009, 7, 1), QDate(2010, 6, 30)), QDate(2009, 7, 1));
-    EXPECT_EQ(InicioEjercicio(QDate(2023, 5, 1), QDate(2020, 2, 28)), QDate(2023, 2, 28));  // 29 Feb does not exist
-    EXPECT_EQ(InicioEjercicio(QDate(2023, 1, 1), QDate(2022, 12, 31)), QDate(2023, 1, 1));
-}
-
-TEST_P(SesionEnMotor, PermisosYAutorizadoresDeLaDemo)
-{
-    BaseDePrueba base(GetParam(), BaseDePrueba::Contenido::Demo);
-    const QString modulo = QString::fromLatin1(Demo::kModulo);
-    auto letras = [&](int usuario) {
-        ServicioPermisos s(base.conexion(), usuario);
-        return s.Permisos(QStringLiteral("lum01"), modulo, Demo::kEmpresa).trimmed();
-    };
-    EXPECT_EQ(letras(Demo::kUsuarioAdministrador), QStringLiteral("AMEQ"));
-    EXPECT_EQ(letras(Demo::kUsuarioConsulta), QStringLiteral("Q"));
-    EXPECT_EQ(letras(Demo::kUsuarioSinPermisos), QString());
-    EXPECT_EQ(letras(77), QString());
-
-    ServicioPermisos s(base.conexion(), Demo::kUsuarioAdministrador);
-    const QStringList autorizadores =
-        s.Autorizadores(QStringLiteral("lum01"), modulo, Demo::kEmpresa).split(QLatin1Char('\r'));
-    EXPECT_EQ(autorizadores.size(), 2);
-    EXPECT_TRUE(autorizadores.contains(QStringLiteral("1|Administrador")));
-}
-
-TEST(Permisos, LetrasSinDistinguirMayusculas)
-{
-    EXPECT_TRUE(TienePermiso(QStringLiteral("qa"), u'Q') && TienePermiso(QStringLiteral("qa"), u'A'));
-    EXPECT_FALSE(TienePermiso(QStringLiteral("qa"), u'M') || TienePermiso(QString(), u'Q'));
-}
-
-TEST_P(SesionEnMotor, AjustesDelUsuarioSeGuardanAlConfirmar)
-{
-    BaseDePrueba base(GetParam(), BaseDePrueba::Contenido::Esquema);
-    const QString seccion = QStringLiteral("PasajeAsientos"), clave = QStringLiteral("AsiSaveB");
-    auto leer = [&](int usuario) { return ServicioConfigUsuario(base.conexion(), usuario).Leer(seccion, clave); };
-    ServicioConfigUsuario(base.conexion(), 5).Escribir(seccion, clave, QStringLiteral("1")); // not confirmed: nothing stored
-    EXPECT_EQ(leer(5), QString());
-    ServicioConfigUsuario config(base.conexion(), 5);
-    config.Escribir(seccion, clave, QStringLiteral("1"));
-    config.Confirmar();
-    config.Escribir(seccion, clave, QStringLiteral("0"));
-    config.Confirmar();
-    EXPECT_EQ(leer(5), QStringLiteral("0"));
-    EXPECT_EQ(leer(6), QString());
-}
-
 INSTANCIAR_EN_MOTORES(SesionEnMotor);
 
-TEST(Sesion, NombreDeEdicionYFormatoDeFecha)
+TEST(Sesion, NombreDeEdicionFormatosLetrasEInicioDeEjercicio)
 {
     EXPECT_EQ(NombreEdicion(QStringLiteral("  LUM02 ")), QStringLiteral("Tarvo Empresa"));
     EXPECT_EQ(NombreEdicion(QStringLiteral("lum04")), QString());
     EXPECT_EQ(FormatoQtDeFecha(QStringLiteral("dd/mm/yyyy")), QStringLiteral("dd/MM/yyyy"));
     EXPECT_EQ(FormatoQtDeFecha(QStringLiteral("d-mmm-yy hh:nn")), QStringLiteral("d-MMM-yy hh:mm"));
+    // Permission letters are told apart without case.
+    EXPECT_TRUE(TienePermiso(QStringLiteral("qa"), u'Q') && TienePermiso(QStringLiteral("qa"), u'A'));
+    EXPECT_FALSE(TienePermiso(QStringLiteral("qa"), u'M') || TienePermiso(QString(), u'Q'));
+    // The start of a fiscal year, whose closing day may not exist in a leap year.
+    EXPECT_EQ(InicioEjercicio(QDate(2009, 3, 10), QDate(2010, 6, 30)), QDate(2008, 7, 1));
+    EXPECT_EQ(InicioEjercicio(QDate(2009, 7, 1), QDate(2010, 6, 30)), QDate(2009, 7, 1));
+    EXPECT_EQ(InicioEjercicio(QDate(2023, 5, 1), QDate(2020, 2, 28)), QDate(2023, 2, 28));  // 29 Feb does not exist
+    EXPECT_EQ(InicioEjercicio(QDate(2023, 1, 1), QDate(2022, 12, 31)), QDate(2023, 1, 1));
 }
 
 } // namespace

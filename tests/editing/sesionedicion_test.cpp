@@ -120,7 +120,7 @@ TEST_P(Edicion, UnAsientoNuevoQueCierraSeGrabaRegistradoOBorradorYCierraLaEdicio
     EXPECT_TRUE(m_mensajes.mostrados.isEmpty()) << m_mensajes.mostrados.join(u'\n').toStdString();
 }
 
-TEST_P(Edicion, UnaLineaQueNoCierraProponeLoQueFaltaYAlSalirQuedaInconclusa)
+TEST_P(Edicion, UnaLineaQueNoCierraProponeLoQueFaltaYAlSalirQuedaInconclusaODescartada)
 {
     const qint32 antes = ultimoId();
     nuevo(kFecha, QStringLiteral("A medias"));
@@ -149,14 +149,11 @@ TEST_P(Edicion, UnaLineaQueNoCierraProponeLoQueFaltaYAlSalirQuedaInconclusa)
     EXPECT_EQ(m_vista.cerrada, cabezal);
     EXPECT_EQ(enGrilla(cabezal), escrito);
     EXPECT_TRUE(m_asientos.EsFilaDiferencia(cabezal + 5)); // an incomplete entry shows what it lacks
-}
 
-// A new entry that cannot be written at all: leaving asks (1961), and discarding takes its
-// rows off the grid, which is left as it was before the entry was begun.
-TEST_P(Edicion, UnAsientoNuevoQueNoSePudoGrabarSeDescartaSinDejarFilas)
-{
-    const QStringList antes = grilla();
-    const qint32 ultimo = ultimoId();
+    // A new entry that cannot be written at all: leaving asks (1961), and discarding takes its
+    // rows off the grid, which is left as it was before the entry was begun.
+    const qint32 ultimoIncompleto = ultimoId();
+    const QStringList filasAntes = grilla();
     nuevo(kFecha, QStringLiteral("Sin base"));
     teclear(cuenta("1.1.01", 500));
     teclear(std::nullopt, cuenta("4.1.01", 200));
@@ -166,33 +163,13 @@ TEST_P(Edicion, UnAsientoNuevoQueNoSePudoGrabarSeDescartaSinDejarFilas)
     ejecutar(QStringLiteral("Alter Table historialAparte Rename To cceAsientosHistorial"));
     EXPECT_EQ(m_mensajes.mostrados.last(), QStringLiteral("pregunta: 1961")) << m_mensajes.mostrados.join(u'\n').toStdString();
     EXPECT_EQ(m_sesion.FilaEdicion(), 0);
-    EXPECT_EQ(ultimoId(), ultimo);
-    EXPECT_EQ(grilla(), antes);
-}
-
-TEST_P(Edicion, ImporteCeroEnLaMonedaDeLaCuentaSoloSiSeConfirma1819)
-{
-    nuevo(kFecha, QStringLiteral("Diferencia de cambio"));
-    ValorLinea banco = cuenta("1.1.04", 0, 0);
-    banco.dImporteMC = 50_imp;
-    const QStringList filas = grilla();
-    m_mensajes.Responder(R::No);
-    teclear(banco);
-    EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("pregunta: 1819")});
-    EXPECT_EQ(grilla(), filas);
-    EXPECT_EQ(m_vista.editores.size(), 1);
-
-    m_mensajes.Responder(R::Si);
-    teclear(banco);
-    teclear(std::nullopt, cuenta("4.2.02", 50));
-    EXPECT_EQ(enBase(ultimoId()), (QStringList{QStringLiteral("1|%1|Diferencia de cambio|1|0").arg(kDia),
-                                                 QStringLiteral("1.1.04|D|0|50|1|0|0"), QStringLiteral("4.2.02|H|50|50|2|0|0")}));
-    EXPECT_EQ(m_mensajes.mostrados.size(), 2);
+    EXPECT_EQ(ultimoId(), ultimoIncompleto);
+    EXPECT_EQ(grilla(), filasAntes);
 }
 
 // A new entry whose date cannot be read, or on which an account typed is closed (the demo's
 // closed bank account, on its closing date): nothing is taken and the date has the focus.
-TEST_P(Edicion, UnAsientoNuevoConFechaIlegibleOCuentaCerradaVuelveALaFecha1821)
+TEST_P(Edicion, UnAsientoNuevoConFechaIlegibleOCuentaCerradaVuelveALaFecha1821YImporteCero1819)
 {
     const ValorLinea cerrada = cuenta("1.1.07", 100);
     ASSERT_GT(cerrada.dFechaCierre, QDate(1901, 1, 1));
@@ -214,6 +191,26 @@ TEST_P(Edicion, UnAsientoNuevoConFechaIlegibleOCuentaCerradaVuelveALaFecha1821)
     teclear(cerrada, cuenta("4.1.01", 100));
     EXPECT_EQ(m_mensajes.mostrados.size(), 1);
     EXPECT_EQ(m_base.Valor(QStringLiteral("Select Count(*) From cceAsientos Where AsiLeyenda = 'Sin fecha' And AsiEstado = 1")).toInt(), 1);
+
+    // An amount of zero in the account's currency is taken only when confirmed (1819).
+    m_mensajes.mostrados.clear();
+    m_vista.editores.clear();
+    nuevo(kFecha, QStringLiteral("Diferencia de cambio"));
+    ValorLinea banco = cuenta("1.1.04", 0, 0);
+    banco.dImporteMC = 50_imp;
+    const QStringList filasSinBanco = grilla();
+    m_mensajes.Responder(R::No);
+    teclear(banco);
+    EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("pregunta: 1819")});
+    EXPECT_EQ(grilla(), filasSinBanco);
+    EXPECT_EQ(m_vista.editores.size(), 1);
+
+    m_mensajes.Responder(R::Si);
+    teclear(banco);
+    teclear(std::nullopt, cuenta("4.2.02", 50));
+    EXPECT_EQ(enBase(ultimoId()), (QStringList{QStringLiteral("1|%1|Diferencia de cambio|1|0").arg(kDia),
+                                                 QStringLiteral("1.1.04|D|0|50|1|0|0"), QStringLiteral("4.2.02|H|50|50|2|0|0")}));
+    EXPECT_EQ(m_mensajes.mostrados.size(), 2);
 }
 
 // A stored entry with an account closed at its date: that line may not change (1815); an
@@ -255,21 +252,21 @@ TEST_P(Edicion, UnaCuentaCerradaEnUnAsientoGuardado1815Y1821)
 
 // Moving a stored entry to a date on which another of its accounts is closed: the date goes
 // back to the stored one.
-TEST_P(Edicion, MoverUnAsientoGuardadoAlCierreDeOtraDeSusCuentas1821)
+TEST_P(Edicion, MoverUnAsientoGuardadoAlCierreDeOtraDeSusCuentas1821YCambiarSoloLaLeyenda)
 {
     const QList<qint32> simples = registradosSinCuentasCerradas();
     ASSERT_FALSE(simples.isEmpty());
     const qint32 id = simples.last();
-    const int cabezal = cargar(id);
-    const QDate fecha = m_grilla.Dato(cabezal, 2).toDate();
-    ASSERT_NE(m_asientos.LineaDeFila(cabezal + 1).lCta, m_asientos.LineaDeFila(cabezal + 2).lCta);
+    const int fila = cargar(id);
+    const QDate fecha = m_grilla.Dato(fila, 2).toDate();
+    ASSERT_NE(m_asientos.LineaDeFila(fila + 1).lCta, m_asientos.LineaDeFila(fila + 2).lCta);
     m_base.conexion().Ejecutar(QStringLiteral("Update cceCuentas Set CueFechaCerrada = ? Where CueID = ?"),
-                               {Conexion::ValorFecha(fecha.addDays(-1)), m_asientos.LineaDeFila(cabezal + 2).lCta});
-    m_comandos.RecargarAsiento(id, cabezal);
+                               {Conexion::ValorFecha(fecha.addDays(-1)), m_asientos.LineaDeFila(fila + 2).lCta});
+    m_comandos.RecargarAsiento(id, fila);
     const QStringList antes = enBase(id, true);
 
-    ASSERT_TRUE(m_sesion.EntrarEdicion(cabezal));
-    EXPECT_EQ(m_sesion.FilaEdicion(), cabezal + 1);
+    ASSERT_TRUE(m_sesion.EntrarEdicion(fila));
+    EXPECT_EQ(m_sesion.FilaEdicion(), fila + 1);
     m_vista.cabezal.fecha = fecha.addDays(-1);
     m_sesion.AceptarLinea();
     EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("error: 1821")});
@@ -277,22 +274,17 @@ TEST_P(Edicion, MoverUnAsientoGuardadoAlCierreDeOtraDeSusCuentas1821)
     EXPECT_EQ(m_vista.enfoquesFecha, 1);
     m_sesion.SalirEdicion();
     EXPECT_EQ(enBase(id, true), antes);
-}
+    ejecutar(QStringLiteral("Update cceCuentas Set CueFechaCerrada = Null Where CueID = ?"), {m_asientos.LineaDeFila(fila + 2).lCta});
 
-// A line that leaves a stored entry short is kept for later, but a change of its header alone
-// (here the legend) is written at once.
-TEST_P(Edicion, LaLeyendaCambiadaSeGrabaAunqueLaLineaDescuadre)
-{
-    const QList<qint32> simples = registradosSinCuentasCerradas();
-    ASSERT_FALSE(simples.isEmpty());
-    const qint32 id = simples.first();
-    const int fila = cargar(id);
-    const QStringList lineasAntes = enBase(id).mid(1);
-    ASSERT_TRUE(m_sesion.EntrarEdicion(fila));
+    // A line that leaves a stored entry short is kept for later, but a change of its header alone
+    // (here the legend) is written at once.
+    const qint32 primero = simples.first();
+    const QStringList lineasAntes = enBase(primero).mid(1);
+    ASSERT_TRUE(m_sesion.EntrarEdicion(cargar(primero)));
     m_vista.cabezal.leyenda = QStringLiteral("Leyenda corregida");
     teclear(cuenta("1.1.01", 987654.32));
-    EXPECT_EQ(cabezal(id).section(u'|', 2, 2), QStringLiteral("Leyenda corregida"));
-    EXPECT_EQ(enBase(id).mid(1), lineasAntes); // the line waits until the edit ends
+    EXPECT_EQ(cabezal(primero).section(u'|', 2, 2), QStringLiteral("Leyenda corregida"));
+    EXPECT_EQ(enBase(primero).mid(1), lineasAntes); // the line waits until the edit ends
 }
 
 // 100 dollars at the debit at 40, then 100 at the credit at 42. Question 1832 settles the
@@ -338,7 +330,7 @@ TEST_P(Edicion, UnaSegundaTasaParaLaMismaMoneda1832)
 
 // A new entry dated after today, scheduled at question 1807, is kept as a scheduled
 // frequent entry instead; kept as an entry, it waits as a draft (below).
-TEST_P(Edicion, UnAsientoConFechaFuturaPuedeAgendarse1807)
+TEST_P(Edicion, UnAsientoConFechaFuturaPuedeAgendarse1807YDespuesDeHoyEsSegunElReloj)
 {
     const QString leyenda = QStringLiteral("Alquiler agendado");
     m_mensajes.Responder(R::Si);
@@ -360,13 +352,10 @@ TEST_P(Edicion, UnAsientoConFechaFuturaPuedeAgendarse1807)
     teclear(cuenta("5.3.01", 800), cuenta("1.1.01", 800));
     EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientos Where AsiLeyenda = 'Sin agenda' And AsiEstado = 0")), 1);
     EXPECT_EQ(m_vista.cerrada, cabezal);
-}
 
-// "After today" is after the clock's day, across the ends of months and years: an entry
-// dated today is registered without a question; one dated tomorrow asks 1807 and, kept,
-// waits as a draft; a registered entry moved to tomorrow asks again and goes back to draft.
-TEST_P(Edicion, DespuesDeHoyEsDespuesDelDiaDelReloj)
-{
+    // "After today" is after the clock's day, across the ends of months and years: an entry
+    // dated today is registered without a question; one dated tomorrow asks 1807 and, kept,
+    // waits as a draft; a registered entry moved to tomorrow asks again and goes back to draft.
     for (const QDate hoy : {QDate(2028, 2, 29), QDate(2026, 12, 31), QDate(2025, 2, 28)}) {
         SCOPED_TRACE(hoy.toString(Qt::ISODate).toStdString());
         m_base.reloj()->Fijar(QDateTime(hoy, QTime(12, 0)));
@@ -389,8 +378,7 @@ TEST_P(Edicion, DespuesDeHoyEsDespuesDelDiaDelReloj)
 
         m_mensajes.mostrados.clear();
         m_mensajes.Responder(R::No);
-        const int cabezal = cargar(deHoy);
-        ASSERT_TRUE(m_sesion.EntrarEdicion(cabezal));
+        ASSERT_TRUE(m_sesion.EntrarEdicion(cargar(deHoy)));
         m_vista.cabezal.fecha = hoy.addDays(1);
         m_sesion.AceptarLinea();
         m_sesion.SalirEdicion();

@@ -22,7 +22,7 @@ protected:
     DatosAsientos d{GetParam()};
 };
 
-TEST_P(Datos, AsientoNuevoConSusLineasEnOrdenYElNumeroDelMotor)
+TEST_P(Datos, AsientoNuevoConSusLineasEnOrdenElNumeroDelMotorYSusCuentasCerradas)
 {
     AsientoDatos a(d.conexion());
     const qint32 id = nuevo(a);
@@ -41,6 +41,14 @@ TEST_P(Datos, AsientoNuevoConSusLineasEnOrdenYElNumeroDelMotor)
     EXPECT_EQ(std::tuple(l1.AlDebe, l1.Importe, l1.ImporteMC), std::tuple(false, 7.5_imp, 300_imp));
     EXPECT_EQ(d.Filas(QStringLiteral("Select ACuOrden, ACuCuenta From cceAsientoCuenta Where ACuIDAsiento = ? Order By ACuOrden"), {id}),
               (QStringList{QStringLiteral("1|22"), QStringLiteral("2|11"), QStringLiteral("3|10")}));
+
+    // An account is closed for its closing date and every date before it.
+    leido.Lineas() = {Linea(21, true, 1), Linea(10, false, 1)}; // 21 is closed on 30 June 2020
+    EXPECT_TRUE(leido.HayCuentasCerradas(QDate(2020, 6, 30)));
+    EXPECT_TRUE(leido.HayCuentasCerradas(QDate(2020, 1, 1)));
+    EXPECT_FALSE(leido.HayCuentasCerradas(QDate(2020, 7, 1)));
+    leido.Lineas() = {Linea(10, true, 1)};
+    EXPECT_FALSE(leido.HayCuentasCerradas(QDate(2000, 1, 1)));
 }
 
 TEST_P(Datos, UnaEscrituraQueFallaNoDejaNada)
@@ -69,18 +77,7 @@ TEST_P(Datos, UnaEscrituraQueFallaNoDejaNada)
     EXPECT_EQ(leido.Cabezal().FechaModificado, a.Cabezal().FechaModificado);
 }
 
-TEST_P(Datos, CuentasCerradasALaFechaOPosterior)
-{
-    AsientoDatos a(d.conexion());
-    a.Lineas() = {Linea(21, true, 1), Linea(10, false, 1)}; // 21 is closed on 30 June 2020
-    EXPECT_TRUE(a.HayCuentasCerradas(QDate(2020, 6, 30)));
-    EXPECT_TRUE(a.HayCuentasCerradas(QDate(2020, 1, 1)));
-    EXPECT_FALSE(a.HayCuentasCerradas(QDate(2020, 7, 1)));
-    a.Lineas() = {Linea(10, true, 1)};
-    EXPECT_FALSE(a.HayCuentasCerradas(QDate(2000, 1, 1)));
-}
-
-TEST_P(Datos, PapeleraConSelloYLosCierresDeLaApertura)
+TEST_P(Datos, PapeleraConSelloLosCierresDeLaAperturaYEliminarDefinitivo)
 {
     LibrosSistema libros;
     libros.apertura = 91;
@@ -112,20 +109,17 @@ TEST_P(Datos, PapeleraConSelloYLosCierresDeLaApertura)
     d.Asiento(QDate(2024, 3, 1), 1, lineas, QStringLiteral("ADC"), 93);
     EXPECT_EQ(ap.EstadoApertura(QDate(2024, 1, 1), 1), 1);
     EXPECT_EQ(ap.EstadoApertura(QDate(2026, 6, 1), 1), 0);
-}
 
-TEST_P(Datos, EliminarDefinitivoBorraCabezalYLineas)
-{
-    AsientoDatos a(d.conexion());
-    const qint32 id = nuevo(a);
-    const QString lineas = QStringLiteral("Select Count(*) From cceAsientoCuenta Where ACuIDAsiento = %1").arg(id);
+    // Deleted for good: header and lines, unless someone saved since.
+    const qint32 otro = nuevo(a);
+    const QString lineasDe = QStringLiteral("Select Count(*) From cceAsientoCuenta Where ACuIDAsiento = %1").arg(otro);
     // A copy read before another write deletes nothing.
-    EXPECT_EQ(NumeroDe(a.EliminarDefinitivo(id, a.Cabezal().FechaModificado.addMSecs(-1))), AsientoDatos::kModificado);
-    EXPECT_EQ(contar(lineas), 3);
-    ASSERT_TRUE(Bien(a.EliminarDefinitivo(id, a.Cabezal().FechaModificado)));
-    EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientos Where AsiID = %1").arg(id)), 0);
-    EXPECT_EQ(contar(lineas), 0);
-    const auto fallo = a.CargarAsiento(id);
+    EXPECT_EQ(NumeroDe(a.EliminarDefinitivo(otro, a.Cabezal().FechaModificado.addMSecs(-1))), AsientoDatos::kModificado);
+    EXPECT_EQ(contar(lineasDe), 3);
+    ASSERT_TRUE(Bien(a.EliminarDefinitivo(otro, a.Cabezal().FechaModificado)));
+    EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientos Where AsiID = %1").arg(otro)), 0);
+    EXPECT_EQ(contar(lineasDe), 0);
+    const auto fallo = a.CargarAsiento(otro);
     EXPECT_TRUE(fallo && !fallo->deLaBase && fallo->detalle.contains(QStringLiteral("no existe"))) << Motivo(fallo);
 }
 

@@ -93,7 +93,7 @@ TEST_P(Llenado, BalanceAlBordeDelRedondeo)
 
 // Two lines of one account on one side tie in the query's order: their order of entry
 // decides, the same on every engine and after every re-read.
-TEST_P(Llenado, LineasEmpatadasEnSuOrdenDeIngreso)
+TEST_P(Llenado, LineasPorCodigoOPorOrdenDeIngresoYEmpatadasEnSuOrden)
 {
     DatosAsientos d(GetParam());
     const qint32 id = d.Asiento(QDate(2026, 5, 4), 1, QStringLiteral("10:D:30,20:H:20,20:H:10"));
@@ -108,9 +108,30 @@ TEST_P(Llenado, LineasEmpatadasEnSuOrdenDeIngreso)
         if (d.grilla.Dato(r, 0).toInt() == id && !d.grilla.Texto(r, 3).isEmpty())
             haber << d.grilla.Texto(r, 3);
     EXPECT_EQ(haber, (QStringList{QStringLiteral("20,00"), QStringLiteral("10,00")}));
+
+    // By code, debits first, or in the order they were entered.
+    d.grilla.FijarFilas(1);
+    // Entered: Ventas (credit), Caja, alquileres (debit), Banco (credit).
+    const qint32 cuatro = d.Asiento(QDate(2026, 5, 1), 1, QStringLiteral("20:H:30,22:D:10,10:D:20,21:H:0"));
+    auto cuentas = [&] {
+        QStringList l;
+        for (int r = 2; r < d.grilla.Filas() - 1; ++r)
+            l << d.grilla.Texto(r, 0) + QLatin1Char('/') + d.grilla.Texto(r, 1);
+        return l;
+    };
+    d.ctx.AsiOrder = 0;
+    ASSERT_FALSE(CargarAsientoEnGrilla(d.asientos, d.conexion(), cuatro, 0));
+    EXPECT_EQ(cuentas(), (QStringList{QStringLiteral("1.1.01 - Caja/"), QStringLiteral("5.1.01 - alquileres/"),
+                                      QStringLiteral("/2.1.01 - Proveedores"), QStringLiteral("/4.1.01 - Ventas")}));
+
+    d.grilla.FijarFilas(1);
+    d.ctx.AsiOrder = 1;
+    ASSERT_FALSE(CargarAsientoEnGrilla(d.asientos, d.conexion(), cuatro, 0));
+    EXPECT_EQ(cuentas(), (QStringList{QStringLiteral("5.1.01 - alquileres/"), QStringLiteral("1.1.01 - Caja/"),
+                                      QStringLiteral("/4.1.01 - Ventas"), QStringLiteral("/2.1.01 - Proveedores")}));
 }
 
-TEST_P(Llenado, LineasEnMonedaExtranjeraSinImporteNiLibro)
+TEST_P(Llenado, LineasEnMonedaExtranjeraSinImporteNiLibroLaTasaQueUsanYErroresDeLaBase)
 {
     DatosAsientos d(GetParam());
     const qint32 id = d.Asiento(QDate(2026, 4, 1), 1, QStringLiteral("11:D:0:0,20:H:0"), QStringLiteral("Sin libro"), QVariant());
@@ -119,11 +140,17 @@ TEST_P(Llenado, LineasEnMonedaExtranjeraSinImporteNiLibro)
     EXPECT_EQ(d.grilla.Dato(1, 5).toString(), QStringLiteral("0:0"));
     EXPECT_EQ(d.grilla.Texto(2, 4), QStringLiteral("0,000"));   // rate 0
     EXPECT_FALSE(d.grilla.Dato(2, 5).isValid());                // and no amount in column-5 data
-}
 
-TEST_P(Llenado, ErrorDeLaBaseSeInformaComo1916Y1917)
-{
-    DatosAsientos d(GetParam());
+    // The rate an entry's lines already use for a currency.
+    d.ctx.AsiOrder = 1; // two lines of one account: keep them in the order they were entered
+    d.Cargar(d.Asiento(QDate(2026, 4, 1), 0, QStringLiteral("20:D:100,11:H:4:100,11:H:0:5")));
+    EXPECT_DOUBLE_EQ(d.asientos.BuscarTCMonedaCuenta(2), 25);   // 100 in pesos for U$S 4
+    EXPECT_DOUBLE_EQ(d.asientos.BuscarTCMonedaCuenta(3), 0);    // no line in that currency
+
+    d.Cargar(d.Asiento(QDate(2026, 4, 2), 0, QStringLiteral("11:D:0:0,20:H:0")));
+    EXPECT_DOUBLE_EQ(d.asientos.BuscarTCMonedaCuenta(2), 0);    // amount 0: the rate cell, here 0
+
+    // A database error while loading is told as 1916 (one entry) or 1917 (a view).
     d.conexion().Ejecutar(QStringLiteral("Drop Table cceProyectos"));
     const auto uno = CargarAsientoEnGrilla(d.asientos, d.conexion(), 1, 0);
     ASSERT_TRUE(uno.has_value());
@@ -132,18 +159,6 @@ TEST_P(Llenado, ErrorDeLaBaseSeInformaComo1916Y1917)
     ASSERT_TRUE(vista.has_value());
     EXPECT_EQ(vista->numeroTexto, 1917);
     EXPECT_TRUE(d.grilla.Redibujar()); // switched back on after the error
-}
-
-TEST_P(Llenado, TasaQueYaUsanLasLineasDelAsiento)
-{
-    DatosAsientos d(GetParam());
-    d.ctx.AsiOrder = 1; // two lines of one account: keep them in the order they were entered
-    d.Cargar(d.Asiento(QDate(2026, 4, 1), 0, QStringLiteral("20:D:100,11:H:4:100,11:H:0:5")));
-    EXPECT_DOUBLE_EQ(d.asientos.BuscarTCMonedaCuenta(2), 25);   // 100 in pesos for U$S 4
-    EXPECT_DOUBLE_EQ(d.asientos.BuscarTCMonedaCuenta(3), 0);    // no line in that currency
-
-    d.Cargar(d.Asiento(QDate(2026, 4, 2), 0, QStringLiteral("11:D:0:0,20:H:0")));
-    EXPECT_DOUBLE_EQ(d.asientos.BuscarTCMonedaCuenta(2), 0);    // amount 0: the rate cell, here 0
 }
 
 // A currency worth less than the accounting currency: a yen at a quarter of a peso, shown by

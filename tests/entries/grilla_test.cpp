@@ -54,19 +54,6 @@ QStringList todasLasFilas(const Grilla &g)
     return filas;
 }
 
-TEST(Grilla, NumerosSeMuestranConSuMascaraYGuardanSuValor)
-{
-    const Grilla g = grillaDeEjemplo();
-    EXPECT_EQ(g.Texto(2, 2), QStringLiteral("1.234,50"));
-    EXPECT_EQ(g.Valor(2, 2), 1234.5_imp);
-    EXPECT_EQ(g.Texto(2, 4), QStringLiteral("40,123"));
-    EXPECT_EQ(g.Valor(2, 4), 40.1234_imp); // the value keeps what the mask does not show
-    EXPECT_TRUE(g.EsNumero(2, 2));
-    EXPECT_FALSE(g.EsNumero(2, 3));
-    EXPECT_EQ(g.Texto(0, 3), QStringLiteral("Haber"));
-    EXPECT_EQ(g.AlineacionColumna(3) & Qt::AlignHorizontal_Mask, Qt::AlignRight);
-}
-
 TEST(Grilla, MoverPermutarYQuitarFilas)
 {
     Grilla g;
@@ -91,11 +78,20 @@ TEST(Grilla, MoverPermutarYQuitarFilas)
     EXPECT_EQ(g.Filas(), 1);
 }
 
-TEST(DisenoGrilla, VuelveComoSeGuardo)
+TEST(DisenoGrilla, NumerosConSuMascaraYVuelveComoSeGuardo)
 {
     QTemporaryDir dir;
     const QString ruta = dir.filePath(QStringLiteral("lg1a.tgr"));
     const Grilla original = grillaDeEjemplo();
+    // Numbers show with their mask and keep their value.
+    EXPECT_EQ(original.Texto(2, 2), QStringLiteral("1.234,50"));
+    EXPECT_EQ(original.Valor(2, 2), 1234.5_imp);
+    EXPECT_EQ(original.Texto(2, 4), QStringLiteral("40,123"));
+    EXPECT_EQ(original.Valor(2, 4), 40.1234_imp); // the value keeps what the mask does not show
+    EXPECT_TRUE(original.EsNumero(2, 2));
+    EXPECT_FALSE(original.EsNumero(2, 3));
+    EXPECT_EQ(original.Texto(0, 3), QStringLiteral("Haber"));
+    EXPECT_EQ(original.AlineacionColumna(3) & Qt::AlignHorizontal_Mask, Qt::AlignRight);
     ASSERT_TRUE(original.Guardar(ruta));
 
     Grilla leida;

@@ -113,33 +113,4 @@ TEST(OrdenCuentas, MilesDeLineasNoTardanComoUnIntercambio)
     }
 }
 
-class OrdenEnGrilla : public ::testing::TestWithParam<Motor>
-{
-};
-
-TEST_P(OrdenEnGrilla, PorCodigoOPorOrdenDeIngreso)
-{
-    DatosAsientos d(GetParam());
-    // Entered: Ventas (credit), Caja, alquileres (debit), Banco (credit).
-    const qint32 id = d.Asiento(QDate(2026, 5, 1), 1, QStringLiteral("20:H:30,22:D:10,10:D:20,21:H:0"));
-    auto cuentas = [&] {
-        QStringList l;
-        for (int r = 2; r < d.grilla.Filas() - 1; ++r)
-            l << d.grilla.Texto(r, 0) + QLatin1Char('/') + d.grilla.Texto(r, 1);
-        return l;
-    };
-    d.ctx.AsiOrder = 0;
-    ASSERT_FALSE(CargarAsientoEnGrilla(d.asientos, d.conexion(), id, 0));
-    EXPECT_EQ(cuentas(), (QStringList{QStringLiteral("1.1.01 - Caja/"), QStringLiteral("5.1.01 - alquileres/"),
-                                      QStringLiteral("/2.1.01 - Proveedores"), QStringLiteral("/4.1.01 - Ventas")}));
-
-    d.grilla.FijarFilas(1);
-    d.ctx.AsiOrder = 1;
-    ASSERT_FALSE(CargarAsientoEnGrilla(d.asientos, d.conexion(), id, 0));
-    EXPECT_EQ(cuentas(), (QStringList{QStringLiteral("5.1.01 - alquileres/"), QStringLiteral("1.1.01 - Caja/"),
-                                      QStringLiteral("/4.1.01 - Ventas"), QStringLiteral("/2.1.01 - Proveedores")}));
-}
-
-INSTANCIAR_EN_MOTORES(OrdenEnGrilla);
-
 } // namespace

@@ -5,6 +5,7 @@
 #include "comun/datosdeprueba.h"
 #include "comun/dialogos.h"
 #include "comun/mensajesguionados.h"
+#include "frequent/plantillademo.h"
 
 #include "entries/frecuentesdatos.h"
 #include "entries/modeloasiento.h"
@@ -33,24 +34,9 @@ protected:
         PrepararDatosDocumento(m_datos, m_base.conexion(), m_mensajes);
     }
 
-    // A template stored directly, scheduled from agenda when one is given.
     qint32 plantilla(const QString &nombre, const QList<LineaDePrueba> &lineas, const QDate &agenda = {})
     {
-        MovimientoFrecuente m;
-        m.Empresa = Demo::kEmpresa;
-        m.Nombre = nombre;
-        m.Leyenda = nombre + QStringLiteral(" del mes");
-        m.Libro = Demo::kLibroDiario;
-        m.Usuario = Demo::kUsuarioAdministrador;
-        m.Fecha = agenda.isValid() ? agenda : BaseDePrueba::Hoy();
-        if (agenda.isValid()) {
-            m.Recurrencia = QString::fromLatin1(FrecuentesDatos::kRecurrenciaAgendado);
-            m.FechaProxima = agenda;
-        }
-        m.Lineas = LineasDePrueba(m_base, lineas);
-        m.Monedas = QVector<qint16>(m.Lineas.size(), 0);
-        EXPECT_TRUE(Bien(FrecuentesDatos(m_base.conexion()).Guardar(m)));
-        return m.MFrID;
+        return PlantillaDemo(m_base, nombre, lineas, agenda);
     }
 
     // A template's or an entry's lines as "code|D or H|amount".
@@ -213,7 +199,7 @@ TEST_F(DialogosFrecuentes, UnaPlantillaGuardadaSeCambiaYCancelarNoGuardaNada)
 // The finder lists the templates whose name holds what is typed; Enter goes name, list,
 // date, and registers: a balanced template as a registered entry at the date typed, an
 // unbalanced one, said beforehand, as an incomplete entry.
-TEST_F(DialogosFrecuentes, SeBuscaPorNombreYSeRegistraALaFechaElegida)
+TEST_F(DialogosFrecuentes, SeBuscaPorNombreYSeRegistraALaFechaElegidaOLaDeSuAgenda)
 {
     const qint32 alquiler = plantilla(QStringLiteral("Alquiler"), {{"5.3.01", true, 1500}, {"1.1.01", false, 1500}});
     const qint32 parcial = plantilla(QStringLiteral("Sueldos parcial"), {{"5.2.01", true, 900}, {"1.1.01", false, 400}});
@@ -255,6 +241,20 @@ TEST_F(DialogosFrecuentes, SeBuscaPorNombreYSeRegistraALaFechaElegida)
     EXPECT_TRUE(escritos.isEmpty());
     EXPECT_EQ(registro.FrecuenteRegistrado(), 0);
     EXPECT_EQ(m_base.Valor(QStringLiteral("Select Max(AsiID) From cceAsientos")), ultimo);
+
+    // Registered by its id, a scheduled template is dated at its due date, and its next date
+    // moves a month on; one that no longer exists is said, and nothing is written.
+    const QDate vence = BaseDePrueba::Hoy().addDays(-5);
+    const qint32 id = plantilla(QStringLiteral("Cuota"), {{"5.3.01", true, 50}, {"1.1.01", false, 50}}, vence);
+    const qint32 agendado = registro.Registrar(id).toInt();
+    ASSERT_GT(agendado, 0);
+    EXPECT_EQ(fecha("Select AsiFechaAsiento From cceAsientos Where AsiID = ?", agendado), vence);
+    EXPECT_EQ(fecha("Select MFrFechaProxima From genMovimientosFrecuentes Where MFrID = ?", id), vence.addMonths(1));
+
+    m_mensajes.mostrados.clear();
+    EXPECT_TRUE(registro.Registrar(id + 100).isEmpty());
+    EXPECT_EQ(registro.FrecuenteRegistrado(), 0);
+    EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("error: 1912")});
 }
 
 // "Modificar" opens the chosen template and the list shows the change; "Eliminar" asks and
@@ -289,23 +289,6 @@ TEST_F(DialogosFrecuentes, DesdeElBuscadorSeModificaYSeEliminaTrasPreguntar)
                                                  QStringLiteral("pregunta: ¿Elimina el asiento frecuente «Agua corriente»?")}));
     EXPECT_EQ(m_base.Valor(QStringLiteral("Select Count(*) From genMovimientosFrecuentes Where MFrID = ?"), {id}).toInt(), 0);
     EXPECT_EQ(m_base.Valor(QStringLiteral("Select Count(*) From genMovimientosFrecuentesLineas Where MFLIDMovimiento = ?"), {id}).toInt(), 0);
-}
-
-// Registered by its id, a scheduled template is dated at its due date, and its next date
-// moves a month on; one that no longer exists is said, and nothing is written.
-TEST_F(DialogosFrecuentes, UnAgendadoSeRegistraASuFechaYUnoQueNoExisteSeDice)
-{
-    const QDate vence = BaseDePrueba::Hoy().addDays(-5);
-    const qint32 id = plantilla(QStringLiteral("Cuota"), {{"5.3.01", true, 50}, {"1.1.01", false, 50}}, vence);
-    RegistroFrecuentes registro(m_datos, m_cuentas);
-    const qint32 asiento = registro.Registrar(id).toInt();
-    ASSERT_GT(asiento, 0);
-    EXPECT_EQ(fecha("Select AsiFechaAsiento From cceAsientos Where AsiID = ?", asiento), vence);
-    EXPECT_EQ(fecha("Select MFrFechaProxima From genMovimientosFrecuentes Where MFrID = ?", id), vence.addMonths(1));
-
-    EXPECT_TRUE(registro.Registrar(id + 100).isEmpty());
-    EXPECT_EQ(registro.FrecuenteRegistrado(), 0);
-    EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("error: 1912")});
 }
 
 } // namespace
