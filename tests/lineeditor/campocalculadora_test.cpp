@@ -8,7 +8,6 @@
 
 #include <gtest/gtest.h>
 
-
 namespace {
 
 QLocale LocaleDe(const char *nombre)
@@ -18,7 +17,7 @@ QLocale LocaleDe(const char *nombre)
 
 // Each number of a calculation is read by the one rule of LeerNumero, in the locale given;
 // cases without a locale answer the same in every locale.
-TEST(CampoCalculadora, EvaluarLeeCadaNumeroPorLaMismaRegla)
+TEST(CampoCalculadora, EvaluarLeeCadaNumeroPorLaMismaReglaYFijarValorUsaLaMascara)
 {
     const struct
     {
@@ -46,6 +45,15 @@ TEST(CampoCalculadora, EvaluarLeeCadaNumeroPorLaMismaRegla)
             if (c.valido)
                 EXPECT_DOUBLE_EQ(v, c.valor);
         }
+
+    // A value set shows with the mask; an empty field is incomplete, not refused.
+    CampoCalculadora campo(QStringLiteral("ocImporte"));
+    campo.FijarMascara(QStringLiteral("#,##0.00"));
+    campo.FijarValor(1234.5);
+    EXPECT_EQ(campo.text(), QStringLiteral("1.234,50"));
+    campo.Limpiar();
+    EXPECT_FALSE(campo.EsNumeroValido());
+    EXPECT_FALSE(campo.EsTextoInvalido());
 }
 
 // A field typed into with the keyboard, in a window of its own with a second field to move to.
@@ -156,17 +164,5 @@ TEST_P(CampoEscrito, UnTextoRechazadoSeAvisaAlSalirYQuedaComoSeEscribio)
 
 INSTANTIATE_TEST_SUITE_P(Locales, CampoEscrito, ::testing::Values("es_UY", "es_ES", "en_US", "C"),
                          [](const ::testing::TestParamInfo<const char *> &i) { return std::string(i.param); });
-
-// A value set shows with the mask; an empty field is incomplete, not refused.
-TEST(CampoCalculadora, ValorFijadoConMascaraYCampoVacio)
-{
-    CampoCalculadora campo(QStringLiteral("ocImporte"));
-    campo.FijarMascara(QStringLiteral("#,##0.00"));
-    campo.FijarValor(1234.5);
-    EXPECT_EQ(campo.text(), QStringLiteral("1.234,50"));
-    campo.Limpiar();
-    EXPECT_FALSE(campo.EsNumeroValido());
-    EXPECT_FALSE(campo.EsTextoInvalido());
-}
 
 } // namespace

@@ -55,7 +55,8 @@ protected:
 
         m_editor = std::make_unique<lumERAsiento>(ContextoLinea{.conexion = &c, .monedas = &m_monedas, .mensajes = &m_mensajes,
                                                                 .busqueda = &m_busqueda, .empresa = 1, .monedaContabilidad = 1,
-                                                                .tipoTCComprobantes = 1});
+                                                                .tipoTCComprobantes = 1,
+                                                                .texto = [](int n) { return QString::number(n); }});
         // A layout where no field covers another, as the document gives it.
         const int lefts[] = {0, 2600, 5200, 5900, 7400, 8600};
         const int widths[] = {2600, 2600, 700, 1500, 1200, 1500};
@@ -182,8 +183,8 @@ TEST_F(EditorDeLinea, ElImporteConMasDecimalesSeValuaComoSeGuarda)
     EXPECT_DOUBLE_EQ(v.dTCambio, 40);
 }
 
-// Quotations that cannot be read are told, and the rate is left to be typed: not a 1 that
-// would price a dollar at a peso.
+// Quotations that cannot be read are told with the database's detail, and the rate is left
+// to be typed: not a 1 that would price a dollar at a peso.
 TEST_F(EditorDeLinea, CotizacionesIlegiblesSeDicenYNoDanTasa)
 {
     m_base.conexion().Ejecutar(QStringLiteral("Drop Table genCotizacionesMoneda"));
@@ -192,7 +193,7 @@ TEST_F(EditorDeLinea, CotizacionesIlegiblesSeDicenYNoDanTasa)
     EXPECT_EQ(m_editor->MonedaCombo(), 2);
     EXPECT_DOUBLE_EQ(m_editor->ImporteTC(), 0);
     ASSERT_EQ(m_mensajes.mostrados.size(), 1);
-    EXPECT_TRUE(m_mensajes.mostrados[0].startsWith(QStringLiteral("error")));
+    EXPECT_EQ(m_mensajes.mostrados[0], QStringLiteral("error: 1929"));
     EXPECT_TRUE(m_mensajes.detalles[0].contains(QStringLiteral("genCotizacionesMoneda"), Qt::CaseInsensitive))
         << m_mensajes.detalles[0].toStdString();
     // Without a rate the line is not accepted; with one typed it is.
