@@ -5,7 +5,6 @@
 #include "currency/catalogomonedas.h"
 #include "lineeditor/campocalculadora.h"
 #include "lineeditor/lumerasiento.h"
-#include "services/serviciobusquedacuentas.h"
 
 #include <QApplication>
 #include <QComboBox>
@@ -15,21 +14,6 @@
 #include <gtest/gtest.h>
 
 namespace {
-
-// The search as it answers a typed text, or a given account as if picked in its dialog.
-class BusquedaGuionada final : public ServicioBusquedaCuentas
-{
-public:
-    qint32 elegida = 0;
-    bool Buscar(Conexion &conexion, qint32 empresa, const QString &texto, CuentaElegida &c, QWidget *padre) override
-    {
-        if (!elegida)
-            return m_exacta.Buscar(conexion, empresa, texto, c, padre);
-        c = {elegida, 0, 0};
-        return true;
-    }
-    BusquedaExacta m_exacta;
-};
 
 // Pesos (1), dollars (2) at 40 pesos and yen (3) at 0.25 pesos from 1 March 2026; a peso
 // account, a dollar account, one closed on 10 March 2026, a folder, a second peso account
@@ -90,7 +74,7 @@ protected:
     BaseDePrueba m_base;
     CatalogoMonedas m_monedas;
     MensajesGuionados m_mensajes;
-    BusquedaGuionada m_busqueda;
+    BusquedaExacta m_busqueda;
     std::unique_ptr<lumERAsiento> m_editor;
     int m_aceptadas = 0;
     QString m_resultado;
@@ -232,7 +216,7 @@ TEST_F(EditorDeLinea, CuentasRechazadas)
 
     // A folder is never taken, whatever the search answers.
     m_editor->InitRegistro();
-    m_busqueda.elegida = 13;
+    m_busqueda.respuesta = {13, 0, 0};
     escribir(debe(), QStringLiteral("Activo"));
     EXPECT_FALSE(m_editor->CuentaIngresadaAlDebe());
 }

@@ -1,6 +1,7 @@
 // The search dialog alone, driven with the keyboard: the order Enter follows, what is
 // refused, and the criteria "Aceptar" and "Cancelar" leave.
 #include "comun/basesprueba.h"
+#include "comun/busquedaexacta.h"
 #include "comun/datosdeprueba.h"
 #include "comun/mensajesguionados.h"
 
@@ -8,7 +9,6 @@
 #include "lineeditor/campocalculadora.h"
 #include "lineeditor/campofecha.h"
 #include "search/frmfind.h"
-#include "services/serviciobusquedacuentas.h"
 #include "store/basedemo.h"
 
 #include <QApplication>
@@ -22,25 +22,6 @@
 
 namespace {
 
-// Records each text looked up and answers the prepared account (none while its id is 0);
-// one not accepted is one the user saw in the chooser and then cancelled.
-class CuentaGuionada final : public ServicioBusquedaCuentas
-{
-public:
-    bool Buscar(Conexion &, qint32, const QString &texto, CuentaElegida &elegida, QWidget *) override
-    {
-        pedidos << texto;
-        if (durante)
-            durante();
-        elegida = respuesta;
-        return acepta && respuesta.id > 0;
-    }
-    CuentaElegida respuesta;
-    bool acepta = true;
-    QStringList pedidos;
-    std::function<void()> durante; // what runs while the chooser is open
-};
-
 class DialogoBusqueda : public ::testing::TestWithParam<Motor>
 {
 protected:
@@ -48,6 +29,7 @@ protected:
         : m_base(GetParam(), BaseDePrueba::Contenido::Demo)
     {
         PrepararDatosDocumento(m_datos, m_base.conexion(), m_mensajes);
+        m_cuentas.exacta = false; // the account prepared, or none
         crear(true);
     }
 
@@ -116,7 +98,7 @@ protected:
 
     BaseDePrueba m_base;
     MensajesGuionados m_mensajes;
-    CuentaGuionada m_cuentas;
+    BusquedaExacta m_cuentas;
     DatosDocumento m_datos;
     std::unique_ptr<frmFind> m_dialogo;
 };
