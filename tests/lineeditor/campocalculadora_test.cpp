@@ -26,14 +26,12 @@ TEST(CampoCalculadora, EvaluarLeeCadaNumeroPorLaMismaReglaYFijarValorUsaLaMascar
         bool valido;
         double valor;
     } casos[] = {
-        {"", "1250*1,22", true, 1525}, {"", "1250*1.22", true, 1525}, {"", "100+25,5-3", true, 122.5},
-        {"", "-40", true, -40},        {"", "10/4", true, 2.5},       {"", "2+3*4", true, 14},
-        {"", "5*-3", true, -15},       {"", "10/0", false, 0},        {"", "abc", false, 0},
-        {"", "", false, 0},            {"", "5*", false, 0},          {"", "*5", false, 0},
-        {"", "1.2.3,4", false, 0},     {"", "1,23,4+1", false, 0},    {"", "2*1.2.3", false, 0},
-        {"es_UY", "1.250,5", true, 1250.5}, {"es_UY", "1.250*2", true, 2500}, {"es_UY", "1,250*2", true, 2.5},
-        {"es_ES", "1.500+0,5", true, 1500.5}, {"en_US", "1,250*2", true, 2500}, {"en_US", "1.250*2", true, 2.5},
-        {"C", "1,250*2", true, 2500},  {"C", "12,5+1", true, 13.5},
+        {"", "1250*1,22", true, 1525},      {"", "100+25,5-3", true, 122.5},  {"", "-40", true, -40},
+        {"", "10/4", true, 2.5},            {"", "2+3*4", true, 14},          {"", "5*-3", true, -15},
+        {"", "10/0", false, 0},             {"", "abc", false, 0},            {"", "", false, 0},
+        {"", "5*", false, 0},               {"", "*5", false, 0},             {"", "1,23,4+1", false, 0},
+        {"", "2*1.2.3", false, 0},          {"es_UY", "1.250*2", true, 2500}, {"es_UY", "1,250*2", true, 2.5},
+        {"en_US", "1,250*2", true, 2500},   {"en_US", "1.250*2", true, 2.5},  {"C", "1,250*2", true, 2500},
     };
     for (const auto &c : casos)
         for (const char *l : {"es_UY", "es_ES", "en_US", "C"}) {
