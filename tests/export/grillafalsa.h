@@ -12,7 +12,7 @@ public:
     GrillaFalsa(int filas, int columnas, int filasFijas = 1, int columnasFijas = 0)
         : filas(filas), columnas(columnas), fijas(filasFijas), columnasFijas(columnasFijas)
         , anchos(size_t(columnas), 1500), ocultas(size_t(columnas), false), alineaciones(size_t(columnas), 9)
-        , tipos(size_t(columnas), 0), altos(size_t(filas), 240), filasOcultas(size_t(filas), false)
+        , altos(size_t(filas), 240), filasOcultas(size_t(filas), false)
     {
     }
 
@@ -43,14 +43,9 @@ public:
     bool Cursiva(int r, int c) const override { return buscar(cursivas, r, c); }
     bool Subrayado(int r, int c) const override { return buscar(subrayados, r, c); }
     int AlineacionColumna(int c) const override { return alineaciones[size_t(c)]; }
-    int TipoColumna(int c) const override { return tipos[size_t(c)]; }
     quint32 ColorFondoFijo() const override { return fondoFijo; }
     quint32 ColorTextoFijo() const override { return textoFijo; }
     quint32 ColorLineasFijas() const override { return lineasFijas; }
-    int ColumnaArbol() const override { return columnaArbol; }
-    bool BarraArbol() const override { return barraArbol; }
-    bool EsNodo(int r) const override { return niveles.count(r) > 0; }
-    int NivelArbol(int r) const override { return EsNodo(r) ? niveles.at(r) : 0; }
     int AnchoControl() const override { return anchoControl; }
     double TwipsPorPixel() const override { return 15; }
 
@@ -58,7 +53,6 @@ public:
     std::vector<int> anchos;
     std::vector<bool> ocultas;
     std::vector<int> alineaciones;
-    std::vector<int> tipos;
     std::vector<int> altos;
     std::vector<bool> filasOcultas;
     std::vector<RangoCeldas> combinadas;
@@ -67,9 +61,6 @@ public:
     quint32 fondoFijo = 0xC0C0C0;
     quint32 textoFijo = 0x000080;
     quint32 lineasFijas = 0x808080;
-    int columnaArbol = -1;
-    bool barraArbol = false;
-    std::map<int, int> niveles;
     int anchoControl = 0;
 
 private:
