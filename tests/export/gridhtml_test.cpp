@@ -136,23 +136,19 @@ TEST(GridHTML, AlineacionesPorColumna)
     EXPECT_TRUE(c[3].contains(QStringLiteral("%\">+5<")));
 }
 
-TEST(GridHTML, ColoresEstilosYCeldasFijas)
+// A cell's own colours; a caption cell takes the fixed colours, but for a back colour of its
+// own. Empty, it counts as a number in a general column.
+TEST(GridHTML, ColoresYCeldasFijas)
 {
-    GrillaFalsa g(2, 2, 1, 1);
+    GrillaFalsa g(2, 2);
     g.fondos[{1, 1}] = 0x00FF00;
     g.letras[{1, 1}] = 0x0000FF;
-    g.negritas[{1, 1}] = 1;
-    g.cursivas[{1, 1}] = 1;
-    g.subrayados[{1, 1}] = 1;
-    g.fondos[{1, 0}] = 0xFF0000;
+    g.fondos[{0, 1}] = 0xFF0000;
     g.textos[{1, 1}] = QStringLiteral("x<y");
     const QStringList c = Celdas(Pagina(g));
-    EXPECT_EQ(c[3], QStringLiteral("<td class=\"stTDFont\" Width = \"50%\" BGCOLOR=\"#00FF00\">"
-                                   "<FONT COLOR=\"#FF0000\"><B><I><U>x&lt;y</B></I></U></FONT></TD>"));
-    // A fixed cell takes the fixed colours; one with its own back colour keeps it. Empty, it
-    // counts as a number in a general column.
-    EXPECT_EQ(c[1], QStringLiteral("<td class=\"stTDFixed\" Width = \"50%\" BGCOLOR=\"#C0C0C0\" ALIGN=RIGHT BORDERCOLOR=\"#808080\">"
+    EXPECT_EQ(c[3], QStringLiteral("<td class=\"stTDFont\" Width = \"50%\" BGCOLOR=\"#00FF00\"><FONT COLOR=\"#FF0000\">x&lt;y</FONT></TD>"));
+    EXPECT_EQ(c[0], QStringLiteral("<td class=\"stTDFixed\" Width = \"50%\" BGCOLOR=\"#C0C0C0\" ALIGN=RIGHT BORDERCOLOR=\"#808080\">"
                                    "<FONT COLOR=\"#800000\">&nbsp;</FONT></TD>"));
-    EXPECT_EQ(c[2], QStringLiteral("<td class=\"stTDFixed\" Width = \"50%\" BGCOLOR=\"#0000FF\" ALIGN=RIGHT BORDERCOLOR=\"#808080\">"
+    EXPECT_EQ(c[1], QStringLiteral("<td class=\"stTDFixed\" Width = \"50%\" BGCOLOR=\"#0000FF\" ALIGN=RIGHT BORDERCOLOR=\"#808080\">"
                                    "<FONT COLOR=\"#800000\">&nbsp;</FONT></TD>"));
 }

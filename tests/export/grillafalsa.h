@@ -5,7 +5,7 @@
 #include <map>
 #include <vector>
 
-// A grid view with every item set by hand, to render any shape the journal grid never has.
+// A grid view with every item set by hand, to render a page of a few cells without a journal.
 class GrillaFalsa final : public FuenteGrilla
 {
 public:
@@ -39,9 +39,6 @@ public:
     double Valor(int r, int c) const override { return Texto(r, c).toDouble(); }
     quint32 ColorFondo(int r, int c) const override { return buscar(fondos, r, c); }
     quint32 ColorTexto(int r, int c) const override { return buscar(letras, r, c); }
-    bool Negrita(int r, int c) const override { return buscar(negritas, r, c); }
-    bool Cursiva(int r, int c) const override { return buscar(cursivas, r, c); }
-    bool Subrayado(int r, int c) const override { return buscar(subrayados, r, c); }
     int AlineacionColumna(int c) const override { return alineaciones[size_t(c)]; }
     quint32 ColorFondoFijo() const override { return fondoFijo; }
     quint32 ColorTextoFijo() const override { return textoFijo; }
@@ -57,7 +54,7 @@ public:
     std::vector<bool> filasOcultas;
     std::vector<RangoCeldas> combinadas;
     std::map<std::pair<int, int>, QString> textos;
-    std::map<std::pair<int, int>, quint32> fondos, letras, negritas, cursivas, subrayados;
+    std::map<std::pair<int, int>, quint32> fondos, letras;
     quint32 fondoFijo = 0xC0C0C0;
     quint32 textoFijo = 0x000080;
     quint32 lineasFijas = 0x808080;

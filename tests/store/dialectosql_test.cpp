@@ -21,10 +21,7 @@ TEST(Dialecto, AdaptaAlMotor)
          "Select * From (a INNER JOIN b On a.x = b.y) Where id IN (Select id From a Order By id Desc NULLS LAST LIMIT 5) Order By f"},
         {"CotizacionUnion", "Select Top 1 f, c From q Where f IN (Select MAX(f) from q) UNION ALL Select Top 1 f, 1/c From q",
          kUnionNumerada, kUnionNumerada},
-        // With one half unlimited the halves are wrapped but not numbered; without Top, left alone.
-        {"UnionConUnaMitadLimitada", "Select Top 1 a From t UNION ALL Select b From u",
-         "Select * From (Select a From t LIMIT 1) AS t1 UNION ALL Select b From u",
-         "Select * From (Select a From t LIMIT 1) AS t1 UNION ALL Select b From u"},
+        // Without Top a union is left alone.
         {"UnionSinTop", "Select Min(a) From t Union Select Min(b) From u ", "Select Min(a) From t Union Select Min(b) From u ",
          "Select Min(a) From t Union Select Min(b) From u "},
         // Keywords and quotes inside a literal are text, never SQL.
@@ -32,9 +29,6 @@ TEST(Dialecto, AdaptaAlMotor)
          "Select AsiID From cceAsientos Where AsiLeyenda Like 'O''Brien (Select Top 3 x Like y desc) UNION' Order By AsiID desc LIMIT 2",
          "Select AsiID From cceAsientos Where AsiLeyenda ILIKE 'O''Brien (Select Top 3 x Like y desc) UNION' Order By AsiID desc NULLS LAST LIMIT 2"},
         {"MinusculasYSinEspacioFinal", "select top 3 a from t", "Select a from t LIMIT 3", "Select a from t LIMIT 3"},
-        // A parenthesis left open ends the text; it is not waited for.
-        {"ParentesisSinCerrar", "Select Top 1 a From t Where b IN (Select Top 2 c From u",
-         "Select a From t Where b IN (Select c From u LIMIT 2 LIMIT 1", "Select a From t Where b IN (Select c From u LIMIT 2 LIMIT 1"},
     };
     for (const auto &c : casos) {
         SCOPED_TRACE(c.nombre);
