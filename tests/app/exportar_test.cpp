@@ -139,15 +139,11 @@ TEST_P(ExportarDesdeLinea, PedidosMalosSeRechazanSinEscribir)
         int estado;
         const char *mensaje;
     } casos[] = {
-        {"x.csv", {"--mes", "2026-13"}, 2, "--mes"},
-        {"x.csv", {}, 2, "Indique qué asientos"},
+        {"x.csv", {"--mes", "2026-13"}, 2, "--mes"}, {"x.csv", {}, 2, "Indique qué asientos"},
         {"x.csv", {"--mes", mes, "--vista", "1"}, 2, "una sola forma"},
-        {"x.doc", {"--mes", mes}, 2, ".csv, .xlsx, .htm o .pdf"},
-        {"x.csv", {"--desde", "31/12/2026"}, 2, "--desde"},
-        {"x.csv", {"--vista", "7"}, 2, "--vista"},
-        {"x.csv", {"--cuenta", "9.9.99"}, 1, "No existe la cuenta"},
-        {"x.csv", {"--cuenta", "5.2"}, 1, "agrupa otras cuentas"},
-        {nullptr, {"--mes", mes}, 2, "necesita el archivo"},
+        {"x.doc", {"--mes", mes}, 2, ".csv, .xlsx, .htm o .pdf"}, {"x.csv", {"--desde", "31/12/2026"}, 2, "--desde"},
+        {"x.csv", {"--vista", "7"}, 2, "--vista"}, {"x.csv", {"--cuenta", "9.9.99"}, 1, "No existe la cuenta"},
+        {"x.csv", {"--cuenta", "5.2"}, 1, "agrupa otras cuentas"}, {nullptr, {"--mes", mes}, 2, "necesita el archivo"},
         {"no/x.htm", {"--mes", mes}, 1, "Error al exportar la información."},
         {"no/x.xlsx", {"--mes", mes}, 1, "Error al exportar la información."},
         {"no/x.pdf", {"--mes", mes}, 1, "Error al exportar la información."},

@@ -27,7 +27,7 @@ DatosHost datos(const OpcionesHost &o)
     return d;
 }
 
-TEST(OpcionesHost, ArmanLaDireccionQueElDocumentoLee)
+TEST(OpcionesHost, ArmanLaDireccionQueElDocumentoLeeConSuDiseno)
 {
     const OpcionesHost o = leer({"--user", "2", "--company", "5", "--asiento", "77", "--opening", "--temp", "/tmp/mis datos"});
     ASSERT_TRUE(o.error.isEmpty());
@@ -38,12 +38,9 @@ TEST(OpcionesHost, ArmanLaDireccionQueElDocumentoLee)
     EXPECT_TRUE(d.PedidoAsientoApertura);
     EXPECT_EQ(IdAsientoPendiente(d.SolicitudPendiente), 77);
     EXPECT_EQ(leer({"--href", "a?b=c"}).DireccionBase(QStringLiteral("/x")), QStringLiteral("a?b=c"));
-}
 
-// Each database and company keeps its own layout file; the default ones keep the plain
-// user number, and a prefix given wins.
-TEST(OpcionesHost, CadaBaseYEmpresaTieneSuDiseno)
-{
+    // Each database and company keeps its own layout file; the default ones keep the plain
+    // user number, and a prefix given wins.
     auto prefijo = [](const QStringList &argumentos) { return datos(leer(argumentos)).PrefijoUsuario; };
     const QString a = prefijo({"--db", "/datos/a.sqlite"});
     EXPECT_EQ(prefijo({}), QStringLiteral("1"));

@@ -25,11 +25,6 @@ QByteArray huella(const QString &archivo)
     return f.open(QIODevice::ReadOnly) ? QCryptographicHash::hash(f.readAll(), QCryptographicHash::Sha1) : QByteArray();
 }
 
-qint64 contar(Conexion &c, const char *sql)
-{
-    return c.Abrir(QString::fromLatin1(sql))->Campo(0).toLongLong();
-}
-
 // A table's rows as text, sorted, each value as both engines give it back alike: numbers
 // to four decimals, dates and stamps in ISO form.
 QStringList volcado(Conexion &c, const QString &tabla)
@@ -92,7 +87,7 @@ TEST_P(Inicializar, LosLibrosSeCopianAUnaBaseVacia)
     const QString db = GetParam() == Motor::SQLite ? m_carpeta.filePath(QStringLiteral("copia.sqlite")) : vacia.direccion();
     // A trashed entry travels too; the id of one deleted for good is not given again.
     origen.conexion().Ejecutar(QStringLiteral("Update cceAsientos Set AsiEstado = 9 Where AsiID = (Select Min(AsiID) From cceAsientos)"));
-    const qint64 mayor = contar(origen.conexion(), "Select Max(AsiID) From cceAsientos");
+    const qint64 mayor = ValorDe(origen.conexion(), QStringLiteral("Select Max(AsiID) From cceAsientos")).toLongLong();
     origen.conexion().Ejecutar(QStringLiteral("Delete From cceAsientoCuenta Where ACuIDAsiento = ?"), {mayor});
     origen.conexion().Ejecutar(QStringLiteral("Delete From cceAsientos Where AsiID = ?"), {mayor});
 
@@ -107,11 +102,11 @@ TEST_P(Inicializar, LosLibrosSeCopianAUnaBaseVacia)
               mayor);
     copia->Ejecutar(QStringLiteral("Delete From cceAsientos Where AsiID > ?"), {mayor});
 
-    const qint64 lineas = contar(*copia, "Select Count(*) From cceAsientoCuenta");
+    const qint64 lineas = ValorDe(*copia, QStringLiteral("Select Count(*) From cceAsientoCuenta")).toLongLong();
     s = correr({QStringLiteral("--db"), origen.direccion(), QStringLiteral("--copiar-a"), db});
     EXPECT_EQ(s.estado, 1);
     EXPECT_TRUE(s.errores.contains(QStringLiteral("no está vacía"))) << s.errores.toStdString();
-    EXPECT_EQ(contar(*copia, "Select Count(*) From cceAsientoCuenta"), lineas);
+    EXPECT_EQ(ValorDe(*copia, QStringLiteral("Select Count(*) From cceAsientoCuenta")).toLongLong(), lineas);
 }
 
 INSTANCIAR_EN_MOTORES(Inicializar);

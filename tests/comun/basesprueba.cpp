@@ -70,10 +70,17 @@ std::vector<Motor> MotoresDePrueba()
     return motores;
 }
 
+QVariant ValorDe(Conexion &conexion, const QString &sql, const QVariantList &valores)
+{
+    auto rs = conexion.Abrir(sql, valores);
+    const QVariant valor = rs->Fin() ? QVariant() : rs->Campo(0);
+    rs->Cerrar();
+    return valor;
+}
+
 QVariant BaseDePrueba::Valor(const QString &sql, const QVariantList &valores)
 {
-    auto rs = m_conexion->Abrir(sql, valores);
-    return rs->Fin() ? QVariant() : rs->Campo(0);
+    return ValorDe(*m_conexion, sql, valores);
 }
 
 qint32 BaseDePrueba::IdCuenta(const char *codigo)

@@ -6,6 +6,7 @@
 #include <QTemporaryDir>
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 // A database of its own for one test: a SQLite file in a temporary folder, or a fresh
@@ -47,6 +48,21 @@ private:
     std::shared_ptr<Reloj> m_reloj = RelojFijo();
     std::unique_ptr<Conexion> m_conexion;
 };
+
+// The first column of the first row a query gives; a null value when it gives none.
+QVariant ValorDe(Conexion &conexion, const QString &sql, const QVariantList &valores = {});
+
+// The database error the call throws; none when it throws nothing.
+template <class Llamada>
+std::optional<ErrorBaseDatos> ErrorDe(Llamada llamada)
+{
+    try {
+        llamada();
+    } catch (const ErrorBaseDatos &e) {
+        return e;
+    }
+    return std::nullopt;
+}
 
 // SQLite always; PostgreSQL too when ASIENTOS_TEST_PG holds a connection address.
 std::vector<Motor> MotoresDePrueba();

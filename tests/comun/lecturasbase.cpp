@@ -22,18 +22,17 @@ bool SumasAsiento::Balancea(int decimales) const
 QHash<qint32, SumasAsiento> SumasPorAsiento(Conexion &conexion, qint32 empresa, qint16 estado)
 {
     QHash<qint32, SumasAsiento> sumas;
-    auto rs = conexion.Abrir(QStringLiteral("Select AsiID From cceAsientos Where AsiEmpresa = ? And AsiEstado = ?"), {empresa, estado});
-    for (; !rs->Fin(); rs->MoverSiguiente())
-        sumas.insert(qint32(rs->Entero(QStringLiteral("AsiID"))), {});
-    rs->Cerrar();
-    rs = conexion.Abrir(QStringLiteral("Select ACuIDAsiento, AcuHaber, ACuImporteMC From cceAsientoCuenta INNER JOIN cceAsientos"
-                                       " ON AsiID = ACuIDAsiento Where AsiEmpresa = ? And AsiEstado = ?"),
-                        {empresa, estado});
-    const int id = rs->IndiceCampo(QStringLiteral("ACuIDAsiento"));
+    // An entry without lines comes once, with no line (a null amount).
+    auto rs = conexion.Abrir(QStringLiteral("Select AsiID, AcuHaber, ACuImporteMC From cceAsientos LEFT JOIN cceAsientoCuenta"
+                                            " ON AsiID = ACuIDAsiento Where AsiEmpresa = ? And AsiEstado = ?"),
+                             {empresa, estado});
+    const int id = rs->IndiceCampo(QStringLiteral("AsiID"));
     const int haber = rs->IndiceCampo(QStringLiteral("AcuHaber"));
     const int importe = rs->IndiceCampo(QStringLiteral("ACuImporteMC"));
     for (; !rs->Fin(); rs->MoverSiguiente()) {
         SumasAsiento &s = sumas[rs->Campo(id).toInt()];
+        if (rs->Campo(importe).isNull())
+            continue;
         const qint64 v = std::llround(rs->Campo(importe).toDouble() * 10000.0);
         if (rs->Campo(haber).isNull()) {
             s.debe += v;

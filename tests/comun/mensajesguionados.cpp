@@ -38,11 +38,8 @@ bool MensajesGuionados::PedirNumero(const QString &texto, const QString &titulo,
                      + QString::number(valor, 'f', 3);
     if (m_numeros.isEmpty() && m_alPedirNumero)
         m_numeros.append(m_alPedirNumero());
-    if (m_numeros.isEmpty() || !m_numeros.first().has_value()) {
-        if (!m_numeros.isEmpty())
-            m_numeros.removeFirst();
-        return false;
-    }
-    valor = *m_numeros.takeFirst();
-    return true;
+    const std::optional<double> v = m_numeros.isEmpty() ? std::nullopt : m_numeros.takeFirst();
+    if (v)
+        valor = *v;
+    return v.has_value();
 }

@@ -6,9 +6,7 @@
 
 namespace {
 
-class Catalogo : public ::testing::TestWithParam<Motor>
-{
-};
+using Catalogo = ::testing::TestWithParam<Motor>;
 
 // Trading currencies (type 1) with their masks, trimmed, or the default ones; with none, or
 // when the table cannot be read, one blank currency answers.

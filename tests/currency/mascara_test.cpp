@@ -21,21 +21,15 @@ TEST(Mascaras, ImprimeEnElLocale)
         double valor;
         const char *es, *en;
     } casos[] = {
-        {"#,##0.00", 1234.5, "1.234,50", "1,234.50"},
-        {"#,##0.00", 0, "0,00", "0.00"},
+        {"#,##0.00", 1234.5, "1.234,50", "1,234.50"}, {"#,##0.00", 0, "0,00", "0.00"},
         {"#,##0.00", -1234567.891, "-1.234.567,89", "-1,234,567.89"},
         {"#,##0.00", 999.995, "1.000,00", "1,000.00"}, // carry into a new group
-        {"#,##0.00", 2.675, "2,68", "2.68"},
-        {"#,##0.00", -2.675, "-2,68", "-2.68"},
+        {"#,##0.00", 2.675, "2,68", "2.68"}, {"#,##0.00", -2.675, "-2,68", "-2.68"},
         {"#,##0.00", -0.004, "0,00", "0.00"}, // no "-0,00"
-        {"#,##0.000", 40.12345, "40,123", "40.123"},
-        {"#,##0.0000", 38.12345, "38,1235", "38.1235"},
-        {"#.000", 1.0 / 3.0, ",333", ".333"},
-        {"#.000", 25, "25,000", "25.000"},
-        {"0", 1234.5, "1235", "1235"},
-        {"#,##0", 1234567, "1.234.567", "1,234,567"},
-        {"#,##0.##", 12.5, "12,5", "12.5"},
-        {"U$S #,##0.00", 1234.5, "U$S 1.234,50", "U$S 1,234.50"},
+        {"#,##0.000", 40.12345, "40,123", "40.123"}, {"#,##0.0000", 38.12345, "38,1235", "38.1235"},
+        {"#.000", 1.0 / 3.0, ",333", ".333"}, {"#.000", 25, "25,000", "25.000"},
+        {"0", 1234.5, "1235", "1235"}, {"#,##0", 1234567, "1.234.567", "1,234,567"},
+        {"#,##0.##", 12.5, "12,5", "12.5"}, {"U$S #,##0.00", 1234.5, "U$S 1.234,50", "U$S 1,234.50"},
         {"", 1234567.5, "1234567,5", "1234567.5"},
     };
     for (const auto &c : casos) {
@@ -161,7 +155,7 @@ TEST(Mascaras, RedondearADecimalesComoImprimeLaMascara)
 }
 
 // Amounts are rounded to four decimals as they are written, added and read exactly.
-TEST(Importe, RedondeaACuatroDecimalesYSumaExacto)
+TEST(Importe, CuatroDecimalesSumaExactaYTopesDelRango)
 {
     EXPECT_EQ(Importe::DesdeDouble(1.00005).diezmilesimos(), 10001);
     EXPECT_EQ(Importe::DesdeDouble(-1.00005).diezmilesimos(), -10001);
@@ -180,19 +174,16 @@ TEST(Importe, RedondeaACuatroDecimalesYSumaExacto)
     EXPECT_EQ(leido.aTexto(), QStringLiteral("1234.5679"));
     EXPECT_FALSE(Importe::DesdeTexto(QStringLiteral("12,5"), leido));
     EXPECT_FALSE(Importe::DesdeTexto(QStringLiteral("abc"), leido));
-}
 
-// Past its range the type holds its end: never 0, never the other sign.
-TEST(Importe, FueraDeRangoNiCeroNiDaLaVuelta)
-{
+    // Past its range the type holds its end: never 0, never the other sign.
     EXPECT_EQ(Importe::DesdeDouble(1e16), Importe::Maximo());
     EXPECT_EQ(Importe::DesdeDouble(-1e300), -Importe::Maximo());
     EXPECT_EQ(Importe::DesdeDouble(std::numeric_limits<double>::infinity()), Importe::Maximo());
     EXPECT_EQ(Importe::DesdeDouble(922337203685476.0).diezmilesimos(), 9223372036854760000);
-    const Importe uno = Importe::DesdeDouble(1);
+    const Importe uno = 1_imp;
     EXPECT_EQ(Importe::Maximo() + uno, Importe::Maximo());
     EXPECT_EQ(-Importe::Maximo() - uno, -Importe::Maximo());
-    Importe suma = Importe::Maximo();
+    suma = Importe::Maximo();
     EXPECT_FALSE(suma.SumarComprobado(uno));
     EXPECT_EQ(suma, Importe::Maximo()) << "a refused sum adds nothing";
     EXPECT_TRUE(suma.SumarComprobado(-uno));

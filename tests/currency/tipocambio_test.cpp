@@ -105,22 +105,6 @@ TEST_P(TipoCambio, ReglasDeFecha)
     EXPECT_EQ(f, QDate(2026, 11, 23));
 }
 
-// A quotation that cannot be read is a failure to tell, not a rate of 1.
-TEST_P(TipoCambio, UnaLecturaFallidaSeDiceYNoEsUnaTasa)
-{
-    cotizacion("2026-03-10", 2, 1, 38);
-    m_base.conexion().Ejecutar(QStringLiteral("Drop Table genCotizacionesMoneda"));
-    QDate f;
-    Importe t = Importe::DesdeDouble(7);
-    bool hallada = true;
-    const auto fallo = BuscarTipoCambio(m_base.conexion(), 2, 1, 1, QDate(2026, 3, 11), f, ReglasCotizacion(), t, &hallada);
-    ASSERT_TRUE(fallo);
-    EXPECT_EQ(fallo->numeroTexto, 1929);
-    EXPECT_FALSE(fallo->detalle.isEmpty());
-    EXPECT_EQ(t.aTexto(), QStringLiteral("7.0000"));
-    EXPECT_FALSE(hallada);
-}
-
 INSTANCIAR_EN_MOTORES(TipoCambio);
 
 } // namespace

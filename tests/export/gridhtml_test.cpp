@@ -30,26 +30,16 @@ QString Pagina(const FuenteGrilla &g)
 
 } // namespace
 
-TEST(EscaparHTML, ReemplazaEnOrdenYVacioEsEspacio)
+// Escaping: "&" goes first, so the entities made for "<" are not escaped again; empty is a
+// space. Colours come as blue-green-red and go out as red-green-blue; a system colour is the
+// palette's current one.
+TEST(PiezasHTML, EscaparYColores)
 {
     EXPECT_EQ(EscaparHTML(QString()), QStringLiteral("&nbsp;"));
-    EXPECT_EQ(EscaparHTML(QStringLiteral("<b>")), QStringLiteral("&lt;b&gt;"));
-    // "&" goes first: the entities made for "<" are not escaped again.
     EXPECT_EQ(EscaparHTML(QStringLiteral("a & <b> &lt;")), QStringLiteral("a &amp; &lt;b&gt; &amp;lt;"));
     EXPECT_EQ(EscaparHTML(QStringLiteral("Pérez \"y\" cía.")), QStringLiteral("Pérez \"y\" cía."));
-}
-
-TEST(ColorHTML, DeAzulVerdeRojoARojoVerdeAzul)
-{
-    EXPECT_EQ(ColorHTML(0x0000FF), QStringLiteral("\"#FF0000\""));
-    EXPECT_EQ(ColorHTML(0xFF0000), QStringLiteral("\"#0000FF\""));
     EXPECT_EQ(ColorHTML(0x123456), QStringLiteral("\"#563412\""));
-    EXPECT_EQ(ColorHTML(0), QStringLiteral("\"#000000\""));
     EXPECT_EQ(ColorHTML(0x80), QStringLiteral("\"#800000\""));
-}
-
-TEST(ColorHTML, ColorDeSistemaEsElActual)
-{
     QPalette paleta = QGuiApplication::palette();
     paleta.setColor(QPalette::Button, QColor(0x12, 0x34, 0x56));
     QGuiApplication::setPalette(paleta);
@@ -135,60 +125,30 @@ TEST(GridHTML, AlineacionesPorColumna)
         EXPECT_TRUE(Celdas(Pagina(g)).at(1).contains(QLatin1String(esperado))) << codigo;
     }
 
-    // General: by content, except dates (nothing) and booleans (centred, "Y" or nothing).
-    GrillaFalsa g(4, 3);
-    g.tipos = {0, 7, 11};
+    // General: a number to the right, anything else as it comes.
+    GrillaFalsa g(4, 1);
     g.textos[{1, 0}] = QStringLiteral("1.234,50");
     g.textos[{2, 0}] = QStringLiteral("1.2.3");
     g.textos[{3, 0}] = QStringLiteral("+5");
-    g.textos[{1, 1}] = QStringLiteral("23/11/2026");
-    g.textos[{1, 2}] = QStringLiteral("-1");
-    g.textos[{2, 2}] = QStringLiteral("0");
     const QStringList c = Celdas(Pagina(g));
-    EXPECT_TRUE(c[3].contains(QStringLiteral("%\" ALIGN=RIGHT>1.234,50<")));
-    EXPECT_TRUE(c[6].contains(QStringLiteral("%\">1.2.3<")));
-    EXPECT_TRUE(c[9].contains(QStringLiteral("%\">+5<")));
-    EXPECT_TRUE(c[4].contains(QStringLiteral("%\">23/11/2026<")));
-    EXPECT_TRUE(c[5].contains(QStringLiteral(" ALIGN=CENTER>Y<")));
-    EXPECT_TRUE(c[8].contains(QStringLiteral(" ALIGN=CENTER>&nbsp;<")));
+    EXPECT_TRUE(c[1].contains(QStringLiteral("%\" ALIGN=RIGHT>1.234,50<")));
+    EXPECT_TRUE(c[2].contains(QStringLiteral("%\">1.2.3<")));
+    EXPECT_TRUE(c[3].contains(QStringLiteral("%\">+5<")));
 }
 
-TEST(GridHTML, ColoresEstilosYCeldasFijas)
+// A cell's own colours; a caption cell takes the fixed colours, but for a back colour of its
+// own. Empty, it counts as a number in a general column.
+TEST(GridHTML, ColoresYCeldasFijas)
 {
-    GrillaFalsa g(2, 2, 1, 1);
+    GrillaFalsa g(2, 2);
     g.fondos[{1, 1}] = 0x00FF00;
     g.letras[{1, 1}] = 0x0000FF;
-    g.negritas[{1, 1}] = 1;
-    g.cursivas[{1, 1}] = 1;
-    g.subrayados[{1, 1}] = 1;
-    g.fondos[{1, 0}] = 0xFF0000;
+    g.fondos[{0, 1}] = 0xFF0000;
     g.textos[{1, 1}] = QStringLiteral("x<y");
     const QStringList c = Celdas(Pagina(g));
-    EXPECT_EQ(c[3], QStringLiteral("<td class=\"stTDFont\" Width = \"50%\" BGCOLOR=\"#00FF00\">"
-                                   "<FONT COLOR=\"#FF0000\"><B><I><U>x&lt;y</B></I></U></FONT></TD>"));
-    // A fixed cell takes the fixed colours; one with its own back colour keeps it. Empty, it
-    // counts as a number in a general column.
-    EXPECT_EQ(c[1], QStringLiteral("<td class=\"stTDFixed\" Width = \"50%\" BGCOLOR=\"#C0C0C0\" ALIGN=RIGHT BORDERCOLOR=\"#808080\">"
+    EXPECT_EQ(c[3], QStringLiteral("<td class=\"stTDFont\" Width = \"50%\" BGCOLOR=\"#00FF00\"><FONT COLOR=\"#FF0000\">x&lt;y</FONT></TD>"));
+    EXPECT_EQ(c[0], QStringLiteral("<td class=\"stTDFixed\" Width = \"50%\" BGCOLOR=\"#C0C0C0\" ALIGN=RIGHT BORDERCOLOR=\"#808080\">"
                                    "<FONT COLOR=\"#800000\">&nbsp;</FONT></TD>"));
-    EXPECT_EQ(c[2], QStringLiteral("<td class=\"stTDFixed\" Width = \"50%\" BGCOLOR=\"#0000FF\" ALIGN=RIGHT BORDERCOLOR=\"#808080\">"
+    EXPECT_EQ(c[1], QStringLiteral("<td class=\"stTDFixed\" Width = \"50%\" BGCOLOR=\"#0000FF\" ALIGN=RIGHT BORDERCOLOR=\"#808080\">"
                                    "<FONT COLOR=\"#800000\">&nbsp;</FONT></TD>"));
-}
-
-TEST(GridHTML, SangriaDeFilasDeArbol)
-{
-    GrillaFalsa g(5, 2);
-    g.columnaArbol = 0;
-    g.barraArbol = true;
-    g.niveles = {{2, 1}, {4, 2}};
-    for (int r = 1; r < 5; ++r)
-        g.textos[{r, 0}] = QStringLiteral("f%1").arg(r);
-    QStringList c = Celdas(Pagina(g));
-    EXPECT_TRUE(c[2].contains(QStringLiteral(">f1<")));
-    EXPECT_TRUE(c[4].contains(QStringLiteral(">&nbsp&nbsp&nbsp&nbspf2<")));
-    EXPECT_TRUE(c[6].contains(QStringLiteral(">&nbsp&nbsp&nbsp&nbspf3<")));
-    EXPECT_TRUE(c[8].contains(QStringLiteral(">&nbsp&nbsp&nbsp&nbsp&nbsp&nbsp&nbsp&nbspf4<")));
-    // Without the bar there is no indent.
-    g.barraArbol = false;
-    c = Celdas(Pagina(g));
-    EXPECT_TRUE(c[8].contains(QStringLiteral(">f4<")));
 }

@@ -5,14 +5,14 @@
 #include <map>
 #include <vector>
 
-// A grid view with every item set by hand, to render any shape the journal grid never has.
+// A grid view with every item set by hand, to render a page of a few cells without a journal.
 class GrillaFalsa final : public FuenteGrilla
 {
 public:
     GrillaFalsa(int filas, int columnas, int filasFijas = 1, int columnasFijas = 0)
         : filas(filas), columnas(columnas), fijas(filasFijas), columnasFijas(columnasFijas)
         , anchos(size_t(columnas), 1500), ocultas(size_t(columnas), false), alineaciones(size_t(columnas), 9)
-        , tipos(size_t(columnas), 0), altos(size_t(filas), 240), filasOcultas(size_t(filas), false)
+        , altos(size_t(filas), 240), filasOcultas(size_t(filas), false)
     {
     }
 
@@ -39,18 +39,10 @@ public:
     double Valor(int r, int c) const override { return Texto(r, c).toDouble(); }
     quint32 ColorFondo(int r, int c) const override { return buscar(fondos, r, c); }
     quint32 ColorTexto(int r, int c) const override { return buscar(letras, r, c); }
-    bool Negrita(int r, int c) const override { return buscar(negritas, r, c); }
-    bool Cursiva(int r, int c) const override { return buscar(cursivas, r, c); }
-    bool Subrayado(int r, int c) const override { return buscar(subrayados, r, c); }
     int AlineacionColumna(int c) const override { return alineaciones[size_t(c)]; }
-    int TipoColumna(int c) const override { return tipos[size_t(c)]; }
     quint32 ColorFondoFijo() const override { return fondoFijo; }
     quint32 ColorTextoFijo() const override { return textoFijo; }
     quint32 ColorLineasFijas() const override { return lineasFijas; }
-    int ColumnaArbol() const override { return columnaArbol; }
-    bool BarraArbol() const override { return barraArbol; }
-    bool EsNodo(int r) const override { return niveles.count(r) > 0; }
-    int NivelArbol(int r) const override { return EsNodo(r) ? niveles.at(r) : 0; }
     int AnchoControl() const override { return anchoControl; }
     double TwipsPorPixel() const override { return 15; }
 
@@ -58,18 +50,14 @@ public:
     std::vector<int> anchos;
     std::vector<bool> ocultas;
     std::vector<int> alineaciones;
-    std::vector<int> tipos;
     std::vector<int> altos;
     std::vector<bool> filasOcultas;
     std::vector<RangoCeldas> combinadas;
     std::map<std::pair<int, int>, QString> textos;
-    std::map<std::pair<int, int>, quint32> fondos, letras, negritas, cursivas, subrayados;
+    std::map<std::pair<int, int>, quint32> fondos, letras;
     quint32 fondoFijo = 0xC0C0C0;
     quint32 textoFijo = 0x000080;
     quint32 lineasFijas = 0x808080;
-    int columnaArbol = -1;
-    bool barraArbol = false;
-    std::map<int, int> niveles;
     int anchoControl = 0;
 
 private:

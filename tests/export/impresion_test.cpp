@@ -63,7 +63,7 @@ protected:
     ImpresionGrilla impresion{g, vista, [this] { ++enfocada; }};
 };
 
-TEST_F(Impresion, ColumnaUnoTomaElAnchoLibreYLaGrillaVuelve)
+TEST_F(Impresion, ColumnaUnoTomaElAnchoLibreSiLoHayYLaGrillaVuelve)
 {
     bool ultimaOculta = false;
     bool redibujo = true;
@@ -95,19 +95,15 @@ TEST_F(Impresion, ColumnaUnoTomaElAnchoLibreYLaGrillaVuelve)
                                                   QStringLiteral("renderizar"), QStringLiteral("imprimir")}));
     EXPECT_EQ(enfocada, 2);
     EXPECT_EQ(g.AnchoColumna(1), 1500);
-}
 
-TEST_F(Impresion, SinLugarLibreColumnaUnoConservaSuAncho)
-{
+    // Without room left over column 1 keeps its width. The page set-up is the view's.
     for (int c = 0; c < g.Columnas(); ++c)
         g.FijarAnchoColumna(c, 4000);
-    int anchoUno = 0;
-    vista.alRenderizar = [&](const FuenteGrilla &f) { anchoUno = f.AnchoColumna(1); };
     impresion.MnuPriPrint(QStringLiteral("T"), QStringLiteral("E"));
     EXPECT_EQ(anchoUno, 4000);
     impresion.MnuPriCnfgPage();
     EXPECT_EQ(vista.llamadas.last(), QStringLiteral("configurar"));
-    EXPECT_EQ(enfocada, 2);
+    EXPECT_EQ(enfocada, 4);
 }
 
 TEST(PaginasGrilla, FilasPorPaginaEncabezadoYEscala)

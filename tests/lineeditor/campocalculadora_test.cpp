@@ -8,7 +8,6 @@
 
 #include <gtest/gtest.h>
 
-
 namespace {
 
 QLocale LocaleDe(const char *nombre)
@@ -18,7 +17,7 @@ QLocale LocaleDe(const char *nombre)
 
 // Each number of a calculation is read by the one rule of LeerNumero, in the locale given;
 // cases without a locale answer the same in every locale.
-TEST(CampoCalculadora, EvaluarLeeCadaNumeroPorLaMismaRegla)
+TEST(CampoCalculadora, EvaluarLeeCadaNumeroPorLaMismaReglaYFijarValorUsaLaMascara)
 {
     const struct
     {
@@ -27,14 +26,12 @@ TEST(CampoCalculadora, EvaluarLeeCadaNumeroPorLaMismaRegla)
         bool valido;
         double valor;
     } casos[] = {
-        {"", "1250*1,22", true, 1525}, {"", "1250*1.22", true, 1525}, {"", "100+25,5-3", true, 122.5},
-        {"", "-40", true, -40},        {"", "10/4", true, 2.5},       {"", "2+3*4", true, 14},
-        {"", "5*-3", true, -15},       {"", "10/0", false, 0},        {"", "abc", false, 0},
-        {"", "", false, 0},            {"", "5*", false, 0},          {"", "*5", false, 0},
-        {"", "1.2.3,4", false, 0},     {"", "1,23,4+1", false, 0},    {"", "2*1.2.3", false, 0},
-        {"es_UY", "1.250,5", true, 1250.5}, {"es_UY", "1.250*2", true, 2500}, {"es_UY", "1,250*2", true, 2.5},
-        {"es_ES", "1.500+0,5", true, 1500.5}, {"en_US", "1,250*2", true, 2500}, {"en_US", "1.250*2", true, 2.5},
-        {"C", "1,250*2", true, 2500},  {"C", "12,5+1", true, 13.5},
+        {"", "1250*1,22", true, 1525},      {"", "100+25,5-3", true, 122.5},  {"", "-40", true, -40},
+        {"", "10/4", true, 2.5},            {"", "2+3*4", true, 14},          {"", "5*-3", true, -15},
+        {"", "10/0", false, 0},             {"", "abc", false, 0},            {"", "", false, 0},
+        {"", "5*", false, 0},               {"", "*5", false, 0},             {"", "1,23,4+1", false, 0},
+        {"", "2*1.2.3", false, 0},          {"es_UY", "1.250*2", true, 2500}, {"es_UY", "1,250*2", true, 2.5},
+        {"en_US", "1,250*2", true, 2500},   {"en_US", "1.250*2", true, 2.5},  {"C", "1,250*2", true, 2500},
     };
     for (const auto &c : casos)
         for (const char *l : {"es_UY", "es_ES", "en_US", "C"}) {
@@ -46,6 +43,15 @@ TEST(CampoCalculadora, EvaluarLeeCadaNumeroPorLaMismaRegla)
             if (c.valido)
                 EXPECT_DOUBLE_EQ(v, c.valor);
         }
+
+    // A value set shows with the mask; an empty field is incomplete, not refused.
+    CampoCalculadora campo(QStringLiteral("ocImporte"));
+    campo.FijarMascara(QStringLiteral("#,##0.00"));
+    campo.FijarValor(1234.5);
+    EXPECT_EQ(campo.text(), QStringLiteral("1.234,50"));
+    campo.Limpiar();
+    EXPECT_FALSE(campo.EsNumeroValido());
+    EXPECT_FALSE(campo.EsTextoInvalido());
 }
 
 // A field typed into with the keyboard, in a window of its own with a second field to move to.
@@ -156,17 +162,5 @@ TEST_P(CampoEscrito, UnTextoRechazadoSeAvisaAlSalirYQuedaComoSeEscribio)
 
 INSTANTIATE_TEST_SUITE_P(Locales, CampoEscrito, ::testing::Values("es_UY", "es_ES", "en_US", "C"),
                          [](const ::testing::TestParamInfo<const char *> &i) { return std::string(i.param); });
-
-// A value set shows with the mask; an empty field is incomplete, not refused.
-TEST(CampoCalculadora, ValorFijadoConMascaraYCampoVacio)
-{
-    CampoCalculadora campo(QStringLiteral("ocImporte"));
-    campo.FijarMascara(QStringLiteral("#,##0.00"));
-    campo.FijarValor(1234.5);
-    EXPECT_EQ(campo.text(), QStringLiteral("1.234,50"));
-    campo.Limpiar();
-    EXPECT_FALSE(campo.EsNumeroValido());
-    EXPECT_FALSE(campo.EsTextoInvalido());
-}
 
 } // namespace

@@ -173,7 +173,7 @@ TEST_F(CampoFechaVentana, EnterLeeYArribaYAbajoCambianElDia)
 
 // A field that shows no date reads a date without a year in the clock's year, and Up moves
 // from the clock's day.
-TEST_F(CampoFechaVentana, SinFechaMostradaLaReferenciaEsElDiaDelReloj)
+TEST_F(CampoFechaVentana, SinFechaMostradaLaReferenciaEsElDiaDelRelojYElFormatoElDeSiempre)
 {
     m_campo->setPermitirVacia(true);
     m_campo->setDisplayFormat(QStringLiteral("dd/MM/yyyy"));
@@ -186,11 +186,9 @@ TEST_F(CampoFechaVentana, SinFechaMostradaLaReferenciaEsElDiaDelReloj)
     m_campo->Vaciar();
     QTest::keyClick(m_campo, Qt::Key_Up);
     EXPECT_EQ(m_campo->date(), BaseDePrueba::Hoy().addDays(1));
-}
 
-TEST(CampoFecha, FormatoYFechaMostrada)
-{
-    CampoFecha campo(BaseDePrueba::RelojFijo());
+    // A new field shows no date, in the default format; a null date set is ignored.
+    CampoFecha campo(m_reloj);
     QSignalSpy cambios(&campo, &CampoFecha::dateChanged);
     EXPECT_TRUE(campo.date().isNull());
     campo.setDate(QDate(2026, 3, 4));

@@ -5,7 +5,6 @@
 #include "currency/catalogomonedas.h"
 #include "lineeditor/campocalculadora.h"
 #include "lineeditor/lumerasiento.h"
-#include "services/serviciobusquedacuentas.h"
 
 #include <QApplication>
 #include <QComboBox>
@@ -15,21 +14,6 @@
 #include <gtest/gtest.h>
 
 namespace {
-
-// The search as it answers a typed text, or a given account as if picked in its dialog.
-class BusquedaGuionada final : public ServicioBusquedaCuentas
-{
-public:
-    qint32 elegida = 0;
-    bool Buscar(Conexion &conexion, qint32 empresa, const QString &texto, CuentaElegida &c, QWidget *padre) override
-    {
-        if (!elegida)
-            return m_exacta.Buscar(conexion, empresa, texto, c, padre);
-        c = {elegida, 0, 0};
-        return true;
-    }
-    BusquedaExacta m_exacta;
-};
 
 // Pesos (1), dollars (2) at 40 pesos and yen (3) at 0.25 pesos from 1 March 2026; a peso
 // account, a dollar account, one closed on 10 March 2026, a folder, a second peso account
@@ -55,7 +39,8 @@ protected:
 
         m_editor = std::make_unique<lumERAsiento>(ContextoLinea{.conexion = &c, .monedas = &m_monedas, .mensajes = &m_mensajes,
                                                                 .busqueda = &m_busqueda, .empresa = 1, .monedaContabilidad = 1,
-                                                                .tipoTCComprobantes = 1});
+                                                                .tipoTCComprobantes = 1,
+                                                                .texto = [](int n) { return QString::number(n); }});
         // A layout where no field covers another, as the document gives it.
         const int lefts[] = {0, 2600, 5200, 5900, 7400, 8600};
         const int widths[] = {2600, 2600, 700, 1500, 1200, 1500};
@@ -89,7 +74,7 @@ protected:
     BaseDePrueba m_base;
     CatalogoMonedas m_monedas;
     MensajesGuionados m_mensajes;
-    BusquedaGuionada m_busqueda;
+    BusquedaExacta m_busqueda;
     std::unique_ptr<lumERAsiento> m_editor;
     int m_aceptadas = 0;
     QString m_resultado;
@@ -182,8 +167,8 @@ TEST_F(EditorDeLinea, ElImporteConMasDecimalesSeValuaComoSeGuarda)
     EXPECT_DOUBLE_EQ(v.dTCambio, 40);
 }
 
-// Quotations that cannot be read are told, and the rate is left to be typed: not a 1 that
-// would price a dollar at a peso.
+// Quotations that cannot be read are told with the database's detail, and the rate is left
+// to be typed: not a 1 that would price a dollar at a peso.
 TEST_F(EditorDeLinea, CotizacionesIlegiblesSeDicenYNoDanTasa)
 {
     m_base.conexion().Ejecutar(QStringLiteral("Drop Table genCotizacionesMoneda"));
@@ -192,7 +177,7 @@ TEST_F(EditorDeLinea, CotizacionesIlegiblesSeDicenYNoDanTasa)
     EXPECT_EQ(m_editor->MonedaCombo(), 2);
     EXPECT_DOUBLE_EQ(m_editor->ImporteTC(), 0);
     ASSERT_EQ(m_mensajes.mostrados.size(), 1);
-    EXPECT_TRUE(m_mensajes.mostrados[0].startsWith(QStringLiteral("error")));
+    EXPECT_EQ(m_mensajes.mostrados[0], QStringLiteral("error: 1929"));
     EXPECT_TRUE(m_mensajes.detalles[0].contains(QStringLiteral("genCotizacionesMoneda"), Qt::CaseInsensitive))
         << m_mensajes.detalles[0].toStdString();
     // Without a rate the line is not accepted; with one typed it is.
@@ -231,7 +216,7 @@ TEST_F(EditorDeLinea, CuentasRechazadas)
 
     // A folder is never taken, whatever the search answers.
     m_editor->InitRegistro();
-    m_busqueda.elegida = 13;
+    m_busqueda.respuesta = {13, 0, 0};
     escribir(debe(), QStringLiteral("Activo"));
     EXPECT_FALSE(m_editor->CuentaIngresadaAlDebe());
 }

@@ -1,6 +1,7 @@
 // The search dialog alone, driven with the keyboard: the order Enter follows, what is
 // refused, and the criteria "Aceptar" and "Cancelar" leave.
 #include "comun/basesprueba.h"
+#include "comun/busquedaexacta.h"
 #include "comun/datosdeprueba.h"
 #include "comun/mensajesguionados.h"
 
@@ -8,7 +9,6 @@
 #include "lineeditor/campocalculadora.h"
 #include "lineeditor/campofecha.h"
 #include "search/frmfind.h"
-#include "services/serviciobusquedacuentas.h"
 #include "store/basedemo.h"
 
 #include <QApplication>
@@ -22,25 +22,6 @@
 
 namespace {
 
-// Records each text looked up and answers the prepared account (none while its id is 0);
-// one not accepted is one the user saw in the chooser and then cancelled.
-class CuentaGuionada final : public ServicioBusquedaCuentas
-{
-public:
-    bool Buscar(Conexion &, qint32, const QString &texto, CuentaElegida &elegida, QWidget *) override
-    {
-        pedidos << texto;
-        if (durante)
-            durante();
-        elegida = respuesta;
-        return acepta && respuesta.id > 0;
-    }
-    CuentaElegida respuesta;
-    bool acepta = true;
-    QStringList pedidos;
-    std::function<void()> durante; // what runs while the chooser is open
-};
-
 class DialogoBusqueda : public ::testing::TestWithParam<Motor>
 {
 protected:
@@ -48,6 +29,7 @@ protected:
         : m_base(GetParam(), BaseDePrueba::Contenido::Demo)
     {
         PrepararDatosDocumento(m_datos, m_base.conexion(), m_mensajes);
+        m_cuentas.exacta = false; // the account prepared, or none
         crear(true);
     }
 
@@ -85,6 +67,12 @@ protected:
         QTest::keyClick(QApplication::focusWidget(), k);
         QApplication::processEvents();
     }
+    // Enter where the focus is; answers where the focus went.
+    QString enter()
+    {
+        tecla();
+        return foco();
+    }
     void escribir(const char *nombre, const QString &texto)
     {
         QWidget *w = campo(nombre);
@@ -93,6 +81,12 @@ protected:
         (lista ? lista->lineEdit() : static_cast<QLineEdit *>(w))->selectAll();
         QTest::keyClick(w, Qt::Key_Delete);
         QTest::keyClicks(w, texto);
+    }
+    // A click on a control; what it queues runs too.
+    void clic(const char *nombre)
+    {
+        QTest::mouseClick(campo(nombre), Qt::LeftButton);
+        QApplication::processEvents();
     }
     void aceptar()
     {
@@ -104,7 +98,7 @@ protected:
 
     BaseDePrueba m_base;
     MensajesGuionados m_mensajes;
-    CuentaGuionada m_cuentas;
+    BusquedaExacta m_cuentas;
     DatosDocumento m_datos;
     std::unique_ptr<frmFind> m_dialogo;
 };
@@ -144,25 +138,19 @@ TEST_P(DialogoBusqueda, EnterRecorreLosCamposEnSuOrden)
     // Without a start date the end is skipped; without an amount, the upper one.
     campo("cfCriterio")->setFocus();
     QStringList recorrido{foco()};
-    for (int i = 0; i < 7; ++i) {
-        tecla();
-        recorrido << foco();
-    }
+    for (int i = 0; i < 7; ++i)
+        recorrido << enter();
     EXPECT_EQ(recorrido, (QStringList{"cfCriterio", "odInicio", "cfLibro", "cfEstado", "tLeyenda", "tCuenta", "ocImporte", "bfOK"}));
     EXPECT_TRUE(m_cuentas.pedidos.isEmpty()); // a blank account is not looked up
     EXPECT_TRUE(m_dialogo->isVisible());
 
     escribir("odInicio", QStringLiteral("01/03/2026"));
-    tecla();
-    EXPECT_EQ(foco(), QStringLiteral("odFin"));
+    EXPECT_EQ(enter(), QStringLiteral("odFin"));
     escribir("odFin", QStringLiteral("31/03/2026"));
-    tecla();
-    EXPECT_EQ(foco(), QStringLiteral("cfLibro"));
+    EXPECT_EQ(enter(), QStringLiteral("cfLibro"));
     escribir("ocImporte", QStringLiteral("100"));
-    tecla();
-    EXPECT_EQ(foco(), QStringLiteral("ocImporte2"));
-    tecla();
-    EXPECT_EQ(foco(), QStringLiteral("bfOK"));
+    EXPECT_EQ(enter(), QStringLiteral("ocImporte2"));
+    EXPECT_EQ(enter(), QStringLiteral("bfOK"));
     tecla();
     EXPECT_FALSE(m_dialogo->isVisible());
     EXPECT_EQ(criterios().prmFInit, QStringLiteral("2026-03-01"));
@@ -193,8 +181,7 @@ TEST_P(DialogoBusqueda, UnFinAnteriorAlInicioSeRechaza)
 TEST_P(DialogoBusqueda, ElLibroEscritoDebeSerUnoDeLaLista)
 {
     escribir("cfLibro", QStringLiteral("Compras"));
-    tecla();
-    EXPECT_EQ(foco(), QStringLiteral("cfLibro"));
+    EXPECT_EQ(enter(), QStringLiteral("cfLibro"));
     EXPECT_EQ(campo<QComboBox>("cfLibro")->lineEdit()->selectedText(), QStringLiteral("Compras"));
     aceptar();
     EXPECT_TRUE(m_dialogo->isVisible());
@@ -203,8 +190,7 @@ TEST_P(DialogoBusqueda, ElLibroEscritoDebeSerUnoDeLaLista)
     EXPECT_EQ(foco(), QStringLiteral("tLeyenda"));
 
     escribir("cfLibro", QStringLiteral("VENTAS"));
-    tecla();
-    EXPECT_EQ(foco(), QStringLiteral("cfEstado"));
+    EXPECT_EQ(enter(), QStringLiteral("cfEstado"));
     aceptar();
     EXPECT_TRUE(criterios().FindOK);
     EXPECT_EQ(criterios().prmLibro, 7);
@@ -260,10 +246,8 @@ TEST_P(DialogoBusqueda, LaCuentaBuscadaEntraConSuProyectoYDepartamento)
     EXPECT_EQ(m_cuentas.pedidos, QStringList{QStringLiteral("caja")});
     // With an account, Enter goes through its project and department.
     EXPECT_EQ(foco(), QStringLiteral("cfProyecto"));
-    tecla();
-    EXPECT_EQ(foco(), QStringLiteral("cfDepartamento"));
-    tecla();
-    EXPECT_EQ(foco(), QStringLiteral("ocImporte"));
+    EXPECT_EQ(enter(), QStringLiteral("cfDepartamento"));
+    EXPECT_EQ(enter(), QStringLiteral("ocImporte"));
     EXPECT_TRUE(campo<QLineEdit>("tCuenta")->text().contains(nombre)) << campo<QLineEdit>("tCuenta")->text().toStdString();
     aceptar();
     EXPECT_EQ(m_cuentas.pedidos.size(), 1); // the account found is not looked up again
@@ -300,9 +284,8 @@ TEST_P(DialogoBusqueda, ProyectoYDepartamentoAcotanLaCuenta)
 
     mostrar();
     proyecto->setFocus();
-    tecla(Qt::Key_Down);
-    tecla(Qt::Key_Down);
-    tecla(Qt::Key_Down); // "any", "none", then the second project
+    for (int i = 0; i < 3; ++i)
+        tecla(Qt::Key_Down); // "any", "none", then the second project
     departamento->setFocus();
     tecla(Qt::Key_Down);
     aceptar();
@@ -313,8 +296,7 @@ TEST_P(DialogoBusqueda, ProyectoYDepartamentoAcotanLaCuenta)
     EXPECT_FALSE(campo("cfProyecto")->isVisible());
     EXPECT_FALSE(campo("lbDepartamento")->isVisible());
     escribir("tCuenta", QStringLiteral("sueldos"));
-    tecla();
-    EXPECT_EQ(foco(), QStringLiteral("ocImporte"));
+    EXPECT_EQ(enter(), QStringLiteral("ocImporte"));
     aceptar();
     EXPECT_EQ(cuenta(), std::tuple(cuentaSueldos, CriteriosBusqueda::kCualquiera, CriteriosBusqueda::kCualquiera));
 }
@@ -359,20 +341,18 @@ TEST_P(DialogoBusqueda, DejarLaCuentaConTeclaORatonLaBusca)
     campo("tCuenta")->setFocus();
     tecla(Qt::Key_Backtab);
     EXPECT_EQ(m_cuentas.pedidos, QStringList{QStringLiteral("caja")});
-    QTest::mouseClick(campo("lbCuenta"), Qt::LeftButton);
-    QApplication::processEvents();
+    clic("lbCuenta");
     EXPECT_EQ(foco(), QStringLiteral("tCuenta"));
     EXPECT_EQ(campo<QLineEdit>("tCuenta")->selectedText(), QStringLiteral("caja"));
-    QTest::mouseClick(campo("tLeyenda"), Qt::LeftButton);
-    QApplication::processEvents();
+    clic("tLeyenda");
     EXPECT_EQ(foco(), QStringLiteral("tLeyenda"));
     EXPECT_EQ(m_cuentas.pedidos.size(), 2);
 
     // The legend's caption selects the legend too; the book's takes the focus to its list.
     escribir("tLeyenda", QStringLiteral("Alquiler*"));
-    QTest::mouseClick(campo("lbLeyenda"), Qt::LeftButton);
+    clic("lbLeyenda");
     EXPECT_EQ(campo<QLineEdit>("tLeyenda")->selectedText(), QStringLiteral("Alquiler*"));
-    QTest::mouseClick(campo("lbLibro"), Qt::LeftButton);
+    clic("lbLibro");
     EXPECT_EQ(foco(), QStringLiteral("cfLibro"));
 
     // "Aceptar" clicked with an account typed looks it up once, while the chooser's own
@@ -381,8 +361,7 @@ TEST_P(DialogoBusqueda, DejarLaCuentaConTeclaORatonLaBusca)
     m_cuentas.respuesta = {m_base.IdCuenta("1.1.01"), 0, 0};
     m_cuentas.durante = [] { QApplication::processEvents(); };
     escribir("tCuenta", QStringLiteral("banco"));
-    QTest::mouseClick(campo("bfOK"), Qt::LeftButton);
-    QApplication::processEvents();
+    clic("bfOK");
     EXPECT_EQ(m_cuentas.pedidos, QStringList{QStringLiteral("banco")});
     EXPECT_FALSE(m_dialogo->isVisible());
 }

@@ -9,9 +9,7 @@
 
 namespace {
 
-class BusquedaDeCuentas : public ::testing::TestWithParam<Motor>
-{
-};
+using BusquedaDeCuentas = ::testing::TestWithParam<Motor>;
 
 // Accounts that take lines, never folders ("1", "1.1"), with their currency and whether they
 // are closed; a typed text finds the account of that exact code, or those whose code starts

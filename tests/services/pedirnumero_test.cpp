@@ -12,7 +12,7 @@ namespace {
 // The rate prompt reads a typed number by the amounts' rule: "41.5" under es_UY is 41,5,
 // never 415; a text that is no number is refused with the catalogue's text and asked again;
 // a cancelled prompt leaves the value as it was.
-TEST(PedirNumero, LeeLaTasaConCualquierMarcaDecimalYRechazaLoQueNoEsNumero)
+TEST(MensajesQt, LaTasaSeLeeComoUnImporteYCadaBotonDiceLoSuyo)
 {
     QLocale::setDefault(QLocale(QLocale::Spanish, QLocale::Uruguay));
     ServicioMensajesQt mensajes;
@@ -42,13 +42,9 @@ TEST(PedirNumero, LeeLaTasaConCualquierMarcaDecimalYRechazaLoQueNoEsNumero)
     valor = 7;
     EXPECT_FALSE(pedir({}, valor));
     EXPECT_DOUBLE_EQ(valor, 7);
-}
 
-// Each set of buttons answers what the button pressed says: Enter takes the default (Yes,
-// or OK), Escape the way out (No without a Cancel button, else Cancel).
-TEST(Preguntar, CadaBotonDiceLoSuyoYEscapeEsLaSalida)
-{
-    ServicioMensajesQt mensajes;
+    // Each set of buttons answers what the button pressed says: Enter takes the default (Yes,
+    // or OK), Escape the way out (No without a Cancel button, else Cancel).
     using B = ServicioMensajes::Botones;
     using R = ServicioMensajes::Respuesta;
     auto preguntar = [&](B botones, Qt::Key tecla) {
