@@ -415,38 +415,6 @@ struct Columnas
     }
 };
 
-// A number as the driver hands it over: a number from SQLite, exact text from PostgreSQL.
-double numero(const QVariant &v)
-{
-    switch (v.typeId()) {
-    case QMetaType::Double:
-        return *static_cast<const double *>(v.constData());
-    case QMetaType::LongLong:
-        return double(*static_cast<const qlonglong *>(v.constData()));
-    case QMetaType::Int:
-        return v.toDouble();
-    default:
-        return v.toString().toDouble();
-    }
-}
-
-// Amounts are rounded to the fixed-point type as soon as they are read.
-Importe importe(const QVariant &v)
-{
-    return Importe::DesdeDouble(numero(v));
-}
-
-int entero(const QVariant &v)
-{
-    if (v.isNull())
-        return 0;
-    if (v.typeId() == QMetaType::LongLong)
-        return int(*static_cast<const qlonglong *>(v.constData()));
-    if (v.typeId() == QMetaType::Int)
-        return v.toInt();
-    return qRound(numero(v));
-}
-
 } // namespace
 
 int AsientosGrilla::LlenarGrilla(Conexion &conexion, const QString &sql, int fila)
@@ -475,22 +443,21 @@ int AsientosGrilla::LlenarGrilla(Conexion &conexion, const QString &sql, int fil
     if (!rs->Fin()) {
         const Columnas c(*rs);
         for (; !rs->Fin(); rs->MoverSiguiente()) {
-            const qint32 id = entero(rs->Campo(c.AsiID));
+            const qint32 id = int(rs->EnteroEn(c.AsiID));
             if (!hayAsiento || id != Cabezal.AsiID) {
                 if (hayAsiento && FormatoEntrada())
                     ++r;
                 m_g.InsertarFila(r);
-                const QVariant tipo = rs->Campo(c.AsiTipo);
-                const QVariant libro = rs->Campo(c.LibNombre);
-                Cabezal.AsiEstado = qint16(entero(rs->Campo(c.AsiEstado)));
+                const bool sinLibro = rs->NuloEn(c.AsiTipo) || rs->NuloEn(c.LibNombre);
+                Cabezal.AsiEstado = qint16(rs->EnteroEn(c.AsiEstado));
                 Cabezal.AsiFechaAsiento = FechaDeValor(rs->Campo(c.AsiFechaAsiento));
                 Cabezal.AsiFechaModificado = FechaHoraDeValor(rs->Campo(c.AsiFechaModificado));
                 Cabezal.AsiID = id;
                 Cabezal.AsiLeyenda = rs->Campo(c.AsiLeyenda).toString().trimmed();
-                Cabezal.AsiTipo = qint16(entero(tipo));
-                Cabezal.AsiUsuarioVerificador = qint16(entero(rs->Campo(c.AsiUsuarioVerificador)));
+                Cabezal.AsiTipo = qint16(rs->EnteroEn(c.AsiTipo));
+                Cabezal.AsiUsuarioVerificador = qint16(rs->EnteroEn(c.AsiUsuarioVerificador));
                 Cabezal.FilaCabezal = r;
-                const QString nombreLibro = tipo.isNull() || libro.isNull() ? QString() : libro.toString().trimmed();
+                const QString nombreLibro = sinLibro ? QString() : rs->Campo(c.LibNombre).toString().trimmed();
                 FilaCabezalAsiento(nombreLibro);
                 ClaveEstado(r, Cabezal.AsiEstado);
                 hayAsiento = true;
@@ -498,12 +465,11 @@ int AsientosGrilla::LlenarGrilla(Conexion &conexion, const QString &sql, int fil
             }
 
             RegistroLinea l;
-            const QVariant haber = rs->Campo(c.AcuHaber);
-            l.bEsAlDebe = haber.isNull();
-            l.lCta = entero(rs->Campo(c.ACuCuenta));
-            l.iPry = qint16(entero(rs->Campo(c.ACuProyecto)));
-            l.iDep = qint16(entero(rs->Campo(c.ACuDepartamento)));
-            l.iMon = qint16(entero(rs->Campo(c.CueMoneda)));
+            l.bEsAlDebe = rs->NuloEn(c.AcuHaber);
+            l.lCta = int(rs->EnteroEn(c.ACuCuenta));
+            l.iPry = qint16(rs->EnteroEn(c.ACuProyecto));
+            l.iDep = qint16(rs->EnteroEn(c.ACuDepartamento));
+            l.iMon = qint16(rs->EnteroEn(c.CueMoneda));
             // An account's texts are the same on every line: make them once per fill.
             auto cuenta = cuentas.find(l.lCta);
             if (cuenta == cuentas.end()) {
@@ -514,10 +480,10 @@ int AsientosGrilla::LlenarGrilla(Conexion &conexion, const QString &sql, int fil
             }
             l.sTextDisplay = cuenta->first;
             l.dFechaCierre = cuenta->second;
-            l.ACuOrden = qint16(entero(rs->Campo(c.ACuOrden)));
-            l.dImporteMC = importe(rs->Campo(c.ACuImporteMC));
+            l.ACuOrden = qint16(rs->EnteroEn(c.ACuOrden));
+            l.dImporteMC = Importe::DesdeDouble(rs->NumeroEn(c.ACuImporteMC));
             if (l.iMon != m_ctx.monedaContabilidad && l.iMon != 0)
-                l.dImporte = importe(rs->Campo(l.bEsAlDebe ? c.ACuDebe : c.AcuHaber));
+                l.dImporte = Importe::DesdeDouble(rs->NumeroEn(l.bEsAlDebe ? c.ACuDebe : c.AcuHaber));
             else
                 l.dImporte = l.dImporteMC;
             l.dTCambio = l.dImporte.esCero() ? 0 : l.dImporteMC.aDouble() / l.dImporte.aDouble();

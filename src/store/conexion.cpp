@@ -37,6 +37,34 @@ static QVariant campoNoNulo(const Recordset &rs, const QString &nombre)
     return v;
 }
 
+double Recordset::NumeroEn(int indice) const
+{
+    const QVariant v = Campo(indice);
+    switch (v.typeId()) {
+    case QMetaType::Double:
+        return v.value<double>();
+    case QMetaType::LongLong:
+        return double(v.value<qlonglong>());
+    case QMetaType::Int:
+        return v.value<int>();
+    default:
+        return v.isNull() ? 0 : v.toString().toDouble();
+    }
+}
+
+qint64 Recordset::EnteroEn(int indice) const
+{
+    const QVariant v = Campo(indice);
+    switch (v.typeId()) {
+    case QMetaType::LongLong:
+        return v.value<qlonglong>();
+    case QMetaType::Int:
+        return v.value<int>();
+    default:
+        return v.isNull() ? 0 : qRound64(NumeroEn(indice));
+    }
+}
+
 QString Recordset::Texto(const QString &nombre) const
 {
     return campoNoNulo(*this, nombre).toString();

@@ -66,6 +66,13 @@ public:
 
     bool EsNulo(const QString &nombre) const { return Campo(nombre).isNull(); }
 
+    // Reads by position for loops over many rows, making no QVariant where the engine hands
+    // the value over as it is. A NULL reads as 0; a number held as text (PostgreSQL's
+    // numeric) is read from it; an integer read from a fraction is rounded.
+    virtual bool NuloEn(int indice) const { return Campo(indice).isNull(); }
+    virtual double NumeroEn(int indice) const;
+    virtual qint64 EnteroEn(int indice) const;
+
     // Typed reads that give the same C++ type on both engines. Reading NULL into one of
     // them is an error, as reading a NULL into a typed variable is in the suite.
     QString Texto(const QString &nombre) const;

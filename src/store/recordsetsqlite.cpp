@@ -127,12 +127,51 @@ QVariant RecordsetSqlite::Campo(const QString &nombre) const
     return Campo(i);
 }
 
-QVariant RecordsetSqlite::Campo(int indice) const
+void RecordsetSqlite::comprobar(int indice) const
 {
     if (m_fin)
         throw ErrorBaseDatos(QStringLiteral("No hay fila actual."), 3021);
     if (indice < 0 || indice >= m_nombres.size())
         throw ErrorBaseDatos(QStringLiteral("No se encontró el elemento en esta colección (%1).").arg(indice), 3265);
+}
+
+bool RecordsetSqlite::NuloEn(int indice) const
+{
+    comprobar(indice);
+    return sqlite3_column_type(m_sentencia, indice) == SQLITE_NULL;
+}
+
+double RecordsetSqlite::NumeroEn(int indice) const
+{
+    comprobar(indice);
+    switch (sqlite3_column_type(m_sentencia, indice)) {
+    case SQLITE_INTEGER:
+        return double(sqlite3_column_int64(m_sentencia, indice));
+    case SQLITE_FLOAT:
+        return sqlite3_column_double(m_sentencia, indice);
+    case SQLITE_NULL:
+        return 0;
+    default:
+        return Recordset::NumeroEn(indice);
+    }
+}
+
+qint64 RecordsetSqlite::EnteroEn(int indice) const
+{
+    comprobar(indice);
+    switch (sqlite3_column_type(m_sentencia, indice)) {
+    case SQLITE_INTEGER:
+        return sqlite3_column_int64(m_sentencia, indice);
+    case SQLITE_NULL:
+        return 0;
+    default:
+        return Recordset::EnteroEn(indice);
+    }
+}
+
+QVariant RecordsetSqlite::Campo(int indice) const
+{
+    comprobar(indice);
     switch (sqlite3_column_type(m_sentencia, indice)) {
     case SQLITE_INTEGER:
         return QVariant(qlonglong(sqlite3_column_int64(m_sentencia, indice)));

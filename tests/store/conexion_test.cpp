@@ -36,6 +36,23 @@ TEST_P(ConexionEnMotor, CamposPorNombreSinMayusculasNulosFechasYErrores)
     rs->MoverSiguiente();
     EXPECT_TRUE(rs->Fin());
     EXPECT_THROW(rs->MoverSiguiente(), ErrorBaseDatos);
+
+    // Typed reads by position, as a fill of the grid makes them.
+    auto tipados = c.Abrir(QStringLiteral("Select '12.50', 2.5, Null, -7, 'x'"));
+    EXPECT_EQ(tipados->NumeroEn(0), 12.5);
+    EXPECT_EQ(tipados->EnteroEn(0), 13);
+    EXPECT_EQ(tipados->EnteroEn(1), 3);
+    EXPECT_EQ(tipados->NumeroEn(1), 2.5);
+    EXPECT_TRUE(tipados->NuloEn(2));
+    EXPECT_FALSE(tipados->NuloEn(3));
+    EXPECT_EQ(tipados->EnteroEn(2), 0);
+    EXPECT_EQ(tipados->NumeroEn(2), 0);
+    EXPECT_EQ(tipados->EnteroEn(3), -7);
+    EXPECT_EQ(tipados->NumeroEn(3), -7);
+    EXPECT_EQ(tipados->NumeroEn(4), 0);
+    EXPECT_THROW(tipados->EnteroEn(5), ErrorBaseDatos);
+    tipados->MoverSiguiente();
+    EXPECT_THROW(tipados->NuloEn(0), ErrorBaseDatos);
     const auto sinTabla = ErrorDe([&] { c.Abrir(QStringLiteral("Select * From NoHayTabla")); });
     ASSERT_TRUE(sinTabla);
     EXPECT_TRUE(sinTabla->descripcion().contains(QStringLiteral("nohaytabla"), Qt::CaseInsensitive)) << sinTabla->what();
@@ -226,6 +243,7 @@ TEST(ConexionSQLite, LecturaDirectaLigaTiposYDiceOcupada)
     rs->Cerrar();
     EXPECT_TRUE(rs->Fin());
     EXPECT_THROW(c->Abrir(QStringLiteral("Select * From t Where n = ?")), ErrorBaseDatos); // a value missing
+
 
     // Another session holds the file whole: the read waits its time and is refused as busy.
     auto otra = ConexionQt::Abrir(direccion);
