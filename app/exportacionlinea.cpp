@@ -171,18 +171,25 @@ int ExportarDesdeLinea(const PedidoExportacion &pedido, Conexion &conexion, qint
     if (progreso)
         progreso(QStringLiteral("Leyendo los asientos…"));
     const QDate primerDia = pedido.mes.isValid() ? QDate(pedido.mes.year(), pedido.mes.month(), 1) : QDate();
-    if (const auto f = CargarAsientos(asientos, conexion, vista, sql, conexion.reloj().Hoy(), primerDia))
-        return fallar(texto(f->numeroTexto) + QStringLiteral(" ") + f->detalle);
-
     const int formato = pedido.Formato();
+    int cuantos = 0;
+    auto contar = [&] {
+        for (int r = grilla.FilasFijas(); r < grilla.Filas(); ++r)
+            cuantos += EsFilaCabezal(grilla, r) ? 1 : 0;
+    };
     QElapsedTimer reloj;
     reloj.start();
     auto avance = [&](int hechas, int total) {
-        if (progreso && total > 0 && reloj.elapsed() > 500)
-            progreso(QStringLiteral("Exportando: %1 de %2 filas").arg(hechas).arg(total));
+        if (progreso && reloj.elapsed() > 500)
+            progreso(total > 0 ? QStringLiteral("Exportando: %1 de %2 filas").arg(hechas).arg(total)
+                               : QStringLiteral("Exportando: %1 filas").arg(hechas));
     };
     std::optional<Fallo> error;
     if (formato == kPdf) {
+        // Pages are laid out from the whole grid.
+        if (const auto f = CargarAsientos(asientos, conexion, vista, sql, conexion.reloj().Hoy(), primerDia))
+            return fallar(texto(f->numeroTexto) + QStringLiteral(" ") + f->detalle);
+        contar();
         // Laid out as the print command does it, written beside the final name and renamed.
         QSaveFile archivo(pedido.archivo);
         if (!archivo.open(QIODevice::WriteOnly))
@@ -203,6 +210,16 @@ int ExportarDesdeLinea(const PedidoExportacion &pedido, Conexion &conexion, qint
         if (!error && !archivo.commit())
             error = Fallo{1938, pedido.archivo + QStringLiteral(": ") + archivo.errorString()};
     } else {
+        // The file is written as the entries are read, a part at a time: memory stays the
+        // same however many there are.
+        std::unique_ptr<Recordset> rs;
+        auto siguiente = [&]() -> bool {
+            grilla.FijarFilas(grilla.FilasFijas());
+            if (!rs->Fin())
+                asientos.LlenarParte(*rs, pedido.asientosPorParte);
+            contar();
+            return grilla.Filas() > grilla.FilasFijas();
+        };
         EntornoExportacion entorno;
         entorno.texto = texto;
         entorno.formatoFecha = pedido.formatoFecha;
@@ -212,15 +229,20 @@ int ExportarDesdeLinea(const PedidoExportacion &pedido, Conexion &conexion, qint
         GrillaEnPantalla g;
         g.grilla = &grilla;
         g.titulo = texto(1001);
-        error = ExportacionGrilla::Escribir(formato, g, pedido.archivo, entorno, avance);
+        try {
+            grilla.FijarRedibujar(false);
+            rs = conexion.Abrir(vista == Vista::kPersonalizada ? sql
+                                                               : SqlVista(vista, conexion.reloj().Hoy(), primerDia, ctx));
+            siguiente();
+            error = ExportacionGrilla::Escribir(formato, g, pedido.archivo, entorno, avance, siguiente);
+        } catch (const ErrorBaseDatos &e) {
+            // A read that fails half way leaves no file: each writer lets go of its own.
+            error = FalloDe(1917, e);
+        }
     }
     if (error)
         return fallar(texto(error->numeroTexto) + QStringLiteral(" ") + error->detalle);
-    if (progreso) {
-        int cuantos = 0;
-        for (int r = grilla.FilasFijas(); r < grilla.Filas(); ++r)
-            cuantos += EsFilaCabezal(grilla, r) ? 1 : 0;
+    if (progreso)
         progreso(QStringLiteral("%1 asientos exportados a %2").arg(cuantos).arg(pedido.archivo));
-    }
     return 0;
 }

@@ -417,14 +417,11 @@ struct Columnas
 
 } // namespace
 
-int AsientosGrilla::LlenarGrilla(Conexion &conexion, const QString &sql, int fila)
+bool AsientosGrilla::LlenarParte(Recordset &rs, int asientos)
 {
-    const int destino = fila <= 0 ? m_g.Filas() : std::min(fila, m_g.Filas());
-    // Rows are written at the end and moved into place in one step afterwards, so that a
-    // fill in the middle of a long grid does not shift the rows below once per row.
-    const int inicio = m_g.Filas();
-    int r = inicio;
+    int r = m_g.Filas();
     bool hayAsiento = false;
+    int leidos = 0;
     Cabezal.AsiID = 0;
 
     QHash<qint32, std::pair<QString, QString>> cuentas;
@@ -439,25 +436,28 @@ int AsientosGrilla::LlenarGrilla(Conexion &conexion, const QString &sql, int fil
         bool operator==(const ClaveEmpate &o) const = default;
     } empate;
     QVector<qint16> ordenesEmpatadas;
-    auto rs = conexion.Abrir(sql);
-    if (!rs->Fin()) {
-        const Columnas c(*rs);
-        for (; !rs->Fin(); rs->MoverSiguiente()) {
-            const qint32 id = int(rs->EnteroEn(c.AsiID));
+    if (!rs.Fin()) {
+        const Columnas c(rs);
+        for (; !rs.Fin(); rs.MoverSiguiente()) {
+            const qint32 id = int(rs.EnteroEn(c.AsiID));
             if (!hayAsiento || id != Cabezal.AsiID) {
+                // The first row of an entry past the limit stays unread, for the next part.
+                if (asientos > 0 && leidos == asientos)
+                    break;
+                ++leidos;
                 if (hayAsiento && FormatoEntrada())
                     ++r;
                 m_g.InsertarFila(r);
-                const bool sinLibro = rs->NuloEn(c.AsiTipo) || rs->NuloEn(c.LibNombre);
-                Cabezal.AsiEstado = qint16(rs->EnteroEn(c.AsiEstado));
-                Cabezal.AsiFechaAsiento = FechaDeValor(rs->Campo(c.AsiFechaAsiento));
-                Cabezal.AsiFechaModificado = FechaHoraDeValor(rs->Campo(c.AsiFechaModificado));
+                const bool sinLibro = rs.NuloEn(c.AsiTipo) || rs.NuloEn(c.LibNombre);
+                Cabezal.AsiEstado = qint16(rs.EnteroEn(c.AsiEstado));
+                Cabezal.AsiFechaAsiento = FechaDeValor(rs.Campo(c.AsiFechaAsiento));
+                Cabezal.AsiFechaModificado = FechaHoraDeValor(rs.Campo(c.AsiFechaModificado));
                 Cabezal.AsiID = id;
-                Cabezal.AsiLeyenda = rs->Campo(c.AsiLeyenda).toString().trimmed();
-                Cabezal.AsiTipo = qint16(rs->EnteroEn(c.AsiTipo));
-                Cabezal.AsiUsuarioVerificador = qint16(rs->EnteroEn(c.AsiUsuarioVerificador));
+                Cabezal.AsiLeyenda = rs.Campo(c.AsiLeyenda).toString().trimmed();
+                Cabezal.AsiTipo = qint16(rs.EnteroEn(c.AsiTipo));
+                Cabezal.AsiUsuarioVerificador = qint16(rs.EnteroEn(c.AsiUsuarioVerificador));
                 Cabezal.FilaCabezal = r;
-                const QString nombreLibro = sinLibro ? QString() : rs->Campo(c.LibNombre).toString().trimmed();
+                const QString nombreLibro = sinLibro ? QString() : rs.Campo(c.LibNombre).toString().trimmed();
                 FilaCabezalAsiento(nombreLibro);
                 ClaveEstado(r, Cabezal.AsiEstado);
                 hayAsiento = true;
@@ -465,25 +465,25 @@ int AsientosGrilla::LlenarGrilla(Conexion &conexion, const QString &sql, int fil
             }
 
             RegistroLinea l;
-            l.bEsAlDebe = rs->NuloEn(c.AcuHaber);
-            l.lCta = int(rs->EnteroEn(c.ACuCuenta));
-            l.iPry = qint16(rs->EnteroEn(c.ACuProyecto));
-            l.iDep = qint16(rs->EnteroEn(c.ACuDepartamento));
-            l.iMon = qint16(rs->EnteroEn(c.CueMoneda));
+            l.bEsAlDebe = rs.NuloEn(c.AcuHaber);
+            l.lCta = int(rs.EnteroEn(c.ACuCuenta));
+            l.iPry = qint16(rs.EnteroEn(c.ACuProyecto));
+            l.iDep = qint16(rs.EnteroEn(c.ACuDepartamento));
+            l.iMon = qint16(rs.EnteroEn(c.CueMoneda));
             // An account's texts are the same on every line: make them once per fill.
             auto cuenta = cuentas.find(l.lCta);
             if (cuenta == cuentas.end()) {
-                const QVariant cierre = rs->Campo(c.CueFechaCerrada);
-                cuenta = cuentas.insert(l.lCta, {TextoCuenta(rs->Campo(c.CueCodigo).toString(), rs->Campo(c.CueNombre).toString(),
+                const QVariant cierre = rs.Campo(c.CueFechaCerrada);
+                cuenta = cuentas.insert(l.lCta, {TextoCuenta(rs.Campo(c.CueCodigo).toString(), rs.Campo(c.CueNombre).toString(),
                                                              m_ctx.mostrarCodigoCta),
                                                  cierre.isNull() ? QString() : FechaDeValor(cierre).toString(Qt::ISODate)});
             }
             l.sTextDisplay = cuenta->first;
             l.dFechaCierre = cuenta->second;
-            l.ACuOrden = qint16(rs->EnteroEn(c.ACuOrden));
-            l.dImporteMC = Importe::DesdeDouble(rs->NumeroEn(c.ACuImporteMC));
+            l.ACuOrden = qint16(rs.EnteroEn(c.ACuOrden));
+            l.dImporteMC = Importe::DesdeDouble(rs.NumeroEn(c.ACuImporteMC));
             if (l.iMon != m_ctx.monedaContabilidad && l.iMon != 0)
-                l.dImporte = Importe::DesdeDouble(rs->NumeroEn(l.bEsAlDebe ? c.ACuDebe : c.AcuHaber));
+                l.dImporte = Importe::DesdeDouble(rs.NumeroEn(l.bEsAlDebe ? c.ACuDebe : c.AcuHaber));
             else
                 l.dImporte = l.dImporteMC;
             l.dTCambio = l.dImporte.esCero() ? 0 : l.dImporteMC.aDouble() / l.dImporte.aDouble();
@@ -502,9 +502,20 @@ int AsientosGrilla::LlenarGrilla(Conexion &conexion, const QString &sql, int fil
             ++r;
         }
     }
-    rs->Cerrar();
     if (hayAsiento)
         FormatoEntrada();
+    return !rs.Fin();
+}
+
+int AsientosGrilla::LlenarGrilla(Conexion &conexion, const QString &sql, int fila)
+{
+    const int destino = fila <= 0 ? m_g.Filas() : std::min(fila, m_g.Filas());
+    // Rows are written at the end and moved into place in one step afterwards, so that a
+    // fill in the middle of a long grid does not shift the rows below once per row.
+    const int inicio = m_g.Filas();
+    auto rs = conexion.Abrir(sql);
+    LlenarParte(*rs, 0);
+    rs->Cerrar();
 
     const int agregadas = m_g.Filas() - inicio;
     if (agregadas > 0 && destino < inicio) {

@@ -129,6 +129,11 @@ public:
     // Throws ErrorBaseDatos; the rows written until then stay. Answers the first row filled,
     // -1 when the result was empty.
     int LlenarGrilla(Conexion &conexion, const QString &sql, int fila);
+    // Adds at the end of the grid the entries of the rows rs has left, each put in order and
+    // finished as a fill does, at most asientos of them (0: all); the first row of the next
+    // entry is left unread. Answers whether rows are left. A long read is written out this
+    // way part by part, without the whole of it in memory.
+    bool LlenarParte(Recordset &rs, int asientos);
 
     // Balance and order of the current entry.
     void CierreAsiento(bool &bDebeMenor, Importe &cDiferenciaMC, Importe &cDiferenciaME, bool &bCierra);

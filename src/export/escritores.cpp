@@ -21,6 +21,7 @@
 #include <sys/stat.h>
 #include <map>
 #include <tuple>
+#include <utility>
 
 namespace {
 
@@ -102,18 +103,20 @@ QString CampoCSV(const QString &texto)
 
 std::optional<Fallo> EscribirHTML(const FuenteDeGrilla &g, const QString &ruta, const QString &titulo,
                                     const QString &empresa, const QString &edicion, const QString &formatoFecha,
-                                    const QDateTime &ahora)
+                                    const QDateTime &ahora, const SiguienteParte &siguiente)
 {
     QSaveFile archivo(ruta);
     if (!archivo.open(QIODevice::WriteOnly))
         return noSeEscribio(archivo.errorString());
     // A byte-order mark tells a browser the page is UTF-8, so accents show right.
     bool escrito = archivo.write("\xEF\xBB\xBF", 3) == 3;
-    modGridHTML::GridHTMLEnPartes(g, titulo, empresa, edicion, formatoFecha, ahora,
-                                  [&](const QString &parte) {
-                                      const QByteArray datos = parte.toUtf8();
-                                      escrito = escrito && archivo.write(datos) == datos.size();
-                                  });
+    modGridHTML::GridHTMLEnPartes(
+        g, titulo, empresa, edicion, formatoFecha, ahora,
+        [&](const QString &parte) {
+            const QByteArray datos = parte.toUtf8();
+            escrito = escrito && archivo.write(datos) == datos.size();
+        },
+        siguiente);
     if (!escrito) {
         archivo.cancelWriting();
         return noSeEscribio(QStringLiteral("no se pudo escribir (¿disco lleno?)"));
@@ -123,7 +126,8 @@ std::optional<Fallo> EscribirHTML(const FuenteDeGrilla &g, const QString &ruta, 
     return std::nullopt;
 }
 
-std::optional<Fallo> EscribirCSV(const FuenteDeGrilla &g, const QString &ruta, const AvanceExportacion &avance)
+std::optional<Fallo> EscribirCSV(const FuenteDeGrilla &g, const QString &ruta, const AvanceExportacion &avance,
+                                 const SiguienteParte &siguiente)
 {
     QSaveFile archivo(ruta);
     if (!archivo.open(QIODevice::WriteOnly))
@@ -134,9 +138,12 @@ std::optional<Fallo> EscribirCSV(const FuenteDeGrilla &g, const QString &ruta, c
     bloque.reserve(1 << 20);
     // A byte-order mark tells a spreadsheet the text is UTF-8, so accents open right.
     bloque += "\xEF\xBB\xBF";
-    for (int r = 0; r < g.Filas(); ++r) {
+    const int total = siguiente ? 0 : g.Filas();
+    int hechas = 0;
+    bool escrito = true;
+    const int filas = RecorrerFilas(g, siguiente, [&](int r) {
         if (!FilaVisible(g, r))
-            continue;
+            return true;
         registro.clear();
         for (size_t i = 0; i < columnas.size(); ++i) {
             if (i > 0)
@@ -146,19 +153,19 @@ std::optional<Fallo> EscribirCSV(const FuenteDeGrilla &g, const QString &ruta, c
         registro += QLatin1String("\r\n");
         bloque += registro.toUtf8();
         if (bloque.size() >= (1 << 20)) {
-            if (archivo.write(bloque) != bloque.size())
-                return noSeEscribio(QStringLiteral("no se pudo escribir (¿disco lleno?)"));
+            escrito = archivo.write(bloque) == bloque.size();
             bloque.clear();
         }
-        if (avance && r % kFilasPorAvance == 0)
-            avance(r, g.Filas());
-    }
-    if (archivo.write(bloque) != bloque.size())
+        if (avance && ++hechas % kFilasPorAvance == 0)
+            avance(hechas, total);
+        return escrito;
+    });
+    if (!escrito || archivo.write(bloque) != bloque.size())
         return noSeEscribio(QStringLiteral("no se pudo escribir (¿disco lleno?)"));
     if (!archivo.commit())
         return noSeEscribio(archivo.errorString());
     if (avance)
-        avance(g.Filas(), g.Filas());
+        avance(filas, filas);
     return std::nullopt;
 }
 
@@ -269,7 +276,7 @@ private:
 } // namespace
 
 std::optional<Fallo> EscribirLibro(const FuenteDeGrilla &g, const QString &ruta, const QString &formatoFecha,
-                                     const AvanceExportacion &avance)
+                                     const AvanceExportacion &avance, const SiguienteParte &siguiente)
 {
     // The workbook is written under a temporary name in the same folder and renamed.
     const QFileInfo destino(ruta);
@@ -288,6 +295,17 @@ std::optional<Fallo> EscribirLibro(const FuenteDeGrilla &g, const QString &ruta,
     lxw_workbook *libro = workbook_new_opt(rutaProvisoria.constData(), &opciones);
     if (!libro)
         return noSeEscribio(QStringLiteral("no se pudo crear el libro"));
+    // A part that cannot be read ends the export by an exception: the workbook is let go and
+    // its temporary file removed with the one it was written under.
+    struct Cierre
+    {
+        lxw_workbook *&libro;
+        ~Cierre()
+        {
+            if (libro)
+                workbook_close(libro);
+        }
+    } cierre{libro};
     lxw_worksheet *hoja = workbook_add_worksheet(libro, "Asientos");
     FormatosLibro formatos(libro, FormatoFechaLibro(formatoFecha));
 
@@ -300,9 +318,11 @@ std::optional<Fallo> EscribirLibro(const FuenteDeGrilla &g, const QString &ruta,
 
     lxw_error error = LXW_NO_ERROR;
     lxw_row_t filaLibro = 0;
-    for (int r = 0; r < g.Filas() && error == LXW_NO_ERROR; ++r) {
+    const int total = siguiente ? 0 : g.Filas();
+    int hechas = 0;
+    const int filas = RecorrerFilas(g, siguiente, [&](int r) {
         if (!FilaVisible(g, r))
-            continue;
+            return true;
         const bool fija = r < g.FilasFijas();
         const quint32 fondo = fija ? g.ColorFondoFijo() : g.ColorFondo(r, 0);
         for (size_t i = 0; i < columnas.size() && error == LXW_NO_ERROR; ++i) {
@@ -332,12 +352,13 @@ std::optional<Fallo> EscribirLibro(const FuenteDeGrilla &g, const QString &ruta,
             }
         }
         ++filaLibro;
-        if (avance && r % kFilasPorAvance == 0)
-            avance(r, g.Filas());
-    }
-    const lxw_error cierre = workbook_close(libro);
+        if (avance && ++hechas % kFilasPorAvance == 0)
+            avance(hechas, total);
+        return error == LXW_NO_ERROR;
+    });
+    const lxw_error alCerrar = workbook_close(std::exchange(libro, nullptr));
     if (error == LXW_NO_ERROR)
-        error = cierre;
+        error = alCerrar;
     if (error != LXW_NO_ERROR) {
         QFile::remove(QFile::decodeName(rutaProvisoria));
         return noSeEscribio(QString::fromUtf8(lxw_strerror(error)));
@@ -353,7 +374,7 @@ std::optional<Fallo> EscribirLibro(const FuenteDeGrilla &g, const QString &ruta,
     }
     provisorio.setAutoRemove(false);
     if (avance)
-        avance(g.Filas(), g.Filas());
+        avance(filas, filas);
     return std::nullopt;
 }
 

@@ -8,9 +8,10 @@
 #include <functional>
 #include <optional>
 
-class FuenteDeGrilla;
+#include "fuentegrilla.h"
 
-// Told now and then how far a long export has gone (rows done of the total).
+// Told now and then how far a long export has gone: rows done of the total, a total of 0
+// when it is not known yet (an export written while it is read).
 using AvanceExportacion = std::function<void(int hechas, int total)>;
 
 // One grid cell as a file export writes it. An entry's header row, shown as one block on
@@ -34,16 +35,18 @@ namespace Escritores {
 // Comma-separated text, RFC 4180: the visible rows and columns, the caption row included,
 // fields with a comma, a quote or a line break quoted, quotes doubled, CRLF between
 // records, UTF-8.
-std::optional<Fallo> EscribirCSV(const FuenteDeGrilla &g, const QString &ruta, const AvanceExportacion &avance = {});
+// siguiente, when given, puts the next part of the export in the grid (RecorrerFilas).
+std::optional<Fallo> EscribirCSV(const FuenteDeGrilla &g, const QString &ruta, const AvanceExportacion &avance = {},
+                                 const SiguienteParte &siguiente = {});
 // An Office Open XML workbook of the same cells: amounts as numbers with their mask,
 // header dates as dates in the user's date format (suite notation), colours kept.
 std::optional<Fallo> EscribirLibro(const FuenteDeGrilla &g, const QString &ruta, const QString &formatoFecha,
-                                   const AvanceExportacion &avance = {});
+                                   const AvanceExportacion &avance = {}, const SiguienteParte &siguiente = {});
 // The grid as an HTML page (modGridHTML), written as it is made; ahora is the moment its
 // footer shows.
 std::optional<Fallo> EscribirHTML(const FuenteDeGrilla &g, const QString &ruta, const QString &titulo,
                                     const QString &empresa, const QString &edicion, const QString &formatoFecha,
-                                    const QDateTime &ahora);
+                                    const QDateTime &ahora, const SiguienteParte &siguiente = {});
 
 // A field quoted as RFC 4180 asks when it must be.
 QString CampoCSV(const QString &texto);

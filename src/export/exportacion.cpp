@@ -91,21 +91,25 @@ QString ExportacionGrilla::ElegirArchivo(int formato, const QString &nombre, con
 }
 
 std::optional<Fallo> ExportacionGrilla::Escribir(int formato, const GrillaEnPantalla &g, const QString &ruta,
-                                                 const EntornoExportacion &entorno, const std::function<void(int, int)> &avance)
+                                                 const EntornoExportacion &entorno, const std::function<void(int, int)> &avance,
+                                                 const std::function<bool()> &siguiente)
 {
-    const GrillaEnSalida salida(*g.grilla);
+    // A grid written part by part holds data rows only; the screen's ends with the new-entry row.
+    std::optional<GrillaEnSalida> salida;
+    if (!siguiente)
+        salida.emplace(*g.grilla);
     const FuenteDeGrilla fuente(*g.grilla, g.puntosPorPulgada, g.anchoControlTwips);
     std::optional<Fallo> fallo;
     switch (formato) {
     case Libro:
-        fallo = Escritores::EscribirLibro(fuente, ruta, entorno.formatoFecha, avance);
+        fallo = Escritores::EscribirLibro(fuente, ruta, entorno.formatoFecha, avance, siguiente);
         break;
     case CSV:
-        fallo = Escritores::EscribirCSV(fuente, ruta, avance);
+        fallo = Escritores::EscribirCSV(fuente, ruta, avance, siguiente);
         break;
     default:
         fallo = Escritores::EscribirHTML(fuente, ruta, g.titulo, entorno.empresa, entorno.edicion, entorno.formatoFecha,
-                                         entorno.reloj->Ahora());
+                                         entorno.reloj->Ahora(), siguiente);
         break;
     }
     if (fallo)

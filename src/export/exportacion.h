@@ -72,9 +72,11 @@ public:
     static QString FiltroQt(const QString &filtro);
 
     // Writes the grid in the format to the path; on failure, text 1938 with the path and
-    // the reason.
+    // the reason. siguiente, when given, puts the next part of a long export in the grid
+    // once its rows are written, and answers false when there is none.
     static std::optional<Fallo> Escribir(int formato, const GrillaEnPantalla &g, const QString &ruta,
-                                         const EntornoExportacion &entorno, const std::function<void(int, int)> &avance = {});
+                                         const EntornoExportacion &entorno, const std::function<void(int, int)> &avance = {},
+                                         const std::function<bool()> &siguiente = {});
 
 private:
     void Exportar(int formato, const GrillaEnPantalla &g);

@@ -5,6 +5,7 @@
 #include <QHash>
 #include <QString>
 
+#include <functional>
 #include <memory>
 
 class Grilla;
@@ -57,6 +58,26 @@ public:
     virtual int AnchoControl() const = 0;              // twips
     virtual double TwipsPorPixel() const = 0;
 };
+
+// Asked for the next part of a long export once the rows of the grid are written: it puts
+// the next rows in the grid below the fixed ones and answers whether it put any.
+using SiguienteParte = std::function<bool()>;
+
+// Calls fila(r) for every row of the grid and, when siguiente is given, for the rows of each
+// part it puts in the grid afterwards (the fixed rows go once, first); stops early when fila
+// answers false. Answers the number of rows visited.
+template <typename Fila>
+int RecorrerFilas(const FuenteGrilla &g, const SiguienteParte &siguiente, Fila &&fila)
+{
+    int vistas = 0;
+    for (int r = 0;; r = g.FilasFijas()) {
+        for (; r < g.Filas(); ++r, ++vistas)
+            if (!fila(r))
+                return vistas;
+        if (!siguiente || !siguiente())
+            return vistas;
+    }
+}
 
 // Colour values as a grid view stores them.
 namespace ColorVista {

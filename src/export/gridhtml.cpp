@@ -55,16 +55,17 @@ QString Alineacion(const FuenteGrilla &g, int columna, const QString &texto)
 
 constexpr qsizetype kParte = 1 << 19;
 
-void TablaDatos(const FuenteGrilla &g, double w, QString &html, const std::function<void(const QString &)> &parte)
+void TablaDatos(const FuenteGrilla &g, double w, QString &html, const std::function<void(const QString &)> &parte,
+                const SiguienteParte &siguiente)
 {
     const QString ancho = QString::number(qint64(w));
     html += QStringLiteral("<TABLE CELLSPACING=0 CELLPADDING=0 vALIGN=CENTER") + QStringLiteral(" WIDTH=") + ancho
             + QStringLiteral(">") + kCRLF;
     const int arbol = g.BarraArbol() ? g.ColumnaArbol() : -1;
     QString sangria; // the indent of the latest node row
-    for (int r = 0; r < g.Filas(); ++r) {
+    RecorrerFilas(g, siguiente, [&](int r) {
         if (g.AltoFila(r) == 0 || g.FilaOculta(r))
-            continue;
+            return true;
         if (arbol >= 0 && g.EsNodo(r)) {
             sangria.clear();
             for (int n = 0; n < g.NivelArbol(r); ++n)
@@ -142,7 +143,8 @@ void TablaDatos(const FuenteGrilla &g, double w, QString &html, const std::funct
             parte(html);
             html.clear();
         }
-    }
+        return true;
+    });
     html += QStringLiteral("</TABLE>") + kCRLF + kCRLF;
 }
 
@@ -188,7 +190,7 @@ bool EsNumero(const QString &texto)
 
 void GridHTMLEnPartes(const FuenteGrilla &grilla, const QString &tituloDado, const QString &empresaDada, const QString &edicion,
                       const QString &formatoFecha, const QDateTime &ahora,
-                      const std::function<void(const QString &)> &parte)
+                      const std::function<void(const QString &)> &parte, const SiguienteParte &siguiente)
 {
     const double w = AnchoTabla(grilla);
     const QString ancho = QString::number(qint64(w));
@@ -214,7 +216,7 @@ void GridHTMLEnPartes(const FuenteGrilla &grilla, const QString &tituloDado, con
             + titulo + QStringLiteral("</span></td>")
             + QStringLiteral("<td align=\"right\" width=\"40%\" class=\"stTbTitleMargin\"><span class=\"stTitle\">")
             + empresa + QStringLiteral("</span></td></tr>") + kCRLF + QStringLiteral("</table><br>") + kCRLF;
-    TablaDatos(grilla, w, html, parte);
+    TablaDatos(grilla, w, html, parte, siguiente);
     html += kCRLF + QStringLiteral("<br>") + QStringLiteral("<table width=\"") + ancho
             + QStringLiteral("\" border=\"0\" cellpadding=\"0\" cellspacing=\"0\" class=\"stTableF\">") + kCRLF
             + QStringLiteral("<tr><td><span class=stTitle>")

@@ -91,6 +91,33 @@ TEST_P(ExportarDesdeLinea, UnaCuentaConProyectosSeEncuentraEntera)
     EXPECT_EQ(cabezales(LeerArchivoExportado("csv", ruta("sueldos.csv"))), rs->Campo(0).toInt());
 }
 
+// Written a few entries at a time, as a long export is, each file is the one written at once.
+TEST_P(ExportarDesdeLinea, PorPartesSaleLoMismoQueDeUnaVez)
+{
+    QTextStream errores(stderr);
+    auto exportar = [&](const char *nombre, int porParte) {
+        PedidoExportacion p;
+        p.archivo = ruta(nombre);
+        p.mes = BaseDePrueba::Hoy();
+        p.asientosPorParte = porParte;
+        EXPECT_EQ(::ExportarDesdeLinea(p, m_base.conexion(), 1, [](int n) { return QString::number(n); }, errores), 0) << nombre;
+        QFile f(p.archivo);
+        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+    };
+    for (const char *extension : {"csv", "htm"}) {
+        const QByteArray entero = exportar(QStringLiteral("entero.%1").arg(QLatin1String(extension)).toUtf8().constData(), 0);
+        EXPECT_GT(entero.count('\n'), 20) << extension;
+        for (int porParte : {1, 3})
+            EXPECT_EQ(exportar(QStringLiteral("partes%1.%2").arg(porParte).arg(QLatin1String(extension)).toUtf8().constData(),
+                               porParte),
+                      entero)
+                << extension << " " << porParte;
+    }
+    exportar("entero.xlsx", 0);
+    exportar("partes.xlsx", 2);
+    EXPECT_EQ(LeerArchivoExportado("xlsx", ruta("partes.xlsx")), LeerArchivoExportado("xlsx", ruta("entero.xlsx")));
+}
+
 // A search between two dates for an account, to a workbook, a PDF and a page: the entries of
 // those dates with the account, amounts with the currency's mask; the page's footer names the
 // edition, as the window's export does.
