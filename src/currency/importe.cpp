@@ -109,6 +109,31 @@ Importe Importe::RedondeadoA(int decimales) const
     return DesdeDiezmilesimos(m_n < 0 ? -r : r);
 }
 
+QString Importe::aTexto(int decimales) const
+{
+    if (decimales < 0 || decimales > 4)
+        return RedondearDecimal(aTexto(), decimales);
+    qint64 factor = 1;
+    for (int i = decimales; i < 4; ++i)
+        factor *= 10;
+    const quint64 magnitud = m_n < 0 ? 0 - quint64(m_n) : quint64(m_n);
+    quint64 resto = (magnitud + quint64(factor / 2)) / quint64(factor);
+    const bool cero = resto == 0;
+    char16_t texto[32];
+    int n = 32;
+    for (int i = 0; i < decimales; ++i, resto /= 10)
+        texto[--n] = char16_t(u'0' + resto % 10);
+    if (decimales > 0)
+        texto[--n] = u'.';
+    do {
+        texto[--n] = char16_t(u'0' + resto % 10);
+        resto /= 10;
+    } while (resto > 0);
+    if (m_n < 0 && !cero)
+        texto[--n] = u'-';
+    return QString(reinterpret_cast<const QChar *>(texto + n), 32 - n);
+}
+
 QString Importe::aTexto() const
 {
     const qint64 a = m_n < 0 ? -m_n : m_n;

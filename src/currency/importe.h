@@ -32,6 +32,9 @@ public:
     qint64 diezmilesimos() const { return m_n; }
     double aDouble() const { return double(m_n) / kEscala; }
     QString aTexto() const; // "1234.5000"
+    // Rounded half away from zero to that many decimals: "1234.50" for 2; no sign on a zero.
+    // The same as RedondearDecimal(aTexto(), decimales), made without a text in between.
+    QString aTexto(int decimales) const;
 
     // Sums and differences past the range stay at its end instead of wrapping around to the
     // other sign; SumarComprobado tells when that would happen.

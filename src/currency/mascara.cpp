@@ -67,7 +67,7 @@ QString Mascara::FormatearNumero(Importe valor, const QLocale &locale) const
 {
     if (!m_valida)
         return FormatearNumero(valor.aDouble(), locale);
-    return formatearDigitos(RedondearDecimal(valor.aTexto(), m_decimalesMax), locale);
+    return formatearDigitos(valor.aTexto(m_decimalesMax), locale);
 }
 
 QString Mascara::formatearDigitos(QString digitos, const QLocale &locale) const

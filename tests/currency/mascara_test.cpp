@@ -126,6 +126,11 @@ TEST(Mascaras, UnImporteSeImprimeYRedondeaDesdeSusDigitos)
     } casos[] = {{2.675, "#,##0.00", 2.68_imp},  {2.674951, "#,##0.00", 2.67_imp}, {-2.675, "#,##0.00", -2.68_imp},
                           {1234.5, "#,##0", 1235_imp},   {0.123456, "", 0.1235_imp},      {0.123456, "#,##0.000000", 0.1235_imp},
                           {38.12345, "#.000", 38.123_imp}};
+    // Rounded straight from the fixed-point value, as from its digits.
+    for (const Importe v : {Importe(), 0.0001_imp, -0.0001_imp, 0.005_imp, -0.005_imp, 0.0049_imp, 9.9995_imp, -9.9995_imp,
+                            123456.7891_imp, -0.5_imp, Importe::Maximo(), -Importe::Maximo()})
+        for (int decimales = 0; decimales <= 6; ++decimales)
+            EXPECT_EQ(v.aTexto(decimales), RedondearDecimal(v.aTexto(), decimales)) << v.aTexto().toStdString() << " " << decimales;
     for (const auto &c : casos) {
         EXPECT_EQ(ImporteConMascara(c.valor, QString::fromLatin1(c.mascara)), c.esperado) << c.valor << " " << c.mascara;
         // An amount already has four decimals at most; it rounds the same when it is the value.
