@@ -173,10 +173,6 @@ int ExportarDesdeLinea(const PedidoExportacion &pedido, Conexion &conexion, qint
     const QDate primerDia = pedido.mes.isValid() ? QDate(pedido.mes.year(), pedido.mes.month(), 1) : QDate();
     const int formato = pedido.Formato();
     int cuantos = 0;
-    auto contar = [&] {
-        for (int r = grilla.FilasFijas(); r < grilla.Filas(); ++r)
-            cuantos += EsFilaCabezal(grilla, r) ? 1 : 0;
-    };
     QElapsedTimer reloj;
     reloj.start();
     auto avance = [&](int hechas, int total) {
@@ -189,7 +185,8 @@ int ExportarDesdeLinea(const PedidoExportacion &pedido, Conexion &conexion, qint
         // Pages are laid out from the whole grid.
         if (const auto f = CargarAsientos(asientos, conexion, vista, sql, conexion.reloj().Hoy(), primerDia))
             return fallar(texto(f->numeroTexto) + QStringLiteral(" ") + f->detalle);
-        contar();
+        for (int r = grilla.FilasFijas(); r < grilla.Filas(); ++r)
+            cuantos += EsFilaCabezal(grilla, r) ? 1 : 0;
         // Laid out as the print command does it, written beside the final name and renamed.
         QSaveFile archivo(pedido.archivo);
         if (!archivo.open(QIODevice::WriteOnly))
@@ -215,10 +212,9 @@ int ExportarDesdeLinea(const PedidoExportacion &pedido, Conexion &conexion, qint
         std::unique_ptr<Recordset> rs;
         auto siguiente = [&]() -> bool {
             grilla.FijarFilas(grilla.FilasFijas());
-            if (!rs->Fin())
-                asientos.LlenarParte(*rs, pedido.asientosPorParte);
-            contar();
-            return grilla.Filas() > grilla.FilasFijas();
+            const int leidos = asientos.LlenarParte(*rs, pedido.asientosPorParte);
+            cuantos += leidos;
+            return leidos > 0;
         };
         EntornoExportacion entorno;
         entorno.texto = texto;
@@ -230,7 +226,6 @@ int ExportarDesdeLinea(const PedidoExportacion &pedido, Conexion &conexion, qint
         g.grilla = &grilla;
         g.titulo = texto(1001);
         try {
-            grilla.FijarRedibujar(false);
             rs = conexion.Abrir(vista == Vista::kPersonalizada ? sql
                                                                : SqlVista(vista, conexion.reloj().Hoy(), primerDia, ctx));
             siguiente();

@@ -6,6 +6,19 @@
 #include <cmath>
 #include <limits>
 
+namespace {
+
+// What one unit of the last of that many decimals is worth in ten-thousandths (0 to 4 decimals).
+qint64 Paso(int decimales)
+{
+    qint64 paso = 1;
+    for (int i = decimales; i < 4; ++i)
+        paso *= 10;
+    return paso;
+}
+
+} // namespace
+
 QString TextoDecimal(double valor)
 {
     return QLocale::c().toString(valor, 'f', QLocale::FloatingPointShortest);
@@ -96,9 +109,7 @@ Importe Importe::RedondeadoA(int decimales) const
 {
     if (decimales >= 4)
         return *this;
-    qint64 paso = 1;
-    for (int i = decimales; i < 4; ++i)
-        paso *= 10;
+    const qint64 paso = Paso(decimales);
     const qint64 a = m_n < 0 ? -m_n : m_n;
     qint64 cociente = a / paso;
     if (a % paso >= paso / 2) // halves away from zero
@@ -113,11 +124,9 @@ QString Importe::aTexto(int decimales) const
 {
     if (decimales < 0 || decimales > 4)
         return RedondearDecimal(aTexto(), decimales);
-    qint64 factor = 1;
-    for (int i = decimales; i < 4; ++i)
-        factor *= 10;
+    const quint64 paso = quint64(Paso(decimales));
     const quint64 magnitud = m_n < 0 ? 0 - quint64(m_n) : quint64(m_n);
-    quint64 resto = (magnitud + quint64(factor / 2)) / quint64(factor);
+    quint64 resto = (magnitud + paso / 2) / paso;
     const bool cero = resto == 0;
     char16_t texto[32];
     int n = 32;

@@ -417,7 +417,7 @@ struct Columnas
 
 } // namespace
 
-bool AsientosGrilla::LlenarParte(Recordset &rs, int asientos)
+int AsientosGrilla::LlenarParte(Recordset &rs, int asientos)
 {
     int r = m_g.Filas();
     bool hayAsiento = false;
@@ -504,7 +504,7 @@ bool AsientosGrilla::LlenarParte(Recordset &rs, int asientos)
     }
     if (hayAsiento)
         FormatoEntrada();
-    return !rs.Fin();
+    return leidos;
 }
 
 int AsientosGrilla::LlenarGrilla(Conexion &conexion, const QString &sql, int fila)

@@ -131,9 +131,9 @@ public:
     int LlenarGrilla(Conexion &conexion, const QString &sql, int fila);
     // Adds at the end of the grid the entries of the rows rs has left, each put in order and
     // finished as a fill does, at most asientos of them (0: all); the first row of the next
-    // entry is left unread. Answers whether rows are left. A long read is written out this
-    // way part by part, without the whole of it in memory.
-    bool LlenarParte(Recordset &rs, int asientos);
+    // entry is left unread. Answers how many entries it added. A long read is written out
+    // this way part by part, without the whole of it in memory.
+    int LlenarParte(Recordset &rs, int asientos);
 
     // Balance and order of the current entry.
     void CierreAsiento(bool &bDebeMenor, Importe &cDiferenciaMC, Importe &cDiferenciaME, bool &bCierra);

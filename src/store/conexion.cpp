@@ -55,14 +55,11 @@ double Recordset::NumeroEn(int indice) const
 qint64 Recordset::EnteroEn(int indice) const
 {
     const QVariant v = Campo(indice);
-    switch (v.typeId()) {
-    case QMetaType::LongLong:
+    if (v.typeId() == QMetaType::LongLong)
         return v.value<qlonglong>();
-    case QMetaType::Int:
+    if (v.typeId() == QMetaType::Int)
         return v.value<int>();
-    default:
-        return v.isNull() ? 0 : qRound64(NumeroEn(indice));
-    }
+    return qRound64(NumeroEn(indice));
 }
 
 QString Recordset::Texto(const QString &nombre) const

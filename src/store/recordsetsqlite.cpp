@@ -71,14 +71,11 @@ RecordsetSqlite::~RecordsetSqlite()
     Cerrar();
 }
 
-void RecordsetSqlite::fallar(int codigo) const
+void RecordsetSqlite::fallar(int codigo)
 {
     const int primario = codigo & 0xff;
     const QString texto = QString::fromUtf8(sqlite3_errmsg(m_base));
-    if (m_sentencia)
-        sqlite3_finalize(m_sentencia);
-    const_cast<RecordsetSqlite *>(this)->m_sentencia = nullptr;
-    const_cast<RecordsetSqlite *>(this)->m_fin = true;
+    Cerrar();
     if (primario == SQLITE_BUSY || primario == SQLITE_LOCKED)
         throw ErrorBaseDatos::Ocupada(m_esperaMs);
     throw ErrorBaseDatos(texto, primario);
@@ -159,14 +156,9 @@ double RecordsetSqlite::NumeroEn(int indice) const
 qint64 RecordsetSqlite::EnteroEn(int indice) const
 {
     comprobar(indice);
-    switch (sqlite3_column_type(m_sentencia, indice)) {
-    case SQLITE_INTEGER:
+    if (sqlite3_column_type(m_sentencia, indice) == SQLITE_INTEGER)
         return sqlite3_column_int64(m_sentencia, indice);
-    case SQLITE_NULL:
-        return 0;
-    default:
-        return Recordset::EnteroEn(indice);
-    }
+    return qRound64(NumeroEn(indice));
 }
 
 QVariant RecordsetSqlite::Campo(int indice) const

@@ -43,7 +43,7 @@ private:
     void avanzar();
     // Throws unless there is a current row with that column.
     void comprobar(int indice) const;
-    [[noreturn]] void fallar(int codigo) const;
+    [[noreturn]] void fallar(int codigo);
 
     sqlite3 *m_base;
     sqlite3_stmt *m_sentencia = nullptr;
