@@ -54,7 +54,7 @@ CeldaArchivo CeldaParaArchivo(const FuenteDeGrilla &g, int fila, int columna)
         case 0:
             celda.tipo = CeldaArchivo::Tipo::Fecha;
             celda.fecha = fecha;
-            celda.texto = g.grilla().celda(fila, 1).texto.section(QLatin1String("  "), 0, 0);
+            celda.texto = g.grilla().TextoGuardado(fila, 1).section(QLatin1String("  "), 0, 0);
             return celda;
         case 1:
             celda.texto = g.LeyendaCabezal(fila);
