@@ -275,6 +275,60 @@ QString AsientosGrilla::LeyendaDeFila(int fila) const
     return texto.section(QLatin1Char(' '), 1).trimmed();
 }
 
+QString AsientosGrilla::NombreEstado(qint16 estado) const
+{
+    if (!m_ctx.texto)
+        return {};
+    if (estado < 0 || estado == EstadoAsiento::kBorrador)
+        return m_ctx.texto(1005);
+    if (estado == EstadoAsiento::kRegistrado)
+        return m_ctx.texto(1006);
+    if (estado == EstadoAsiento::kInconcluso)
+        return m_ctx.texto(1008);
+    return {};
+}
+
+QString AsientosGrilla::TextoAccesible(int fila) const
+{
+    if (fila < m_g.FilasFijas() || fila >= m_g.Filas())
+        return {};
+    auto texto = [this](int n) { return m_ctx.texto ? m_ctx.texto(n).trimmed() : QString(); };
+    QStringList partes;
+    auto agregar = [&partes](const QString &t) {
+        if (!t.trimmed().isEmpty())
+            partes << t.trimmed();
+    };
+    if (EsFilaCabezal(fila)) {
+        agregar(FormatoFechaSuite(m_g.Dato(fila, 2).toDate(), QTime(0, 0), m_ctx.formatoFecha));
+        agregar(LeyendaDeFila(fila));
+        agregar(m_g.Texto(fila, 4));
+        agregar(NombreEstado(qint16(m_g.Dato(fila, 3).toInt())));
+        return partes.join(QStringLiteral(", "));
+    }
+    if (EsFilaNuevoAsiento(fila) || m_g.Dato(fila, 1).toString().isEmpty()) {
+        for (int c = 0; c < m_g.Columnas(); ++c)
+            agregar(m_g.Texto(fila, c));
+        return partes.join(QStringLiteral(", "));
+    }
+    // A line: its side by the column its amount is in, then its account and amounts.
+    const bool alDebe = !m_g.Valor(fila, 2).esCero() || m_g.Valor(fila, 3).esCero();
+    const qint16 moneda = qint16(CampoDeClave(m_g.Dato(fila, 1).toString(), 3));
+    auto simbolo = [this](qint16 m) {
+        return m_ctx.monedas ? m_ctx.monedas->DatoMoneda(m, 2).toString().trimmed() : QString();
+    };
+    const QString lado = texto(alDebe ? 1069 : 1070);
+    if (EsFilaDiferencia(fila))
+        agregar(texto(1180) + u' ' + lado);
+    else
+        agregar(lado + u' ' + m_g.Texto(fila, alDebe ? 0 : 1));
+    agregar(m_g.Texto(fila, alDebe ? 2 : 3) + u' ' + simbolo(m_ctx.monedaContabilidad));
+    if (!EsFilaDiferencia(fila) && moneda >= 1 && moneda != m_ctx.monedaContabilidad) {
+        agregar(texto(1063) + u' ' + m_g.Texto(fila, 4));
+        agregar(m_g.Texto(fila, 5) + u' ' + simbolo(moneda));
+    }
+    return partes.join(QStringLiteral(", "));
+}
+
 RegistroLinea AsientosGrilla::LineaDeFila(int fila) const
 {
     RegistroLinea l;

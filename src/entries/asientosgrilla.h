@@ -110,6 +110,12 @@ public:
     qint16 AutorizaDeFila(int fila) const;
     // The legend shown in a header row.
     QString LeyendaDeFila(int fila) const;
+    // A row in words, as a screen reader says it: a header row's date, legend, book and
+    // state; a line's side, account and amounts with their currencies; the difference row's
+    // side and amount. Empty for the caption row.
+    QString TextoAccesible(int fila) const;
+    // The catalogue text of an entry's state, as its picture shows it; empty for none.
+    QString NombreEstado(qint16 estado) const;
     void FijarLibroAutoriza(int fila, qint16 tipo, qint16 autoriza);
 
     // A header row has data in column 0 and none in column 1; a line row, even one whose

@@ -103,8 +103,12 @@ QVariant ModeloGrilla::data(const QModelIndex &indice, int rol) const
     const CeldaGrilla &c = m_g.celda(fila, col);
     switch (rol) {
     case Qt::DisplayRole:
-    case Qt::AccessibleTextRole:
         return m_g.Texto(fila, col);
+    case Qt::AccessibleTextRole: {
+        // Every cell of a row says the whole row: the reader follows the current row.
+        const QString deLaFila = m_textoAccesible ? m_textoAccesible(fila) : QString();
+        return deLaFila.isEmpty() ? m_g.Texto(fila, col) : deLaFila;
+    }
     case Qt::TextAlignmentRole:
         return QVariant::fromValue(c.alineacion ? Qt::Alignment::fromInt(c.alineacion) : m_g.AlineacionColumna(col));
     case Qt::ForegroundRole:

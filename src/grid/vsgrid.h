@@ -26,6 +26,8 @@ public:
     static QIcon IconoEstado(const QString &clave);
     // The tooltip of a cell (grid row and column); none when not set.
     void FijarAyuda(std::function<QString(int fila, int columna)> ayuda) { m_ayuda = std::move(ayuda); }
+    // What a screen reader says for a row (grid row); the cell's text when not set or empty.
+    void FijarTextoAccesible(std::function<QString(int fila)> texto) { m_textoAccesible = std::move(texto); }
 
     void AntesDeInsertar(int fila, int cantidad) override;
     void DespuesDeInsertar() override;
@@ -42,6 +44,7 @@ signals:
 private:
     Grilla &m_g;
     std::function<QString(int, int)> m_ayuda;
+    std::function<QString(int)> m_textoAccesible;
     int m_filas = 0;   // rows as the views know them; changes only inside begin/end pairs
 };
 

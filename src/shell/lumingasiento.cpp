@@ -154,7 +154,14 @@ void lumIngAsiento::crearControles()
         const int ultima = m_vsGrid->rowAt(m_vsGrid->viewport()->height() - 1);
         return std::pair{primera < 0 ? fijas : primera + fijas, ultima < 0 ? m_grilla.Filas() - 1 : ultima + fijas};
     });
-    m_vsGrid->modelo()->FijarAyuda([this](int fila, int columna) { return columna == 0 ? m_cambiosAjenos->Aviso(fila) : QString(); });
+    // The state picture's tooltip names the state, unless another user's change is to be told.
+    m_vsGrid->modelo()->FijarAyuda([this](int fila, int columna) {
+        if (columna != 0)
+            return QString();
+        const QString aviso = m_cambiosAjenos->Aviso(fila);
+        return !aviso.isEmpty() || !m_asientos.EsFilaCabezal(fila) ? aviso : m_asientos.NombreEstado(qint16(m_grilla.Dato(fila, 3).toInt()));
+    });
+    m_vsGrid->modelo()->FijarTextoAccesible([this](int fila) { return m_asientos.TextoAccesible(fila); });
     m_apertura->ayuda = [this] {
         if (m_entorno.host)
             m_entorno.host->Navegar(ComandoHost::kAyudaSaldosIniciales, QString());

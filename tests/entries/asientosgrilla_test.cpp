@@ -49,6 +49,27 @@ TEST_P(Llenado, CabezalesLineasYFilaDeDiferencia)
     EXPECT_EQ(d.asientos.EstadoDeFila(6), 0);
     EXPECT_EQ(d.asientos.FilaCabezalDe(6), 4);
     EXPECT_EQ(d.asientos.FilaCabezalDe(7), -1);
+
+    // A screen reader hears each row as a sighted user reads it.
+    QStringList dichas;
+    for (int r = 0; r < g.Filas(); ++r)
+        dichas << d.asientos.TextoAccesible(r);
+    EXPECT_EQ(dichas, (QStringList{QString(), QStringLiteral("01/02/26, Venta contado, Diario, #1006"), QStringLiteral("#1069 1.1.01 - Caja, 100,00 $"),
+                                   QStringLiteral("#1070 4.1.01 - Ventas, 100,00 $"), QStringLiteral("03/02/26, Cobro, Diario, #1005"),
+                                   QStringLiteral("#1069 1.1.02 - Banco U$S, 400,00 $, #1063 40,000, 10,00 U$S"),
+                                   QStringLiteral("#1070 4.1.01 - Ventas, 400,00 $"), QStringLiteral("Nuevo Asiento")}));
+}
+
+// The difference row of an entry that does not balance says its side and amount.
+TEST_P(Llenado, LaFilaDeDiferenciaSeDiceConSuLado)
+{
+    DatosAsientos d(GetParam());
+    const qint32 a = d.Asiento(QDate(2026, 2, 1), EstadoAsiento::kInconcluso, QStringLiteral("10:D:50,20:H:30"), QStringLiteral("Pendiente"));
+    ASSERT_FALSE(CargarAsientoEnGrilla(d.asientos, d.conexion(), a, 0));
+    d.asientos.TomarAsientoDeFila(1);
+    ASSERT_TRUE(d.asientos.FilaDiferencia(4, true));
+    EXPECT_EQ(d.asientos.TextoAccesible(1), QStringLiteral("01/02/26, Pendiente, Diario, #1008"));
+    EXPECT_EQ(d.asientos.TextoAccesible(4), QStringLiteral("#1180 #1070, 20,00 $"));
 }
 
 TEST_P(Llenado, CargarEncimaDelMarcadorNoAgregaOtroYMueveElBorde)
