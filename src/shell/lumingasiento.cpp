@@ -131,6 +131,16 @@ void lumIngAsiento::crearControles()
     principal->addWidget(m_panel);
     principal->addWidget(m_vsGrid, 1);
 
+    lbEstado = new QLabel(this);
+    lbEstado->setObjectName(QStringLiteral("lbEstado"));
+    lbEstado->setContentsMargins(8, 2, 8, 2);
+    lbEstado->setTextFormat(Qt::PlainText);
+    // Coalesces the grid's changes of one step into one update of the line.
+    tmEstado = new QTimer(this);
+    tmEstado->setSingleShot(true);
+    tmEstado->setInterval(0);
+    connect(tmEstado, &QTimer::timeout, this, &lumIngAsiento::ActualizarEstado);
+
     auto *todo = new QVBoxLayout(this);
     todo->setContentsMargins(0, 0, 0, 0);
     todo->setSpacing(0);
@@ -138,6 +148,7 @@ void lumIngAsiento::crearControles()
     todo->addWidget(lbTitle);
     todo->addWidget(picASI);
     todo->addWidget(picVBD, 1);
+    todo->addWidget(lbEstado);
 
     m_menus = std::make_unique<MenusDocumento>(this);
     m_comandos = std::make_unique<ComandosAsiento>(m_datos, m_asientos, *m_panel);
@@ -162,6 +173,14 @@ void lumIngAsiento::crearControles()
         return !aviso.isEmpty() || !m_asientos.EsFilaCabezal(fila) ? aviso : m_asientos.NombreEstado(qint16(m_grilla.Dato(fila, 3).toInt()));
     });
     m_vsGrid->modelo()->FijarTextoAccesible([this](int fila) { return m_asientos.TextoAccesible(fila); });
+    auto *modelo = m_vsGrid->modelo();
+    auto actualizar = [this] { tmEstado->start(); };
+    connect(modelo, &QAbstractItemModel::dataChanged, this, actualizar);
+    connect(modelo, &QAbstractItemModel::rowsInserted, this, actualizar);
+    connect(modelo, &QAbstractItemModel::rowsRemoved, this, actualizar);
+    connect(modelo, &QAbstractItemModel::rowsMoved, this, actualizar);
+    connect(modelo, &QAbstractItemModel::modelReset, this, actualizar);
+    connect(m_vsGrid, &vsGrid::FilaActualCambiada, this, actualizar);
     m_apertura->ayuda = [this] {
         if (m_entorno.host)
             m_entorno.host->Navegar(ComandoHost::kAyudaSaldosIniciales, QString());
@@ -412,6 +431,23 @@ void lumIngAsiento::GetFechaAsientoApertura()
                                                       proceso().IDEmpresa, m_datos.reloj().Hoy(),
                                                       m_datos.fechaAsientoApertura))
         m_datos.MostrarFallo(*fallo);
+}
+
+void lumIngAsiento::ActualizarEstado()
+{
+    const int fila = FilaEdicion() > 0 ? FilaEdicion() : m_vsGrid->FilaActual();
+    const int cabezal = m_asientos.FilaCabezalDe(fila);
+    QString texto;
+    if (cabezal >= 0) {
+        // What changed first: the difference while there is one, then the header with its state.
+        const int ultima = m_asientos.UltimaFilaAsiento(cabezal);
+        texto = m_asientos.TextoAccesible(cabezal);
+        if (m_asientos.EsFilaDiferencia(ultima))
+            texto = m_asientos.TextoAccesible(ultima) + QStringLiteral("; ") + texto;
+    }
+    // The same text again says nothing new to a screen reader.
+    if (texto != lbEstado->text())
+        lbEstado->setText(texto);
 }
 
 void lumIngAsiento::BuscarPermisos(const QString &modulo, qint32 idEmpresa)

@@ -215,6 +215,12 @@ private:
     lumHiperLink *hlFind = nullptr;
     lumHiperLink *hlCargar = nullptr;
     QLabel *lbTitle = nullptr;
+    // The status line: the current entry's difference while it does not balance, and its
+    // header in words with its state, so a screen reader hears each line's effect and each
+    // save's outcome.
+    QLabel *lbEstado = nullptr;
+    QTimer *tmEstado = nullptr;
+    void ActualizarEstado();
     QFrame *picASI = nullptr;  // the banner shown while there is no opening-balance entry
     QLabel *lMsgASI1 = nullptr;
     QTimer *tmShowASI = nullptr;

@@ -4,6 +4,8 @@
 
 #include "editing/sesionedicion.h"
 
+#include <QLabel>
+
 namespace {
 
 using Respuesta = ServicioMensajes::Respuesta;
@@ -33,6 +35,24 @@ protected:
         return ids(QStringLiteral("AsiLeyenda = '%1'").arg(leyenda)).size();
     }
 };
+
+// The status line, which a screen reader follows, says the difference once a line is taken,
+// and the entry's state once it is stored.
+TEST_P(SalidaEdicion, LaLineaDeEstadoDiceLaDiferenciaYComoQuedo)
+{
+    auto *estado = m_doc->findChild<QLabel *>(QStringLiteral("lbEstado"));
+    ASSERT_NE(estado, nullptr);
+    lineaSinAceptar(QStringLiteral("500"));
+    aceptarLinea();
+    QApplication::processEvents();
+    EXPECT_TRUE(estado->text().startsWith(QStringLiteral("Diferencia Haber, 500,00 $; "))) << estado->text().toStdString();
+    const QString mientras = estado->text();
+    escape(editor()->campoCuenta(true));
+    QApplication::processEvents();
+    ASSERT_EQ(guardados(QStringLiteral("Escrito y no aceptado")), 1);
+    EXPECT_TRUE(estado->text().endsWith(QStringLiteral("Escrito y no aceptado, Diario, Asiento Incompleto"))) << estado->text().toStdString();
+    EXPECT_NE(estado->text(), mientras);
+}
 
 // Ctrl+N, a view, the search, closing: each asks first. Cancel goes back with the line as
 // typed; Yes stores it (incomplete: it does not balance); No drops it.
