@@ -103,11 +103,18 @@ int ExportarSinVentana(const OpcionesHost &o, const QString &baseDatos, const QS
         catalogo->resLoad(numero, t);
         return t;
     };
+    // Opening the program's database refuses by throwing, and on the command line nothing else answers.
     try {
         auto conexion = AbrirBaseDelPrograma(baseDatos);
         // The command line admits whom the window admits: no file for anyone else.
         ServicioPermisos permisos(*conexion, o.usuario);
-        if (!PuedeEntrar(permisos.Permisos(QString(), kModuloAsientos, o.empresa).trimmed())) {
+        const auto letras = permisos.Permisos(QString(), kModuloAsientos, o.empresa);
+        if (!letras) {
+            errores << QStringLiteral("No se pudo abrir la base de datos: ") << letras.fallo().detalle << Qt::endl;
+            conexion->Cerrar();
+            return 1;
+        }
+        if (!PuedeEntrar(letras->trimmed())) {
             errores << QStringLiteral("Acceso denegado: el usuario %1 no puede ver los asientos de la empresa %2.").arg(o.usuario).arg(o.empresa)
                     << Qt::endl;
             conexion->Cerrar();

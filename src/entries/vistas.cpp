@@ -121,14 +121,16 @@ QVector<MesDelMenu> MesesDelMenu(const QDate &hoy, const QDate &menorCierre, con
     return meses;
 }
 
-QDate MenorFechaCierre(Conexion &conexion)
+Resultado<QDate> MenorFechaCierre(Conexion &conexion)
 {
-    auto rs = conexion.Abrir(QStringLiteral("Select Min(CueFechaCerrada) From cceCuentas"));
-    QDate d;
-    if (!rs->Fin())
-        d = FechaDeValor(rs->Campo(0));
-    rs->Cerrar();
-    return d;
+    return Intentar([&] {
+        auto rs = conexion.Abrir(QStringLiteral("Select Min(CueFechaCerrada) From cceCuentas"));
+        QDate d;
+        if (!rs->Fin())
+            d = FechaDeValor(rs->Campo(0));
+        rs->Cerrar();
+        return d;
+    });
 }
 
 std::optional<Fallo> CargarAsientoEnGrilla(AsientosGrilla &a, Conexion &conexion, qint32 id, int fila,

@@ -45,7 +45,8 @@ struct MesDelMenu
 QVector<MesDelMenu> MesesDelMenu(const QDate &hoy, const QDate &menorCierre,
                                  const std::function<QString(int)> &texto, const QLocale &locale = QLocale());
 // "Select Min(CueFechaCerrada) From cceCuentas": the earliest closing date, invalid when none.
-QDate MenorFechaCierre(Conexion &conexion);
+// A failure of the database carries text 0.
+Resultado<QDate> MenorFechaCierre(Conexion &conexion);
 
 // Loads one entry (or a list) before row fila (0: at the end). On a database error: 1916.
 std::optional<Fallo> CargarAsientoEnGrilla(AsientosGrilla &a, Conexion &conexion, qint32 id, int fila,
