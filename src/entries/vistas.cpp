@@ -194,3 +194,23 @@ void ReducirARecienIngresados(AsientosGrilla &a)
     g.QuitarFilasMarcadas(quitar);
     a.ResetCabezal();
 }
+
+LecturaPorPartes::LecturaPorPartes(AsientosGrilla &asientos, Conexion &conexion)
+    : m_asientos(asientos)
+    , m_conexion(conexion)
+{
+}
+
+std::optional<Fallo> LecturaPorPartes::Empezar(const QString &sql)
+{
+    return Intentar([&] { m_rs = m_conexion.Abrir(sql); });
+}
+
+Resultado<int> LecturaPorPartes::Siguiente(int asientos)
+{
+    return Intentar([&] {
+        Grilla &grilla = m_asientos.grilla();
+        grilla.FijarFilas(grilla.FilasFijas());
+        return m_asientos.LlenarParte(*m_rs, asientos);
+    });
+}

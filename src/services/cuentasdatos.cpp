@@ -61,4 +61,15 @@ Resultado<std::optional<Ficha>> LeerImputable(Conexion &conexion, qint32 id)
     });
 }
 
+Resultado<qint32> IdPorCodigo(Conexion &conexion, qint32 empresa, const QString &codigo)
+{
+    return Intentar([&]() -> qint32 {
+        auto rs = conexion.Abrir(QStringLiteral("Select CueID, CueEsCarpeta From cceCuentas Where CueIDEmpresa = ? And CueCodigo = ?"),
+                                 {empresa, codigo});
+        if (rs->Fin())
+            return 0;
+        return rs->Campo(1).toInt() != 0 ? -1 : rs->Campo(0).toInt();
+    });
+}
+
 } // namespace CuentasDatos

@@ -42,4 +42,8 @@ Resultado<std::optional<Ficha>> Leer(Conexion &conexion, qint32 id);
 // account or it is a folder.
 Resultado<std::optional<Ficha>> LeerImputable(Conexion &conexion, qint32 id);
 
+// The company's account with that code: its id, 0 when there is none, -1 when it is a folder
+// of other accounts (which carries no lines).
+Resultado<qint32> IdPorCodigo(Conexion &conexion, qint32 empresa, const QString &codigo);
+
 } // namespace CuentasDatos
