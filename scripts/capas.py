@@ -2,8 +2,8 @@
 """Checks that each library under src/ includes only itself and the libraries it links,
 directly or through them, so a lower library never includes a higher one, and that the
 libraries of the entry logic link no widgets, neither directly nor through another, and that
-only the data layer talks to the database: a library above it never names ErrorBaseDatos nor
-opens, executes or inserts through a connection. Prints each offence and ends with status 1
+only the data layer talks to the database: a library above it, or the program in app/, never
+names ErrorBaseDatos nor opens, executes or inserts through a connection. Prints each offence and ends with status 1
 when there is one."""
 import pathlib
 import re
@@ -56,5 +56,10 @@ for b in sorted(bibliotecas):
             codigo = linea.split("//", 1)[0]
             if b not in capa_de_datos and sql_directo.search(codigo):
                 fallas.append(f"{archivo.relative_to(raiz)}:{n}: {b} habla con la base sin pasar por la capa de datos")
+# The program itself is above the data layer too.
+for archivo in sorted((raiz / "app").glob("*.[ch]*")):
+    for n, linea in enumerate(archivo.read_text(encoding="utf-8").splitlines(), 1):
+        if sql_directo.search(linea.split("//", 1)[0]):
+            fallas.append(f"{archivo.relative_to(raiz)}:{n}: el programa habla con la base sin pasar por la capa de datos")
 print("\n".join(fallas) if fallas else f"{len(bibliotecas)} bibliotecas, cada una incluye solo lo que enlaza; solo la capa de datos habla con la base")
 sys.exit(1 if fallas else 0)
