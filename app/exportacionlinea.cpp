@@ -9,6 +9,7 @@
 #include "editing/sesion.h"
 #include "entries/vistas.h"
 #include "search/consultabusqueda.h"
+#include "services/cuentasdatos.h"
 #include "store/conexion.h"
 #include "store/fallo.h"
 
@@ -56,17 +57,6 @@ private:
     QString m_titulo;
     bool m_ok = false;
 };
-
-// The account with that code: its id, 0 when there is none, -1 when it is a folder of
-// other accounts (which carries no lines).
-qint32 IdDeCuenta(Conexion &conexion, qint32 empresa, const QString &codigo)
-{
-    auto rs = conexion.Abrir(QStringLiteral("Select CueID, CueEsCarpeta From cceCuentas Where CueIDEmpresa = ? And CueCodigo = ?"),
-                             {empresa, codigo});
-    if (rs->Fin())
-        return 0;
-    return rs->Campo(1).toInt() != 0 ? -1 : rs->Campo(0).toInt();
-}
 
 } // namespace
 
@@ -131,41 +121,40 @@ int ExportarDesdeLinea(const PedidoExportacion &pedido, Conexion &conexion, qint
     AsientosGrilla asientos(grilla, ctx);
     QString sql;
     int vista = pedido.vista;
-    try {
-        if (const auto f = monedas.CargarMonedas(conexion))
-            return fallar(texto(f->numeroTexto) + QStringLiteral(" ") + f->detalle);
-        monedas.FijarMonedaContabilidad(config.monedaContabilidad);
-        ctx.monedas = &monedas;
-        ctx.monedaContabilidad = config.monedaContabilidad;
-        ctx.mostrarCodigoCta = config.mostrarCodigoCta;
-        ctx.formatoFecha = pedido.formatoFecha;
-        ctx.texto = texto;
-        ctx.empresa = empresa;
-        ctx.delimitadorFecha = parametros.delimitadorFecha;
-        ctx.patronFecha = parametros.formatoFecha;
-        PrepararGrillaAsientos(grilla, texto(1060));
-        const QString mascara = monedas.DatoMoneda(0, 4).toString();
-        grilla.FijarFormatoColumna(2, mascara);
-        grilla.FijarFormatoColumna(3, mascara);
+    if (const auto f = monedas.CargarMonedas(conexion))
+        return fallar(texto(f->numeroTexto) + QStringLiteral(" ") + f->detalle);
+    monedas.FijarMonedaContabilidad(config.monedaContabilidad);
+    ctx.monedas = &monedas;
+    ctx.monedaContabilidad = config.monedaContabilidad;
+    ctx.mostrarCodigoCta = config.mostrarCodigoCta;
+    ctx.formatoFecha = pedido.formatoFecha;
+    ctx.texto = texto;
+    ctx.empresa = empresa;
+    ctx.delimitadorFecha = parametros.delimitadorFecha;
+    ctx.patronFecha = parametros.formatoFecha;
+    PrepararGrillaAsientos(grilla, texto(1060));
+    const QString mascara = monedas.DatoMoneda(0, 4).toString();
+    grilla.FijarFormatoColumna(2, mascara);
+    grilla.FijarFormatoColumna(3, mascara);
 
-        if (pedido.mes.isValid()) {
-            vista = Vista::kPrimerMes;
-        } else if (pedido.hayCriterios) {
-            CriteriosBusqueda c = pedido.criterios;
-            if (!pedido.cuenta.isEmpty()) {
-                c.prmCta = IdDeCuenta(conexion, empresa, pedido.cuenta);
-                if (c.prmCta < 0)
-                    return fallar(QStringLiteral("La cuenta «%1» agrupa otras cuentas y no lleva líneas: indique una de ellas.").arg(pedido.cuenta));
-                if (c.prmCta == 0)
-                    return fallar(QStringLiteral("No existe la cuenta «%1» en la empresa %2.").arg(pedido.cuenta).arg(empresa));
-                c.prmPry = c.prmDep = CriteriosBusqueda::kCualquiera; // the account's lines of every project and department
-            }
-            if (const auto f = SqlBusqueda(c, empresa, parametros.delimitadorFecha, parametros.formatoFecha, sql))
-                return fallar(QStringLiteral("Fecha no válida: %1").arg(f->detalle));
-            vista = Vista::kPersonalizada;
+    if (pedido.mes.isValid()) {
+        vista = Vista::kPrimerMes;
+    } else if (pedido.hayCriterios) {
+        CriteriosBusqueda c = pedido.criterios;
+        if (!pedido.cuenta.isEmpty()) {
+            const auto cuenta = CuentasDatos::IdPorCodigo(conexion, empresa, pedido.cuenta);
+            if (!cuenta)
+                return fallar(cuenta.fallo().detalle);
+            c.prmCta = *cuenta;
+            if (c.prmCta < 0)
+                return fallar(QStringLiteral("La cuenta «%1» agrupa otras cuentas y no lleva líneas: indique una de ellas.").arg(pedido.cuenta));
+            if (c.prmCta == 0)
+                return fallar(QStringLiteral("No existe la cuenta «%1» en la empresa %2.").arg(pedido.cuenta).arg(empresa));
+            c.prmPry = c.prmDep = CriteriosBusqueda::kCualquiera; // the account's lines of every project and department
         }
-    } catch (const ErrorBaseDatos &e) {
-        return fallar(DetalleError(e.numero(), e.descripcion()));
+        if (const auto f = SqlBusqueda(c, empresa, parametros.delimitadorFecha, parametros.formatoFecha, sql))
+            return fallar(QStringLiteral("Fecha no válida: %1").arg(f->detalle));
+        vista = Vista::kPersonalizada;
     }
 
     if (progreso)
@@ -209,12 +198,13 @@ int ExportarDesdeLinea(const PedidoExportacion &pedido, Conexion &conexion, qint
     } else {
         // The file is written as the entries are read, a part at a time: memory stays the
         // same however many there are.
-        std::unique_ptr<Recordset> rs;
-        auto siguiente = [&]() -> bool {
-            grilla.FijarFilas(grilla.FilasFijas());
-            const int leidos = asientos.LlenarParte(*rs, pedido.asientosPorParte);
-            cuantos += leidos;
-            return leidos > 0;
+        LecturaPorPartes lectura(asientos, conexion);
+        auto siguiente = [&]() -> Resultado<bool> {
+            const auto leidos = lectura.Siguiente(pedido.asientosPorParte);
+            if (!leidos)
+                return leidos.fallo();
+            cuantos += *leidos;
+            return *leidos > 0;
         };
         EntornoExportacion entorno;
         entorno.texto = texto;
@@ -225,15 +215,15 @@ int ExportarDesdeLinea(const PedidoExportacion &pedido, Conexion &conexion, qint
         GrillaEnPantalla g;
         g.grilla = &grilla;
         g.titulo = texto(1001);
-        try {
-            rs = conexion.Abrir(vista == Vista::kPersonalizada ? sql
-                                                               : SqlVista(vista, conexion.reloj().Hoy(), primerDia, ctx));
-            siguiente();
-            error = ExportacionGrilla::Escribir(formato, g, pedido.archivo, entorno, avance, siguiente);
-        } catch (const ErrorBaseDatos &e) {
-            // A read that fails half way leaves no file: each writer lets go of its own.
-            error = FalloDe(1917, e);
+        // A read that fails half way leaves no file: each writer lets go of its own.
+        error = lectura.Empezar(vista == Vista::kPersonalizada ? sql : SqlVista(vista, conexion.reloj().Hoy(), primerDia, ctx));
+        if (!error) {
+            const auto primera = siguiente();
+            error = primera ? ExportacionGrilla::Escribir(formato, g, pedido.archivo, entorno, avance, siguiente)
+                            : std::optional<Fallo>(primera.fallo());
         }
+        if (error && error->deLaBase)
+            error->numeroTexto = 1917;
     }
     if (error)
         return fallar(texto(error->numeroTexto) + QStringLiteral(" ") + error->detalle);

@@ -104,24 +104,30 @@ int ExportarSinVentana(const OpcionesHost &o, const QString &baseDatos, const QS
         catalogo->resLoad(numero, t);
         return t;
     };
-    try {
-        auto conexion = AbrirBaseDelPrograma(baseDatos);
-        // The command line admits whom the window admits: no file for anyone else.
-        ServicioPermisos permisos(*conexion, o.usuario);
-        if (!PuedeEntrar(permisos.Permisos(QString(), kModuloAsientos, o.empresa).trimmed())) {
-            errores << QStringLiteral("Acceso denegado: el usuario %1 no puede ver los asientos de la empresa %2.").arg(o.usuario).arg(o.empresa)
-                    << Qt::endl;
-            conexion->Cerrar();
-            return 1;
-        }
-        const int estado = ExportarDesdeLinea(pedido, *conexion, o.empresa, texto, errores,
-                                              [&errores](const QString &linea) { errores << linea << Qt::endl; });
-        conexion->Cerrar();
-        return estado;
-    } catch (const ErrorBaseDatos &e) {
-        errores << QStringLiteral("No se pudo abrir la base de datos: ") << e.descripcion() << Qt::endl;
+    auto abierta = ConexionDelPrograma(baseDatos);
+    if (!abierta) {
+        errores << QStringLiteral("No se pudo abrir la base de datos: ") << abierta.fallo().detalle << Qt::endl;
         return 1;
     }
+    const auto conexion = std::move(*abierta);
+    // The command line admits whom the window admits: no file for anyone else.
+    ServicioPermisos permisos(*conexion, o.usuario);
+    const auto letras = permisos.Permisos(QString(), kModuloAsientos, o.empresa);
+    if (!letras) {
+        errores << QStringLiteral("No se pudo abrir la base de datos: ") << letras.fallo().detalle << Qt::endl;
+        conexion->Cerrar();
+        return 1;
+    }
+    if (!PuedeEntrar(letras->trimmed())) {
+        errores << QStringLiteral("Acceso denegado: el usuario %1 no puede ver los asientos de la empresa %2.").arg(o.usuario).arg(o.empresa)
+                << Qt::endl;
+        conexion->Cerrar();
+        return 1;
+    }
+    const int estado = ExportarDesdeLinea(pedido, *conexion, o.empresa, texto, errores,
+                                          [&errores](const QString &linea) { errores << linea << Qt::endl; });
+    conexion->Cerrar();
+    return estado;
 }
 
 } // namespace

@@ -1,8 +1,10 @@
 #!/usr/bin/env python3
 """Checks that each library under src/ includes only itself and the libraries it links,
 directly or through them, so a lower library never includes a higher one, and that the
-libraries of the entry logic link no widgets, neither directly nor through another. Prints
-each offence and ends with status 1 when there is one."""
+libraries of the entry logic link no widgets, neither directly nor through another, and that
+only the data layer talks to the database: a library above it, or the program in app/, never
+names ErrorBaseDatos nor opens, executes or inserts through a connection. Prints each offence and ends with status 1
+when there is one."""
 import pathlib
 import re
 import sys
@@ -13,6 +15,10 @@ bibliotecas = {d.name for d in src.iterdir() if (d / "CMakeLists.txt").exists()}
 
 # The libraries that hold rules and data; windows are wired to them from above.
 sin_ventanas = {"store", "currency", "entries", "services", "editing", "export"}
+# The data layer: the only libraries that run SQL and see the connection's exceptions; the
+# others get a result (a value or a Fallo) from it.
+capa_de_datos = {"store", "currency", "entries", "services"}
+sql_directo = re.compile(r"ErrorBaseDatos|(?:\.|->)\s*(?:Abrir|Ejecutar|Insertar)\s*\(")
 
 enlaza = {}
 widgets = set()
@@ -47,5 +53,13 @@ for b in sorted(bibliotecas):
             m = re.match(r'\s*#\s*include\s+"([a-z]+)/', linea)
             if m and m.group(1) in bibliotecas and m.group(1) not in permitidas:
                 fallas.append(f"{archivo.relative_to(raiz)}:{n}: {b} incluye {m.group(1)}, que no enlaza")
-print("\n".join(fallas) if fallas else f"{len(bibliotecas)} bibliotecas, cada una incluye solo lo que enlaza")
+            codigo = linea.split("//", 1)[0]
+            if b not in capa_de_datos and sql_directo.search(codigo):
+                fallas.append(f"{archivo.relative_to(raiz)}:{n}: {b} habla con la base sin pasar por la capa de datos")
+# The program itself is above the data layer too.
+for archivo in sorted((raiz / "app").glob("*.[ch]*")):
+    for n, linea in enumerate(archivo.read_text(encoding="utf-8").splitlines(), 1):
+        if sql_directo.search(linea.split("//", 1)[0]):
+            fallas.append(f"{archivo.relative_to(raiz)}:{n}: el programa habla con la base sin pasar por la capa de datos")
+print("\n".join(fallas) if fallas else f"{len(bibliotecas)} bibliotecas, cada una incluye solo lo que enlaza; solo la capa de datos habla con la base")
 sys.exit(1 if fallas else 0)

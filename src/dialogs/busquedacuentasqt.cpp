@@ -11,25 +11,6 @@
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
-QList<BusquedaCuentasQt::Cuenta> BusquedaCuentasQt::Cuentas(Conexion &conexion, qint32 empresa)
-{
-    QList<Cuenta> cuentas;
-    auto rs = conexion.Abrir(QStringLiteral("Select CueID, CueCodigo, CueNombre, CueFechaCerrada, MonSimbolo"
-                                            " From cceCuentas LEFT JOIN genMonedas ON genMonedas.MonID = cceCuentas.CueMoneda"
-                                            " Where CueIDEmpresa = ? And CueEsCarpeta = 0 Order By CueCodigo"),
-                             {empresa});
-    for (; !rs->Fin(); rs->MoverSiguiente()) {
-        Cuenta c;
-        c.id = qint32(rs->Entero(QStringLiteral("CueID")));
-        c.codigo = rs->Texto(QStringLiteral("CueCodigo")).trimmed();
-        c.nombre = rs->Texto(QStringLiteral("CueNombre")).trimmed();
-        c.moneda = rs->Campo(QStringLiteral("MonSimbolo")).toString().trimmed();
-        c.cerrada = !rs->EsNulo(QStringLiteral("CueFechaCerrada"));
-        cuentas << c;
-    }
-    return cuentas;
-}
-
 QList<BusquedaCuentasQt::Cuenta> BusquedaCuentasQt::Coincidencias(const QList<Cuenta> &cuentas, const QString &texto)
 {
     const QString t = texto.trimmed();
@@ -121,9 +102,12 @@ private:
 
 } // namespace
 
-bool BusquedaCuentasQt::Buscar(Conexion &conexion, qint32 empresa, const QString &texto, CuentaElegida &elegida, QWidget *padre)
+Resultado<bool> BusquedaCuentasQt::Buscar(Conexion &conexion, qint32 empresa, const QString &texto, CuentaElegida &elegida, QWidget *padre)
 {
-    const QList<Cuenta> cuentas = Cuentas(conexion, empresa);
+    const auto leidas = CuentasDatos::Imputables(conexion, empresa);
+    if (!leidas)
+        return leidas.fallo();
+    const QList<Cuenta> &cuentas = *leidas;
     const QList<Cuenta> coinciden = Coincidencias(cuentas, texto);
     if (coinciden.size() == 1) {
         elegida = {coinciden.first().id, 0, 0};

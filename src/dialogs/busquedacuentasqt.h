@@ -1,5 +1,6 @@
 #pragma once
 
+#include "services/cuentasdatos.h"
 #include "services/serviciobusquedacuentas.h"
 
 #include <QList>
@@ -11,18 +12,9 @@
 class BusquedaCuentasQt final : public ServicioBusquedaCuentas
 {
 public:
-    bool Buscar(Conexion &conexion, qint32 empresa, const QString &texto, CuentaElegida &elegida, QWidget *padre) override;
+    Resultado<bool> Buscar(Conexion &conexion, qint32 empresa, const QString &texto, CuentaElegida &elegida, QWidget *padre) override;
 
-    struct Cuenta
-    {
-        qint32 id = 0;
-        QString codigo;
-        QString nombre;
-        QString moneda;
-        bool cerrada = false;
-    };
-    // The company's postable accounts, by code.
-    static QList<Cuenta> Cuentas(Conexion &conexion, qint32 empresa);
+    using Cuenta = CuentasDatos::Cuenta;
     // The accounts that match a text: an exact code alone, else every code that starts with
     // it and every name that contains it.
     static QList<Cuenta> Coincidencias(const QList<Cuenta> &cuentas, const QString &texto);

@@ -2,7 +2,6 @@
 
 #include "services/serviciomensajes.h"
 
-#include "store/fallo.h"
 
 #include <QDialogButtonBox>
 #include <QHeaderView>
@@ -49,8 +48,10 @@ GestorLibros::GestorLibros(Conexion &conexion, ServicioMensajes &mensajes, std::
 void GestorLibros::cargar(qint16 elegir)
 {
     m_lista->clear();
-    try {
-        for (const Libros::Libro &l : m_libros.Listar()) {
+    if (const auto libros = m_libros.Listar(); !libros) {
+        m_mensajes.MostrarError(m_texto ? m_texto(1932) : QString(), windowTitle(), libros.fallo().detalle);
+    } else {
+        for (const Libros::Libro &l : *libros) {
             auto *i = new QTreeWidgetItem(m_lista, {QString::number(l.codigo), l.nombre, l.delSistema ? QStringLiteral("del sistema") : QString()});
             i->setData(0, Qt::UserRole, int(l.codigo));
             i->setData(0, Qt::UserRole + 1, l.delSistema);
@@ -59,8 +60,6 @@ void GestorLibros::cargar(qint16 elegir)
             if (l.codigo == elegir)
                 m_lista->setCurrentItem(i);
         }
-    } catch (const ErrorBaseDatos &e) {
-        m_mensajes.MostrarError(m_texto ? m_texto(1932) : QString(), windowTitle(), DetalleError(e.numero(), e.descripcion()));
     }
     if (!m_lista->currentItem() && m_lista->topLevelItemCount() > 0)
         m_lista->setCurrentItem(m_lista->topLevelItem(0));
@@ -75,12 +74,15 @@ void GestorLibros::actualizarBotones()
     m_eliminar->setEnabled(propio);
 }
 
-void GestorLibros::avisar(Libros::Resultado r)
+void GestorLibros::avisar(const std::optional<Fallo> &fallo)
 {
-    if (r == Libros::Resultado::ErrorBase)
-        m_mensajes.MostrarError(Libros::Explicacion(r), windowTitle(), m_libros.ultimoError());
-    else if (r != Libros::Resultado::Bien)
-        m_mensajes.Advertir(Libros::Explicacion(r));
+    if (!fallo)
+        return;
+    const QString texto = m_texto ? m_texto(fallo->numeroTexto) : QString();
+    if (fallo->deLaBase)
+        m_mensajes.MostrarError(texto, windowTitle(), fallo->detalle);
+    else
+        m_mensajes.Advertir(texto);
 }
 
 // A name that is refused is asked for again as it was typed, until it is taken or the user
@@ -93,12 +95,11 @@ void GestorLibros::agregar()
         nombre = QInputDialog::getText(this, windowTitle(), QStringLiteral("Nombre del libro nuevo:"), QLineEdit::Normal, nombre, &ok);
         if (!ok)
             return;
-        qint16 codigo = 0;
-        const auto r = m_libros.Agregar(nombre, codigo);
-        avisar(r);
+        const auto codigo = m_libros.Agregar(nombre);
+        avisar(codigo ? std::nullopt : std::optional<Fallo>(codigo.fallo()));
         // The new book is chosen; after a refusal the choice stays where it was.
-        cargar(r == Libros::Resultado::Bien ? codigo : codigoActual());
-        if (r == Libros::Resultado::Bien)
+        cargar(codigo ? *codigo : codigoActual());
+        if (codigo)
             return;
     }
 }
@@ -121,11 +122,11 @@ void GestorLibros::renombrar()
         nombre = QInputDialog::getText(this, windowTitle(), QStringLiteral("Nombre del libro:"), QLineEdit::Normal, nombre, &ok);
         if (!ok)
             return;
-        const auto r = m_libros.Renombrar(codigo, nombre);
-        avisar(r);
+        const auto fallo = m_libros.Renombrar(codigo, nombre);
+        avisar(fallo);
         cargar(codigo);
         // A book another session removed meanwhile has nothing left to rename.
-        if (r == Libros::Resultado::Bien || r == Libros::Resultado::NoExiste || r == Libros::Resultado::DelSistema)
+        if (!fallo || fallo->numeroTexto == Libros::kNoExiste || fallo->numeroTexto == Libros::kDelSistema)
             return;
     }
 }
@@ -137,8 +138,8 @@ void GestorLibros::eliminar()
     if (!i)
         return;
     // A book that cannot go is said before asking whether it should.
-    if (const auto r = m_libros.PuedeEliminar(codigo); r != Libros::Resultado::Bien) {
-        avisar(r);
+    if (const auto fallo = m_libros.PuedeEliminar(codigo)) {
+        avisar(fallo);
         return;
     }
     if (m_mensajes.Preguntar(QStringLiteral("¿Desea eliminar el libro «%1»?").arg(i->text(1)), ServicioMensajes::Botones::SiNo,

@@ -6,6 +6,7 @@
 #include <QString>
 
 #include <functional>
+#include <optional>
 
 class QTreeWidget;
 class QPushButton;
@@ -13,7 +14,8 @@ class ServicioMensajes;
 
 // The books manager: a list of the books with Add, Rename and Remove, driven by the keyboard
 // (Insert adds, F2 renames, Delete removes). Its questions, refusals and failures go through
-// the message service; a failure to read the books is told with catalogue text 1932.
+// the message service in the catalogue's texts; a failure to read the books is told with text
+// 1932.
 class GestorLibros : public QDialog
 {
     Q_OBJECT
@@ -29,7 +31,7 @@ private:
     void agregar();
     void renombrar();
     void eliminar();
-    void avisar(Libros::Resultado r);
+    void avisar(const std::optional<Fallo> &fallo);
     void actualizarBotones();
 
     Libros m_libros;

@@ -7,6 +7,7 @@
 #include "entries/saldosiniciales.h"
 
 #include <functional>
+#include <optional>
 
 // The company's opening-balance entry: whether it exists, making it from the balances
 // stored with the accounts, and turning an entry into it and back. The opening-balance
@@ -58,6 +59,11 @@ public:
     void ConvertirApertura();
 
 private:
+    // Reads whether the entry exists (and whether one is unfinished), telling alCambiar.
+    Resultado<bool> actualizar();
+    // Whether it exists, for a command that needs to know: none, after telling the failure
+    // with the command's text textoFallo, when it cannot be read.
+    std::optional<bool> existeApertura(int textoFallo);
     bool valorarSaldosExtranjeros(QVector<LineaDatos> &lineas, const QVector<qint16> &monedas);
     SaldosIniciales saldosIniciales() const;
     qint16 libroNormal() const;

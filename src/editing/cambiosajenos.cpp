@@ -72,26 +72,32 @@ int CambiosAjenos::Revisar(QList<int> cabezales)
     }
     if (porId.isEmpty())
         return 0;
+    // A look that fails is not told: it is tried again on the next notice or poll, and the
+    // rows not marked yet stay as they are.
     int marcadas = 0;
-    try {
-        const QHash<qint32, SelloGuardado> guardados = LeerSellos(*conexion, porId.keys());
-        for (auto it = porId.cbegin(); it != porId.cend(); ++it) {
-            const SelloGuardado guardado = guardados.value(it.key());
-            if (guardado.Vigente(g.Dato(it.value(), 4).toDateTime()))
-                continue;
-            m_avisos.insert(it.key(), textoAviso(it.key(), guardado.existe, guardado.estado));
-            g.FijarImagen(it.value(), QString::fromLatin1(kImagen));
-            ++marcadas;
-        }
-    } catch (const ErrorBaseDatos &) {
-        // A failed look is tried again on the next notice or poll; the grid is unchanged.
+    const auto guardados = LeerSellos(*conexion, porId.keys());
+    if (!guardados)
+        return marcadas;
+    for (auto it = porId.cbegin(); it != porId.cend(); ++it) {
+        const SelloGuardado guardado = guardados->value(it.key());
+        if (guardado.Vigente(g.Dato(it.value(), 4).toDateTime()))
+            continue;
+        const auto aviso = textoAviso(it.key(), guardado.existe, guardado.estado);
+        if (!aviso)
+            return marcadas;
+        m_avisos.insert(it.key(), *aviso);
+        g.FijarImagen(it.value(), QString::fromLatin1(kImagen));
+        ++marcadas;
     }
     return marcadas;
 }
 
-QString CambiosAjenos::textoAviso(qint32 id, bool existe, qint16 estado) const
+Resultado<QString> CambiosAjenos::textoAviso(qint32 id, bool existe, qint16 estado) const
 {
-    const std::optional<HistorialAsiento::Fila> u = HistorialAsiento::Ultimo(*m_datos.conexion(), id);
+    const auto ultimo = HistorialAsiento::Ultimo(*m_datos.conexion(), id);
+    if (!ultimo)
+        return ultimo.fallo();
+    const std::optional<HistorialAsiento::Fila> &u = *ultimo;
     const QString que = !existe ? QStringLiteral("Eliminado") : estado == EstadoAsiento::kPapelera ? QStringLiteral("Enviado a la papelera")
                                                                                                 : QStringLiteral("Modificado");
     if (!u)

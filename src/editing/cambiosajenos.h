@@ -38,7 +38,7 @@ public:
 
 private:
     void recibir(const QString &carga);
-    QString textoAviso(qint32 id, bool existe, qint16 estado) const;
+    Resultado<QString> textoAviso(qint32 id, bool existe, qint16 estado) const;
 
     DatosDocumento &m_datos;
     AsientosGrilla &m_asientos;

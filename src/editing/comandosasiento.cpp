@@ -95,58 +95,68 @@ void ComandosAsiento::RegistrarAsiento()
         terminar();
         return;
     }
-    try {
-        if (c.AsiFechaAsiento > m_datos.reloj().Hoy() && c.AsiEstado == EstadoAsiento::kBorrador) {
-            if (m_datos.Preguntar(1807)) {
-                FrecuentesDeAsiento(m_datos, m_asientos, *this).AgendarEnLugarDelAsiento();
-                m_grilla.FijarRedibujar(true);
-                m_asientos.ResetCabezal();
-                return;
-            }
+    if (c.AsiFechaAsiento > m_datos.reloj().Hoy() && c.AsiEstado == EstadoAsiento::kBorrador) {
+        if (m_datos.Preguntar(1807)) {
+            FrecuentesDeAsiento(m_datos, m_asientos, *this).AgendarEnLugarDelAsiento();
             m_grilla.FijarRedibujar(true);
-            if (!m_datos.Preguntar(1838)) {
-                terminar();
-                return;
-            }
-            m_grilla.FijarRedibujar(false);
+            m_asientos.ResetCabezal();
+            return;
         }
-        AsientoDatos datos = NuevoAsientoDatos();
-        if (const auto fallo = datos.CargarAsiento(c.AsiID)) {
-            DecirRechazo(*fallo, 1931);
+        m_grilla.FijarRedibujar(true);
+        if (!m_datos.Preguntar(1838)) {
             terminar();
             return;
         }
-        const bool eraInconcluso = c.AsiEstado == EstadoAsiento::kInconcluso;
-        qint16 nuevo = c.AsiEstado == EstadoAsiento::kRegistrado ? EstadoAsiento::kBorrador : EstadoAsiento::kRegistrado;
-        if (eraInconcluso)
-            nuevo = c.AsiFechaAsiento > m_datos.reloj().Hoy() ? EstadoAsiento::kBorrador : EstadoAsiento::kRegistrado;
-        const bool otraApertura = nuevo == EstadoAsiento::kRegistrado && c.AsiTipo != 0
-                               && c.AsiTipo == m_datos.librosSistema().primeraApertura && saldosIniciales().ExisteAsientoApertura();
+        m_grilla.FijarRedibujar(false);
+    }
+    AsientoDatos datos = NuevoAsientoDatos();
+    if (const auto fallo = datos.CargarAsiento(c.AsiID)) {
+        DecirRechazo(*fallo, 1931);
+        terminar();
+        return;
+    }
+    const bool eraInconcluso = c.AsiEstado == EstadoAsiento::kInconcluso;
+    qint16 nuevo = c.AsiEstado == EstadoAsiento::kRegistrado ? EstadoAsiento::kBorrador : EstadoAsiento::kRegistrado;
+    if (eraInconcluso)
+        nuevo = c.AsiFechaAsiento > m_datos.reloj().Hoy() ? EstadoAsiento::kBorrador : EstadoAsiento::kRegistrado;
+    // A read that fails is told (1931) and stops the command.
+    auto registrar = [&] {
+        std::optional<bool> otraApertura = false;
+        if (nuevo == EstadoAsiento::kRegistrado && c.AsiTipo != 0 && c.AsiTipo == m_datos.librosSistema().primeraApertura)
+            otraApertura = m_datos.Leido(saldosIniciales().ExisteAsientoApertura(), 1931);
+        if (!otraApertura)
+            return;
         if (datos.Cabezal().FechaModificado != c.AsiFechaModificado) {
             m_datos.Error(1820);
-        } else if (otraApertura) {
+            return;
+        }
+        if (*otraApertura) {
             // A second opening-balance entry is never registered.
             m_datos.Error(1837);
-        } else if (datos.HayCuentasCerradas(datos.Cabezal().Fecha)) {
+            return;
+        }
+        const auto cerradas = m_datos.Leido(datos.HayCuentasCerradas(datos.Cabezal().Fecha), 1931);
+        if (!cerradas)
+            return;
+        if (*cerradas) {
             m_grilla.FijarRedibujar(true);
             m_datos.Error(1811);
-        } else {
-            datos.Cabezal().Estado = nuevo;
-            datos.Cabezal().FechaCambioEstado = AsientoDatos::SelloNuevo(m_datos.reloj(), QDateTime());
-            if (const auto fallo = datos.Grabar()) {
-                DecirRechazo(*fallo, 1931);
-            } else {
-                c.AsiFechaModificado = datos.Cabezal().FechaModificado;
-                c.AsiEstado = datos.Cabezal().Estado;
-                m_asientos.ActualizarCabezalFila(cabezal, c.AsiFechaModificado, c.AsiEstado);
-                // The proposal of a missing line goes with the incomplete state.
-                if (eraInconcluso)
-                    RecargarAsiento(c.AsiID, cabezal);
-            }
+            return;
         }
-    } catch (const ErrorBaseDatos &e) {
-        m_datos.Error(1931, DetalleError(e.numero(), e.descripcion()));
-    }
+        datos.Cabezal().Estado = nuevo;
+        datos.Cabezal().FechaCambioEstado = AsientoDatos::SelloNuevo(m_datos.reloj(), QDateTime());
+        if (const auto fallo = datos.Grabar()) {
+            DecirRechazo(*fallo, 1931);
+        } else {
+            c.AsiFechaModificado = datos.Cabezal().FechaModificado;
+            c.AsiEstado = datos.Cabezal().Estado;
+            m_asientos.ActualizarCabezalFila(cabezal, c.AsiFechaModificado, c.AsiEstado);
+            // The proposal of a missing line goes with the incomplete state.
+            if (eraInconcluso)
+                RecargarAsiento(c.AsiID, cabezal);
+        }
+    };
+    registrar();
     terminar();
 }
 
@@ -156,45 +166,53 @@ void ComandosAsiento::RegistrarListados(qint16 estadoOrigen)
         return;
     bool algunaFalla = false;
     std::optional<Fallo> falloBase;
-    try {
-        for (int r = m_grilla.FilasFijas(); r < m_grilla.Filas(); ++r) {
-            if (!m_asientos.EsFilaCabezal(r) || m_grilla.Dato(r, 3).toInt() != estadoOrigen)
-                continue;
-            m_asientos.TomarAsientoDeFila(r);
-            CabezalAsiento &c = m_asientos.Cabezal;
-            if (c.AsiFechaAsiento > m_datos.reloj().Hoy() || c.AsiID <= 0)
-                continue;
-            // A second opening-balance entry is never registered.
-            if (c.AsiTipo != 0 && c.AsiTipo == m_datos.librosSistema().primeraApertura && saldosIniciales().ExisteAsientoApertura()) {
-                algunaFalla = true;
-                continue;
-            }
-            AsientoDatos datos = NuevoAsientoDatos();
-            auto fallo = datos.CargarAsiento(c.AsiID);
-            if (!fallo && (datos.HayCuentasCerradas(datos.Cabezal().Fecha) || datos.Cabezal().FechaModificado != c.AsiFechaModificado)) {
-                algunaFalla = true;
-                continue;
-            }
-            if (!fallo) {
-                datos.Cabezal().Estado = EstadoAsiento::kRegistrado;
-                datos.Cabezal().FechaCambioEstado = AsientoDatos::SelloNuevo(m_datos.reloj(), QDateTime());
-                fallo = datos.Grabar();
-            }
-            // An entry refused is counted and the others go on; a failure of the database
-            // stops the run and is told with its detail.
-            if (fallo && fallo->deLaBase) {
-                falloBase = fallo;
+    for (int r = m_grilla.FilasFijas(); r < m_grilla.Filas(); ++r) {
+        if (!m_asientos.EsFilaCabezal(r) || m_grilla.Dato(r, 3).toInt() != estadoOrigen)
+            continue;
+        m_asientos.TomarAsientoDeFila(r);
+        CabezalAsiento &c = m_asientos.Cabezal;
+        if (c.AsiFechaAsiento > m_datos.reloj().Hoy() || c.AsiID <= 0)
+            continue;
+        // A second opening-balance entry is never registered.
+        if (c.AsiTipo != 0 && c.AsiTipo == m_datos.librosSistema().primeraApertura) {
+            const auto existe = saldosIniciales().ExisteAsientoApertura();
+            if (!existe) {
+                falloBase = existe.fallo();
                 break;
             }
-            if (fallo) {
+            if (*existe) {
                 algunaFalla = true;
                 continue;
             }
-            c.AsiEstado = EstadoAsiento::kRegistrado;
-            m_asientos.ActualizarCabezalFila(r, datos.Cabezal().FechaModificado, c.AsiEstado);
         }
-    } catch (const ErrorBaseDatos &e) {
-        falloBase = FalloDe(0, e);
+        AsientoDatos datos = NuevoAsientoDatos();
+        auto fallo = datos.CargarAsiento(c.AsiID);
+        if (!fallo) {
+            const auto cerradas = datos.HayCuentasCerradas(datos.Cabezal().Fecha);
+            if (!cerradas) {
+                falloBase = cerradas.fallo();
+                break;
+            }
+            if (*cerradas || datos.Cabezal().FechaModificado != c.AsiFechaModificado) {
+                algunaFalla = true;
+                continue;
+            }
+            datos.Cabezal().Estado = EstadoAsiento::kRegistrado;
+            datos.Cabezal().FechaCambioEstado = AsientoDatos::SelloNuevo(m_datos.reloj(), QDateTime());
+            fallo = datos.Grabar();
+        }
+        // An entry refused is counted and the others go on; a failure of the database
+        // stops the run and is told with its detail.
+        if (fallo && fallo->deLaBase) {
+            falloBase = fallo;
+            break;
+        }
+        if (fallo) {
+            algunaFalla = true;
+            continue;
+        }
+        c.AsiEstado = EstadoAsiento::kRegistrado;
+        m_asientos.ActualizarCabezalFila(r, datos.Cabezal().FechaModificado, c.AsiEstado);
     }
     if (falloBase)
         DecirRechazo(*falloBase, 1913);
@@ -208,50 +226,52 @@ bool ComandosAsiento::GrabarCabezal()
     CabezalAsiento &c = m_asientos.Cabezal;
     if (c.AsiID <= 0 || !m_datos.conexion())
         return false;
-    try {
-        AsientoDatos datos = NuevoAsientoDatos();
-        if (const auto fallo = datos.CargarAsiento(c.AsiID)) {
-            DecirRechazo(*fallo, 1923);
-            return false;
-        }
-        CabezalDatos &d = datos.Cabezal();
-        if (d.Fecha != c.AsiFechaAsiento
-            && (datos.HayCuentasCerradas(d.Fecha) || datos.HayCuentasCerradas(c.AsiFechaAsiento))) {
-            m_datos.Error(1813);
-            c.AsiFechaAsiento = d.Fecha;
-            c.AsiEstado = d.Estado;
-            c.AsiFechaModificado = d.FechaModificado;
-            c.AsiLeyenda = d.Leyenda;
-            c.AsiTipo = d.Libro;
-            c.AsiUsuarioVerificador = d.Autoriza;
-            return false;
-        }
-        if (d.FechaModificado != c.AsiFechaModificado) {
-            m_datos.Error(1820);
-            return false;
-        }
-        d.Leyenda = c.AsiLeyenda;
-        d.Fecha = c.AsiFechaAsiento;
-        // A registered entry moved into the future goes back to draft.
-        if (c.AsiFechaAsiento > m_datos.reloj().Hoy() && d.Estado == EstadoAsiento::kRegistrado) {
-            d.Estado = EstadoAsiento::kBorrador;
-            d.FechaCambioEstado = AsientoDatos::SelloNuevo(m_datos.reloj(), QDateTime());
-        }
-        d.Libro = c.AsiTipo;
-        d.Autoriza = c.AsiUsuarioVerificador;
-        if (const auto fallo = datos.Grabar()) {
-            DecirRechazo(*fallo, 1923);
-            return false;
-        }
-        c.AsiFechaModificado = d.FechaModificado;
-        c.AsiEstado = d.Estado;
-        if (c.FilaCabezal >= 0)
-            m_asientos.ActualizarCabezalFila(c.FilaCabezal, c.AsiFechaModificado, c.AsiEstado);
-        return true;
-    } catch (const ErrorBaseDatos &e) {
-        m_datos.Error(1923, DetalleError(e.numero(), e.descripcion()));
+    AsientoDatos datos = NuevoAsientoDatos();
+    if (const auto fallo = datos.CargarAsiento(c.AsiID)) {
+        DecirRechazo(*fallo, 1923);
         return false;
     }
+    CabezalDatos &d = datos.Cabezal();
+    std::optional<bool> cerradas = false;
+    if (d.Fecha != c.AsiFechaAsiento) {
+        cerradas = m_datos.Leido(datos.HayCuentasCerradas(d.Fecha), 1923);
+        if (cerradas && !*cerradas)
+            cerradas = m_datos.Leido(datos.HayCuentasCerradas(c.AsiFechaAsiento), 1923);
+    }
+    if (!cerradas)
+        return false;
+    if (*cerradas) {
+        m_datos.Error(1813);
+        c.AsiFechaAsiento = d.Fecha;
+        c.AsiEstado = d.Estado;
+        c.AsiFechaModificado = d.FechaModificado;
+        c.AsiLeyenda = d.Leyenda;
+        c.AsiTipo = d.Libro;
+        c.AsiUsuarioVerificador = d.Autoriza;
+        return false;
+    }
+    if (d.FechaModificado != c.AsiFechaModificado) {
+        m_datos.Error(1820);
+        return false;
+    }
+    d.Leyenda = c.AsiLeyenda;
+    d.Fecha = c.AsiFechaAsiento;
+    // A registered entry moved into the future goes back to draft.
+    if (c.AsiFechaAsiento > m_datos.reloj().Hoy() && d.Estado == EstadoAsiento::kRegistrado) {
+        d.Estado = EstadoAsiento::kBorrador;
+        d.FechaCambioEstado = AsientoDatos::SelloNuevo(m_datos.reloj(), QDateTime());
+    }
+    d.Libro = c.AsiTipo;
+    d.Autoriza = c.AsiUsuarioVerificador;
+    if (const auto fallo = datos.Grabar()) {
+        DecirRechazo(*fallo, 1923);
+        return false;
+    }
+    c.AsiFechaModificado = d.FechaModificado;
+    c.AsiEstado = d.Estado;
+    if (c.FilaCabezal >= 0)
+        m_asientos.ActualizarCabezalFila(c.FilaCabezal, c.AsiFechaModificado, c.AsiEstado);
+    return true;
 }
 
 bool ComandosAsiento::GrabarAsientoCompleto(bool asientoCierra)
@@ -260,88 +280,97 @@ bool ComandosAsiento::GrabarAsientoCompleto(bool asientoCierra)
     if (!m_datos.conexion() || c.FilaCabezal < 0)
         return false;
     const qint16 estadoCerrado = m_datos.asiSaveB ? EstadoAsiento::kBorrador : EstadoAsiento::kRegistrado;
-    try {
-        AsientoDatos datos = NuevoAsientoDatos();
-        CabezalDatos &d = datos.Cabezal();
-        qint16 estado = asientoCierra ? estadoCerrado : EstadoAsiento::kInconcluso;
-        qint16 estadoGuardado = EstadoAsiento::kNuevo;
-        if (c.AsiID <= 0) {
-            d.AsiID = 0;
-            d.Empresa = m_datos.idEmpresa();
-            d.Usuario = m_datos.usuario;
-            d.Estado = estado;
-            d.FechaCambioEstado = AsientoDatos::SelloNuevo(m_datos.reloj(), QDateTime());
-        } else {
-            if (const auto fallo = datos.CargarAsiento(c.AsiID)) {
-                DecirRechazo(*fallo, 1924);
-                return false;
-            }
-            if (!asientoCierra && datos.HayCuentasCerradas(d.Fecha)) {
-                m_datos.Error(1811);
-                return false;
-            }
-            if (d.FechaModificado != c.AsiFechaModificado) {
-                m_datos.Error(1820);
-                return false;
-            }
-            estadoGuardado = d.Estado;
-            // A stored entry keeps its state while it balances; it becomes incomplete when it
-            // stops balancing, and an incomplete one that balances again is saved as new ones are.
-            if (asientoCierra && d.Estado != EstadoAsiento::kInconcluso)
-                estado = d.Estado;
-            if (estado != d.Estado) {
-                d.Estado = estado;
-                d.FechaCambioEstado = AsientoDatos::SelloNuevo(m_datos.reloj(), QDateTime());
-            }
-        }
-        bool esApertura = false;
-        if (asientoCierra && estadoGuardado == EstadoAsiento::kInconcluso && c.AsiTipo != 0
-            && c.AsiTipo == m_datos.librosSistema().primeraApertura) {
-            d.Libro = c.AsiTipo;
-            if (!libroParaApertura(d, esApertura))
-                return false;
-            c.AsiTipo = d.Libro;
-        }
-        d.Leyenda = c.AsiLeyenda;
-        d.Libro = c.AsiTipo;
-        d.Fecha = c.AsiFechaAsiento;
-        d.Autoriza = c.AsiUsuarioVerificador;
-        // A registered entry dated in the future is a draft until its day, as a header
-        // moved into the future makes it.
-        if (d.Fecha > m_datos.reloj().Hoy() && d.Estado == EstadoAsiento::kRegistrado) {
-            d.Estado = EstadoAsiento::kBorrador;
-            d.FechaCambioEstado = AsientoDatos::SelloNuevo(m_datos.reloj(), QDateTime());
-        }
-        datos.Lineas() = m_asientos.LineasParaGrabar();
-        if (datos.HayCuentasCerradas(d.Fecha)) {
-            m_datos.Error(1811);
-            return false;
-        }
-        if (esApertura) {
-            // The opening-balance entry may not use an account closed on or after the
-            // opening-balance date.
-            QStringList cuentas;
-            for (const LineaDatos &l : std::as_const(datos.Lineas()))
-                cuentas << QString::number(l.Cuenta);
-            if (!cuentas.isEmpty()
-                && !saldosIniciales().CuentasCerradasApertura(m_datos.fechaAsientoApertura, m_datos.empresa.clase, cuentas.join(QLatin1Char(','))).isEmpty()) {
-                m_datos.Error(1811);
-                return false;
-            }
-        }
-        if (const auto fallo = esApertura ? datos.GrabarApertura() : datos.GrabarTodo()) {
+    AsientoDatos datos = NuevoAsientoDatos();
+    CabezalDatos &d = datos.Cabezal();
+    qint16 estado = asientoCierra ? estadoCerrado : EstadoAsiento::kInconcluso;
+    qint16 estadoGuardado = EstadoAsiento::kNuevo;
+    if (c.AsiID <= 0) {
+        d.AsiID = 0;
+        d.Empresa = m_datos.idEmpresa();
+        d.Usuario = m_datos.usuario;
+        d.Estado = estado;
+        d.FechaCambioEstado = AsientoDatos::SelloNuevo(m_datos.reloj(), QDateTime());
+    } else {
+        if (const auto fallo = datos.CargarAsiento(c.AsiID)) {
             DecirRechazo(*fallo, 1924);
             return false;
         }
-        c.AsiID = d.AsiID;
-        c.AsiEstado = d.Estado;
-        c.AsiFechaModificado = d.FechaModificado;
-        m_asientos.ActualizarCabezalFila(c.FilaCabezal, c.AsiFechaModificado, c.AsiEstado);
-        return true;
-    } catch (const ErrorBaseDatos &e) {
-        m_datos.Error(1924, DetalleError(e.numero(), e.descripcion()));
+        if (!asientoCierra) {
+            const auto cerradas = m_datos.Leido(datos.HayCuentasCerradas(d.Fecha), 1924);
+            if (!cerradas)
+                return false;
+            if (*cerradas) {
+                m_datos.Error(1811);
+                return false;
+            }
+        }
+        if (d.FechaModificado != c.AsiFechaModificado) {
+            m_datos.Error(1820);
+            return false;
+        }
+        estadoGuardado = d.Estado;
+        // A stored entry keeps its state while it balances; it becomes incomplete when it
+        // stops balancing, and an incomplete one that balances again is saved as new ones are.
+        if (asientoCierra && d.Estado != EstadoAsiento::kInconcluso)
+            estado = d.Estado;
+        if (estado != d.Estado) {
+            d.Estado = estado;
+            d.FechaCambioEstado = AsientoDatos::SelloNuevo(m_datos.reloj(), QDateTime());
+        }
+    }
+    bool esApertura = false;
+    if (asientoCierra && estadoGuardado == EstadoAsiento::kInconcluso && c.AsiTipo != 0
+        && c.AsiTipo == m_datos.librosSistema().primeraApertura) {
+        d.Libro = c.AsiTipo;
+        if (!libroParaApertura(d, esApertura))
+            return false;
+        c.AsiTipo = d.Libro;
+    }
+    d.Leyenda = c.AsiLeyenda;
+    d.Libro = c.AsiTipo;
+    d.Fecha = c.AsiFechaAsiento;
+    d.Autoriza = c.AsiUsuarioVerificador;
+    // A registered entry dated in the future is a draft until its day, as a header
+    // moved into the future makes it.
+    if (d.Fecha > m_datos.reloj().Hoy() && d.Estado == EstadoAsiento::kRegistrado) {
+        d.Estado = EstadoAsiento::kBorrador;
+        d.FechaCambioEstado = AsientoDatos::SelloNuevo(m_datos.reloj(), QDateTime());
+    }
+    datos.Lineas() = m_asientos.LineasParaGrabar();
+    const auto cerradas = m_datos.Leido(datos.HayCuentasCerradas(d.Fecha), 1924);
+    if (!cerradas)
+        return false;
+    if (*cerradas) {
+        m_datos.Error(1811);
         return false;
     }
+    if (esApertura) {
+        // The opening-balance entry may not use an account closed on or after the
+        // opening-balance date.
+        QStringList cuentas;
+        for (const LineaDatos &l : std::as_const(datos.Lineas()))
+            cuentas << QString::number(l.Cuenta);
+        if (!cuentas.isEmpty()) {
+            const auto cerradasApertura = m_datos.Leido(
+                saldosIniciales().CuentasCerradasApertura(m_datos.fechaAsientoApertura, m_datos.empresa.clase, cuentas.join(QLatin1Char(','))),
+                1924);
+            if (!cerradasApertura)
+                return false;
+            if (!cerradasApertura->isEmpty()) {
+                m_datos.Error(1811);
+                return false;
+            }
+        }
+    }
+    if (const auto fallo = esApertura ? datos.GrabarApertura() : datos.GrabarTodo()) {
+        DecirRechazo(*fallo, 1924);
+        return false;
+    }
+    c.AsiID = d.AsiID;
+    c.AsiEstado = d.Estado;
+    c.AsiFechaModificado = d.FechaModificado;
+    m_asientos.ActualizarCabezalFila(c.FilaCabezal, c.AsiFechaModificado, c.AsiEstado);
+    return true;
 }
 
 // An incomplete entry of the opening-balance book that now balances becomes the
@@ -350,11 +379,17 @@ bool ComandosAsiento::GrabarAsientoCompleto(bool asientoCierra)
 // when there is no other book. False when nothing may be written.
 bool ComandosAsiento::libroParaApertura(CabezalDatos &d, bool &esApertura)
 {
-    if (!saldosIniciales().ExisteAsientoApertura()) {
+    const auto existe = m_datos.Leido(saldosIniciales().ExisteAsientoApertura(), 1924);
+    if (!existe)
+        return false;
+    if (!*existe) {
         esApertura = true;
         return true;
     }
-    const auto libro = LibroComun();
+    const auto comun = m_datos.Leido(LibroComun(), 1924);
+    if (!comun)
+        return false;
+    const auto &libro = *comun;
     if (!libro) {
         m_datos.Error(1837);
         return false;
@@ -369,14 +404,17 @@ bool ComandosAsiento::libroParaApertura(CabezalDatos &d, bool &esApertura)
     return true;
 }
 
-std::optional<std::pair<QString, qint16>> ComandosAsiento::LibroComun() const
+Resultado<std::optional<std::pair<QString, qint16>>> ComandosAsiento::LibroComun() const
 {
-    const auto libros = m_datos.LeerLibros(true);
+    const auto leidos = m_datos.LeerLibros(true);
+    if (!leidos)
+        return leidos.fallo();
+    const auto &libros = *leidos;
     if (libros.isEmpty())
-        return std::nullopt;
+        return std::optional<std::pair<QString, qint16>>();
     const auto defecto = std::find_if(libros.begin(), libros.end(),
                                       [this](const auto &libro) { return libro.second == m_datos.empresa.libroPorDefecto; });
-    return defecto != libros.end() ? *defecto : libros.first();
+    return std::optional<std::pair<QString, qint16>>(defecto != libros.end() ? *defecto : libros.first());
 }
 
 SaldosIniciales ComandosAsiento::saldosIniciales() const
@@ -385,11 +423,19 @@ SaldosIniciales ComandosAsiento::saldosIniciales() const
                            m_datos.parametros().delimitadorFecha, m_datos.parametros().formatoFecha);
 }
 
-bool ComandosAsiento::PuedeModificarApertura()
+bool ComandosAsiento::PuedeModificarApertura(int textoFallo)
+{
+    return m_datos.Leido(ModificableApertura(), textoFallo).value_or(false);
+}
+
+Resultado<bool> ComandosAsiento::ModificableApertura()
 {
     AsientoDatos datos = NuevoAsientoDatos();
     const CabezalAsiento &c = m_asientos.Cabezal;
-    const int estado = datos.EstadoApertura(c.AsiFechaAsiento, m_datos.idEmpresa());
+    const auto leido = datos.EstadoApertura(c.AsiFechaAsiento, m_datos.idEmpresa());
+    if (!leido)
+        return leido.fallo();
+    const int estado = *leido;
     if (estado == 1) {
         m_datos.mensajes->MostrarError(m_datos.texto(1829), m_datos.texto(1000), QString());
         return false;
@@ -421,49 +467,53 @@ void ComandosAsiento::EliminarAsiento(bool porFila)
     m_asientos.TomarAsientoDeFila(cabezal);
     CabezalAsiento &c = m_asientos.Cabezal;
     const LibrosSistema libros = m_datos.librosSistema();
-    try {
-        if (porFila) {
-            if (c.AsiTipo != 0
-                && (c.AsiTipo == libros.resumen || c.AsiTipo == libros.adc || c.AsiTipo == libros.apertura || c.AsiTipo == libros.cierre)) {
-                m_datos.Advertir(1817);
-            } else if (c.AsiTipo != 0 && c.AsiTipo == libros.primeraApertura && !PuedeModificarApertura()) {
-            } else if (!m_datos.Preguntar(1805)) {
-            } else if (HayCuentasCerradasEnGrilla(c.AsiFechaAsiento)) {
+    const int textoFallo = porFila ? 1919 : 1918;
+    if (porFila) {
+        if (c.AsiTipo != 0
+            && (c.AsiTipo == libros.resumen || c.AsiTipo == libros.adc || c.AsiTipo == libros.apertura || c.AsiTipo == libros.cierre)) {
+            m_datos.Advertir(1817);
+        } else if (c.AsiTipo != 0 && c.AsiTipo == libros.primeraApertura && !PuedeModificarApertura(textoFallo)) {
+        } else if (!m_datos.Preguntar(1805)) {
+        } else if (HayCuentasCerradasEnGrilla(c.AsiFechaAsiento)) {
+            m_datos.Advertir(1814);
+        } else if (m_asientos.EsFilaDiferencia(fila)) {
+            // The proposal of the missing line is no line: it just goes.
+            m_grilla.QuitarFila(fila);
+        } else if (c.AsiID <= 0) {
+            m_grilla.QuitarFila(fila);
+        } else {
+            AsientoDatos datos = NuevoAsientoDatos();
+            std::optional<bool> cerradas;
+            if (const auto fallo = datos.CargarAsiento(c.AsiID)) {
+                DecirRechazo(*fallo, 1919);
+            } else if (datos.Cabezal().FechaModificado != c.AsiFechaModificado) {
+                m_datos.Error(1820);
+            } else if (cerradas = m_datos.Leido(datos.HayCuentasCerradas(datos.Cabezal().Fecha), 1919); !cerradas) {
+                // Told; the line stays.
+            } else if (*cerradas) {
                 m_datos.Advertir(1814);
-            } else if (m_asientos.EsFilaDiferencia(fila)) {
-                // The proposal of the missing line is no line: it just goes.
-                m_grilla.QuitarFila(fila);
-            } else if (c.AsiID <= 0) {
-                m_grilla.QuitarFila(fila);
             } else {
-                AsientoDatos datos = NuevoAsientoDatos();
-                if (const auto fallo = datos.CargarAsiento(c.AsiID)) {
-                    DecirRechazo(*fallo, 1919);
-                } else if (datos.Cabezal().FechaModificado != c.AsiFechaModificado) {
-                    m_datos.Error(1820);
-                } else if (datos.HayCuentasCerradas(datos.Cabezal().Fecha)) {
-                    m_datos.Advertir(1814);
-                } else {
-                    // The stored line of the row: by its place in the order of entry, which
-                    // tells apart two lines of one account; else by account and side.
-                    const RegistroLinea l = m_asientos.LineaDeFila(fila);
-                    const int orden = CampoDeClave(m_grilla.Dato(fila, 1).toString(), 4);
-                    QVector<LineaDatos> &lineas = datos.Lineas();
-                    auto misma = [&](const LineaDatos &x) {
-                        return x.Cuenta == l.lCta && x.Proyecto == l.iPry && x.Departamento == l.iDep && x.AlDebe == l.bEsAlDebe;
-                    };
-                    auto it = std::find_if(lineas.begin(), lineas.end(),
-                                           [&](const LineaDatos &x) { return orden > 0 && x.Orden == orden && misma(x); });
-                    if (it == lineas.end())
-                        it = std::find_if(lineas.begin(), lineas.end(), misma);
-                    if (it != lineas.end())
-                        lineas.erase(it);
-                    // An entry that no longer balances is incomplete: it cannot stay
-                    // registered, nor be registered again, until it balances. An incomplete
-                    // one that balances without the line is complete again.
+                // The stored line of the row: by its place in the order of entry, which
+                // tells apart two lines of one account; else by account and side.
+                const RegistroLinea l = m_asientos.LineaDeFila(fila);
+                const int orden = CampoDeClave(m_grilla.Dato(fila, 1).toString(), 4);
+                QVector<LineaDatos> &lineas = datos.Lineas();
+                auto misma = [&](const LineaDatos &x) {
+                    return x.Cuenta == l.lCta && x.Proyecto == l.iPry && x.Departamento == l.iDep && x.AlDebe == l.bEsAlDebe;
+                };
+                auto it = std::find_if(lineas.begin(), lineas.end(),
+                                       [&](const LineaDatos &x) { return orden > 0 && x.Orden == orden && misma(x); });
+                if (it == lineas.end())
+                    it = std::find_if(lineas.begin(), lineas.end(), misma);
+                if (it != lineas.end())
+                    lineas.erase(it);
+                // An entry that no longer balances is incomplete: it cannot stay
+                // registered, nor be registered again, until it balances. An incomplete
+                // one that balances without the line is complete again.
+                if (const auto balance = m_datos.Leido(datos.Balance(), 1919)) {
                     qint16 &estado = datos.Cabezal().Estado;
                     const qint16 antes = estado;
-                    if (!datos.Balance().cierra)
+                    if (!balance->cierra)
                         estado = EstadoAsiento::kInconcluso;
                     else if (estado == EstadoAsiento::kInconcluso)
                         estado = EstadoCompleto(datos.Cabezal().Fecha);
@@ -478,25 +528,23 @@ void ComandosAsiento::EliminarAsiento(bool porFila)
                     }
                 }
             }
-        } else if (c.AsiID > 0 && c.AsiTipo != 0 && c.AsiTipo == libros.primeraApertura && !PuedeModificarApertura()) {
-            // The opening-balance entry goes only when a line of it could: PuedeModificarApertura said why.
-        } else if (!m_datos.Preguntar(1804)) {
-        } else if (c.AsiID <= 0) {
-            m_grilla.QuitarFilas(cabezal, m_asientos.UltimaFilaAsiento(cabezal) - cabezal + 1);
-        } else {
-            AsientoDatos datos = NuevoAsientoDatos();
-            QStringList ids;
-            if (const auto fallo = datos.EnviarPapelera(c.AsiID, c.AsiFechaModificado, &ids)) {
-                DecirRechazo(*fallo, 1918);
-            } else {
-                m_grilla.FijarRedibujar(false);
-                for (const QString &id : std::as_const(ids))
-                    m_asientos.QuitarAsientoDeGrilla(id.toInt());
-                m_grilla.FijarRedibujar(true);
-            }
         }
-    } catch (const ErrorBaseDatos &e) {
-        m_datos.Error(porFila ? 1919 : 1918, DetalleError(e.numero(), e.descripcion()));
+    } else if (c.AsiID > 0 && c.AsiTipo != 0 && c.AsiTipo == libros.primeraApertura && !PuedeModificarApertura(textoFallo)) {
+        // The opening-balance entry goes only when a line of it could: PuedeModificarApertura said why.
+    } else if (!m_datos.Preguntar(1804)) {
+    } else if (c.AsiID <= 0) {
+        m_grilla.QuitarFilas(cabezal, m_asientos.UltimaFilaAsiento(cabezal) - cabezal + 1);
+    } else {
+        AsientoDatos datos = NuevoAsientoDatos();
+        QStringList ids;
+        if (const auto fallo = datos.EnviarPapelera(c.AsiID, c.AsiFechaModificado, &ids)) {
+            DecirRechazo(*fallo, 1918);
+        } else {
+            m_grilla.FijarRedibujar(false);
+            for (const QString &id : std::as_const(ids))
+                m_asientos.QuitarAsientoDeGrilla(id.toInt());
+            m_grilla.FijarRedibujar(true);
+        }
     }
     m_asientos.ResetCabezal();
     m_pantalla.SeleccionarFila(std::min(fila, m_grilla.Filas() - 1));
@@ -510,43 +558,48 @@ void ComandosAsiento::CopiarAsiento()
     if (m_datos.mensajes->Preguntar(m_datos.texto(1806), ServicioMensajes::Botones::SiNo, m_datos.texto(1024))
         != ServicioMensajes::Respuesta::Si)
         return;
-    try {
-        AsientoDatos datos = NuevoAsientoDatos();
-        const qint32 original = m_asientos.IdDeFila(cabezal);
-        // An entry never stored has nothing to copy.
-        const auto fallo = original > 0 ? datos.CargarAsiento(original) : Fallo{};
-        if (fallo) {
-            DecirRechazo(*fallo, 1915);
-            m_asientos.ResetCabezal();
-            return;
-        }
-        datos.Cabezal().AsiID = 0;
-        datos.Cabezal().FechaModificado = QDateTime();
-        // A copy of the opening-balance entry is an ordinary entry: there is one of those.
-        if (datos.Cabezal().Libro != 0 && datos.Cabezal().Libro == m_datos.librosSistema().primeraApertura) {
-            const auto comun = LibroComun();
-            if (!comun) {
-                m_datos.Error(1837);
-                return;
-            }
-            datos.Cabezal().Libro = comun->second;
-        }
-        datos.Cabezal().Usuario = m_datos.usuario;
-        datos.Cabezal().FechaCambioEstado = AsientoDatos::SelloNuevo(m_datos.reloj(), QDateTime()); // the copy's own
-        if (datos.HayCuentasCerradas(datos.Cabezal().Fecha)) {
-            m_datos.mensajes->Informar(m_datos.texto(1816));
-            return;
-        }
-        if (const auto fallo = datos.GrabarTodo()) {
-            DecirRechazo(*fallo, 1915);
-            m_asientos.ResetCabezal();
-            return;
-        }
-        CargarAsiento(datos.Cabezal().AsiID, m_grilla.Filas() - 1);
-        m_pantalla.SeleccionarFila(m_grilla.Filas() - 1);
-    } catch (const ErrorBaseDatos &e) {
-        m_datos.Error(1915, DetalleError(e.numero(), e.descripcion()));
+    AsientoDatos datos = NuevoAsientoDatos();
+    const qint32 original = m_asientos.IdDeFila(cabezal);
+    // An entry never stored has nothing to copy.
+    const auto fallo = original > 0 ? datos.CargarAsiento(original) : Fallo{};
+    if (fallo) {
+        DecirRechazo(*fallo, 1915);
+        m_asientos.ResetCabezal();
+        return;
     }
+    datos.Cabezal().AsiID = 0;
+    datos.Cabezal().FechaModificado = QDateTime();
+    // A copy of the opening-balance entry is an ordinary entry: there is one of those.
+    if (datos.Cabezal().Libro != 0 && datos.Cabezal().Libro == m_datos.librosSistema().primeraApertura) {
+        const auto comun = m_datos.Leido(LibroComun(), 1915);
+        if (!comun) {
+            m_asientos.ResetCabezal();
+            return;
+        }
+        if (!*comun) {
+            m_datos.Error(1837);
+            return;
+        }
+        datos.Cabezal().Libro = (*comun)->second;
+    }
+    datos.Cabezal().Usuario = m_datos.usuario;
+    datos.Cabezal().FechaCambioEstado = AsientoDatos::SelloNuevo(m_datos.reloj(), QDateTime()); // the copy's own
+    const auto cerradas = m_datos.Leido(datos.HayCuentasCerradas(datos.Cabezal().Fecha), 1915);
+    if (!cerradas) {
+        m_asientos.ResetCabezal();
+        return;
+    }
+    if (*cerradas) {
+        m_datos.mensajes->Informar(m_datos.texto(1816));
+        return;
+    }
+    if (const auto fallo = datos.GrabarTodo()) {
+        DecirRechazo(*fallo, 1915);
+        m_asientos.ResetCabezal();
+        return;
+    }
+    CargarAsiento(datos.Cabezal().AsiID, m_grilla.Filas() - 1);
+    m_pantalla.SeleccionarFila(m_grilla.Filas() - 1);
     m_asientos.ResetCabezal();
 }
 
@@ -567,14 +620,14 @@ void ComandosAsiento::RecargarAsiento(qint32 asiID, int cabezal)
 {
     // An entry another session deleted or sent to the trash has nothing to read: its rows go
     // rather than stay on screen as if they were stored.
-    try {
-        const SelloGuardado guardado = LeerSellos(*m_datos.conexion(), {asiID}).value(asiID);
+    // When the stamps cannot be read the reading below fails too, says why, and the rows
+    // stay as they are.
+    if (const auto sellos = LeerSellos(*m_datos.conexion(), {asiID})) {
+        const SelloGuardado guardado = sellos->value(asiID);
         if (!guardado.existe || guardado.estado == EstadoAsiento::kPapelera) {
             m_grilla.QuitarFilas(cabezal, m_asientos.UltimaFilaAsiento(cabezal) - cabezal + 1);
             return;
         }
-    } catch (const ErrorBaseDatos &) {
-        // Unknown: the reading below says why, and the rows stay as they are.
     }
     // The entry as stored goes in above the rows shown, which are taken out only once it is
     // there: when the store cannot be read, the grid keeps the entry as it was.
@@ -585,12 +638,15 @@ void ComandosAsiento::RecargarAsiento(qint32 asiID, int cabezal)
         m_grilla.QuitarFilas(cabezal + (m_grilla.Filas() - antes), viejas);
 }
 
-ComandosAsiento::Vigencia ComandosAsiento::ReleerSiCambio(int cabezal)
+Resultado<ComandosAsiento::Vigencia> ComandosAsiento::ReleerSiCambio(int cabezal)
 {
     const qint32 id = m_asientos.IdDeFila(cabezal);
     if (id <= 0)
         return Vigencia::Vigente;
-    const SelloGuardado guardado = LeerSellos(*m_datos.conexion(), {id}).value(id);
+    const auto sellos = LeerSellos(*m_datos.conexion(), {id});
+    if (!sellos)
+        return sellos.fallo();
+    const SelloGuardado guardado = sellos->value(id);
     if (guardado.Vigente(m_grilla.Dato(cabezal, 4).toDateTime()))
         return Vigencia::Vigente;
     if (!guardado.existe || guardado.estado == EstadoAsiento::kPapelera) {

@@ -40,8 +40,11 @@ public:
     // balances, incomplete when not; an incomplete opening-balance entry that balances
     // becomes the opening-balance entry. False when refused or failed (1811, 1820, 1924).
     bool GrabarAsientoCompleto(bool asientoCierra);
-    // False, after saying why, when the opening-balance entry may not change.
-    bool PuedeModificarApertura();
+    // False, after saying why, when the opening-balance entry may not change; a failure to
+    // read is told with the command's text textoFallo.
+    bool PuedeModificarApertura(int textoFallo);
+    // The same, answering a failure to read for the caller to tell.
+    Resultado<bool> ModificableApertura();
 
     // Deletes the current entry (to the trash), or with porFila the current line of it; a
     // row deletion of the header row or of the only line deletes the entry.
@@ -52,8 +55,8 @@ public:
     void OcultarAsiento();
 
     // The book an entry moved off a system book gets: the company's default book, else the
-    // first by name; none when the company has no other book. Throws ErrorBaseDatos.
-    std::optional<std::pair<QString, qint16>> LibroComun() const;
+    // first by name; none when the company has no other book.
+    Resultado<std::optional<std::pair<QString, qint16>>> LibroComun() const;
     // The opening-balance entry's queries, for this company and database.
     SaldosIniciales saldosIniciales() const;
     // Whether an account of the current entry's lines is closed at fecha, from the closing
@@ -66,10 +69,10 @@ public:
     void CargarAsiento(qint32 asiID, int fila);
     // Before a stored entry is opened: when another session wrote it after the grid read
     // it, its rows are replaced by the entry as stored now (Releida), or taken out of the
-    // grid when it was deleted or sent to the trash (Quitada, and the user is told). Throws
-    // ErrorBaseDatos when the store cannot be read.
+    // grid when it was deleted or sent to the trash (Quitada, and the user is told). A
+    // failure to read the store is answered, for the caller to tell.
     enum class Vigencia { Vigente, Releida, Quitada };
-    Vigencia ReleerSiCambio(int cabezal);
+    Resultado<Vigencia> ReleerSiCambio(int cabezal);
 
     // The entry of the grid's current row becomes the current entry; answers its header
     // row, -1 when the row belongs to no entry.

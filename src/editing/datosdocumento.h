@@ -12,6 +12,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <utility>
 
 class ServicioMensajes;
@@ -41,11 +42,11 @@ struct DatosDocumento
     // quotation-date rule.
     ReglasCotizacion reglasCotizacion() const;
     LibrosSistema librosSistema() const;
-    // The books by name, the system books left out when asked; throws ErrorBaseDatos.
-    QList<std::pair<QString, qint16>> LeerLibros(bool excluirSistema) const;
-    // The projects and the departments lines may carry, as "abbreviation - name" and code.
-    QList<std::pair<QString, qint16>> LeerProyectos() const;
-    QList<std::pair<QString, qint16>> LeerDepartamentos() const;
+    // The books by name, the system books left out when asked; the projects and the
+    // departments lines may carry, as "abbreviation - name" and code (datossesion.h).
+    Resultado<QList<std::pair<QString, qint16>>> LeerLibros(bool excluirSistema) const;
+    Resultado<QList<std::pair<QString, qint16>>> LeerProyectos() const;
+    Resultado<QList<std::pair<QString, qint16>>> LeerDepartamentos() const;
     bool TienePermiso(QChar letra) const;
 
     // Catalogue messages, by their numbers.
@@ -54,4 +55,14 @@ struct DatosDocumento
     void Informar(int numero) const;
     bool Preguntar(int numero) const;
     void MostrarFallo(const Fallo &fallo) const;
+    // The value a read answered; none, after telling its failure with the command's text
+    // numero and the failure's detail, when it failed.
+    template<class T>
+    std::optional<T> Leido(Resultado<T> leido, int numero) const
+    {
+        if (leido)
+            return std::move(*leido);
+        Error(numero, leido.fallo().detalle);
+        return std::nullopt;
+    }
 };

@@ -41,14 +41,11 @@ qint32 FrecuentesDeAsiento::CrearMovimientoFrecuente(bool agendar, bool desdeElM
     // A system book is the system's: a template of such an entry registers in the
     // company's default book (the first by name without one).
     if (m_datos.librosSistema().EsDelSistema(c.AsiTipo)) {
-        try {
-            const auto comun = m_comandos.LibroComun();
-            cabezal.Libro = comun ? comun->second : qint16(0);
-        } catch (const ErrorBaseDatos &e) {
-            // Without its book the template would register nowhere: none is made.
-            m_datos.MostrarFallo(FalloDe(1908, e));
+        // Without its book the template would register nowhere: none is made.
+        const auto comun = m_datos.Leido(m_comandos.LibroComun(), 1908);
+        if (!comun)
             return 0;
-        }
+        cabezal.Libro = *comun ? (*comun)->second : qint16(0);
     }
     cabezal.Autoriza = c.AsiUsuarioVerificador;
     cabezal.Usuario = m_datos.usuario;
@@ -63,12 +60,9 @@ qint32 FrecuentesDeAsiento::CrearMovimientoFrecuente(bool agendar, bool desdeElM
     }
     // A frequent entry made to be registered again is one of the user's recent ones.
     if (!agendar) {
-        try {
-            FrecuentesRecientes(m_datos).Agregar(id);
-        } catch (const ErrorBaseDatos &e) {
-            // The template is stored; only the shortcut to it is missing, and the user is told.
-            m_datos.Error(1920, DetalleError(e.numero(), e.descripcion()));
-        }
+        // The template is stored; only the shortcut to it is missing, and the user is told.
+        if (const auto fallo = FrecuentesRecientes(m_datos).Agregar(id))
+            m_datos.Error(1920, fallo->detalle);
     }
     return id;
 }
@@ -81,10 +75,9 @@ bool FrecuentesDeAsiento::AgendarEnLugarDelAsiento()
     if (id <= 0 || !m_datos.conexion())
         return false;
     Ocupado ocupado;
-    try {
-        // The template and the deletion go together: when the entry changed since it was
-        // read, neither is kept.
-        Transaccion tx(*m_datos.conexion());
+    // The template and the deletion go together: when the entry changed since it was read,
+    // neither is kept.
+    const auto hecho = EnTransaccion(*m_datos.conexion(), [&] {
         if (CrearMovimientoFrecuente(true) <= 0)
             return false;
         AsientoDatos datos = m_comandos.NuevoAsientoDatos();
@@ -92,11 +85,12 @@ bool FrecuentesDeAsiento::AgendarEnLugarDelAsiento()
             m_comandos.DecirRechazo(*fallo, 1921);
             return false;
         }
-        tx.Confirmar();
-    } catch (const ErrorBaseDatos &e) {
-        m_datos.Error(1921, DetalleError(e.numero(), e.descripcion()));
+        return true;
+    });
+    if (!hecho)
+        m_datos.Error(1921, hecho.fallo().detalle);
+    if (!hecho || !*hecho)
         return false;
-    }
     m_grilla.FijarRedibujar(false);
     m_asientos.QuitarAsientoDeGrilla(id);
     m_grilla.FijarRedibujar(true);

@@ -5,6 +5,7 @@
 #include <QList>
 #include <QString>
 
+#include <optional>
 #include <utility>
 
 // The frequent entries a user used last (registered, or made from an entry), kept in the
@@ -16,14 +17,15 @@ public:
 
     explicit FrecuentesRecientes(const DatosDocumento &datos);
 
-    // The ids kept; empty when none. Throws ErrorBaseDatos when they cannot be read.
-    QList<qint32> Leer() const;
-    // Puts an id first; throws ErrorBaseDatos when the settings cannot be read or written,
-    // and then leaves the list kept as it was.
-    void Agregar(qint32 mfrID);
+    // The ids kept; empty when none. A failure to read carries text 0, here and below: the
+    // caller tells it with its own text.
+    Resultado<QList<qint32>> Leer() const;
+    // Puts an id first. When the settings cannot be read or written the list kept stays as
+    // it was: a list that could not be read is never written over.
+    [[nodiscard]] std::optional<Fallo> Agregar(qint32 mfrID);
     // The recent menu's items: the name and id of every kept template that still exists and
-    // is not scheduled, in the order kept. Throws ErrorBaseDatos.
-    QList<std::pair<QString, qint32>> CargarFrecuentesRecientes() const;
+    // is not scheduled, in the order kept.
+    Resultado<QList<std::pair<QString, qint32>>> CargarFrecuentesRecientes() const;
 
 private:
     const DatosDocumento &m_datos;

@@ -4,6 +4,7 @@
 #include "editing/datosdocumento.h"
 #include "editing/pantalla.h"
 #include "entries/asientosgrilla.h"
+#include "entries/historialasiento.h"
 
 #include <QDate>
 #include <QDateTime>
@@ -23,16 +24,7 @@ public:
     ComandosRestauracion(DatosDocumento &datos, ComandosAsiento &comandos, AsientosGrilla &asientos, PantallaAsientos &pantalla);
 
     // One entry of the trash as the trash window lists it.
-    struct EnPapelera
-    {
-        qint32 asiID = 0;
-        QDate fecha;
-        QString leyenda;
-        QString enviadoPor;      // the user who sent it there; empty when unknown
-        QDateTime enviadoEl;
-        QDateTime sello;         // the stamp read: a restore or deletion compares it
-        QJsonObject antes;       // the entry before it went to the trash; empty when unknown
-    };
+    using EnPapelera = HistorialAsiento::EnPapelera;
     // The company's entries in the trash, the last sent first; none, after saying why (1916),
     // when the store cannot be read.
     std::optional<QList<EnPapelera>> Papelera() const;
@@ -48,7 +40,7 @@ public:
     bool RestaurarVersion(qint32 asiID, const QJsonObject &version, const QDateTime &selloLeido);
 
     // What Deshacer would undo, in words ("Deshacer Cambio del asiento 12"); empty when
-    // this session has no write left to undo. Throws ErrorBaseDatos.
+    // this session has no write left to undo, or when the history cannot be read.
     QString TextoDeshacer();
     // Takes the entry of this session's last write still standing back to how it was before
     // that write (a new entry goes to the trash). Refused with 1820 when someone else changed
@@ -63,11 +55,11 @@ private:
         QString operacion;
         QJsonObject antes, despues;
     };
-    std::optional<Escritura> ultimaEscritura();
-    QList<EnPapelera> leerPapelera() const;
+    Resultado<std::optional<Escritura>> ultimaEscritura();
     // The grid shows the entry as stored now: read again where it is, added at the end when
-    // it was not shown, taken out when it is no longer a live entry.
-    void mostrarEnGrilla(qint32 asiID);
+    // it was not shown, taken out when it is no longer a live entry. False after telling
+    // (1924) that the store could not be read.
+    bool mostrarEnGrilla(qint32 asiID);
 
     DatosDocumento &m_datos;
     ComandosAsiento &m_comandos;

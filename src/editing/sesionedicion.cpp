@@ -31,18 +31,17 @@ void SesionEdicion::NuevoAsiento()
 bool SesionEdicion::leerLibros()
 {
     if (m_libros.isEmpty()) {
-        try {
-            m_libros = m_datos.LeerLibros(true);
-        } catch (const ErrorBaseDatos &e) {
-            m_datos.Error(1910, DetalleError(e.numero(), e.descripcion()));
-        }
+        if (const auto libros = m_datos.LeerLibros(true))
+            m_libros = *libros;
+        else
+            m_datos.Error(1910, libros.fallo().detalle);
         m_vista.FijarLibros(m_libros);
     }
     return !m_libros.isEmpty();
 }
 
 // The header values of the current entry, whose header row is cabezal.
-ValoresCabezal SesionEdicion::valoresDelCabezal(int cabezal)
+std::optional<ValoresCabezal> SesionEdicion::valoresDelCabezal(int cabezal)
 {
     const CabezalAsiento &c = m_asientos.Cabezal;
     ValoresCabezal v;
@@ -63,7 +62,12 @@ ValoresCabezal SesionEdicion::valoresDelCabezal(int cabezal)
         v.libro = ofrecido(m_datos.empresa.libroPorDefecto) ? m_datos.empresa.libroPorDefecto : m_libros.first().second;
     v.leyenda = c.AsiLeyenda;
     v.autoriza = c.AsiUsuarioVerificador;
-    v.autorizaHabilitado = !(m_vista.ConAutoriza() && c.AsiID > 0 && AsientoVerificado(*m_datos.conexion(), c.AsiID));
+    std::optional<bool> verificado = false;
+    if (m_vista.ConAutoriza() && c.AsiID > 0)
+        verificado = m_datos.Leido(AsientoVerificado(*m_datos.conexion(), c.AsiID), 1928);
+    if (!verificado)
+        return std::nullopt;
+    v.autorizaHabilitado = !*verificado;
     return v;
 }
 
@@ -74,69 +78,78 @@ bool SesionEdicion::EntrarEdicion(int fila)
     const bool ultima = fila == m_grilla.Filas() - 1;
     if (!m_datos.TienePermiso(ultima ? u'A' : u'M'))
         return false;
-    try {
-        // A new entry: the placeholder becomes its header row and its first line, and a new
-        // placeholder closes the grid again.
-        if (ultima && m_asientos.EsFilaNuevoAsiento(fila)) {
-            m_grilla.FijarRedibujar(false);
-            m_asientos.ResetCabezal();
-            m_asientos.Cabezal.AsiEstado = EstadoAsiento::kNuevo;
-            m_asientos.Cabezal.FilaCabezal = fila;
-            m_asientos.FilaCabezalAsiento(QString());
-            m_grilla.InsertarFila(fila + 1);
-            m_grilla.FijarDato(fila + 1, 0, 0);
-            m_grilla.FijarDato(fila + 1, 1, QString()); // a line row with no account yet
-            m_asientos.FilaNuevoAsiento();
-            m_grilla.FijarRedibujar(true);
-            fila = fila + 1;
-        }
-        const int cabezal = m_asientos.FilaCabezalDe(fila);
-        if (cabezal < 0)
-            return false;
-        // An entry another session wrote since it was read is read again first, so the
-        // user edits what is stored and the write is not refused as stale.
-        const int desplazamiento = fila - cabezal;
-        switch (m_comandos.ReleerSiCambio(cabezal)) {
-        case ComandosAsiento::Vigencia::Vigente:
-            break;
-        case ComandosAsiento::Vigencia::Releida:
-            fila = std::min(cabezal + desplazamiento, m_asientos.UltimaFilaAsiento(cabezal));
-            break;
-        case ComandosAsiento::Vigencia::Quitada:
-            return false;
-        }
-        m_asientos.TomarAsientoDeFila(cabezal);
-        const CabezalAsiento &c = m_asientos.Cabezal;
-        if (m_asientos.EsFilaCabezal(fila))
-            fila = cabezal + 1 <= m_asientos.UltimaFilaAsiento(cabezal) ? cabezal + 1 : cabezal;
-        m_filaEdicion = fila;
-        m_escrituraRechazada = false;
-        m_inalterable = false;
-
-        if (c.AsiID > 0 && c.AsiTipo != 0 && c.AsiTipo == m_datos.librosSistema().primeraApertura
-            && !m_comandos.PuedeModificarApertura()) {
-            m_filaEdicion = 0;
-            m_asientos.ResetCabezal();
-            return false;
-        }
-        m_grilla.FijarImagen(cabezal, QStringLiteral("edicion"));
-        if (!leerLibros()) {
-            terminarEdicion(false);
-            m_datos.Informar(1828);
-            return false;
-        }
-        m_abiertos = valoresDelCabezal(cabezal);
-        m_vista.AbrirCabezal(m_abiertos);
-        cargarLineaEnEditor(fila);
-        m_vista.MostrarEditor(fila, false);
-        return true;
-    } catch (const ErrorBaseDatos &e) {
-        m_datos.Error(1928, DetalleError(e.numero(), e.descripcion()));
+    // A read that fails is told (1928) and leaves the edit.
+    auto fallar = [this] {
         if (m_filaEdicion > 0)
             terminarEdicion(false);
         m_asientos.ResetCabezal();
         return false;
+    };
+    // A new entry: the placeholder becomes its header row and its first line, and a new
+    // placeholder closes the grid again.
+    if (ultima && m_asientos.EsFilaNuevoAsiento(fila)) {
+        m_grilla.FijarRedibujar(false);
+        m_asientos.ResetCabezal();
+        m_asientos.Cabezal.AsiEstado = EstadoAsiento::kNuevo;
+        m_asientos.Cabezal.FilaCabezal = fila;
+        m_asientos.FilaCabezalAsiento(QString());
+        m_grilla.InsertarFila(fila + 1);
+        m_grilla.FijarDato(fila + 1, 0, 0);
+        m_grilla.FijarDato(fila + 1, 1, QString()); // a line row with no account yet
+        m_asientos.FilaNuevoAsiento();
+        m_grilla.FijarRedibujar(true);
+        fila = fila + 1;
     }
+    const int cabezal = m_asientos.FilaCabezalDe(fila);
+    if (cabezal < 0)
+        return false;
+    // An entry another session wrote since it was read is read again first, so the
+    // user edits what is stored and the write is not refused as stale.
+    const int desplazamiento = fila - cabezal;
+    const auto vigencia = m_datos.Leido(m_comandos.ReleerSiCambio(cabezal), 1928);
+    if (!vigencia)
+        return fallar();
+    switch (*vigencia) {
+    case ComandosAsiento::Vigencia::Vigente:
+        break;
+    case ComandosAsiento::Vigencia::Releida:
+        fila = std::min(cabezal + desplazamiento, m_asientos.UltimaFilaAsiento(cabezal));
+        break;
+    case ComandosAsiento::Vigencia::Quitada:
+        return false;
+    }
+    m_asientos.TomarAsientoDeFila(cabezal);
+    const CabezalAsiento &c = m_asientos.Cabezal;
+    if (m_asientos.EsFilaCabezal(fila))
+        fila = cabezal + 1 <= m_asientos.UltimaFilaAsiento(cabezal) ? cabezal + 1 : cabezal;
+    m_filaEdicion = fila;
+    m_escrituraRechazada = false;
+    m_inalterable = false;
+
+    if (c.AsiID > 0 && c.AsiTipo != 0 && c.AsiTipo == m_datos.librosSistema().primeraApertura) {
+        const auto puede = m_datos.Leido(m_comandos.ModificableApertura(), 1928);
+        if (!puede)
+            return fallar();
+        if (!*puede) {
+            m_filaEdicion = 0;
+            m_asientos.ResetCabezal();
+            return false;
+        }
+    }
+    m_grilla.FijarImagen(cabezal, QStringLiteral("edicion"));
+    if (!leerLibros()) {
+        terminarEdicion(false);
+        m_datos.Informar(1828);
+        return false;
+    }
+    const auto valores = valoresDelCabezal(cabezal);
+    if (!valores)
+        return fallar();
+    m_abiertos = *valores;
+    m_vista.AbrirCabezal(m_abiertos);
+    cargarLineaEnEditor(fila);
+    m_vista.MostrarEditor(fila, false);
+    return true;
 }
 
 void SesionEdicion::cargarLineaEnEditor(int fila)
@@ -169,20 +182,16 @@ void SesionEdicion::AgregarCuenta()
     const int cabezal = m_asientos.FilaCabezalDe(m_vista.FilaActual());
     if (cabezal < 0)
         return;
-    try {
-        m_asientos.TomarAsientoDeFila(cabezal);
-        int ultima = m_asientos.UltimaFilaAsiento(cabezal);
-        if (m_asientos.EsFilaDiferencia(ultima))
-            --ultima;
-        m_grilla.InsertarFila(ultima + 1);
-        m_grilla.FijarDato(ultima + 1, 0, m_asientos.Cabezal.AsiID);
-        m_grilla.FijarDato(ultima + 1, 1, QString()); // a line row with no account yet
-        m_asientos.ResetCabezal();
-        m_vista.SeleccionarFila(ultima + 1);
-        EntrarEdicion(ultima + 1);
-    } catch (const ErrorBaseDatos &e) {
-        m_datos.Error(1935, DetalleError(e.numero(), e.descripcion()));
-    }
+    m_asientos.TomarAsientoDeFila(cabezal);
+    int ultima = m_asientos.UltimaFilaAsiento(cabezal);
+    if (m_asientos.EsFilaDiferencia(ultima))
+        --ultima;
+    m_grilla.InsertarFila(ultima + 1);
+    m_grilla.FijarDato(ultima + 1, 0, m_asientos.Cabezal.AsiID);
+    m_grilla.FijarDato(ultima + 1, 1, QString()); // a line row with no account yet
+    m_asientos.ResetCabezal();
+    m_vista.SeleccionarFila(ultima + 1);
+    EntrarEdicion(ultima + 1);
 }
 
 // Writes the accepted line into the edited row (a second row for the credit account of a

@@ -8,6 +8,7 @@
 #include <QList>
 #include <QString>
 
+#include <optional>
 #include <utility>
 
 // The entry being edited: its rows in the grid, its header values, the row the line editor
@@ -68,7 +69,8 @@ public:
 private:
     void cargarLineaEnEditor(int fila);
     bool leerLibros();
-    ValoresCabezal valoresDelCabezal(int cabezal);
+    // None after telling (1928) that the store could not be read.
+    std::optional<ValoresCabezal> valoresDelCabezal(int cabezal);
     void escribirLinea(int fila, const RegistroLinea &linea);
     void terminarEdicion(bool recargar);
     bool guardarCabezalCambiado();

@@ -27,62 +27,58 @@ void UnificacionTasa::UnificarTC(bool bMonedaCuenta)
     const int cabezal = m_asientos.FilaCabezalDe(fila);
     if (cabezal < 0 || !m_datos.conexion() || !m_datos.TienePermiso(u'M'))
         return;
-    try {
-        const qint16 mc = m_datos.empresa.monedaContabilidad;
-        qint16 moneda = m_asientos.LineaDeFila(fila).iMon;
-        if (moneda == mc || moneda < 1) {
-            // On the header row or a line in pesos: the entry's first foreign currency.
-            for (int r = cabezal + 1; r <= m_asientos.UltimaFilaAsiento(cabezal) && (moneda == mc || moneda < 1); ++r)
-                moneda = m_asientos.LineaDeFila(r).iMon;
+    const qint16 mc = m_datos.empresa.monedaContabilidad;
+    qint16 moneda = m_asientos.LineaDeFila(fila).iMon;
+    if (moneda == mc || moneda < 1) {
+        // On the header row or a line in pesos: the entry's first foreign currency.
+        for (int r = cabezal + 1; r <= m_asientos.UltimaFilaAsiento(cabezal) && (moneda == mc || moneda < 1); ++r)
+            moneda = m_asientos.LineaDeFila(r).iMon;
+    }
+    if (moneda == mc || moneda < 1)
+        return;
+    m_asientos.TomarAsientoDeFila(cabezal);
+    // Every way out from here leaves the grid's current entry reset.
+    const auto reset = qScopeGuard([this] { m_asientos.ResetCabezal(); });
+    const ReglasCotizacion reglas = m_datos.reglasCotizacion();
+    // The quotation of a pair on the entry's date; none after a failure to read it was told.
+    auto cotizacion = [&](qint16 origen, qint16 destino) -> std::optional<double> {
+        QDate fechaCotizacion;
+        Importe tasa;
+        if (const auto fallo = BuscarTipoCambio(*m_datos.conexion(), origen, destino, m_datos.empresa.tipoTCComprobantes,
+                                                m_asientos.Cabezal.AsiFechaAsiento, fechaCotizacion, reglas, tasa)) {
+            m_datos.MostrarFallo(*fallo);
+            return std::nullopt;
         }
-        if (moneda == mc || moneda < 1)
+        return tasa.aDouble();
+    };
+    const std::optional<double> leida = bMonedaCuenta ? cotizacion(mc, moneda) : cotizacion(moneda, mc);
+    if (!leida)
+        return;
+    double propuesta = *leida;
+    if (propuesta > 0 && propuesta < 1)
+        propuesta = 1 / propuesta;
+    const QString mascara = m_datos.monedas().DatoMoneda(moneda, 5).toString();
+    propuesta = RedondearConMascara(propuesta, mascara);
+    // The rate is asked for as the line editor shows it, 1 or more; a currency worth less
+    // than the accounting currency is applied with "/" (a yen at 0.25 is "/ 4"). The
+    // entry's own rate tells which, or the quotation when the entry has none.
+    double factor = m_asientos.BuscarTCMonedaCuenta(moneda);
+    if (factor <= 0) {
+        const std::optional<double> directa = bMonedaCuenta ? cotizacion(moneda, mc) : leida;
+        if (!directa)
             return;
-        m_asientos.TomarAsientoDeFila(cabezal);
-        // Every way out from here leaves the grid's current entry reset.
-        const auto reset = qScopeGuard([this] { m_asientos.ResetCabezal(); });
-        const ReglasCotizacion reglas = m_datos.reglasCotizacion();
-        // The quotation of a pair on the entry's date; none after a failure to read it was told.
-        auto cotizacion = [&](qint16 origen, qint16 destino) -> std::optional<double> {
-            QDate fechaCotizacion;
-            Importe tasa;
-            if (const auto fallo = BuscarTipoCambio(*m_datos.conexion(), origen, destino, m_datos.empresa.tipoTCComprobantes,
-                                                    m_asientos.Cabezal.AsiFechaAsiento, fechaCotizacion, reglas, tasa)) {
-                m_datos.MostrarFallo(*fallo);
-                return std::nullopt;
-            }
-            return tasa.aDouble();
-        };
-        const std::optional<double> leida = bMonedaCuenta ? cotizacion(mc, moneda) : cotizacion(moneda, mc);
-        if (!leida)
-            return;
-        double propuesta = *leida;
-        if (propuesta > 0 && propuesta < 1)
-            propuesta = 1 / propuesta;
-        const QString mascara = m_datos.monedas().DatoMoneda(moneda, 5).toString();
-        propuesta = RedondearConMascara(propuesta, mascara);
-        // The rate is asked for as the line editor shows it, 1 or more; a currency worth less
-        // than the accounting currency is applied with "/" (a yen at 0.25 is "/ 4"). The
-        // entry's own rate tells which, or the quotation when the entry has none.
-        double factor = m_asientos.BuscarTCMonedaCuenta(moneda);
-        if (factor <= 0) {
-            const std::optional<double> directa = bMonedaCuenta ? cotizacion(moneda, mc) : leida;
-            if (!directa)
-                return;
-            factor = *directa;
+        factor = *directa;
+    }
+    const bool divide = factor > 0 && factor < 1;
+    double tasa = propuesta;
+    if (m_datos.mensajes->PedirNumero(m_datos.texto(1111), m_datos.texto(1112), tasa) && tasa > 0) {
+        tasa = RedondearConMascara(tasa, mascara);
+        if (tasa > 0) {
+            AplicarTC(bMonedaCuenta, divide ? 1 / tasa : tasa, moneda);
+            // The entry was read again in place: the row the user was on stays current.
+            if (fila < m_grilla.Filas())
+                m_pantalla.SeleccionarFila(fila);
         }
-        const bool divide = factor > 0 && factor < 1;
-        double tasa = propuesta;
-        if (m_datos.mensajes->PedirNumero(m_datos.texto(1111), m_datos.texto(1112), tasa) && tasa > 0) {
-            tasa = RedondearConMascara(tasa, mascara);
-            if (tasa > 0) {
-                AplicarTC(bMonedaCuenta, divide ? 1 / tasa : tasa, moneda);
-                // The entry was read again in place: the row the user was on stays current.
-                if (fila < m_grilla.Filas())
-                    m_pantalla.SeleccionarFila(fila);
-            }
-        }
-    } catch (const ErrorBaseDatos &e) {
-        m_datos.Error(1934, DetalleError(e.numero(), e.descripcion()));
     }
 }
 
@@ -102,7 +98,10 @@ bool UnificacionTasa::AplicarTC(bool bMonedaCuenta, double tasa, qint16 moneda)
             m_datos.Error(1820);
             return false;
         }
-        if (datos.HayCuentasCerradas(datos.Cabezal().Fecha)) {
+        const auto cerradas = m_datos.Leido(datos.HayCuentasCerradas(datos.Cabezal().Fecha), 1934);
+        if (!cerradas)
+            return false;
+        if (*cerradas) {
             m_datos.Advertir(1831);
             return false;
         }

@@ -24,8 +24,8 @@ public:
     void UnificarTC(bool bMonedaCuenta);
     // Applies a factor (accounting units per unit) to the current entry's lines in moneda
     // and stores a stored entry again. A rate that leaves a complete entry unbalanced is
-    // kept only as incomplete, after question 1958 (No: nothing changes). Throws
-    // ErrorBaseDatos when the write fails.
+    // kept only as incomplete, after question 1958 (No: nothing changes). A failure of the
+    // store is told with 1934.
     bool AplicarTC(bool bMonedaCuenta, double tasa, qint16 moneda);
 
     // A line typed at a rate other than the one the entry already uses for its currency: the

@@ -39,12 +39,14 @@ QString condicionSello(Motor motor, const QDateTime &leido, QVariantList &valore
 
 } // namespace
 
-QString TextoDeCuenta(Conexion &conexion, qint32 cuenta, bool mostrarCodigo)
+Resultado<QString> TextoDeCuenta(Conexion &conexion, qint32 cuenta, bool mostrarCodigo)
 {
-    auto rs = conexion.Abrir(QStringLiteral("Select CueCodigo, CueNombre From cceCuentas Where CueID = ?"), {cuenta});
-    if (rs->Fin())
-        return QString::number(cuenta);
-    return TextoCuenta(rs->Texto(QStringLiteral("CueCodigo")).trimmed(), rs->Texto(QStringLiteral("CueNombre")).trimmed(), mostrarCodigo);
+    return Intentar([&] {
+        auto rs = conexion.Abrir(QStringLiteral("Select CueCodigo, CueNombre From cceCuentas Where CueID = ?"), {cuenta});
+        if (rs->Fin())
+            return QString::number(cuenta);
+        return TextoCuenta(rs->Texto(QStringLiteral("CueCodigo")).trimmed(), rs->Texto(QStringLiteral("CueNombre")).trimmed(), mostrarCodigo);
+    });
 }
 
 bool SelloGuardado::Vigente(const QDateTime &leido) const
@@ -52,32 +54,36 @@ bool SelloGuardado::Vigente(const QDateTime &leido) const
     return existe && estado != EstadoAsiento::kPapelera && sello == leido;
 }
 
-QHash<qint32, SelloGuardado> LeerSellos(Conexion &conexion, const QList<qint32> &ids)
+Resultado<QHash<qint32, SelloGuardado>> LeerSellos(Conexion &conexion, const QList<qint32> &ids)
 {
-    QHash<qint32, SelloGuardado> sellos;
-    if (ids.isEmpty())
+    return Intentar([&] {
+        QHash<qint32, SelloGuardado> sellos;
+        if (ids.isEmpty())
+            return sellos;
+        QStringList lista;
+        for (qint32 id : ids)
+            lista << QString::number(id);
+        auto rs = conexion.Abrir(QStringLiteral("Select AsiID, AsiEstado, AsiFechaModificado From cceAsientos Where AsiID In (%1)")
+                                     .arg(lista.join(QLatin1Char(','))));
+        for (; !rs->Fin(); rs->MoverSiguiente())
+            sellos.insert(qint32(rs->Entero(QStringLiteral("AsiID"))),
+                          {true, qint16(rs->Entero(QStringLiteral("AsiEstado"))), FechaHoraDeValor(rs->Campo(QStringLiteral("AsiFechaModificado")))});
+        rs->Cerrar();
         return sellos;
-    QStringList lista;
-    for (qint32 id : ids)
-        lista << QString::number(id);
-    auto rs = conexion.Abrir(QStringLiteral("Select AsiID, AsiEstado, AsiFechaModificado From cceAsientos Where AsiID In (%1)")
-                                 .arg(lista.join(QLatin1Char(','))));
-    for (; !rs->Fin(); rs->MoverSiguiente())
-        sellos.insert(qint32(rs->Entero(QStringLiteral("AsiID"))),
-                      {true, qint16(rs->Entero(QStringLiteral("AsiEstado"))), FechaHoraDeValor(rs->Campo(QStringLiteral("AsiFechaModificado")))});
-    rs->Cerrar();
-    return sellos;
+    });
 }
 
-bool AsientoVerificado(Conexion &conexion, qint32 asiID)
+Resultado<bool> AsientoVerificado(Conexion &conexion, qint32 asiID)
 {
-    auto rs = conexion.Abrir(QStringLiteral("Select AsiVerificado from cceAsientos Where AsiID = ") + QString::number(asiID));
-    const QVariant v = rs->Fin() ? QVariant() : rs->Campo(0);
-    rs->Cerrar();
-    if (v.isNull())
-        return false;
-    const int marca = v.toInt();
-    return marca == 1 || marca == 2;
+    return Intentar([&] {
+        auto rs = conexion.Abrir(QStringLiteral("Select AsiVerificado from cceAsientos Where AsiID = ") + QString::number(asiID));
+        const QVariant v = rs->Fin() ? QVariant() : rs->Campo(0);
+        rs->Cerrar();
+        if (v.isNull())
+            return false;
+        const int marca = v.toInt();
+        return marca == 1 || marca == 2;
+    });
 }
 
 AsientoDatos::AsientoDatos(Conexion &conexion, const LibrosSistema &libros)
@@ -168,7 +174,12 @@ std::optional<Fallo> AsientoDatos::CargarAsiento(qint32 asiID)
     return std::nullopt;
 }
 
-bool AsientoDatos::HayCuentasCerradas(const QDate &fecha)
+Resultado<bool> AsientoDatos::HayCuentasCerradas(const QDate &fecha)
+{
+    return Intentar([&] { return hayCuentasCerradas(fecha); });
+}
+
+bool AsientoDatos::hayCuentasCerradas(const QDate &fecha)
 {
     QStringList ids;
     for (const LineaDatos &l : std::as_const(m_lineas))
@@ -284,9 +295,9 @@ qint32 AsientoDatos::empresaDelAsiento()
     return empresa;
 }
 
-ResultadoBalance AsientoDatos::Balance()
+Resultado<ResultadoBalance> AsientoDatos::Balance()
 {
-    return balanceDe(lineasConMoneda(), empresaDelAsiento());
+    return Intentar([&] { return balanceDe(lineasConMoneda(), empresaDelAsiento()); });
 }
 
 // Every amount is stored as its currency's mask shows it: what is stored, shown and balanced
@@ -551,7 +562,7 @@ std::optional<Fallo> AsientoDatos::RestaurarVersion(qint32 asiID, const QJsonObj
     try {
         // An entry that comes back among the live ones obeys the closed accounts as any write
         // at its date does; one that goes to the trash does not need to.
-        if (c.Estado != EstadoAsiento::kPapelera && HayCuentasCerradas(c.Fecha))
+        if (c.Estado != EstadoAsiento::kPapelera && hayCuentasCerradas(c.Fecha))
             return rechazo(kCuentaCerrada, QStringLiteral("hay cuentas cerradas al %1").arg(c.Fecha.toString(Qt::ISODate)));
     } catch (const ErrorBaseDatos &e) {
         return deLaBase(e);
@@ -585,21 +596,23 @@ std::optional<Fallo> AsientoDatos::EliminarDefinitivo(qint32 asiID, const QDateT
     return std::nullopt;
 }
 
-int AsientoDatos::EstadoApertura(const QDate &fecha, qint32 empresa)
+Resultado<int> AsientoDatos::EstadoApertura(const QDate &fecha, qint32 empresa)
 {
-    auto posteriores = [&](qint16 libro) {
-        if (libro == 0)
-            return false;
-        auto rs = m_conexion->Abrir(QStringLiteral("Select Count(*) From cceAsientos Where AsiEmpresa = ? And AsiTipo = ?"
-                                                   " And AsiFechaAsiento > ? And AsiEstado <> 9"),
-                                    {empresa, libro, Conexion::ValorFecha(fecha)});
-        const bool hay = !rs->Fin() && QVariant(rs->Campo(0)).toInt() > 0;
-        rs->Cerrar();
-        return hay;
-    };
-    if (posteriores(m_libros.adc))
-        return 1;
-    if (posteriores(m_libros.cierre))
-        return 2;
-    return 0;
+    return Intentar([&] {
+        auto posteriores = [&](qint16 libro) {
+            if (libro == 0)
+                return false;
+            auto rs = m_conexion->Abrir(QStringLiteral("Select Count(*) From cceAsientos Where AsiEmpresa = ? And AsiTipo = ?"
+                                                       " And AsiFechaAsiento > ? And AsiEstado <> 9"),
+                                        {empresa, libro, Conexion::ValorFecha(fecha)});
+            const bool hay = !rs->Fin() && QVariant(rs->Campo(0)).toInt() > 0;
+            rs->Cerrar();
+            return hay;
+        };
+        if (posteriores(m_libros.adc))
+            return 1;
+        if (posteriores(m_libros.cierre))
+            return 2;
+        return 0;
+    });
 }

@@ -62,8 +62,9 @@ struct LibrosSistema
 };
 
 // An account as the lists show it ("code - name", or the name alone); its id as text when
-// there is no such account. Throws ErrorBaseDatos.
-QString TextoDeCuenta(Conexion &conexion, qint32 cuenta, bool mostrarCodigo);
+// there is no such account. A failure of the database carries text 0, here and in the reads
+// below: the caller tells it with its own text.
+Resultado<QString> TextoDeCuenta(Conexion &conexion, qint32 cuenta, bool mostrarCodigo);
 
 // An entry's state and stamp as stored now, against which a copy read earlier is checked.
 struct SelloGuardado
@@ -76,11 +77,11 @@ struct SelloGuardado
     bool Vigente(const QDateTime &leido) const;
 };
 // The stored state and stamp of each entry asked for; an entry that no longer exists is left
-// out (its SelloGuardado is the default one). Throws ErrorBaseDatos.
-QHash<qint32, SelloGuardado> LeerSellos(Conexion &conexion, const QList<qint32> &ids);
+// out (its SelloGuardado is the default one).
+Resultado<QHash<qint32, SelloGuardado>> LeerSellos(Conexion &conexion, const QList<qint32> &ids);
 
 // Whether the entry is verified (AsiVerificado 1 or 2): its authoriser may not change.
-bool AsientoVerificado(Conexion &conexion, qint32 asiID);
+Resultado<bool> AsientoVerificado(Conexion &conexion, qint32 asiID);
 
 // The entry data service: every write of an entry goes through here, and here the books'
 // rules hold whatever command writes. A write is one transaction, header and lines together
@@ -126,10 +127,10 @@ public:
 
     // True when an account of the loaded lines is closed at the date (closing date on or
     // after it).
-    bool HayCuentasCerradas(const QDate &fecha);
+    Resultado<bool> HayCuentasCerradas(const QDate &fecha);
     // The balance test of the loaded lines, with their accounts' currencies and masks as
-    // stored, by the rule the write checks. Throws ErrorBaseDatos.
-    ResultadoBalance Balance();
+    // stored, by the rule the write checks.
+    Resultado<ResultadoBalance> Balance();
 
     // How precise a new stamp is: to the millisecond, or in whole seconds (as a change of an
     // entry's book writes it).
@@ -163,7 +164,7 @@ public:
     // For the opening-balance entry of a company, dated fecha: 1 when exchange-difference
     // entries dated after it exist, 2 when a year closing after it exists, 0 when it may
     // still change.
-    int EstadoApertura(const QDate &fecha, qint32 empresa);
+    Resultado<int> EstadoApertura(const QDate &fecha, qint32 empresa);
 
     // The stamp for a write that follows one read as anterior: now by the clock, to the
     // millisecond or in whole seconds, and always later than anterior (a whole second later
@@ -171,6 +172,7 @@ public:
     static QDateTime SelloNuevo(const Reloj &reloj, const QDateTime &anterior, Sello sello = Sello::Milisegundos);
 
 private:
+    bool hayCuentasCerradas(const QDate &fecha);
     std::optional<Fallo> actualizarCabezal(qint32 asiID, const QDateTime &nuevo);
     void escribirLineas(qint32 asiID);
     qint16 libroApertura();

@@ -2,6 +2,8 @@
 
 #include "modeloasiento.h"
 
+#include <QStringList>
+
 #include <algorithm>
 #include <cmath>
 
@@ -146,7 +148,39 @@ MovimientoFrecuente FrecuentesDatos::cabezalDe(Recordset &rs) const
     return m;
 }
 
-std::optional<MovimientoFrecuente> FrecuentesDatos::Leer(qint32 mfrID)
+Resultado<std::optional<MovimientoFrecuente>> FrecuentesDatos::Leer(qint32 mfrID)
+{
+    return Intentar([&] { return leer(mfrID); });
+}
+
+Resultado<QVector<MovimientoFrecuente>> FrecuentesDatos::Buscar(qint32 empresa, const QString &texto)
+{
+    return Intentar([&] { return buscar(empresa, texto); });
+}
+
+Resultado<QVector<MovimientoFrecuente>> FrecuentesDatos::Vencidos(qint32 empresa, const QDate &hoy)
+{
+    return Intentar([&] { return vencidos(empresa, hoy); });
+}
+
+Resultado<QHash<qint32, QString>> FrecuentesDatos::NombresSinAgenda(const QList<qint32> &ids, qint32 empresa)
+{
+    QStringList lista;
+    for (qint32 id : ids)
+        lista << QString::number(id);
+    return Intentar([&] {
+        QHash<qint32, QString> nombres;
+        auto rs = m_conexion.Abrir(QStringLiteral("Select MFrID, MFrNombre From genMovimientosFrecuentes ")
+                                   + QStringLiteral("Where MFrID IN(") + lista.join(QLatin1Char(','))
+                                   + QStringLiteral(") And MFrRecurrencia Is Null And MFrEmpresa = ")
+                                   + QString::number(empresa));
+        for (; !rs->Fin(); rs->MoverSiguiente())
+            nombres.insert(qint32(rs->Entero(QStringLiteral("MFrID"))), rs->Texto(QStringLiteral("MFrNombre")).trimmed());
+        return nombres;
+    });
+}
+
+std::optional<MovimientoFrecuente> FrecuentesDatos::leer(qint32 mfrID)
 {
     auto rs = m_conexion.Abrir(QStringLiteral("Select ") + kColumnas + QStringLiteral(" From genMovimientosFrecuentes Where MFrID = ?"),
                                {mfrID});
@@ -177,7 +211,7 @@ std::optional<MovimientoFrecuente> FrecuentesDatos::Leer(qint32 mfrID)
     return m;
 }
 
-QVector<MovimientoFrecuente> FrecuentesDatos::Buscar(qint32 empresa, const QString &texto)
+QVector<MovimientoFrecuente> FrecuentesDatos::buscar(qint32 empresa, const QString &texto)
 {
     // The name is compared here, not by the engine: "%" and "_" are plain characters of a
     // name, and case is ignored for every letter, accented ones too.
@@ -198,7 +232,7 @@ QVector<MovimientoFrecuente> FrecuentesDatos::Buscar(qint32 empresa, const QStri
     return r;
 }
 
-QVector<MovimientoFrecuente> FrecuentesDatos::Vencidos(qint32 empresa, const QDate &hoy)
+QVector<MovimientoFrecuente> FrecuentesDatos::vencidos(qint32 empresa, const QDate &hoy)
 {
     QVector<MovimientoFrecuente> r;
     for (auto rs = m_conexion.Abrir(QStringLiteral("Select ") + kColumnas
@@ -239,10 +273,16 @@ std::optional<Fallo> FrecuentesDatos::Registrar(const MovimientoFrecuente &m, co
         // A future entry waits as a draft until its day, as every entry does.
         const bool borradorHastaSuDia = borrador || fecha > m_conexion.reloj().Hoy();
         datos.Lineas() = m.Lineas;
-        d.Estado = datos.Balance().cierra ? (borradorHastaSuDia ? EstadoAsiento::kBorrador : EstadoAsiento::kRegistrado)
-                                          : EstadoAsiento::kInconcluso;
+        const auto balance = datos.Balance();
+        if (!balance)
+            return balance.fallo();
+        d.Estado = balance->cierra ? (borradorHastaSuDia ? EstadoAsiento::kBorrador : EstadoAsiento::kRegistrado)
+                                   : EstadoAsiento::kInconcluso;
         d.FechaCambioEstado = AsientoDatos::SelloNuevo(m_conexion.reloj(), QDateTime());
-        if (datos.HayCuentasCerradas(fecha))
+        const auto cerradas = datos.HayCuentasCerradas(fecha);
+        if (!cerradas)
+            return cerradas.fallo();
+        if (*cerradas)
             return Fallo{0, QStringLiteral("Hay cuentas cerradas a la fecha %1.").arg(fecha.toString(QStringLiteral("dd/MM/yyyy")))};
         // The template's command tells any refusal with its own text and this detail.
         if (auto fallo = datos.GrabarTodo())

@@ -6,6 +6,8 @@
 #include "store/conexion.h"
 
 #include <QDate>
+#include <QHash>
+#include <QList>
 #include <QString>
 #include <QVector>
 
@@ -55,13 +57,17 @@ public:
     [[nodiscard]] std::optional<Fallo> Guardar(MovimientoFrecuente &m);
     [[nodiscard]] std::optional<Fallo> Eliminar(qint32 mfrID);
 
+    // The reads answer a failure of the database with text 0, for the caller to tell with
+    // its own text.
     // The template with its lines; none when there is no such template.
-    std::optional<MovimientoFrecuente> Leer(qint32 mfrID);
+    Resultado<std::optional<MovimientoFrecuente>> Leer(qint32 mfrID);
     // The company's templates (headers only) whose name holds texto (case ignored; all for
     // an empty texto), by name.
-    QVector<MovimientoFrecuente> Buscar(qint32 empresa, const QString &texto);
+    Resultado<QVector<MovimientoFrecuente>> Buscar(qint32 empresa, const QString &texto);
     // The company's scheduled templates due on or before hoy, oldest first.
-    QVector<MovimientoFrecuente> Vencidos(qint32 empresa, const QDate &hoy);
+    Resultado<QVector<MovimientoFrecuente>> Vencidos(qint32 empresa, const QDate &hoy);
+    // The names of those of ids that are the company's and not scheduled, by id.
+    Resultado<QHash<qint32, QString>> NombresSinAgenda(const QList<qint32> &ids, qint32 empresa);
 
     // Writes an entry from the template, dated fecha: registered (or a draft, with
     // borrador, or dated after today) when it balances, incomplete otherwise. A scheduled template then moves its
@@ -75,6 +81,9 @@ public:
     static QDate SiguienteFecha(const MovimientoFrecuente &m);
 
 private:
+    std::optional<MovimientoFrecuente> leer(qint32 mfrID);
+    QVector<MovimientoFrecuente> buscar(qint32 empresa, const QString &texto);
+    QVector<MovimientoFrecuente> vencidos(qint32 empresa, const QDate &hoy);
     void escribirLineas(const MovimientoFrecuente &m);
     MovimientoFrecuente cabezalDe(Recordset &rs) const;
 

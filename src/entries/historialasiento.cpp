@@ -1,5 +1,7 @@
 #include "historialasiento.h"
 
+#include "entries/modeloasiento.h"
+
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QLocale>
@@ -128,23 +130,67 @@ QList<Fila> leerFilas(Conexion &conexion, const QString &condicion, const QVaria
     return filas;
 }
 
-} // namespace
-
-QList<Fila> Leer(Conexion &conexion, qint32 asiID)
-{
-    return leerFilas(conexion, QStringLiteral("h.HisAsiento = ? Order By h.HisID"), asiID);
-}
-
-std::optional<Fila> Ultimo(Conexion &conexion, qint32 asiID)
+std::optional<Fila> ultimo(Conexion &conexion, qint32 asiID)
 {
     const QList<Fila> filas = leerFilas(conexion, QStringLiteral("h.HisAsiento = ? Order By h.HisID Desc Limit 1"), asiID);
     return filas.isEmpty() ? std::nullopt : std::optional<Fila>(filas.first());
 }
 
-std::optional<Fila> LeerFila(Conexion &conexion, qint64 id)
+} // namespace
+
+Resultado<QJsonObject> Guardado(Conexion &conexion, qint32 asiID)
 {
-    const QList<Fila> filas = leerFilas(conexion, QStringLiteral("h.HisID = ?"), id);
-    return filas.isEmpty() ? std::nullopt : std::optional<Fila>(filas.first());
+    return Intentar([&] { return LeerGuardado(conexion, asiID); });
+}
+
+Resultado<QList<Fila>> Leer(Conexion &conexion, qint32 asiID)
+{
+    return Intentar([&] { return leerFilas(conexion, QStringLiteral("h.HisAsiento = ? Order By h.HisID"), asiID); });
+}
+
+Resultado<std::optional<Fila>> Ultimo(Conexion &conexion, qint32 asiID)
+{
+    return Intentar([&] { return ultimo(conexion, asiID); });
+}
+
+Resultado<std::optional<Fila>> LeerFila(Conexion &conexion, qint64 id)
+{
+    return Intentar([&] {
+        const QList<Fila> filas = leerFilas(conexion, QStringLiteral("h.HisID = ?"), id);
+        return filas.isEmpty() ? std::nullopt : std::optional<Fila>(filas.first());
+    });
+}
+
+Resultado<QList<EnPapelera>> Papelera(Conexion &conexion, qint32 empresa)
+{
+    return Intentar([&] {
+        QList<EnPapelera> lista;
+        auto rs = conexion.Abrir(QStringLiteral("Select AsiID, AsiFechaAsiento, AsiLeyenda, AsiFechaEstado, AsiFechaModificado From cceAsientos"
+                                                " Where AsiEmpresa = ? And AsiEstado = 9 Order By AsiFechaEstado Desc, AsiID Desc"),
+                                 {empresa});
+        for (; !rs->Fin(); rs->MoverSiguiente()) {
+            EnPapelera e;
+            e.asiID = qint32(rs->Entero(QStringLiteral("AsiID")));
+            e.fecha = rs->Fecha(QStringLiteral("AsiFechaAsiento"));
+            e.leyenda = rs->Campo(QStringLiteral("AsiLeyenda")).toString().trimmed();
+            e.enviadoEl = rs->FechaHora(QStringLiteral("AsiFechaEstado"));
+            e.sello = rs->FechaHora(QStringLiteral("AsiFechaModificado"));
+            lista.append(e);
+        }
+        rs->Cerrar();
+        for (EnPapelera &e : lista) {
+            const std::optional<Fila> ultima = ultimo(conexion, e.asiID);
+            if (!ultima
+                || (ultima->operacion != QLatin1String(kPapelera)
+                    && ultima->despues.value(QStringLiteral("Estado")).toInt() != EstadoAsiento::kPapelera))
+                continue;
+            e.enviadoPor = ultima->nombreUsuario.isEmpty() ? QString::number(ultima->usuario) : ultima->nombreUsuario;
+            e.enviadoEl = ultima->momento;
+            if (ultima->antes.value(QStringLiteral("Estado")).toInt(EstadoAsiento::kPapelera) != EstadoAsiento::kPapelera)
+                e.antes = ultima->antes;
+        }
+        return lista;
+    });
 }
 
 QString NombreOperacion(const QString &operacion)

@@ -2,6 +2,7 @@
 
 #include "store/conexion.h"
 
+#include <QDate>
 #include <QDateTime>
 #include <QJsonObject>
 #include <QList>
@@ -29,8 +30,12 @@ inline constexpr const char *kDeshacer = "deshacer";
 inline constexpr const char *kCanal = "asientos_cambiados";
 
 // The stored entry, header and lines, as a JSON object; empty when there is no such entry.
-// Amounts are kept to four decimals, as the columns keep them.
+// Amounts are kept to four decimals, as the columns keep them. Throws ErrorBaseDatos: it is
+// read inside the store's own writes; a command reads it through Guardado.
 QJsonObject LeerGuardado(Conexion &conexion, qint32 asiID);
+// The reads below answer a failure of the database with text 0, for the caller to tell with
+// its own text.
+Resultado<QJsonObject> Guardado(Conexion &conexion, qint32 asiID);
 
 // Appends the row of one write and sends the live notice; part of the caller's transaction.
 // The row is listed among the connection's writes, unless it undoes one.
@@ -50,17 +55,32 @@ struct Fila
 };
 
 // An entry's history, oldest first.
-QList<Fila> Leer(Conexion &conexion, qint32 asiID);
+Resultado<QList<Fila>> Leer(Conexion &conexion, qint32 asiID);
 
 // The last write of an entry, for the "changed by another user" mark; none when the entry
 // has no history.
-std::optional<Fila> Ultimo(Conexion &conexion, qint32 asiID);
+Resultado<std::optional<Fila>> Ultimo(Conexion &conexion, qint32 asiID);
 
 // The kind of a write in words ("Alta", "Cambio", ...).
 QString NombreOperacion(const QString &operacion);
 
 // One row by its id; none when there is no such row.
-std::optional<Fila> LeerFila(Conexion &conexion, qint64 id);
+Resultado<std::optional<Fila>> LeerFila(Conexion &conexion, qint64 id);
+
+// One entry of the trash as the trash window lists it.
+struct EnPapelera
+{
+    qint32 asiID = 0;
+    QDate fecha;
+    QString leyenda;
+    QString enviadoPor;      // the user who sent it there; empty when unknown
+    QDateTime enviadoEl;
+    QDateTime sello;         // the stamp read: a restore or deletion compares it
+    QJsonObject antes;       // the entry before it went to the trash; empty when unknown
+};
+// The company's entries in the trash (state 9), the last sent first, with who sent each there
+// and what it was before, from its last history row.
+Resultado<QList<EnPapelera>> Papelera(Conexion &conexion, qint32 empresa);
 
 // What changed between before and after, in words: one line per header field that
 // changed, and the lines added, removed or changed.

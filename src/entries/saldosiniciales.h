@@ -2,12 +2,14 @@
 
 #include "entries/asientodatos.h"
 #include "store/conexion.h"
+#include "store/fallo.h"
 
 #include <QDate>
 #include <QString>
 
 // What the company's opening-balance entry ("saldos iniciales") needs from the database.
-// Shows nothing; errors reach the caller as ErrorBaseDatos.
+// Shows nothing; a failure of the database is answered as a Fallo with text 0, for the caller
+// to tell with its own.
 class SaldosIniciales
 {
 public:
@@ -15,16 +17,16 @@ public:
     SaldosIniciales(Conexion &conexion, qint16 libro, qint32 empresa, const QString &delimitador, const QString &patron);
 
     // Whether the company has its opening-balance entry: a registered entry of that book.
-    bool ExisteAsientoApertura();
+    Resultado<bool> ExisteAsientoApertura();
     // An entry of that book out of the trash, in any state, other than excepto; 0 when there
     // is none. A draft or incomplete one is not the opening-balance entry yet, but a second
     // one must not be made beside it.
-    qint32 OtroAsientoApertura(qint32 excepto = 0);
+    Resultado<qint32> OtroAsientoApertura(qint32 excepto = 0);
     // The accounts of the company's class that are closed on or after the opening-balance
     // date, as ids joined by ","; only among cuentas (ids joined by ",") when it is given.
-    QString CuentasCerradasApertura(const QDate &fechaApertura, quint8 clase, const QString &cuentas = {});
+    Resultado<QString> CuentasCerradasApertura(const QDate &fechaApertura, quint8 clase, const QString &cuentas = {});
     // Opens the accounts (ids joined by ","): no balance, no closing date.
-    void AbrirCuentas(const QString &cuentas);
+    [[nodiscard]] std::optional<Fallo> AbrirCuentas(const QString &cuentas);
 
     // One line per account of the company's class (not a folder) with a stored balance: the
     // balance in the account's currency and in the accounting currency, as absolute values.
@@ -37,7 +39,7 @@ public:
     // given, gets each line's foreign currency (0 for the accounting one); a foreign balance
     // stored without its value in the accounting currency comes with ImporteMC 0, to be
     // valued by the caller.
-    QVector<LineaDatos> LineasDeSaldos(quint8 clase, qint16 monedaContabilidad, QVector<qint16> *monedas = nullptr);
+    Resultado<QVector<LineaDatos>> LineasDeSaldos(quint8 clase, qint16 monedaContabilidad, QVector<qint16> *monedas = nullptr);
 
 private:
     Conexion &m_conexion;

@@ -121,14 +121,16 @@ QVector<MesDelMenu> MesesDelMenu(const QDate &hoy, const QDate &menorCierre, con
     return meses;
 }
 
-QDate MenorFechaCierre(Conexion &conexion)
+Resultado<QDate> MenorFechaCierre(Conexion &conexion)
 {
-    auto rs = conexion.Abrir(QStringLiteral("Select Min(CueFechaCerrada) From cceCuentas"));
-    QDate d;
-    if (!rs->Fin())
-        d = FechaDeValor(rs->Campo(0));
-    rs->Cerrar();
-    return d;
+    return Intentar([&] {
+        auto rs = conexion.Abrir(QStringLiteral("Select Min(CueFechaCerrada) From cceCuentas"));
+        QDate d;
+        if (!rs->Fin())
+            d = FechaDeValor(rs->Campo(0));
+        rs->Cerrar();
+        return d;
+    });
 }
 
 std::optional<Fallo> CargarAsientoEnGrilla(AsientosGrilla &a, Conexion &conexion, qint32 id, int fila,
@@ -191,4 +193,24 @@ void ReducirARecienIngresados(AsientosGrilla &a)
     }
     g.QuitarFilasMarcadas(quitar);
     a.ResetCabezal();
+}
+
+LecturaPorPartes::LecturaPorPartes(AsientosGrilla &asientos, Conexion &conexion)
+    : m_asientos(asientos)
+    , m_conexion(conexion)
+{
+}
+
+std::optional<Fallo> LecturaPorPartes::Empezar(const QString &sql)
+{
+    return Intentar([&] { m_rs = m_conexion.Abrir(sql); });
+}
+
+Resultado<int> LecturaPorPartes::Siguiente(int asientos)
+{
+    return Intentar([&] {
+        Grilla &grilla = m_asientos.grilla();
+        grilla.FijarFilas(grilla.FilasFijas());
+        return m_asientos.LlenarParte(*m_rs, asientos);
+    });
 }

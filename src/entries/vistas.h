@@ -7,6 +7,7 @@
 #include <QString>
 #include <QVector>
 
+#include <memory>
 #include <optional>
 
 // Which entries the grid shows: the views, their SQL, and the loading of one entry by id.
@@ -45,7 +46,8 @@ struct MesDelMenu
 QVector<MesDelMenu> MesesDelMenu(const QDate &hoy, const QDate &menorCierre,
                                  const std::function<QString(int)> &texto, const QLocale &locale = QLocale());
 // "Select Min(CueFechaCerrada) From cceCuentas": the earliest closing date, invalid when none.
-QDate MenorFechaCierre(Conexion &conexion);
+// A failure of the database carries text 0.
+Resultado<QDate> MenorFechaCierre(Conexion &conexion);
 
 // Loads one entry (or a list) before row fila (0: at the end). On a database error: 1916.
 std::optional<Fallo> CargarAsientoEnGrilla(AsientosGrilla &a, Conexion &conexion, qint32 id, int fila,
@@ -56,3 +58,22 @@ std::optional<Fallo> CargarAsientos(AsientosGrilla &a, Conexion &conexion, int v
                                     const QDate &hoy, const QDate &primerDiaMes, int *filaElegida = nullptr);
 // View 0 on a grid with rows: keeps entries never stored and drafts, drops the others.
 void ReducirARecienIngresados(AsientosGrilla &a);
+
+// The entries of a statement read a part at a time into the grid, for an export that writes
+// them as it reads: the grid holds one part at a time. A failure of the database carries
+// text 0, for the caller to tell with its own text.
+class LecturaPorPartes
+{
+public:
+    LecturaPorPartes(AsientosGrilla &asientos, Conexion &conexion);
+    // Runs the statement; its rows are read by the parts.
+    [[nodiscard]] std::optional<Fallo> Empezar(const QString &sql);
+    // Puts the next part (at most asientos entries) in the grid, below its fixed rows, in
+    // place of the last one; answers how many entries it put.
+    Resultado<int> Siguiente(int asientos);
+
+private:
+    AsientosGrilla &m_asientos;
+    Conexion &m_conexion;
+    std::unique_ptr<Recordset> m_rs;
+};

@@ -110,13 +110,15 @@ std::optional<Fallo> EscribirHTML(const FuenteDeGrilla &g, const QString &ruta, 
         return noSeEscribio(archivo.errorString());
     // A byte-order mark tells a browser the page is UTF-8, so accents show right.
     bool escrito = archivo.write("\xEF\xBB\xBF", 3) == 3;
-    modGridHTML::GridHTMLEnPartes(
-        g, titulo, empresa, edicion, formatoFecha, ahora,
-        [&](const QString &parte) {
-            const QByteArray datos = parte.toUtf8();
-            escrito = escrito && archivo.write(datos) == datos.size();
-        },
-        siguiente);
+    // A part that cannot be read leaves no file.
+    if (auto fallo = modGridHTML::GridHTMLEnPartes(
+            g, titulo, empresa, edicion, formatoFecha, ahora,
+            [&](const QString &parte) {
+                const QByteArray datos = parte.toUtf8();
+                escrito = escrito && archivo.write(datos) == datos.size();
+            },
+            siguiente))
+        return fallo;
     if (!escrito) {
         archivo.cancelWriting();
         return noSeEscribio(QStringLiteral("no se pudo escribir (¿disco lleno?)"));
@@ -141,7 +143,7 @@ std::optional<Fallo> EscribirCSV(const FuenteDeGrilla &g, const QString &ruta, c
     const int total = siguiente ? 0 : g.Filas();
     int hechas = 0;
     bool escrito = true;
-    const int filas = RecorrerFilas(g, siguiente, [&](int r) {
+    const auto filas = RecorrerFilas(g, siguiente, [&](int r) {
         if (!FilaVisible(g, r))
             return true;
         registro.clear();
@@ -160,12 +162,15 @@ std::optional<Fallo> EscribirCSV(const FuenteDeGrilla &g, const QString &ruta, c
             avance(hechas, total);
         return escrito;
     });
+    // A part that cannot be read leaves no file.
+    if (!filas)
+        return filas.fallo();
     if (!escrito || archivo.write(bloque) != bloque.size())
         return noSeEscribio(QStringLiteral("no se pudo escribir (¿disco lleno?)"));
     if (!archivo.commit())
         return noSeEscribio(archivo.errorString());
     if (avance)
-        avance(filas, filas);
+        avance(*filas, *filas);
     return std::nullopt;
 }
 
@@ -295,8 +300,7 @@ std::optional<Fallo> EscribirLibro(const FuenteDeGrilla &g, const QString &ruta,
     lxw_workbook *libro = workbook_new_opt(rutaProvisoria.constData(), &opciones);
     if (!libro)
         return noSeEscribio(QStringLiteral("no se pudo crear el libro"));
-    // A part that cannot be read ends the export by an exception: the workbook is let go and
-    // its temporary file removed with the one it was written under.
+    // However the export ends, the workbook is let go.
     struct Cierre
     {
         lxw_workbook *&libro;
@@ -320,7 +324,7 @@ std::optional<Fallo> EscribirLibro(const FuenteDeGrilla &g, const QString &ruta,
     lxw_row_t filaLibro = 0;
     const int total = siguiente ? 0 : g.Filas();
     int hechas = 0;
-    const int filas = RecorrerFilas(g, siguiente, [&](int r) {
+    const auto filas = RecorrerFilas(g, siguiente, [&](int r) {
         if (!FilaVisible(g, r))
             return true;
         const bool fija = r < g.FilasFijas();
@@ -357,6 +361,9 @@ std::optional<Fallo> EscribirLibro(const FuenteDeGrilla &g, const QString &ruta,
         return error == LXW_NO_ERROR;
     });
     const lxw_error alCerrar = workbook_close(std::exchange(libro, nullptr));
+    // A part that cannot be read leaves no file: the temporary one goes with provisorio.
+    if (!filas)
+        return filas.fallo();
     if (error == LXW_NO_ERROR)
         error = alCerrar;
     if (error != LXW_NO_ERROR) {
@@ -374,7 +381,7 @@ std::optional<Fallo> EscribirLibro(const FuenteDeGrilla &g, const QString &ruta,
     }
     provisorio.setAutoRemove(false);
     if (avance)
-        avance(filas, filas);
+        avance(*filas, *filas);
     return std::nullopt;
 }
 

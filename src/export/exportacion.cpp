@@ -92,7 +92,7 @@ QString ExportacionGrilla::ElegirArchivo(int formato, const QString &nombre, con
 
 std::optional<Fallo> ExportacionGrilla::Escribir(int formato, const GrillaEnPantalla &g, const QString &ruta,
                                                  const EntornoExportacion &entorno, const std::function<void(int, int)> &avance,
-                                                 const std::function<bool()> &siguiente)
+                                                 const SiguienteParte &siguiente)
 {
     // A grid written part by part holds data rows only; the screen's ends with the new-entry row.
     std::optional<GrillaEnSalida> salida;
@@ -112,7 +112,9 @@ std::optional<Fallo> ExportacionGrilla::Escribir(int formato, const GrillaEnPant
                                          entorno.reloj->Ahora(), siguiente);
         break;
     }
-    if (fallo)
+    // A file that could not be written names itself; a part that could not be read is the
+    // database's failure, told by the caller with its own text.
+    if (fallo && !fallo->deLaBase)
         fallo->detalle = QDir::toNativeSeparators(ruta) + QStringLiteral(": ") + fallo->detalle;
     return fallo;
 }

@@ -73,10 +73,11 @@ public:
 
     // Writes the grid in the format to the path; on failure, text 1938 with the path and
     // the reason. siguiente, when given, puts the next part of a long export in the grid
-    // once its rows are written, and answers false when there is none.
+    // once its rows are written, and answers false when there is none; when a part cannot
+    // be read no file is left, and the reading's failure is answered as it came.
     static std::optional<Fallo> Escribir(int formato, const GrillaEnPantalla &g, const QString &ruta,
                                          const EntornoExportacion &entorno, const std::function<void(int, int)> &avance = {},
-                                         const std::function<bool()> &siguiente = {});
+                                         const std::function<Resultado<bool>()> &siguiente = {});
 
 private:
     void Exportar(int formato, const GrillaEnPantalla &g);

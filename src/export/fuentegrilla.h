@@ -1,6 +1,7 @@
 #pragma once
 
 #include "entries/asientosgrilla.h"
+#include "store/fallo.h"
 
 #include <QHash>
 #include <QString>
@@ -60,21 +61,27 @@ public:
 };
 
 // Asked for the next part of a long export once the rows of the grid are written: it puts
-// the next rows in the grid below the fixed ones and answers whether it put any.
-using SiguienteParte = std::function<bool()>;
+// the next rows in the grid below the fixed ones and answers whether it put any, or why the
+// part could not be read (the writer then stops and leaves no file).
+using SiguienteParte = std::function<Resultado<bool>()>;
 
 // Calls fila(r) for every row of the grid and, when siguiente is given, for the rows of each
 // part it puts in the grid afterwards (the fixed rows go once, first); stops early when fila
-// answers false. Answers the number of rows visited.
+// answers false. Answers the number of rows visited, or the failure of a part's reading.
 template <typename Fila>
-int RecorrerFilas(const FuenteGrilla &g, const SiguienteParte &siguiente, Fila &&fila)
+Resultado<int> RecorrerFilas(const FuenteGrilla &g, const SiguienteParte &siguiente, Fila &&fila)
 {
     int vistas = 0;
     for (int r = 0;; r = g.FilasFijas()) {
         for (; r < g.Filas(); ++r, ++vistas)
             if (!fila(r))
                 return vistas;
-        if (!siguiente || !siguiente())
+        if (!siguiente)
+            return vistas;
+        const auto hay = siguiente();
+        if (!hay)
+            return hay.fallo();
+        if (!*hay)
             return vistas;
     }
 }

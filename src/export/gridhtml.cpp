@@ -55,15 +55,15 @@ QString Alineacion(const FuenteGrilla &g, int columna, const QString &texto)
 
 constexpr qsizetype kParte = 1 << 19;
 
-void TablaDatos(const FuenteGrilla &g, double w, QString &html, const std::function<void(const QString &)> &parte,
-                const SiguienteParte &siguiente)
+std::optional<Fallo> TablaDatos(const FuenteGrilla &g, double w, QString &html, const std::function<void(const QString &)> &parte,
+                                const SiguienteParte &siguiente)
 {
     const QString ancho = QString::number(qint64(w));
     html += QStringLiteral("<TABLE CELLSPACING=0 CELLPADDING=0 vALIGN=CENTER") + QStringLiteral(" WIDTH=") + ancho
             + QStringLiteral(">") + kCRLF;
     const int arbol = g.BarraArbol() ? g.ColumnaArbol() : -1;
     QString sangria; // the indent of the latest node row
-    RecorrerFilas(g, siguiente, [&](int r) {
+    const auto filas = RecorrerFilas(g, siguiente, [&](int r) {
         if (g.AltoFila(r) == 0 || g.FilaOculta(r))
             return true;
         if (arbol >= 0 && g.EsNodo(r)) {
@@ -145,7 +145,10 @@ void TablaDatos(const FuenteGrilla &g, double w, QString &html, const std::funct
         }
         return true;
     });
+    if (!filas)
+        return filas.fallo();
     html += QStringLiteral("</TABLE>") + kCRLF + kCRLF;
+    return std::nullopt;
 }
 
 } // namespace
@@ -188,9 +191,9 @@ bool EsNumero(const QString &texto)
     return true;
 }
 
-void GridHTMLEnPartes(const FuenteGrilla &grilla, const QString &tituloDado, const QString &empresaDada, const QString &edicion,
-                      const QString &formatoFecha, const QDateTime &ahora,
-                      const std::function<void(const QString &)> &parte, const SiguienteParte &siguiente)
+std::optional<Fallo> GridHTMLEnPartes(const FuenteGrilla &grilla, const QString &tituloDado, const QString &empresaDada,
+                                      const QString &edicion, const QString &formatoFecha, const QDateTime &ahora,
+                                      const std::function<void(const QString &)> &parte, const SiguienteParte &siguiente)
 {
     const double w = AnchoTabla(grilla);
     const QString ancho = QString::number(qint64(w));
@@ -216,7 +219,8 @@ void GridHTMLEnPartes(const FuenteGrilla &grilla, const QString &tituloDado, con
             + titulo + QStringLiteral("</span></td>")
             + QStringLiteral("<td align=\"right\" width=\"40%\" class=\"stTbTitleMargin\"><span class=\"stTitle\">")
             + empresa + QStringLiteral("</span></td></tr>") + kCRLF + QStringLiteral("</table><br>") + kCRLF;
-    TablaDatos(grilla, w, html, parte, siguiente);
+    if (auto fallo = TablaDatos(grilla, w, html, parte, siguiente))
+        return fallo;
     html += kCRLF + QStringLiteral("<br>") + QStringLiteral("<table width=\"") + ancho
             + QStringLiteral("\" border=\"0\" cellpadding=\"0\" cellspacing=\"0\" class=\"stTableF\">") + kCRLF
             + QStringLiteral("<tr><td><span class=stTitle>")
@@ -224,14 +228,16 @@ void GridHTMLEnPartes(const FuenteGrilla &grilla, const QString &tituloDado, con
             + QStringLiteral("</span></td>") + QStringLiteral("<td align=right><span class=\"stTitle\">") + edicion
             + QStringLiteral("</span></td></tr></table>") + QStringLiteral("</body></html>");
     parte(html);
+    return std::nullopt;
 }
 
 QString GridHTML(const FuenteGrilla &grilla, const QString &titulo, const QString &empresa, const QString &edicion,
                  const QString &formatoFecha, const QDateTime &ahora)
 {
     QString pagina;
-    GridHTMLEnPartes(grilla, titulo, empresa, edicion, formatoFecha, ahora,
-                     [&pagina](const QString &parte) { pagina += parte; });
+    // Without parts to read there is nothing that can fail.
+    static_cast<void>(GridHTMLEnPartes(grilla, titulo, empresa, edicion, formatoFecha, ahora,
+                                       [&pagina](const QString &parte) { pagina += parte; }));
     return pagina;
 }
 

@@ -25,13 +25,11 @@ void ComandosFrecuentes::NuevoFrecuente()
     const qint32 id = dialogo.Editar(0);
     if (id <= 0)
         return;
-    try {
-        const auto m = FrecuentesDatos(*m_datos.conexion()).Leer(id);
-        if (m && !m->Agendado())
-            FrecuentesRecientes(m_datos).Agregar(id);
-    } catch (const ErrorBaseDatos &e) {
-        m_datos.Error(1908, DetalleError(e.numero(), e.descripcion()));
-    }
+    const auto m = m_datos.Leido(FrecuentesDatos(*m_datos.conexion()).Leer(id), 1908);
+    if (!m || !*m || (*m)->Agendado())
+        return;
+    if (const auto fallo = FrecuentesRecientes(m_datos).Agregar(id))
+        m_datos.Error(1908, fallo->detalle);
 }
 
 int ComandosFrecuentes::RegistrarFrecuente(qint32 mfrID)
@@ -42,11 +40,8 @@ int ComandosFrecuentes::RegistrarFrecuente(qint32 mfrID)
     const QString ids = registro.Registrar(mfrID);
     if (ids.isEmpty())
         return -1;
-    try {
-        FrecuentesRecientes(m_datos).Agregar(registro.FrecuenteRegistrado());
-    } catch (const ErrorBaseDatos &e) {
-        m_datos.Error(1912, DetalleError(e.numero(), e.descripcion()));
-    }
+    if (const auto fallo = FrecuentesRecientes(m_datos).Agregar(registro.FrecuenteRegistrado()))
+        m_datos.Error(1912, fallo->detalle);
     Grilla &grilla = m_asientos.grilla();
     const int fila = grilla.Filas() - 1;
     for (const QString &id : ids.split(QLatin1Char(','), Qt::SkipEmptyParts))
@@ -56,10 +51,5 @@ int ComandosFrecuentes::RegistrarFrecuente(qint32 mfrID)
 
 QList<std::pair<QString, qint32>> ComandosFrecuentes::Recientes()
 {
-    try {
-        return FrecuentesRecientes(m_datos).CargarFrecuentesRecientes();
-    } catch (const ErrorBaseDatos &e) {
-        m_datos.Error(1920, DetalleError(e.numero(), e.descripcion()));
-        return {};
-    }
+    return m_datos.Leido(FrecuentesRecientes(m_datos).CargarFrecuentesRecientes(), 1920).value_or(QList<std::pair<QString, qint32>>());
 }

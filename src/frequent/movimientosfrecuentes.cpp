@@ -192,11 +192,15 @@ void MovimientosFrecuentes::mostrarLineas()
     lvLineas->clear();
     const qint16 mc = m_datos.empresa.monedaContabilidad;
     const Mascara importes(m_datos.monedas().DatoMoneda(0, 4).toString());
+    // After a failure to read an account's name, told once (1908), the accounts show their ids.
+    bool leerNombres = m_datos.conexion() != nullptr;
     for (int i = 0; i < m_movimiento.Lineas.size(); ++i) {
         const LineaDatos &l = m_movimiento.Lineas[i];
         const qint16 moneda = m_movimiento.Monedas.value(i);
-        const QString cuenta = m_datos.conexion() ? TextoDeCuenta(*m_datos.conexion(), l.Cuenta, m_datos.empresa.mostrarCodigoCta)
-                                                  : QString::number(l.Cuenta);
+        std::optional<QString> nombre;
+        if (leerNombres && !(nombre = m_datos.Leido(TextoDeCuenta(*m_datos.conexion(), l.Cuenta, m_datos.empresa.mostrarCodigoCta), 1908)))
+            leerNombres = false;
+        const QString cuenta = nombre.value_or(QString::number(l.Cuenta));
         auto *item = new QTreeWidgetItem(lvLineas);
         item->setText(l.AlDebe ? 0 : 1, cuenta);
         const bool extranjera = moneda > 0 && moneda != mc;
@@ -313,18 +317,16 @@ qint32 MovimientosFrecuentes::Editar(qint32 mfrID)
     if (!m_datos.conexion())
         return 0;
     cfLibro->clear();
-    try {
-        for (const auto &[nombre, codigo] : m_datos.LeerLibros(true))
-            cfLibro->addItem(nombre, int(codigo));
-        if (mfrID > 0) {
-            const auto m = FrecuentesDatos(*m_datos.conexion()).Leer(mfrID);
-            if (!m)
-                return 0;
-            m_movimiento = *m;
-        }
-    } catch (const ErrorBaseDatos &e) {
-        m_datos.Error(1908, DetalleError(e.numero(), e.descripcion()));
+    const auto libros = m_datos.Leido(m_datos.LeerLibros(true), 1908);
+    if (!libros)
         return 0;
+    for (const auto &[nombre, codigo] : *libros)
+        cfLibro->addItem(nombre, int(codigo));
+    if (mfrID > 0) {
+        const auto m = m_datos.Leido(FrecuentesDatos(*m_datos.conexion()).Leer(mfrID), 1908);
+        if (!m || !*m)
+            return 0;
+        m_movimiento = **m;
     }
     tNombre->setText(m_movimiento.Nombre);
     tLeyenda->setText(m_movimiento.Leyenda);

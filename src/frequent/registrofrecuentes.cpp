@@ -110,34 +110,34 @@ void RegistroFrecuentes::llenarLista()
     lvFrecuentes->clear();
     if (!m_datos.conexion())
         return;
-    try {
-        FrecuentesDatos datos(*m_datos.conexion());
-        QList<qint32> vistos;
-        auto agregar = [&](const MovimientoFrecuente &m, bool vencido) {
-            vistos << m.MFrID;
-            auto *item = new QTreeWidgetItem(lvFrecuentes);
-            item->setText(0, m.Nombre);
-            item->setText(1, m.Leyenda);
-            if (m.Agendado())
-                item->setText(2, (vencido ? QStringLiteral("Vencido el ") : QStringLiteral("Próximo: ")) + fechaCorta(m.FechaProxima));
-            item->setData(0, Qt::UserRole, m.MFrID);
-            item->setData(2, Qt::UserRole, m.Agendado() ? m.FechaProxima : QDate());
-            if (vencido) {
-                QFont f = item->font(0);
-                f.setBold(true);
-                for (int c = 0; c < 3; ++c)
-                    item->setFont(c, f);
-            }
-        };
-        const QString texto = tBuscar->text().trimmed().toLower();
-        for (const MovimientoFrecuente &m : datos.Vencidos(m_datos.idEmpresa(), m_datos.reloj().Hoy()))
+    FrecuentesDatos datos(*m_datos.conexion());
+    QList<qint32> vistos;
+    auto agregar = [&](const MovimientoFrecuente &m, bool vencido) {
+        vistos << m.MFrID;
+        auto *item = new QTreeWidgetItem(lvFrecuentes);
+        item->setText(0, m.Nombre);
+        item->setText(1, m.Leyenda);
+        if (m.Agendado())
+            item->setText(2, (vencido ? QStringLiteral("Vencido el ") : QStringLiteral("Próximo: ")) + fechaCorta(m.FechaProxima));
+        item->setData(0, Qt::UserRole, m.MFrID);
+        item->setData(2, Qt::UserRole, m.Agendado() ? m.FechaProxima : QDate());
+        if (vencido) {
+            QFont f = item->font(0);
+            f.setBold(true);
+            for (int c = 0; c < 3; ++c)
+                item->setFont(c, f);
+        }
+    };
+    const QString texto = tBuscar->text().trimmed().toLower();
+    // A list that cannot be read is told (1912) and stays as far as it was read.
+    if (const auto vencidos = m_datos.Leido(datos.Vencidos(m_datos.idEmpresa(), m_datos.reloj().Hoy()), 1912)) {
+        for (const MovimientoFrecuente &m : *vencidos)
             if (texto.isEmpty() || m.Nombre.toLower().contains(texto))
                 agregar(m, true);
-        for (const MovimientoFrecuente &m : datos.Buscar(m_datos.idEmpresa(), texto))
-            if (!vistos.contains(m.MFrID))
-                agregar(m, false);
-    } catch (const ErrorBaseDatos &e) {
-        m_datos.Error(1912, DetalleError(e.numero(), e.descripcion()));
+        if (const auto todos = m_datos.Leido(datos.Buscar(m_datos.idEmpresa(), texto), 1912))
+            for (const MovimientoFrecuente &m : *todos)
+                if (!vistos.contains(m.MFrID))
+                    agregar(m, false);
     }
     for (int c = 0; c < 3; ++c)
         lvFrecuentes->resizeColumnToContents(c);
@@ -164,31 +164,31 @@ void RegistroFrecuentes::mostrarLineas()
     bfEliminar->setEnabled(id > 0);
     if (id <= 0 || !m_datos.conexion())
         return;
-    try {
-        const auto m = FrecuentesDatos(*m_datos.conexion()).Leer(id);
-        if (!m)
+    const auto leido = m_datos.Leido(FrecuentesDatos(*m_datos.conexion()).Leer(id), 1912);
+    if (!leido || !*leido)
+        return;
+    const auto &m = *leido;
+    const QDate vence = lvFrecuentes->currentItem()->data(2, Qt::UserRole).toDate();
+    odFecha->setDate(vence.isValid() && vence <= m_datos.reloj().Hoy() ? vence : m_datos.reloj().Hoy());
+    const qint16 mc = m_datos.empresa.monedaContabilidad;
+    const Mascara importes(m_datos.monedas().DatoMoneda(0, 4).toString());
+    for (int i = 0; i < m->Lineas.size(); ++i) {
+        const LineaDatos &l = m->Lineas[i];
+        const auto cuenta = m_datos.Leido(TextoDeCuenta(*m_datos.conexion(), l.Cuenta, true), 1912);
+        if (!cuenta)
             return;
-        const QDate vence = lvFrecuentes->currentItem()->data(2, Qt::UserRole).toDate();
-        odFecha->setDate(vence.isValid() && vence <= m_datos.reloj().Hoy() ? vence : m_datos.reloj().Hoy());
-        const qint16 mc = m_datos.empresa.monedaContabilidad;
-        const Mascara importes(m_datos.monedas().DatoMoneda(0, 4).toString());
-        for (int i = 0; i < m->Lineas.size(); ++i) {
-            const LineaDatos &l = m->Lineas[i];
-            auto *item = new QTreeWidgetItem(lvLineas);
-            item->setText(0, TextoDeCuenta(*m_datos.conexion(), l.Cuenta, true));
-            item->setText(l.AlDebe ? 1 : 2, importes.Formatear(l.ImporteMC));
-            const qint16 moneda = m->Monedas.value(i);
-            if (moneda > 0 && moneda != mc) {
-                item->setText(3, m_datos.monedas().DatoMoneda(moneda, 2).toString());
-                item->setText(4, Mascara(m_datos.monedas().DatoMoneda(moneda, 4).toString()).Formatear(l.Importe));
-            }
-            for (int c = 1; c < 5; ++c)
-                item->setTextAlignment(c, Qt::AlignRight | Qt::AlignVCenter);
+        auto *item = new QTreeWidgetItem(lvLineas);
+        item->setText(0, *cuenta);
+        item->setText(l.AlDebe ? 1 : 2, importes.Formatear(l.ImporteMC));
+        const qint16 moneda = m->Monedas.value(i);
+        if (moneda > 0 && moneda != mc) {
+            item->setText(3, m_datos.monedas().DatoMoneda(moneda, 2).toString());
+            item->setText(4, Mascara(m_datos.monedas().DatoMoneda(moneda, 4).toString()).Formatear(l.Importe));
         }
-        lEstado->setText(m->Balance(mc, m_datos.monedas()).cierra ? QString() : QStringLiteral("No balancea: quedará incompleto."));
-    } catch (const ErrorBaseDatos &e) {
-        m_datos.Error(1912, DetalleError(e.numero(), e.descripcion()));
+        for (int c = 1; c < 5; ++c)
+            item->setTextAlignment(c, Qt::AlignRight | Qt::AlignVCenter);
     }
+    lEstado->setText(m->Balance(mc, m_datos.monedas()).cierra ? QString() : QStringLiteral("No balancea: quedará incompleto."));
 }
 
 qint32 RegistroFrecuentes::registrar(const MovimientoFrecuente &m, const QDate &fecha)
@@ -206,19 +206,15 @@ void RegistroFrecuentes::bfOK_Click()
     const qint32 id = elegido();
     if (id <= 0 || !odFecha->Aceptar() || !odFecha->date().isValid())
         return;
-    try {
-        const auto m = FrecuentesDatos(*m_datos.conexion()).Leer(id);
-        if (!m)
-            return;
-        const qint32 asiento = registrar(*m, odFecha->date());
-        if (asiento <= 0)
-            return;
-        m_registrados = QString::number(asiento);
-        m_frecuente = id;
-        accept();
-    } catch (const ErrorBaseDatos &e) {
-        m_datos.Error(1912, DetalleError(e.numero(), e.descripcion()));
-    }
+    const auto m = m_datos.Leido(FrecuentesDatos(*m_datos.conexion()).Leer(id), 1912);
+    if (!m || !*m)
+        return;
+    const qint32 asiento = registrar(**m, odFecha->date());
+    if (asiento <= 0)
+        return;
+    m_registrados = QString::number(asiento);
+    m_frecuente = id;
+    accept();
 }
 
 void RegistroFrecuentes::modificar()
@@ -254,22 +250,20 @@ QString RegistroFrecuentes::Registrar(qint32 mfrID)
     if (!m_datos.conexion())
         return {};
     if (mfrID > 0) {
-        try {
-            const auto m = FrecuentesDatos(*m_datos.conexion()).Leer(mfrID);
-            if (!m) {
-                m_datos.Error(1912, QStringLiteral("El asiento frecuente %1 ya no existe.").arg(mfrID));
-                return {};
-            }
-            const QDate fecha = m->Agendado() && m->FechaProxima.isValid() ? m->FechaProxima : m_datos.reloj().Hoy();
-            const qint32 asiento = registrar(*m, fecha);
-            if (asiento <= 0)
-                return {};
-            m_frecuente = mfrID;
-            return QString::number(asiento);
-        } catch (const ErrorBaseDatos &e) {
-            m_datos.Error(1912, DetalleError(e.numero(), e.descripcion()));
+        const auto leido = m_datos.Leido(FrecuentesDatos(*m_datos.conexion()).Leer(mfrID), 1912);
+        if (!leido)
+            return {};
+        const auto &m = *leido;
+        if (!m) {
+            m_datos.Error(1912, QStringLiteral("El asiento frecuente %1 ya no existe.").arg(mfrID));
             return {};
         }
+        const QDate fecha = m->Agendado() && m->FechaProxima.isValid() ? m->FechaProxima : m_datos.reloj().Hoy();
+        const qint32 asiento = registrar(*m, fecha);
+        if (asiento <= 0)
+            return {};
+        m_frecuente = mfrID;
+        return QString::number(asiento);
     }
     llenarLista();
     tBuscar->setFocus();

@@ -6,6 +6,7 @@
 #include "currency/catalogomonedas.h"
 #include "currency/importe.h"
 #include "entries/modeloasiento.h"
+#include "services/cuentasdatos.h"
 #include "services/serviciobusquedacuentas.h"
 #include "services/serviciomensajes.h"
 #include "store/valoressql.h"
@@ -86,53 +87,50 @@ bool lumERAsiento::BuscarCuenta(const QString &texto, bool bEsAlDebe)
     if (!m_ctx.conexion || !m_ctx.busqueda)
         return false;
     CuentaElegida elegida;
-    try {
-        bool habilitado = false;
-        emit EnabledContenedor(&habilitado);
-        const bool hay = m_ctx.busqueda->Buscar(*m_ctx.conexion, m_ctx.empresa, texto, elegida, window());
+    bool habilitado = false;
+    emit EnabledContenedor(&habilitado);
+    const auto hay = m_ctx.busqueda->Buscar(*m_ctx.conexion, m_ctx.empresa, texto, elegida, window());
+    if (hay)
         QApplication::processEvents();
-        habilitado = true;
-        emit EnabledContenedor(&habilitado);
-        if (!hay || elegida.id <= 0)
-            return false;
+    habilitado = true;
+    emit EnabledContenedor(&habilitado);
+    // A failure to read the accounts is told (1853) and the line keeps what it had.
+    auto fallar = [this](const Fallo &fallo) {
+        decirFallo({1853, fallo.detalle, true});
+        return false;
+    };
+    if (!hay)
+        return fallar(hay.fallo());
+    if (!*hay || elegida.id <= 0)
+        return false;
 
-        CursorEspera espera;
-        auto rs = m_ctx.conexion->Abrir(QStringLiteral("Select CueID, CueCodigo, CueNombre, CueMoneda, CueFechaCerrada ")
-                                        + QStringLiteral(" From cceCuentas Where CueID = ") + NumeroSQL(qint64(elegida.id))
-                                        + QStringLiteral(" And CueEsCarpeta = 0"));
-        if (rs->Fin())
-            return false;
-        const QVariant cierre = rs->Campo(QStringLiteral("CueFechaCerrada"));
-        const QDate fechaCierre = FechaDeValor(cierre);
-        if (!cierre.isNull() && m_fechaAsiento <= fechaCierre) {
-            rs->Cerrar();
-            QApplication::restoreOverrideCursor();
-            Advertir(1854, nullptr);
-            QApplication::setOverrideCursor(Qt::WaitCursor);
-            return false;
-        }
-        const QString display = TextoCuenta(rs->Texto(QStringLiteral("CueCodigo")), rs->Texto(QStringLiteral("CueNombre")),
-                                            m_ctx.mostrarCodigoCta);
-        qint16 moneda = m_ctx.monedaContabilidad;
-        if (!rs->EsNulo(QStringLiteral("CueMoneda")) && rs->Entero(QStringLiteral("CueMoneda")) > 0)
-            moneda = qint16(rs->Entero(QStringLiteral("CueMoneda")));
-        SetCuenta(bEsAlDebe, elegida.id, elegida.proyecto, elegida.departamento, moneda, display,
-                  cierre.isNull() ? QDate(1901, 1, 1) : fechaCierre);
-        rs->Cerrar();
-
-        const CuentaLinea &otra = bEsAlDebe ? m_haber : m_debe;
-        const CuentaLinea &esta = bEsAlDebe ? m_debe : m_haber;
-        if (otra.lCta == esta.lCta && otra.iPry == esta.iPry && otra.iDep == esta.iDep) {
-            QuitarCuenta(bEsAlDebe);
-            return false;
-        }
-        return true;
-    } catch (const ErrorBaseDatos &e) {
-        bool habilitado = true;
+    CursorEspera espera;
+    const auto leida = CuentasDatos::LeerImputable(*m_ctx.conexion, elegida.id);
+    if (!leida) {
         emit EnabledContenedor(&habilitado);
-        decirFallo(FalloDe(1853, e));
+        return fallar(leida.fallo());
+    }
+    if (!*leida)
+        return false;
+    const CuentasDatos::Ficha &cuenta = **leida;
+    if (cuenta.cerrada && m_fechaAsiento <= cuenta.cierre) {
+        QApplication::restoreOverrideCursor();
+        Advertir(1854, nullptr);
+        QApplication::setOverrideCursor(Qt::WaitCursor);
         return false;
     }
+    const QString display = TextoCuenta(cuenta.codigo, cuenta.nombre, m_ctx.mostrarCodigoCta);
+    const qint16 moneda = cuenta.moneda > 0 ? cuenta.moneda : m_ctx.monedaContabilidad;
+    SetCuenta(bEsAlDebe, elegida.id, elegida.proyecto, elegida.departamento, moneda, display,
+              cuenta.cerrada ? cuenta.cierre : QDate(1901, 1, 1));
+
+    const CuentaLinea &otra = bEsAlDebe ? m_haber : m_debe;
+    const CuentaLinea &esta = bEsAlDebe ? m_debe : m_haber;
+    if (otra.lCta == esta.lCta && otra.iPry == esta.iPry && otra.iDep == esta.iDep) {
+        QuitarCuenta(bEsAlDebe);
+        return false;
+    }
+    return true;
 }
 
 // A failure the line cannot get past: its catalogue text and the database's detail.

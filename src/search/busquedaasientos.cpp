@@ -23,13 +23,16 @@ frmFind &BusquedaAsientos::Dialogo()
 {
     if (!m_dialogo) {
         frmFind::Listas listas;
-        try {
-            listas.libros = m_datos.LeerLibros(false);
-            listas.proyectos = m_datos.LeerProyectos();
-            listas.departamentos = m_datos.LeerDepartamentos();
-        } catch (const ErrorBaseDatos &e) {
-            m_datos.Error(1910, DetalleError(e.numero(), e.descripcion()));
-        }
+        // The first list that cannot be read is told, and the later ones are left empty.
+        auto leer = [this](const auto &resultado, QList<std::pair<QString, qint16>> &lista) {
+            if (resultado)
+                lista = *resultado;
+            else
+                m_datos.Error(1910, resultado.fallo().detalle);
+            return bool(resultado);
+        };
+        if (leer(m_datos.LeerLibros(false), listas.libros) && leer(m_datos.LeerProyectos(), listas.proyectos))
+            leer(m_datos.LeerDepartamentos(), listas.departamentos);
         m_dialogo = std::make_unique<frmFind>(m_datos, m_cuentas, listas, m_dueno);
         m_dialogo->ayuda = [this] {
             if (ayuda)

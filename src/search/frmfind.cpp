@@ -5,6 +5,7 @@
 #include "entries/modeloasiento.h"
 #include "lineeditor/campocalculadora.h"
 #include "lineeditor/campofecha.h"
+#include "services/cuentasdatos.h"
 #include "services/ocupado.h"
 #include "services/serviciobusquedacuentas.h"
 #include "services/serviciomensajes.h"
@@ -279,26 +280,21 @@ bool frmFind::BuscarCuentaFind()
     const Ocupado ocupado;
     CuentaElegida elegida;
     bool hallada = false;
-    try {
-        if (m_cuentas.Buscar(*conexion, m_datos.idEmpresa(), tCuenta->text().trimmed(), elegida, this) && elegida.id > 0) {
-            auto rs = conexion->Abrir(QStringLiteral("Select CueID, CueCodigo, CueNombre From cceCuentas Where CueID = ")
-                                      + QString::number(elegida.id));
-            if (!rs->Fin()) {
-                tCuenta->setText(TextoCuenta(rs->Texto(QStringLiteral("CueCodigo")).trimmed(),
-                                             rs->Texto(QStringLiteral("CueNombre")).trimmed(),
-                                             m_datos.empresa.mostrarCodigoCta));
-                m_idCuenta = qint32(rs->Entero(QStringLiteral("CueID")));
-                // A project or department the chooser names is taken as chosen.
-                if (elegida.proyecto > 0)
-                    elegirCodigo(cfProyecto, elegida.proyecto);
-                if (elegida.departamento > 0)
-                    elegirCodigo(cfDepartamento, elegida.departamento);
-                hallada = true;
-            }
+    // A failing lookup is told (1927) and leaves the account as it was.
+    const auto buscada = m_datos.Leido(m_cuentas.Buscar(*conexion, m_datos.idEmpresa(), tCuenta->text().trimmed(), elegida, this), 1927);
+    if (buscada && *buscada && elegida.id > 0) {
+        const auto cuenta = m_datos.Leido(CuentasDatos::Leer(*conexion, elegida.id), 1927);
+        if (cuenta && *cuenta) {
+            const CuentasDatos::Ficha &f = **cuenta;
+            tCuenta->setText(TextoCuenta(f.codigo.trimmed(), f.nombre.trimmed(), m_datos.empresa.mostrarCodigoCta));
+            m_idCuenta = f.id;
+            // A project or department the chooser names is taken as chosen.
+            if (elegida.proyecto > 0)
+                elegirCodigo(cfProyecto, elegida.proyecto);
+            if (elegida.departamento > 0)
+                elegirCodigo(cfDepartamento, elegida.departamento);
+            hallada = true;
         }
-    } catch (const ErrorBaseDatos &e) {
-        // A failing lookup leaves the account as it was.
-        m_datos.Error(1927, DetalleError(e.numero(), e.descripcion()));
     }
     m_buscandoCuenta = false;
     return hallada;

@@ -1,13 +1,28 @@
 #include "libros.h"
 
-#include "store/fallo.h"
+namespace {
+
+// A refusal by the rules (0 when there is none), or the failure of the database.
+std::optional<Fallo> Rechazo(int numeroTexto)
+{
+    if (numeroTexto == 0)
+        return std::nullopt;
+    return Fallo{numeroTexto, QString(), false};
+}
+
+std::optional<Fallo> Decidido(const Resultado<int> &r)
+{
+    return r ? Rechazo(*r) : std::optional<Fallo>(r.fallo());
+}
+
+} // namespace
 
 Libros::Libros(Conexion &conexion)
     : m_conexion(conexion)
 {
 }
 
-QList<Libros::Libro> Libros::Listar()
+QList<Libros::Libro> Libros::listar()
 {
     QList<Libro> libros;
     auto rs = m_conexion.Abrir(QStringLiteral("Select LibCodigo, LibNombre, LibDelSistema From genLibros Order By LibNombre"));
@@ -17,115 +32,93 @@ QList<Libros::Libro> Libros::Listar()
     return libros;
 }
 
-// Whether a book may be changed: it exists and it is one of the user's.
-Libros::Resultado Libros::modificable(qint16 codigo)
+Resultado<QList<Libros::Libro>> Libros::Listar()
 {
-    for (const Libro &l : Listar())
-        if (l.codigo == codigo)
-            return l.delSistema ? Resultado::DelSistema : Resultado::Bien;
-    return Resultado::NoExiste;
+    return Intentar([&] { return listar(); });
 }
 
-Libros::Resultado Libros::validarNombre(const QString &nombre, qint16 salvo)
+// Whether a book may be changed: it exists and it is one of the user's.
+int Libros::modificable(qint16 codigo)
+{
+    for (const Libro &l : listar())
+        if (l.codigo == codigo)
+            return l.delSistema ? kDelSistema : 0;
+    return kNoExiste;
+}
+
+int Libros::validarNombre(const QString &nombre, qint16 salvo)
 {
     const QString n = nombre.trimmed();
     if (n.isEmpty())
-        return Resultado::NombreVacio;
-    for (const Libro &l : Listar())
+        return kNombreVacio;
+    for (const Libro &l : listar())
         if (l.codigo != salvo && l.nombre.compare(n, Qt::CaseInsensitive) == 0)
-            return Resultado::NombreRepetido;
-    return Resultado::Bien;
+            return kNombreRepetido;
+    return 0;
 }
 
-Libros::Resultado Libros::Agregar(const QString &nombre, qint16 &codigo)
+Resultado<qint16> Libros::Agregar(const QString &nombre)
 {
-    try {
-        const Resultado v = validarNombre(nombre, -1);
-        if (v != Resultado::Bien)
-            return v;
-        Transaccion tx(m_conexion);
-        auto rs = m_conexion.Abrir(QStringLiteral("Select Max(LibCodigo) From genLibros"));
-        codigo = qint16(QVariant(rs->Campo(0)).toInt() + 1);
-        rs->Cerrar();
-        m_conexion.Ejecutar(QStringLiteral("Insert Into genLibros (LibCodigo, LibNombre, LibDelSistema) Values (?, ?, 0)"),
-                            {codigo, nombre.trimmed()});
-        tx.Confirmar();
-        return Resultado::Bien;
-    } catch (const ErrorBaseDatos &e) {
-        m_error = DetalleError(e.numero(), e.descripcion());
-        return Resultado::ErrorBase;
-    }
+    qint16 codigo = 0;
+    const auto fallo = Decidido(Intentar(
+        [&] {
+            if (const int v = validarNombre(nombre, -1))
+                return v;
+            Transaccion tx(m_conexion);
+            auto rs = m_conexion.Abrir(QStringLiteral("Select Max(LibCodigo) From genLibros"));
+            codigo = qint16(QVariant(rs->Campo(0)).toInt() + 1);
+            rs->Cerrar();
+            m_conexion.Ejecutar(QStringLiteral("Insert Into genLibros (LibCodigo, LibNombre, LibDelSistema) Values (?, ?, 0)"),
+                                {codigo, nombre.trimmed()});
+            tx.Confirmar();
+            return 0;
+        },
+        kNoSeGuardo));
+    if (fallo)
+        return *fallo;
+    return codigo;
 }
 
-Libros::Resultado Libros::Renombrar(qint16 codigo, const QString &nombre)
+std::optional<Fallo> Libros::Renombrar(qint16 codigo, const QString &nombre)
 {
-    try {
-        if (const Resultado r = modificable(codigo); r != Resultado::Bien)
-            return r;
-        const Resultado v = validarNombre(nombre, codigo);
-        if (v != Resultado::Bien)
-            return v;
-        m_conexion.Ejecutar(QStringLiteral("Update genLibros Set LibNombre = ? Where LibCodigo = ?"), {nombre.trimmed(), codigo});
-        return Resultado::Bien;
-    } catch (const ErrorBaseDatos &e) {
-        m_error = DetalleError(e.numero(), e.descripcion());
-        return Resultado::ErrorBase;
-    }
+    return Decidido(Intentar(
+        [&] {
+            if (const int r = modificable(codigo))
+                return r;
+            if (const int v = validarNombre(nombre, codigo))
+                return v;
+            m_conexion.Ejecutar(QStringLiteral("Update genLibros Set LibNombre = ? Where LibCodigo = ?"), {nombre.trimmed(), codigo});
+            return 0;
+        },
+        kNoSeGuardo));
 }
 
 // Entries in the trash still name their book: it stays while any entry does.
-Libros::Resultado Libros::eliminable(qint16 codigo)
+int Libros::eliminable(qint16 codigo)
 {
-    if (const Resultado r = modificable(codigo); r != Resultado::Bien)
+    if (const int r = modificable(codigo))
         return r;
     auto rs = m_conexion.Abrir(QStringLiteral("Select Count(*) From cceAsientos Where AsiTipo = ?"), {codigo});
     const bool enUso = QVariant(rs->Campo(0)).toInt() > 0;
     rs->Cerrar();
-    return enUso ? Resultado::EnUso : Resultado::Bien;
+    return enUso ? kEnUso : 0;
 }
 
-Libros::Resultado Libros::PuedeEliminar(qint16 codigo)
+std::optional<Fallo> Libros::PuedeEliminar(qint16 codigo)
 {
-    try {
-        return eliminable(codigo);
-    } catch (const ErrorBaseDatos &e) {
-        m_error = DetalleError(e.numero(), e.descripcion());
-        return Resultado::ErrorBase;
-    }
+    return Decidido(Intentar([&] { return eliminable(codigo); }, kNoSeGuardo));
 }
 
-Libros::Resultado Libros::Eliminar(qint16 codigo)
+std::optional<Fallo> Libros::Eliminar(qint16 codigo)
 {
-    try {
-        Transaccion tx(m_conexion);
-        if (const Resultado r = eliminable(codigo); r != Resultado::Bien)
-            return r;
-        m_conexion.Ejecutar(QStringLiteral("Delete From genLibros Where LibCodigo = ?"), {codigo});
-        tx.Confirmar();
-        return Resultado::Bien;
-    } catch (const ErrorBaseDatos &e) {
-        m_error = DetalleError(e.numero(), e.descripcion());
-        return Resultado::ErrorBase;
-    }
-}
-
-QString Libros::Explicacion(Resultado r)
-{
-    switch (r) {
-    case Resultado::DelSistema:
-        return QStringLiteral("Es un libro del sistema: no se puede cambiar.");
-    case Resultado::EnUso:
-        return QStringLiteral("Hay asientos en este libro: no se puede eliminar.");
-    case Resultado::NombreVacio:
-        return QStringLiteral("Escriba el nombre del libro.");
-    case Resultado::NombreRepetido:
-        return QStringLiteral("Ya existe un libro con ese nombre.");
-    case Resultado::NoExiste:
-        return QStringLiteral("El libro ya no existe.");
-    case Resultado::ErrorBase:
-        return QStringLiteral("No se pudo guardar el cambio.");
-    case Resultado::Bien:
-        break;
-    }
-    return {};
+    return Decidido(Intentar(
+        [&] {
+            Transaccion tx(m_conexion);
+            if (const int r = eliminable(codigo))
+                return r;
+            m_conexion.Ejecutar(QStringLiteral("Delete From genLibros Where LibCodigo = ?"), {codigo});
+            tx.Confirmar();
+            return 0;
+        },
+        kNoSeGuardo));
 }

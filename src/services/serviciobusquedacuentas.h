@@ -1,6 +1,7 @@
 #pragma once
 
 #include "store/conexion.h"
+#include "store/fallo.h"
 
 #include <QString>
 
@@ -19,7 +20,8 @@ class ServicioBusquedaCuentas
 {
 public:
     virtual ~ServicioBusquedaCuentas() = default;
-    // False when no account was chosen.
-    virtual bool Buscar(Conexion &conexion, qint32 empresa, const QString &texto, CuentaElegida &elegida,
-                        QWidget *padre) = 0;
+    // False when no account was chosen; a failure to read the accounts carries text 0, for
+    // the caller to tell with its own text.
+    virtual Resultado<bool> Buscar(Conexion &conexion, qint32 empresa, const QString &texto, CuentaElegida &elegida,
+                                   QWidget *padre) = 0;
 };

@@ -6,7 +6,8 @@
 #include <QString>
 
 // Per-user settings by section and key (genConfigUsuario). Writes are kept until
-// Confirmar(), which stores them all in one transaction.
+// Confirmar(), which stores them all in one transaction. A failure of the database carries
+// text 0: the caller tells it with its own text.
 class ServicioConfigUsuario
 {
 public:
@@ -14,9 +15,10 @@ public:
     ServicioConfigUsuario(Conexion &conexion, int idUsuario, int opciones = 0);
 
     // The stored value, or empty text when there is none.
-    QString Leer(const QString &seccion, const QString &clave);
+    Resultado<QString> Leer(const QString &seccion, const QString &clave);
     void Escribir(const QString &seccion, const QString &clave, const QString &valor);
-    void Confirmar();
+    // Nothing is stored when it fails, and the writes stay kept.
+    [[nodiscard]] std::optional<Fallo> Confirmar();
 
 private:
     Conexion &m_conexion;

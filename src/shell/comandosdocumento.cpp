@@ -123,13 +123,9 @@ void lumIngAsiento::conectarComandos()
     alElegir("MnuEdiLibro", [this] {
         if (!m_datos.conexion())
             return;
-        try {
-            GestorLibros gestor(*m_datos.conexion(), *m_datos.mensajes, [this](int n) { return m_datos.texto(n); }, this);
-            gestor.exec();
-            m_edicion->OlvidarLibros(); // the list is read again on the next edit
-        } catch (const ErrorBaseDatos &e) {
-            m_datos.Error(1932, DetalleError(e.numero(), e.descripcion()));
-        }
+        GestorLibros gestor(*m_datos.conexion(), *m_datos.mensajes, [this](int n) { return m_datos.texto(n); }, this);
+        gestor.exec();
+        m_edicion->OlvidarLibros(); // the list is read again on the next edit
     });
     connect(m_menus->accion(QStringLiteral("MnuEdiHistorial")), &QAction::triggered, this, [this] { MostrarHistorial(); });
     connect(m_menus->accion(QStringLiteral("MnuViePapelera")), &QAction::triggered, this, [this] { MostrarPapelera(); });
@@ -145,20 +141,22 @@ void lumIngAsiento::MostrarHistorial()
     const qint32 id = cabezal >= 0 ? m_asientos.IdDeFila(cabezal) : 0;
     if (id <= 0 || !m_datos.conexion())
         return;
-    try {
-        auto *dialogo = new DialogoHistorial(id, HistorialAsiento::Leer(*m_datos.conexion(), id), FormatoQtDeFecha(m_datos.formatoFecha), this);
-        dialogo->setAttribute(Qt::WA_DeleteOnClose);
-        if (m_datos.TienePermiso(u'M')) {
-            // A version goes back over the entry as it was when the history was read.
-            const QDateTime leido = LeerSellos(*m_datos.conexion(), {id}).value(id).sello;
-            dialogo->OfrecerRestaurar(m_datos.texto(1160), [this, id, leido](const QJsonObject &version) {
-                return m_restauracion->RestaurarVersion(id, version, leido);
-            });
-        }
-        dialogo->open();
-    } catch (const ErrorBaseDatos &e) {
-        m_datos.Error(1916, DetalleError(e.numero(), e.descripcion()));
+    const auto filas = m_datos.Leido(HistorialAsiento::Leer(*m_datos.conexion(), id), 1916);
+    if (!filas)
+        return;
+    // A version goes back over the entry as it was when the history was read.
+    std::optional<QHash<qint32, SelloGuardado>> sellos;
+    if (m_datos.TienePermiso(u'M') && !(sellos = m_datos.Leido(LeerSellos(*m_datos.conexion(), {id}), 1916)))
+        return;
+    auto *dialogo = new DialogoHistorial(id, *filas, FormatoQtDeFecha(m_datos.formatoFecha), this);
+    dialogo->setAttribute(Qt::WA_DeleteOnClose);
+    if (sellos) {
+        const QDateTime leido = sellos->value(id).sello;
+        dialogo->OfrecerRestaurar(m_datos.texto(1160), [this, id, leido](const QJsonObject &version) {
+            return m_restauracion->RestaurarVersion(id, version, leido);
+        });
     }
+    dialogo->open();
 }
 
 // The company's trash, for a user who may delete: entries given back or deleted for good.
@@ -233,12 +231,8 @@ void lumIngAsiento::PrepararMenuEdicion()
     const int filaCabezal = m_asientos.FilaCabezalDe(fila);
     m_menus->accion(QStringLiteral("MnuEdiHistorial"))->setEnabled(filaCabezal >= 0 && m_asientos.IdDeFila(filaCabezal) > 0);
     QAction *deshacer = m_menus->accion(QStringLiteral("MnuEdiDeshacer"));
-    QString queDeshace;
-    try {
-        queDeshace = m ? m_restauracion->TextoDeshacer() : QString();
-    } catch (const ErrorBaseDatos &) {
-        // Unknown for now: the item stays off, and Ctrl+Z says why when pressed.
-    }
+    // Unknown when the history cannot be read: the item stays off, and Ctrl+Z says why.
+    const QString queDeshace = m ? m_restauracion->TextoDeshacer() : QString();
     deshacer->setText(queDeshace.isEmpty() ? m_datos.texto(1159) : queDeshace);
     deshacer->setEnabled(!queDeshace.isEmpty());
     m_menus->MnuEdiTC->menuAction()->setEnabled(m);

@@ -101,13 +101,11 @@ void lumIngAsiento::MostrarVista()
 
 void lumIngAsiento::CargarMeses()
 {
+    // Without the closing dates the months are shown without "(cerrado)": the menu's
+    // captions are no command, and the failure is not told here.
     QDate menor;
-    try {
-        if (m_datos.conexion())
-            menor = MenorFechaCierre(*m_datos.conexion());
-    } catch (const ErrorBaseDatos &) {
-        // Without the closing dates the months are shown without "(cerrado)".
-    }
+    if (m_datos.conexion())
+        menor = MenorFechaCierre(*m_datos.conexion()).value_or(QDate());
     const auto meses = MesesDelMenu(m_datos.reloj().Hoy(), menor, [](int n) { return Idioma::resLoad(n - 1000); });
     for (int i = 0; i < meses.size() && i < m_menus->MnuViewMItem.size(); ++i) {
         QAction *a = m_menus->MnuViewMItem[i];

@@ -253,9 +253,6 @@ void lumIngAsiento::Iniciar()
     m_iniciado = true;
     try {
         iniciarSinTrampa();
-    } catch (const ErrorBaseDatos &e) {
-        m_estado = Estado::Detenido;
-        EnviarComando(ComandoHost::Error(e.descripcion()));
     } catch (const std::exception &e) {
         m_estado = Estado::Detenido;
         EnviarComando(ComandoHost::Error(QString::fromLocal8Bit(e.what())));
@@ -316,7 +313,12 @@ void lumIngAsiento::iniciarSinTrampa()
 
     m_apertura->ActualizarExisteApertura(true);
 
-    if (!InicializarDocumento()) {
+    const auto admitido = InicializarDocumento();
+    if (!admitido) {
+        EnviarComando(ComandoHost::Error(admitido.fallo().detalle));
+        return;
+    }
+    if (!*admitido) {
         EnviarComando(ComandoHost::AccesoDenegado(Idioma::resLoad(0)));
         return;
     }
@@ -343,15 +345,17 @@ void lumIngAsiento::iniciarSinTrampa()
         ArmarComandoDiferido(QStringLiteral("1"));
 }
 
-bool lumIngAsiento::InicializarDocumento()
+Resultado<bool> lumIngAsiento::InicializarDocumento()
 {
     CargarConfigEmpresa();
     BuscarPermisos(kModuloAsientos, proceso().IDEmpresa);
 
-    if (m_datos.empresa.ConAutoriza())
-        LlenarAutorizadores(*proceso().conexion);
-    else
+    // Entries that carry an authoriser cannot be shown without the list of them: the
+    // document stops.
+    if (!m_datos.empresa.ConAutoriza())
         m_panel->FijarAutorizadores({}, false);
+    else if (const auto fallo = LlenarAutorizadores(*proceso().conexion))
+        return *fallo;
 
     HabilitarEnlaces();
     if (!PuedeEntrar(m_datos.letras))
@@ -364,18 +368,21 @@ bool lumIngAsiento::InicializarDocumento()
     return true;
 }
 
-void lumIngAsiento::LlenarAutorizadores(Conexion &conexion)
+std::optional<Fallo> lumIngAsiento::LlenarAutorizadores(Conexion &conexion)
 {
     ServicioPermisos permisos(conexion, m_host.IDUsuario);
-    const QString registros = permisos.Autorizadores(m_host.ClaveSesion, kModuloAsientos, proceso().IDEmpresa);
+    const auto registros = permisos.Autorizadores(m_host.ClaveSesion, kModuloAsientos, proceso().IDEmpresa);
+    if (!registros)
+        return registros.fallo();
     QList<std::pair<QString, qint16>> autorizadores;
-    for (const QString &registro : registros.split(QLatin1Char('\r'))) {
+    for (const QString &registro : registros->split(QLatin1Char('\r'))) {
         if (registro.trimmed().isEmpty())
             continue;
         const qsizetype barra = registro.indexOf(QLatin1Char('|'));
         autorizadores.append({registro.mid(barra + 1), qint16(registro.left(barra).trimmed().toInt())});
     }
     m_panel->FijarAutorizadores(autorizadores, proceso().parametros.multiusuario);
+    return std::nullopt;
 }
 
 void lumIngAsiento::HabilitarEnlaces()
@@ -394,11 +401,8 @@ void lumIngAsiento::HabilitarEnlaces()
 
 void lumIngAsiento::LoadDocument()
 {
-    try {
-        InicializarDocumento();
-    } catch (const ErrorBaseDatos &e) {
-        m_entorno.mensajes->MostrarError(e.descripcion(), QString(), DetalleError(e.numero(), e.descripcion()));
-    }
+    if (const auto admitido = InicializarDocumento(); !admitido)
+        m_entorno.mensajes->MostrarError(admitido.fallo().detalle, QString(), admitido.fallo().detalle);
 }
 
 void lumIngAsiento::CargarParametrosSistema()
@@ -452,12 +456,9 @@ void lumIngAsiento::ActualizarEstado()
 
 void lumIngAsiento::BuscarPermisos(const QString &modulo, qint32 idEmpresa)
 {
-    try {
-        ServicioPermisos permisos(*proceso().conexion, m_host.IDUsuario);
-        m_datos.letras = permisos.Permisos(m_host.ClaveSesion, modulo, idEmpresa).trimmed();
-    } catch (const ErrorBaseDatos &e) {
-        m_datos.MostrarFallo({1909, DetalleError(e.numero(), e.descripcion())});
-    }
+    ServicioPermisos permisos(*proceso().conexion, m_host.IDUsuario);
+    if (const auto letras = m_datos.Leido(permisos.Permisos(m_host.ClaveSesion, modulo, idEmpresa), 1909))
+        m_datos.letras = letras->trimmed();
 }
 
 void lumIngAsiento::ConfigUsuario(bool guardar)
@@ -465,24 +466,20 @@ void lumIngAsiento::ConfigUsuario(bool guardar)
     static const QString seccion = kModuloAsientos;
     if (proceso().conexion) {
         ServicioConfigUsuario config(*proceso().conexion, m_host.IDUsuario, 0);
-        // Each step on its own: a failing one is skipped and the next one runs.
-        auto paso = [](auto &&accion) {
-            try {
-                accion();
-            } catch (const ErrorBaseDatos &) {
-            }
-        };
+        // The user's choices are a convenience: each one that cannot be read or stored keeps
+        // its value, and the next one is tried; none of them is told.
         if (guardar) {
-            paso([&] { config.Escribir(seccion, QStringLiteral("AsiSaveB"), m_datos.asiSaveB ? QStringLiteral("1") : QStringLiteral("0")); });
-            paso([&] { config.Escribir(seccion, QStringLiteral("AsiOrder"), QString::number(m_asiOrder)); });
-            paso([&] { config.Confirmar(); });
+            config.Escribir(seccion, QStringLiteral("AsiSaveB"), m_datos.asiSaveB ? QStringLiteral("1") : QStringLiteral("0"));
+            config.Escribir(seccion, QStringLiteral("AsiOrder"), QString::number(m_asiOrder));
+            static_cast<void>(config.Confirmar());
         } else {
-            paso([&] { m_datos.asiSaveB = config.Leer(seccion, QStringLiteral("AsiSaveB")) == QLatin1String("1"); });
-            paso([&] {
+            if (const auto guardado = config.Leer(seccion, QStringLiteral("AsiSaveB")))
+                m_datos.asiSaveB = *guardado == QLatin1String("1");
+            if (const auto orden = config.Leer(seccion, QStringLiteral("AsiOrder"))) {
                 bool ok = false;
-                const int orden = config.Leer(seccion, QStringLiteral("AsiOrder")).trimmed().toInt(&ok);
-                m_asiOrder = ok ? quint8(orden) : 0;
-            });
+                const int valor = orden->trimmed().toInt(&ok);
+                m_asiOrder = ok ? quint8(valor) : 0;
+            }
         }
     }
     m_menus->accion(QStringLiteral("MnuSaveNewBorrador"))->setChecked(m_datos.asiSaveB);

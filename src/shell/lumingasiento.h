@@ -141,13 +141,14 @@ private:
     // Start-up (lumingasiento.cpp).
     void crearControles();
     void iniciarSinTrampa();
-    bool InicializarDocumento();
+    // Whether the user may see the entries; a failure when the authorisers cannot be read.
+    Resultado<bool> InicializarDocumento();
     void AsignarTextos();
     void prepararEditor();
     ServicioBusquedaCuentas &busquedaCuentas() const;
     void EnviarComando(const QString &direccion);
     void HabilitarEnlaces();
-    void LlenarAutorizadores(Conexion &conexion);
+    [[nodiscard]] std::optional<Fallo> LlenarAutorizadores(Conexion &conexion);
     void CargarParametrosSistema();
     bool CargarConfigEmpresa();
     void BuscarPermisos(const QString &modulo, qint32 idEmpresa);

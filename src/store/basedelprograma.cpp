@@ -57,6 +57,15 @@ std::unique_ptr<ConexionQt> AbrirBaseDelPrograma(const QString &direccion, int e
     return conexion;
 }
 
+Resultado<std::unique_ptr<ConexionQt>> ConexionDelPrograma(const QString &direccion)
+{
+    try {
+        return AbrirBaseDelPrograma(direccion);
+    } catch (const ErrorBaseDatos &e) {
+        return Fallo{0, e.descripcion(), true};
+    }
+}
+
 Inicializacion InicializarBase(const QString &direccion, bool conDemo, const QDate &hoy)
 {
     Inicializacion r;

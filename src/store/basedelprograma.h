@@ -1,6 +1,7 @@
 #pragma once
 
 #include "conexionqt.h"
+#include "fallo.h"
 
 #include <QDate>
 #include <QString>
@@ -13,6 +14,9 @@
 // tables it lacks. The connection is then set for sharing with other sessions, a write
 // waiting at most esperaBloqueoMs for another session.
 std::unique_ptr<ConexionQt> AbrirBaseDelPrograma(const QString &direccion, int esperaBloqueoMs = DireccionBD::kEsperaBloqueoMs);
+// The same for a caller above the data layer: a refusal or a failure to open is answered as
+// a Fallo (text 0) whose detail is the text that tells it.
+Resultado<std::unique_ptr<ConexionQt>> ConexionDelPrograma(const QString &direccion);
 
 // The address as it may be shown: without its password.
 QString DireccionVisible(const QString &direccion);

@@ -223,6 +223,17 @@ Fallo FalloDe(int numeroTexto, const ErrorBaseDatos &error)
     return {numeroTexto, DetalleError(error.numero(), error.descripcion()), true};
 }
 
+Resultado<bool> EnTransaccion(Conexion &conexion, const std::function<bool()> &pasos)
+{
+    return Intentar([&] {
+        Transaccion tx(conexion);
+        if (!pasos())
+            return false;
+        tx.Confirmar();
+        return true;
+    });
+}
+
 namespace {
 constexpr int kFilasPorSentencia = 100;
 }

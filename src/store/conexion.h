@@ -1,5 +1,6 @@
 #pragma once
 
+#include "fallo.h"
 #include "reloj.h"
 
 #include <QDate>
@@ -10,12 +11,15 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <stdexcept>
+#include <type_traits>
 #include <utility>
 
-// The database connection every part of the document reads and writes through.
-// Errors are reported by throwing ErrorBaseDatos; each operation of the document
-// catches it in one place and shows its own catalogue message.
+// The database connection the data layer (store, currency, entries, services) reads and
+// writes through. Its errors are thrown as ErrorBaseDatos and never leave the data layer:
+// every operation a command calls answers them as a Fallo (fallo.h), and the command shows
+// its own catalogue message.
 
 enum class Motor { SQLite, PostgreSQL };
 
@@ -169,3 +173,31 @@ QDateTime FechaHoraDeValor(const QVariant &valor);
 // Multi-row INSERTs with bound values, a hundred rows per statement: one round trip per
 // hundred rows. columnas is the column list as written in the statement ("A, B, C").
 void InsertarEnBloques(Conexion &conexion, const char *tabla, const char *columnas, const QList<QVariantList> &filas);
+
+// Runs pasos in one transaction: confirmed when they answer true, undone when they answer
+// false (they have told why). A failure of the database undoes it and is answered as a Fallo
+// with text 0, for the caller to tell with its own text.
+Resultado<bool> EnTransaccion(Conexion &conexion, const std::function<bool()> &pasos);
+
+// Runs a piece of the data layer that may fail on the database and answers its value as a
+// Resultado, or nothing as std::optional<Fallo> when it answers nothing; a failure carries
+// numeroTexto (0: the caller tells it with its own text). The one place that turns the
+// connection's exceptions into results, so the data functions write no try/catch.
+template<class F>
+auto Intentar(F &&hacer, int numeroTexto = 0)
+{
+    using T = std::invoke_result_t<F>;
+    try {
+        if constexpr (std::is_void_v<T>) {
+            std::forward<F>(hacer)();
+            return std::optional<Fallo>();
+        } else {
+            return Resultado<T>(std::forward<F>(hacer)());
+        }
+    } catch (const ErrorBaseDatos &e) {
+        if constexpr (std::is_void_v<T>)
+            return std::optional<Fallo>(FalloDe(numeroTexto, e));
+        else
+            return Resultado<T>(FalloDe(numeroTexto, e));
+    }
+}

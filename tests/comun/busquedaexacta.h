@@ -18,7 +18,7 @@ public:
     bool acepta = true;            // false: the dialog was cancelled, with respuesta in view
     std::function<void()> durante; // what runs while the dialog is open
 
-    bool Buscar(Conexion &conexion, qint32 empresa, const QString &texto, CuentaElegida &c, QWidget *) override
+    Resultado<bool> Buscar(Conexion &conexion, qint32 empresa, const QString &texto, CuentaElegida &c, QWidget *) override
     {
         pedidos << texto;
         if (durante)
@@ -27,7 +27,10 @@ public:
             c = respuesta;
             return acepta && respuesta.id > 0;
         }
-        const auto coinciden = BusquedaCuentasQt::Coincidencias(BusquedaCuentasQt::Cuentas(conexion, empresa), texto);
+        const auto cuentas = CuentasDatos::Imputables(conexion, empresa);
+        if (!cuentas)
+            return cuentas.fallo();
+        const auto coinciden = BusquedaCuentasQt::Coincidencias(*cuentas, texto);
         if (coinciden.size() != 1)
             return false;
         c = {coinciden.first().id, 0, 0};

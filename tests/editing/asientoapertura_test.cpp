@@ -7,6 +7,7 @@
 #include "editing/asientoapertura.h"
 
 #include <cmath>
+#include <functional>
 
 namespace {
 
@@ -286,8 +287,9 @@ TEST_P(Apertura, CuentasCerradasEnLaFechaOPosteriorSeAbrenSiSeAcepta)
     EXPECT_FALSE(m_apertura.ActualizarExisteApertura());
 }
 
-// When the entries cannot be read the last answer stands; the start of the document asks
-// for the failure to be told.
+// When the entries cannot be read the last answer stands for the banner; the start of the
+// document asks for the failure to be told, and a command that needs to know stops and tells
+// it with its own text and the database's detail, asking nothing.
 TEST_P(Apertura, SinLeerLosAsientosQuedaLaUltimaRespuestaYSeDiceSiSePide)
 {
     asiento(m_datos.fechaAsientoApertura, EstadoAsiento::kRegistrado, Demo::kLibroPrimeraApertura,
@@ -298,6 +300,15 @@ TEST_P(Apertura, SinLeerLosAsientosQuedaLaUltimaRespuestaYSeDiceSiSePide)
     EXPECT_TRUE(m_mensajes.mostrados.isEmpty());
     EXPECT_TRUE(m_apertura.ActualizarExisteApertura(true));
     EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("error: 1906")});
+    for (const auto &comando : {std::function<void()>([this] { m_apertura.MnuEdiAPA(); }),
+                                std::function<void()>([this] { EXPECT_EQ(m_apertura.HacerAsientoApertura(), 0); })}) {
+        m_mensajes.mostrados.clear();
+        m_mensajes.detalles.clear();
+        comando();
+        EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("error: 1930")});
+        EXPECT_TRUE(m_mensajes.detalles.value(0).contains(QStringLiteral("cceAsientos"), Qt::CaseInsensitive))
+            << m_mensajes.detalles.value(0).toStdString();
+    }
 }
 
 // A write the database fails is told with 1930 and its detail, and leaves nothing written.

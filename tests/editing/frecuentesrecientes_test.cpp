@@ -33,17 +33,14 @@ protected:
 TEST_P(Recientes, ElUltimoPrimeroSinRepetirHastaDiez)
 {
     FrecuentesRecientes recientes(m_datos);
-    EXPECT_TRUE(recientes.Leer().isEmpty());
-    for (qint32 id = 1; id <= 12; ++id)
-        recientes.Agregar(id);
-    recientes.Agregar(5);
-    recientes.Agregar(0);
-    recientes.Agregar(-3);
-    EXPECT_EQ(recientes.Leer(), (QList<qint32>{5, 12, 11, 10, 9, 8, 7, 6, 4, 3}));
+    EXPECT_TRUE(recientes.Leer()->isEmpty());
+    for (const qint32 id : {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 5, 0, -3})
+        ASSERT_FALSE(recientes.Agregar(id));
+    EXPECT_EQ(*recientes.Leer(), (QList<qint32>{5, 12, 11, 10, 9, 8, 7, 6, 4, 3}));
     // Another user's list is their own.
     DatosDocumento otro = m_datos;
     otro.usuario = Demo::kUsuarioContador;
-    EXPECT_TRUE(FrecuentesRecientes(otro).Leer().isEmpty());
+    EXPECT_TRUE(FrecuentesRecientes(otro).Leer()->isEmpty());
 }
 
 TEST_P(Recientes, ElMenuSoloConLasQueExistenSinAgendaDeLaEmpresa)
@@ -53,27 +50,34 @@ TEST_P(Recientes, ElMenuSoloConLasQueExistenSinAgendaDeLaEmpresa)
     const qint32 ajena = plantilla(QStringLiteral("De otra empresa"), false, 2);
     const qint32 luz = plantilla(QStringLiteral("Luz"));
     FrecuentesRecientes recientes(m_datos);
-    EXPECT_TRUE(recientes.CargarFrecuentesRecientes().isEmpty()); // none yet: nothing to look up
+    EXPECT_TRUE(recientes.CargarFrecuentesRecientes()->isEmpty()); // none yet: nothing to look up
     for (const qint32 id : {alquiler, agendada, ajena, luz + 100, luz})
-        recientes.Agregar(id);
+        ASSERT_FALSE(recientes.Agregar(id));
     using Item = std::pair<QString, qint32>;
-    EXPECT_EQ(recientes.CargarFrecuentesRecientes(), (QList<Item>{{QStringLiteral("Luz"), luz}, {QStringLiteral("Alquiler"), alquiler}}));
+    EXPECT_EQ(*recientes.CargarFrecuentesRecientes(), (QList<Item>{{QStringLiteral("Luz"), luz}, {QStringLiteral("Alquiler"), alquiler}}));
 }
 
-// A read that fails while writes would work: nothing is written over the list kept.
+// A read that fails while writes would work: the failure is answered, with the database's
+// detail for the caller to tell, and nothing is written over the list kept.
 TEST_P(Recientes, UnaListaQueNoSePuedeLeerNoSePisa)
 {
-    FrecuentesRecientes(m_datos).Agregar(7);
-    FrecuentesRecientes(m_datos).Agregar(8);
+    ASSERT_FALSE(FrecuentesRecientes(m_datos).Agregar(7));
+    ASSERT_FALSE(FrecuentesRecientes(m_datos).Agregar(8));
     Espia espia(m_base.conexion());
     espia.fallar = [](const QString &sql) { return sql.startsWith(QLatin1String("Select")) && sql.contains(QLatin1String("genConfigUsuario")); };
     DatosDocumento conFalla = m_datos;
     auto proceso = std::make_shared<Proceso>(*m_datos.proceso);
     proceso->conexion = std::shared_ptr<Conexion>(&espia, [](Conexion *) {});
     conFalla.proceso = proceso;
-    EXPECT_THROW(FrecuentesRecientes(conFalla).Agregar(9), ErrorBaseDatos);
-    EXPECT_THROW(FrecuentesRecientes(conFalla).CargarFrecuentesRecientes(), ErrorBaseDatos);
-    EXPECT_EQ(FrecuentesRecientes(m_datos).Leer(), (QList<qint32>{8, 7}));
+    const auto fallo = FrecuentesRecientes(conFalla).Agregar(9);
+    ASSERT_TRUE(fallo);
+    EXPECT_TRUE(fallo->deLaBase);
+    EXPECT_EQ(fallo->numeroTexto, 0);
+    EXPECT_TRUE(fallo->detalle.contains(QStringLiteral("falla preparada"))) << fallo->detalle.toStdString();
+    const auto menu = FrecuentesRecientes(conFalla).CargarFrecuentesRecientes();
+    ASSERT_FALSE(menu);
+    EXPECT_TRUE(menu.fallo().deLaBase);
+    EXPECT_EQ(*FrecuentesRecientes(m_datos).Leer(), (QList<qint32>{8, 7}));
 }
 
 INSTANCIAR_EN_MOTORES(Recientes);

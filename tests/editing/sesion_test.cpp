@@ -40,14 +40,14 @@ TEST_P(SesionEnMotor, ParametrosAjustesDelUsuarioYEmpresasLeidas)
 
     // A user's settings are stored only when confirmed, and are that user's.
     const QString seccion = QStringLiteral("PasajeAsientos"), clave = QStringLiteral("AsiSaveB");
-    auto leer = [&](int usuario) { return ServicioConfigUsuario(base.conexion(), usuario).Leer(seccion, clave); };
+    auto leer = [&](int usuario) { return *ServicioConfigUsuario(base.conexion(), usuario).Leer(seccion, clave); };
     ServicioConfigUsuario(base.conexion(), 5).Escribir(seccion, clave, QStringLiteral("1")); // not confirmed: nothing stored
     EXPECT_EQ(leer(5), QString());
     ServicioConfigUsuario config(base.conexion(), 5);
     config.Escribir(seccion, clave, QStringLiteral("1"));
-    config.Confirmar();
+    ASSERT_FALSE(config.Confirmar());
     config.Escribir(seccion, clave, QStringLiteral("0"));
-    config.Confirmar();
+    ASSERT_FALSE(config.Confirmar());
     EXPECT_EQ(leer(5), QStringLiteral("0"));
     EXPECT_EQ(leer(6), QString());
 
@@ -103,7 +103,7 @@ TEST_P(SesionEnMotor, ConfiguracionPermisosYAutorizadoresDeLaDemo)
     const QString modulo = QString::fromLatin1(Demo::kModulo);
     auto letras = [&](int usuario) {
         ServicioPermisos s(base.conexion(), usuario);
-        return s.Permisos(QStringLiteral("lum01"), modulo, Demo::kEmpresa).trimmed();
+        return s.Permisos(QStringLiteral("lum01"), modulo, Demo::kEmpresa)->trimmed();
     };
     EXPECT_EQ(letras(Demo::kUsuarioAdministrador), QStringLiteral("AMEQ"));
     EXPECT_EQ(letras(Demo::kUsuarioConsulta), QStringLiteral("Q"));
@@ -112,7 +112,7 @@ TEST_P(SesionEnMotor, ConfiguracionPermisosYAutorizadoresDeLaDemo)
 
     ServicioPermisos s(base.conexion(), Demo::kUsuarioAdministrador);
     const QStringList autorizadores =
-        s.Autorizadores(QStringLiteral("lum01"), modulo, Demo::kEmpresa).split(QLatin1Char('\r'));
+        s.Autorizadores(QStringLiteral("lum01"), modulo, Demo::kEmpresa)->split(QLatin1Char('\r'));
     EXPECT_EQ(autorizadores.size(), 2);
     EXPECT_TRUE(autorizadores.contains(QStringLiteral("1|Administrador")));
 }

@@ -88,7 +88,7 @@ TEST_P(Frecuentes, GuardarYLeerConservanCabezalLineasYMonedasYReemplazarCambiaLa
                       {id}),
               (QStringList{QStringLiteral("1|22|1|1|1234.56|1234.56|2|3"), QStringLiteral("2|11|2|0|30.86|1234.40|0|0"),
                            QStringLiteral("3|20|0|0|0.16|0.16|0|0")}));
-    const auto leido = f.Leer(id);
+    const auto leido = *f.Leer(id);
     ASSERT_TRUE(leido.has_value());
     EXPECT_EQ(texto(*leido), texto(m));
     EXPECT_FALSE(leido->Agendado());
@@ -102,13 +102,13 @@ TEST_P(Frecuentes, GuardarYLeerConservanCabezalLineasYMonedasYReemplazarCambiaLa
     EXPECT_EQ(d.Filas(QStringLiteral("Select MFLIDMovimiento, MFLOrden, MFLCuenta, MFLImporteMC From genMovimientosFrecuentesLineas"
                                      " Order By MFLOrden")),
               (QStringList{QStringLiteral("%1|1|10|99.99").arg(id), QStringLiteral("%1|2|22|99.99").arg(id)}));
-    EXPECT_EQ(texto(*f.Leer(id)), texto(m));
+    EXPECT_EQ(texto(**f.Leer(id)), texto(m));
 
     // One that no longer exists is not brought back.
     ASSERT_TRUE(Bien(f.Eliminar(id)));
     EXPECT_EQ(guardado(m), 0);
     EXPECT_EQ(contar("genMovimientosFrecuentesLineas"), 0);
-    EXPECT_FALSE(f.Leer(id).has_value());
+    EXPECT_FALSE(f.Leer(id)->has_value());
 
     // A new one whose lines cannot be written keeps no id, so that storing it again makes it.
     MovimientoFrecuente nuevo = plantilla(QStringLiteral("Luz"), {Linea(22, true, 10), Linea(10, false, 10)});
@@ -212,7 +212,7 @@ TEST_P(Frecuentes, UnaCuentaCerradaNoDejaNadaYUnAgendadoAvanzaUnaVezPorFecha)
                              {Linea(22, true, 500), Linea(10, false, 500)}, {1, 1}, true, QStringLiteral("Alquiler mensual"), false, mensual)));
     EXPECT_EQ(proxima(mensual), QStringLiteral("mensual|2026-01-15"));
 
-    const MovimientoFrecuente leido = *f.Leer(mensual);
+    const MovimientoFrecuente leido = **f.Leer(mensual);
     const qint32 primero = registrar(leido, leido.FechaProxima);
     ASSERT_GT(primero, 0);
     EXPECT_EQ(asiento(primero).value(0), QStringLiteral("1|2026-01-15|Alquiler mensual|1"));
@@ -225,7 +225,7 @@ TEST_P(Frecuentes, UnaCuentaCerradaNoDejaNadaYUnAgendadoAvanzaUnaVezPorFecha)
     EXPECT_EQ(proxima(mensual), QStringLiteral("mensual|2026-02-15"));
 
     // Read again, the next month goes through.
-    const MovimientoFrecuente siguiente = *f.Leer(mensual);
+    const MovimientoFrecuente siguiente = **f.Leer(mensual);
     EXPECT_GT(registrar(siguiente, siguiente.FechaProxima), primero);
     EXPECT_EQ(proxima(mensual), QStringLiteral("mensual|2026-03-15"));
 }
@@ -241,10 +241,10 @@ TEST_P(Frecuentes, VencidosHastaHoyYBuscadosPorParteDelNombreSoloDeLaEmpresa)
     guardar(sinAgenda);
 
     QStringList vencidos;
-    for (const MovimientoFrecuente &m : f.Vencidos(1, QDate(2026, 11, 23)))
+    for (const MovimientoFrecuente &m : *f.Vencidos(1, QDate(2026, 11, 23)))
         vencidos << m.Nombre + QLatin1Char('@') + m.FechaProxima.toString(Qt::ISODate);
     EXPECT_EQ(vencidos, (QStringList{QStringLiteral("Venció en octubre@2026-10-01"), QStringLiteral("Vence hoy@2026-11-23")}));
-    EXPECT_TRUE(f.Vencidos(1, QDate(2026, 9, 30)).isEmpty());
+    EXPECT_TRUE(f.Vencidos(1, QDate(2026, 9, 30))->isEmpty());
 
     // Found by part of the name, without case, only the company's, headers only.
     for (const char *nombre : {"Alquiler Oficina", "ALQUILER DEPÓSITO", "Retención 2%", "Sueldos 2026"})
@@ -252,7 +252,7 @@ TEST_P(Frecuentes, VencidosHastaHoyYBuscadosPorParteDelNombreSoloDeLaEmpresa)
     guardar(plantilla(QStringLiteral("alquiler ajeno"), unPeso), 2);
     auto nombres = [&](const QString &texto) {
         QStringList r;
-        for (const MovimientoFrecuente &m : f.Buscar(1, texto)) {
+        for (const MovimientoFrecuente &m : *f.Buscar(1, texto)) {
             EXPECT_TRUE(m.Lineas.isEmpty()); // headers only
             r << m.Nombre;
         }

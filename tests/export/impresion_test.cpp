@@ -5,13 +5,20 @@
 #include "entries/asientosgrilla.h"
 #include "entries/grilla.h"
 #include "export/escritores.h"
+#include "export/fuentegrilla.h"
 #include "export/impresiongrilla.h"
 #include "export/paginasgrilla.h"
 
+#include <QDir>
+#include <QFile>
 #include <QImage>
+#include <QTemporaryDir>
 #include <QPainter>
 
 #include <gtest/gtest.h>
+
+#include <functional>
+#include <optional>
 
 namespace {
 
@@ -196,6 +203,52 @@ TEST(Escritores, CamposCSVYFormatosDeLibro)
     EXPECT_EQ(FormatoNumeroLibro(QStringLiteral("#,##0.00")), QStringLiteral("#,##0.00"));
     EXPECT_EQ(FormatoNumeroLibro(QStringLiteral("U$S #,##0.00")), QStringLiteral("\"U$S \"#,##0.00"));
     EXPECT_EQ(FormatoNumeroLibro(QStringLiteral("#,##0.000 ds")), QStringLiteral("#,##0.000\" ds\""));
+}
+
+// A part that cannot be read ends a long export: each writer answers the reading's failure
+// as it came, and leaves no file, not even half of one over a file of that name.
+TEST(Escritores, UnaParteQueNoSePuedeLeerNoDejaArchivo)
+{
+    QTemporaryDir carpeta;
+    Grilla grilla;
+    PrepararGrillaAsientos(grilla, QStringLiteral("Fecha|Leyenda|Debe|Haber|Libro|Estado"));
+    // Each part is one entry's header row.
+    auto parte = [&] {
+        grilla.FijarFilas(grilla.FilasFijas() + 1);
+        grilla.FijarDato(grilla.FilasFijas(), 0, 1);
+        grilla.FijarDato(grilla.FilasFijas(), 2, QDate(2026, 11, 25));
+    };
+    const FuenteDeGrilla fuente(grilla);
+    using Escribir = std::function<std::optional<Fallo>(const QString &, const SiguienteParte &)>;
+    const std::pair<const char *, Escribir> escritores[] = {
+        {"a.csv", [&](const QString &r, const SiguienteParte &s) { return Escritores::EscribirCSV(fuente, r, {}, s); }},
+        {"a.xlsx", [&](const QString &r, const SiguienteParte &s) { return Escritores::EscribirLibro(fuente, r, QStringLiteral("dd/mm/yyyy"), {}, s); }},
+        {"a.htm", [&](const QString &r, const SiguienteParte &s) {
+             return Escritores::EscribirHTML(fuente, r, QString(), QString(), QString(), QStringLiteral("dd/mm/yyyy"), QDateTime(), s);
+         }}};
+    for (const auto &[nombre, escribir] : escritores) {
+        SCOPED_TRACE(nombre);
+        const QString ruta = carpeta.filePath(QString::fromLatin1(nombre));
+        QFile anterior(ruta);
+        ASSERT_TRUE(anterior.open(QIODevice::WriteOnly) && anterior.write("antes") == 5);
+        anterior.close();
+        int leidas = 0;
+        parte();
+        const auto fallo = escribir(ruta, [&]() -> Resultado<bool> {
+            if (++leidas == 2)
+                return Fallo{0, QStringLiteral("la base se fue"), true};
+            parte();
+            return true;
+        });
+        ASSERT_TRUE(fallo);
+        EXPECT_EQ(fallo->detalle, QStringLiteral("la base se fue"));
+        EXPECT_TRUE(fallo->deLaBase);
+        ASSERT_TRUE(anterior.open(QIODevice::ReadOnly));
+        EXPECT_EQ(anterior.readAll(), QByteArray("antes"));
+        anterior.close();
+        EXPECT_EQ(QDir(carpeta.path()).entryList(QDir::Files | QDir::Hidden).size(), 1) << "a temporary file was left";
+        QFile::remove(ruta);
+    }
 }
 
 } // namespace

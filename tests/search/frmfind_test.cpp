@@ -38,8 +38,8 @@ protected:
         frmFind::Listas listas;
         listas.libros = {{QStringLiteral("Diario"), 1}, {QStringLiteral("Ventas"), 7}};
         if (conProyectos) {
-            listas.proyectos = m_datos.LeerProyectos();
-            listas.departamentos = m_datos.LeerDepartamentos();
+            listas.proyectos = *m_datos.LeerProyectos();
+            listas.departamentos = *m_datos.LeerDepartamentos();
         }
         m_dialogo = std::make_unique<frmFind>(m_datos, m_cuentas, listas);
         mostrar();
@@ -272,7 +272,7 @@ TEST_P(DialogoBusqueda, ProyectoYDepartamentoAcotanLaCuenta)
     auto *departamento = campo<QComboBox>("cfDepartamento");
     EXPECT_TRUE(proyecto->isVisible());
     EXPECT_FALSE(proyecto->isEnabled()); // nothing to narrow without an account
-    EXPECT_EQ(proyecto->count(), 2 + m_datos.LeerProyectos().size());
+    EXPECT_EQ(proyecto->count(), 2 + m_datos.LeerProyectos()->size());
 
     const qint32 cuentaSueldos = m_base.IdCuenta("5.2.01");
     m_cuentas.respuesta = {cuentaSueldos, 0, 0};

@@ -17,7 +17,7 @@ using BusquedaDeCuentas = ::testing::TestWithParam<Motor>;
 TEST_P(BusquedaDeCuentas, CodigoExactoOUnicaCoincidenciaYNuncaCarpetas)
 {
     BaseDePrueba base(GetParam(), BaseDePrueba::Contenido::Demo);
-    const auto cuentas = BusquedaCuentasQt::Cuentas(base.conexion(), Demo::kEmpresa);
+    const auto cuentas = *CuentasDatos::Imputables(base.conexion(), Demo::kEmpresa);
     auto codigos = [](const QList<BusquedaCuentasQt::Cuenta> &l) {
         QStringList c;
         for (const auto &x : l)

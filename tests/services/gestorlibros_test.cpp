@@ -19,27 +19,42 @@ protected:
     BaseDePrueba m_base{GetParam(), BaseDePrueba::Contenido::Demo};
 };
 
+// A refusal carries the catalogue text that says why, and is no failure of the database;
+// one the database fails carries the text of a change not saved, and its detail.
 TEST_P(GestionDeLibros, AgregarRenombrarYEliminarSoloLosPropiosSinUso)
 {
     Libros libros(m_base.conexion());
-    const int antes = libros.Listar().size();
-    qint16 codigo = 0;
-    EXPECT_EQ(libros.Agregar(QStringLiteral("  Importaciones "), codigo), Libros::Resultado::Bien);
-    EXPECT_GT(codigo, Demo::kLibroPrimeraApertura);
-    EXPECT_EQ(libros.Listar().size(), antes + 1);
-    qint16 otro = 0;
-    EXPECT_EQ(libros.Agregar(QStringLiteral("importaciones"), otro), Libros::Resultado::NombreRepetido);
-    EXPECT_EQ(libros.Agregar(QStringLiteral("   "), otro), Libros::Resultado::NombreVacio);
-    EXPECT_EQ(libros.Renombrar(codigo, QStringLiteral("IMPORTACIONES")), Libros::Resultado::Bien); // its own name, in capitals
-    EXPECT_EQ(libros.Renombrar(codigo, QStringLiteral("Diario")), Libros::Resultado::NombreRepetido);
-    EXPECT_EQ(libros.Renombrar(codigo, QStringLiteral("Importación")), Libros::Resultado::Bien);
-    EXPECT_EQ(libros.Renombrar(Demo::kLibroCierre, QStringLiteral("Otro")), Libros::Resultado::DelSistema);
-    EXPECT_EQ(libros.Eliminar(Demo::kLibroApertura), Libros::Resultado::DelSistema);
-    EXPECT_EQ(libros.Eliminar(Demo::kLibroDiario), Libros::Resultado::EnUso);
-    EXPECT_EQ(libros.Eliminar(codigo), Libros::Resultado::Bien);
-    EXPECT_EQ(libros.Eliminar(codigo), Libros::Resultado::NoExiste);
-    EXPECT_EQ(libros.Renombrar(codigo, QStringLiteral("Otro")), Libros::Resultado::NoExiste);
-    EXPECT_EQ(libros.Listar().size(), antes);
+    auto numero = [](const std::optional<Fallo> &f) { return f ? f->numeroTexto * (f->deLaBase ? -1 : 1) : 0; };
+    auto numeroAlAgregar = [&](const QString &nombre) {
+        const auto r = libros.Agregar(nombre);
+        return r ? 0 : numero(r.fallo());
+    };
+    const qsizetype antes = libros.Listar()->size();
+    const auto codigo = libros.Agregar(QStringLiteral("  Importaciones "));
+    ASSERT_TRUE(codigo);
+    EXPECT_GT(*codigo, Demo::kLibroPrimeraApertura);
+    EXPECT_EQ(libros.Listar()->size(), antes + 1);
+    EXPECT_EQ(numeroAlAgregar(QStringLiteral("importaciones")), Libros::kNombreRepetido);
+    EXPECT_EQ(numeroAlAgregar(QStringLiteral("   ")), Libros::kNombreVacio);
+    EXPECT_EQ(numero(libros.Renombrar(*codigo, QStringLiteral("IMPORTACIONES"))), 0); // its own name, in capitals
+    EXPECT_EQ(numero(libros.Renombrar(*codigo, QStringLiteral("Diario"))), Libros::kNombreRepetido);
+    EXPECT_EQ(numero(libros.Renombrar(*codigo, QStringLiteral("Importación"))), 0);
+    EXPECT_EQ(numero(libros.Renombrar(Demo::kLibroCierre, QStringLiteral("Otro"))), Libros::kDelSistema);
+    EXPECT_EQ(numero(libros.Eliminar(Demo::kLibroApertura)), Libros::kDelSistema);
+    EXPECT_EQ(numero(libros.PuedeEliminar(Demo::kLibroDiario)), Libros::kEnUso);
+    EXPECT_EQ(numero(libros.Eliminar(Demo::kLibroDiario)), Libros::kEnUso);
+    EXPECT_EQ(numero(libros.Eliminar(*codigo)), 0);
+    EXPECT_EQ(numero(libros.Eliminar(*codigo)), Libros::kNoExiste);
+    EXPECT_EQ(numero(libros.Renombrar(*codigo, QStringLiteral("Otro"))), Libros::kNoExiste);
+    EXPECT_EQ(libros.Listar()->size(), antes);
+
+    m_base.conexion().Ejecutar(QStringLiteral("Alter Table genLibros Rename Column LibNombre To LibOtro"));
+    EXPECT_EQ(numero(libros.PuedeEliminar(Demo::kLibroDiario)), -Libros::kNoSeGuardo);
+    EXPECT_EQ(numeroAlAgregar(QStringLiteral("Compras")), -Libros::kNoSeGuardo);
+    const auto leidos = libros.Listar();
+    ASSERT_FALSE(leidos);
+    EXPECT_EQ(leidos.fallo().numeroTexto, 0); // told by the reader with its own text
+    EXPECT_TRUE(leidos.fallo().detalle.contains(QStringLiteral("LibNombre"), Qt::CaseInsensitive));
 }
 
 // Insert asks a name and shows the new book chosen; F2 renames it; Delete asks first. A
@@ -84,7 +99,7 @@ TEST_P(GestionDeLibros, ElDialogoConSusTeclas)
     EXPECT_EQ(nombreActual(), QStringLiteral("Exportaciones"));
     EXPECT_EQ(tecla(Qt::Key_Insert, QStringLiteral("exportaciones")), 2); // asked again with what was typed
     EXPECT_EQ(ofrecido, QStringLiteral("exportaciones"));
-    EXPECT_EQ(mensajes.mostrados, QStringList{QStringLiteral("advertencia: Ya existe un libro con ese nombre.")});
+    EXPECT_EQ(mensajes.mostrados, QStringList{QStringLiteral("advertencia: texto %1").arg(Libros::kNombreRepetido)});
     EXPECT_EQ(tecla(Qt::Key_Insert, QString()), 1);
     EXPECT_EQ(lista->topLevelItemCount(), antes + 1);
 
@@ -110,7 +125,7 @@ TEST_P(GestionDeLibros, ElDialogoConSusTeclas)
     m_base.conexion().Ejecutar(QStringLiteral("Delete From genLibros Where LibNombre = 'Temporal'"));
     mensajes.mostrados.clear();
     EXPECT_EQ(tecla(Qt::Key_F2, QStringLiteral("Otro nombre")), 1);
-    EXPECT_EQ(mensajes.mostrados, QStringList{QStringLiteral("advertencia: El libro ya no existe.")});
+    EXPECT_EQ(mensajes.mostrados, QStringList{QStringLiteral("advertencia: texto %1").arg(Libros::kNoExiste)});
 
     // A book with entries is refused before the question.
     for (int i = 0; i < lista->topLevelItemCount(); ++i)
@@ -118,7 +133,7 @@ TEST_P(GestionDeLibros, ElDialogoConSusTeclas)
             lista->setCurrentItem(lista->topLevelItem(i));
     mensajes.mostrados.clear();
     EXPECT_EQ(borrar(std::nullopt), 1);
-    EXPECT_EQ(mensajes.mostrados, QStringList{QStringLiteral("advertencia: Hay asientos en este libro: no se puede eliminar.")});
+    EXPECT_EQ(mensajes.mostrados, QStringList{QStringLiteral("advertencia: texto %1").arg(Libros::kEnUso)});
 
     // The database fails the write: the error says why, and the list is read again.
     m_base.conexion().Ejecutar(QStringLiteral("Alter Table genLibros Rename Column LibNombre To LibOtro"));
@@ -126,7 +141,7 @@ TEST_P(GestionDeLibros, ElDialogoConSusTeclas)
     EXPECT_EQ(tecla(Qt::Key_Insert, QStringLiteral("Compras")), 2);
     EXPECT_EQ(ofrecido, QStringLiteral("Compras"));
     ASSERT_GE(mensajes.mostrados.size(), 1);
-    EXPECT_EQ(mensajes.mostrados[0], QStringLiteral("error: No se pudo guardar el cambio."));
+    EXPECT_EQ(mensajes.mostrados[0], QStringLiteral("error: texto %1").arg(Libros::kNoSeGuardo));
     EXPECT_TRUE(mensajes.detalles[0].contains(QStringLiteral("LibNombre"), Qt::CaseInsensitive)) << mensajes.detalles[0].toStdString();
     EXPECT_EQ(mensajes.mostrados.value(1), QStringLiteral("error: texto 1932"));
 }

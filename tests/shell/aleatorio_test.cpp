@@ -552,7 +552,7 @@ private:
         rs->Cerrar();
         const QHash<qint32, int> filas = FilasHistorialPorAsiento(m_base.conexion());
         for (qint32 id : std::as_const(tocados)) {
-            const QList<HistorialAsiento::Fila> h = HistorialAsiento::Leer(m_base.conexion(), id);
+            const QList<HistorialAsiento::Fila> h = *HistorialAsiento::Leer(m_base.conexion(), id);
             if (h.size() != filas.value(id))
                 m_fallas << QStringLiteral("el historial del asiento %1 se lee con %2 filas de %3").arg(id).arg(h.size()).arg(filas.value(id));
             for (int i = 1; i < h.size(); ++i)

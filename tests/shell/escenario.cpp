@@ -69,7 +69,7 @@ void Escenario::otroCambia(qint32 id, const QString &leyenda)
 QStringList Operaciones(Conexion &conexion, qint32 id, bool conUsuario)
 {
     QStringList l;
-    for (const HistorialAsiento::Fila &f : HistorialAsiento::Leer(conexion, id))
+    for (const HistorialAsiento::Fila &f : *HistorialAsiento::Leer(conexion, id))
         l << (conUsuario ? QStringLiteral("%1:%2").arg(f.operacion).arg(f.usuario) : f.operacion);
     return l;
 }

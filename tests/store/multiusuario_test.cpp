@@ -213,7 +213,7 @@ TEST_P(Multiusuario, CadaEscrituraDejaUnaFilaDeHistorial)
     EXPECT_FALSE(Bien(viejo.EliminarDefinitivo(id, viejo.Cabezal().FechaModificado)));
     ASSERT_TRUE(Bien(a.EliminarDefinitivo(id, a.Cabezal().FechaModificado)));
 
-    const QList<HistorialAsiento::Fila> filas = HistorialAsiento::Leer(c, id);
+    const QList<HistorialAsiento::Fila> filas = *HistorialAsiento::Leer(c, id);
     const QStringList operaciones{HistorialAsiento::kAlta,   HistorialAsiento::kCambio,   HistorialAsiento::kEstado,
                                   HistorialAsiento::kCambio, HistorialAsiento::kPapelera, HistorialAsiento::kEliminacion};
     ASSERT_EQ(filas.size(), operaciones.size());
@@ -293,7 +293,7 @@ TEST_P(Multiusuario, CarrerasDeDosSesionesUnSoloGanador)
             if (lado == 0) {
                 t.leyenda = ValorDe(*c, QStringLiteral("Select AsiLeyenda From cceAsientos Where AsiID = ?"), {id}).toString();
                 t.historial = filasHistorial(*c, id);
-                t.ultima = HistorialAsiento::Leer(*c, id).last();
+                t.ultima = HistorialAsiento::Leer(*c, id)->last();
                 t.aperturas = ValorDe(*c, QStringLiteral("Select Count(*) From cceAsientos Where AsiTipo = 97 And AsiEstado <> 9")).toInt();
                 c->Ejecutar(QStringLiteral("Update cceAsientos Set AsiEstado = 9 Where AsiTipo = 97"));
             }
