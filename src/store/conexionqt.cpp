@@ -8,6 +8,7 @@
 
 #include <QAtomicInt>
 #include <QFileInfo>
+#include <QPointer>
 #include <QUrl>
 #include <QSqlDriver>
 #include <QSqlError>
@@ -385,10 +386,6 @@ std::unique_ptr<Recordset> ConexionQt::abrirPG(const QString &sql, const QVarian
             if (!pg)
                 return nullptr;
             auto rs = RecordsetPG::Enviar(pg, m_turno, enviado, valores, m_direccion.esperaBloqueoMs, rechazo);
-            // Notices that came in with the rows were taken off the socket: the driver is
-            // told to look at them, as it does after each of its own statements.
-            if (!m_canales.isEmpty())
-                QMetaObject::invokeMethod(db.driver(), "_q_handleNotification", Qt::QueuedConnection);
             if (rs)
                 return rs;
             if (!rechazo.sinConexion && !conexionCaida(rechazo.codigo))
@@ -532,6 +529,12 @@ bool ConexionQt::Escuchar(const QString &canal, std::function<void(const QString
     // The driver outlives a reconnection, so the signal is connected once; the subscription
     // itself is made again on every new session.
     QSqlDriver *driver = QSqlDatabase::database(m_nombre, false).driver();
+    // Notices that came in with rows read from libpq were taken off the socket: the driver is
+    // told to look at them, as it does after each of its own statements.
+    m_turno->avisos = [driver = QPointer<QSqlDriver>(driver)] {
+        if (driver)
+            QMetaObject::invokeMethod(driver, "_q_handleNotification", Qt::QueuedConnection);
+    };
     QObject::connect(driver, &QSqlDriver::notification, driver,
                      [propio = this->canal(canal), aviso](const QString &nombre, QSqlDriver::NotificationSource origen,
                                                           const QVariant &carga) {

@@ -241,6 +241,8 @@ std::unique_ptr<RecordsetPG> RecordsetPG::Enviar(PGconn *conexion, std::shared_p
     rs->m_enCurso = true;
     turno->lector = rs.get();
     PGresult *primero = PQgetResult(conexion);
+    if (turno->avisos)
+        turno->avisos();
     const ExecStatusType estado = primero ? PQresultStatus(primero) : PGRES_FATAL_ERROR;
     if (estado != PGRES_SINGLE_TUPLE && estado != PGRES_TUPLES_OK && estado != PGRES_COMMAND_OK) {
         rechazo.texto = primero ? textoDe(primero) : QString::fromUtf8(PQerrorMessage(conexion)).trimmed();
@@ -277,6 +279,8 @@ void RecordsetPG::terminar()
         while (PGresult *r = PQgetResult(m_conexion))
             PQclear(r);
         m_enCurso = false;
+        if (m_turno->avisos)
+            m_turno->avisos();
     }
     if (m_turno && m_turno->lector == this)
         m_turno->lector = nullptr;

@@ -5,6 +5,7 @@
 #include <QStringList>
 
 #include <deque>
+#include <functional>
 #include <memory>
 
 typedef struct pg_conn PGconn;
@@ -26,6 +27,9 @@ public:
     struct Turno
     {
         RecordsetPG *lector = nullptr;
+        // Called when a reader may have taken notices (LISTEN/NOTIFY) off the socket with its
+        // rows: the driver, which hands them over, must be told to look.
+        std::function<void()> avisos;
         // Lets the line go: the reader holding it reads its remaining rows into memory.
         void Liberar();
     };
