@@ -225,6 +225,8 @@ void ExportarPG(benchmark::State &estado)
     double programa = 0;
     double psql = 0;
     double memoria = 0;
+    double menor = 1e9;
+    double mayor = 0;
     for (auto _ : estado) {
         const Medida p = Correr(Psql(), PsqlArgumentos(b.pgEsquema, copia), esquema);
         const Medida m = Correr(qEnvironmentVariable("ASIENTOS_BENCH_PROGRAMA", QStringLiteral(ASIENTOS_PROGRAMA)),
@@ -236,7 +238,12 @@ void ExportarPG(benchmark::State &estado)
         programa += m.segundos;
         psql += p.segundos;
         memoria = std::max(memoria, m.memoriaMiB);
+        menor = std::min(menor, m.segundos / p.segundos);
+        mayor = std::max(mayor, m.segundos / p.segundos);
     }
+    // The spread of the ratio between iterations: the machine is shared.
+    estado.counters["veces_min"] = menor;
+    estado.counters["veces_max"] = mayor;
     estado.counters["psql_ms"] = 1000 * psql / double(estado.iterations());
     estado.counters["memoria_MiB"] = memoria;
     if (psql > 0)
