@@ -124,7 +124,7 @@ QDate fechaSimple(const char *t, int largo)
     return QDate(a, m, d);
 }
 
-QDateTime selloSimple(const char *t, int largo)
+QDateTime selloSimple(const char *t, int largo, Qt::TimeSpec zona)
 {
     const QDate fecha = fechaSimple(t, largo);
     int h, n, s, z = 0;
@@ -139,7 +139,7 @@ QDateTime selloSimple(const char *t, int largo)
             z *= 10;
     }
     const QTime hora(h, n, s, z);
-    return hora.isValid() ? QDateTime(fecha, hora, Qt::LocalTime) : QDateTime();
+    return hora.isValid() ? QDateTime(fecha, hora, zona) : QDateTime();
 }
 
 template <typename T>
@@ -450,6 +450,17 @@ qint64 RecordsetPG::EnteroEn(int indice) const
     return qRound64(NumeroEn(indice));
 }
 
+QDateTime RecordsetPG::FechaHoraEn(int indice) const
+{
+    comprobar(indice);
+    if (m_tipos[size_t(indice)] == kTimestamp && !PQgetisnull(m_resultado, m_fila, indice)) {
+        const QDateTime d = selloSimple(PQgetvalue(m_resultado, m_fila, indice), PQgetlength(m_resultado, m_fila, indice), Qt::UTC);
+        if (d.isValid())
+            return d;
+    }
+    return Recordset::FechaHoraEn(indice);
+}
+
 QVariant RecordsetPG::Campo(int indice) const
 {
     comprobar(indice);
@@ -496,7 +507,7 @@ QVariant RecordsetPG::Campo(int indice) const
     case QMetaType::QDateTime: {
         if (largo < 10)
             return QDateTime();
-        const QDateTime d = selloSimple(t, largo);
+        const QDateTime d = selloSimple(t, largo, Qt::LocalTime);
         if (d.isValid())
             return d;
         QString texto = QString::fromLatin1(t, largo);

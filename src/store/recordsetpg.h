@@ -68,6 +68,9 @@ public:
     bool NuloEn(int indice) const override;
     double NumeroEn(int indice) const override;
     qint64 EnteroEn(int indice) const override;
+    // A timestamp is read from the server's text: a stamp marked local time, as Campo gives
+    // it, asks the system's zone rules each time (a tenth of a long export).
+    QDateTime FechaHoraEn(int indice) const override;
     int CantidadCampos() const override { return int(m_nombres.size()); }
     int IndiceCampo(const QString &nombre) const override;
     QString NombreCampo(int indice) const override { return m_nombres.value(indice); }

@@ -35,6 +35,7 @@ TEST_P(ConexionEnMotor, CamposPorNombreSinMayusculasNulosFechasYErrores)
     EXPECT_TRUE(rs->EsNulo(QStringLiteral("AsiTipo")));
     EXPECT_EQ(rs->Fecha(QStringLiteral("AsiFechaAsiento")), sello.date());
     EXPECT_EQ(rs->FechaHora(QStringLiteral("AsiFechaModificado")), QDateTime(sello.date(), sello.time(), Qt::UTC));
+    EXPECT_EQ(rs->FechaHoraEn(rs->IndiceCampo(QStringLiteral("AsiFechaModificado"))), QDateTime(sello.date(), sello.time(), Qt::UTC));
     EXPECT_THROW(rs->Entero(QStringLiteral("AsiTipo")), ErrorBaseDatos); // NULL into a number
     EXPECT_THROW(rs->Campo(QStringLiteral("NoExiste")), ErrorBaseDatos);
     rs->MoverSiguiente();
@@ -304,8 +305,12 @@ TEST(ConexionPostgreSQL, LecturaDirectaComoElControlador)
             EXPECT_EQ(v.metaType(), esperada[i].metaType()) << donde << " " << v.typeName();
             EXPECT_EQ(v.isNull(), esperada[i].isNull()) << donde;
             EXPECT_EQ(v, esperada[i]) << donde;
-            if (v.typeId() == QMetaType::QDateTime)
+            if (v.typeId() == QMetaType::QDateTime) {
                 EXPECT_EQ(v.toDateTime().timeSpec(), esperada[i].toDateTime().timeSpec()) << donde;
+                const QDateTime sello = rs->FechaHoraEn(i);
+                EXPECT_EQ(sello, FechaHoraDeValor(esperada[i])) << donde;
+                EXPECT_EQ(sello.timeSpec(), FechaHoraDeValor(esperada[i]).timeSpec()) << donde;
+            }
             EXPECT_EQ(rs->NuloEn(i), esperada[i].isNull()) << donde;
         }
     };
