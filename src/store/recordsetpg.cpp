@@ -195,6 +195,10 @@ std::unique_ptr<RecordsetPG> RecordsetPG::Enviar(PGconn *conexion, std::shared_p
                                                  const QVariantList &valores, int esperaMs, Rechazo &rechazo)
 {
     Q_ASSERT(!turno->lector);
+    // Whatever the driver's last statement left unread is dropped first, as the driver does
+    // before each of its own: libpq sends nothing while a result is pending.
+    while (PGresult *r = PQgetResult(conexion))
+        PQclear(r);
     const QByteArray texto = sql.toUtf8();
     int enviado;
     if (valores.isEmpty()) {
