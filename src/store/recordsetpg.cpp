@@ -300,7 +300,24 @@ void RecordsetPG::Soltar()
             break;
         const ExecStatusType estado = PQresultStatus(r);
         if (estado == PGRES_SINGLE_TUPLE) {
-            m_guardados.push_back(r);
+            const int columnas = PQnfields(r);
+            qsizetype bytes = 8 * columnas;
+            for (int i = 0; i < columnas; ++i)
+                bytes += PQgetlength(r, 0, i) + 1;
+            QByteArray fila(bytes, Qt::Uninitialized);
+            auto *cabecera = reinterpret_cast<qint32 *>(fila.data());
+            qint32 desde = 8 * columnas;
+            for (int i = 0; i < columnas; ++i) {
+                const qint32 n = PQgetlength(r, 0, i);
+                const bool esNulo = PQgetisnull(r, 0, i);
+                cabecera[2 * i] = esNulo ? -1 : desde;
+                cabecera[2 * i + 1] = n;
+                std::memcpy(fila.data() + desde, PQgetvalue(r, 0, i), size_t(n));
+                fila[desde + n] = '\0';
+                desde += n + 1;
+            }
+            PQclear(r);
+            m_guardados.push_back(std::move(fila));
             continue;
         }
         if (estado == PGRES_TUPLES_OK || estado == PGRES_COMMAND_OK)
@@ -318,13 +335,17 @@ bool RecordsetPG::recibir()
 {
     PQclear(m_resultado);
     m_resultado = nullptr;
+    m_guardada.clear();
     m_fila = m_filas = 0;
     PGresult *r = nullptr;
     bool sinConexion = m_errorSinConexion;
     if (!m_guardados.empty()) {
-        r = m_guardados.front();
+        m_guardada = std::move(m_guardados.front());
         m_guardados.pop_front();
-    } else if (m_error) {
+        m_filas = 1;
+        return true;
+    }
+    if (m_error) {
         r = m_error;
         m_error = nullptr;
     } else if (m_enCurso) {
@@ -384,9 +405,8 @@ void RecordsetPG::Cerrar()
     terminar();
     PQclear(m_resultado);
     m_resultado = nullptr;
-    for (PGresult *r : m_guardados)
-        PQclear(r);
     m_guardados.clear();
+    m_guardada.clear();
     PQclear(m_error);
     m_error = nullptr;
     m_fila = m_filas = 0;
@@ -417,27 +437,49 @@ void RecordsetPG::comprobar(int indice) const
         throw ErrorBaseDatos(QStringLiteral("No se encontró el elemento en esta colección (%1).").arg(indice), 3265);
 }
 
+bool RecordsetPG::nulo(int indice) const
+{
+    if (m_resultado)
+        return PQgetisnull(m_resultado, m_fila, indice);
+    return reinterpret_cast<const qint32 *>(m_guardada.constData())[2 * indice] < 0;
+}
+
+const char *RecordsetPG::valor(int indice) const
+{
+    if (m_resultado)
+        return PQgetvalue(m_resultado, m_fila, indice);
+    const qint32 desde = reinterpret_cast<const qint32 *>(m_guardada.constData())[2 * indice];
+    return desde < 0 ? "" : m_guardada.constData() + desde;
+}
+
+int RecordsetPG::largo(int indice) const
+{
+    if (m_resultado)
+        return PQgetlength(m_resultado, m_fila, indice);
+    return reinterpret_cast<const qint32 *>(m_guardada.constData())[2 * indice + 1];
+}
+
 bool RecordsetPG::NuloEn(int indice) const
 {
     comprobar(indice);
-    return PQgetisnull(m_resultado, m_fila, indice);
+    return nulo(indice);
 }
 
 double RecordsetPG::NumeroEn(int indice) const
 {
     comprobar(indice);
-    if (PQgetisnull(m_resultado, m_fila, indice))
+    if (nulo(indice))
         return 0;
     const Oid tipo = m_tipos[size_t(indice)];
-    const char *t = PQgetvalue(m_resultado, m_fila, indice);
-    const int largo = PQgetlength(m_resultado, m_fila, indice);
+    const char *t = valor(indice);
+    const int bytes = largo(indice);
     if (esEntero(tipo)) {
         qint64 n;
-        if (leer(t, largo, n))
+        if (leer(t, bytes, n))
             return double(n);
     } else if (tipo == kNumeric || tipo == kFloat4 || tipo == kFloat8) {
         double d;
-        if (leer(t, largo, d))
+        if (leer(t, bytes, d))
             return d;
     }
     return Recordset::NumeroEn(indice);
@@ -446,9 +488,9 @@ double RecordsetPG::NumeroEn(int indice) const
 qint64 RecordsetPG::EnteroEn(int indice) const
 {
     comprobar(indice);
-    if (esEntero(m_tipos[size_t(indice)]) && !PQgetisnull(m_resultado, m_fila, indice)) {
+    if (esEntero(m_tipos[size_t(indice)]) && !nulo(indice)) {
         qint64 n;
-        if (leer(PQgetvalue(m_resultado, m_fila, indice), PQgetlength(m_resultado, m_fila, indice), n))
+        if (leer(valor(indice), largo(indice), n))
             return n;
     }
     return qRound64(NumeroEn(indice));
@@ -457,8 +499,8 @@ qint64 RecordsetPG::EnteroEn(int indice) const
 QDateTime RecordsetPG::FechaHoraEn(int indice) const
 {
     comprobar(indice);
-    if (m_tipos[size_t(indice)] == kTimestamp && !PQgetisnull(m_resultado, m_fila, indice)) {
-        const QDateTime d = selloSimple(PQgetvalue(m_resultado, m_fila, indice), PQgetlength(m_resultado, m_fila, indice), Qt::UTC);
+    if (m_tipos[size_t(indice)] == kTimestamp && !nulo(indice)) {
+        const QDateTime d = selloSimple(valor(indice), largo(indice), Qt::UTC);
         if (d.isValid())
             return d;
     }
@@ -470,10 +512,10 @@ QVariant RecordsetPG::Campo(int indice) const
     comprobar(indice);
     const Oid tipo = m_tipos[size_t(indice)];
     const QMetaType::Type tipoValor = tipoQt(tipo);
-    if (PQgetisnull(m_resultado, m_fila, indice))
+    if (nulo(indice))
         return QVariant(QMetaType(tipoValor));
-    const char *t = PQgetvalue(m_resultado, m_fila, indice);
-    const int largo = PQgetlength(m_resultado, m_fila, indice);
+    const char *t = valor(indice);
+    const int bytes = largo(indice);
     switch (tipoValor) {
     case QMetaType::Bool:
         return QVariant(t[0] == 't');
@@ -481,14 +523,14 @@ QVariant RecordsetPG::Campo(int indice) const
         return QVariant(atoi(t));
     case QMetaType::LongLong: {
         // As the driver reads it: a value that is not negative comes back unsigned.
-        const QByteArray b = QByteArray::fromRawData(t, largo);
+        const QByteArray b = QByteArray::fromRawData(t, bytes);
         return t[0] == '-' ? QVariant(b.toLongLong()) : QVariant(b.toULongLong());
     }
     case QMetaType::Double: {
         if (tipo == kNumeric)
-            return QString::fromLatin1(t, largo); // exact, as the connection asks the driver for it
+            return QString::fromLatin1(t, bytes); // exact, as the connection asks the driver for it
         double d;
-        if (leer(t, largo, d))
+        if (leer(t, bytes, d))
             return d;
         if (qstricmp(t, "NaN") == 0)
             return std::numeric_limits<double>::quiet_NaN();
@@ -499,22 +541,22 @@ QVariant RecordsetPG::Campo(int indice) const
         return QVariant();
     }
     case QMetaType::QDate: {
-        if (largo == 10) {
-            const QDate d = fechaSimple(t, largo);
+        if (bytes == 10) {
+            const QDate d = fechaSimple(t, bytes);
             if (d.isValid())
                 return d;
         }
-        return QDate::fromString(QString::fromLatin1(t, largo), Qt::ISODate);
+        return QDate::fromString(QString::fromLatin1(t, bytes), Qt::ISODate);
     }
     case QMetaType::QTime:
-        return QTime::fromString(QString::fromLatin1(t, largo), Qt::ISODate);
+        return QTime::fromString(QString::fromLatin1(t, bytes), Qt::ISODate);
     case QMetaType::QDateTime: {
-        if (largo < 10)
+        if (bytes < 10)
             return QDateTime();
-        const QDateTime d = selloSimple(t, largo, Qt::LocalTime);
+        const QDateTime d = selloSimple(t, bytes, Qt::LocalTime);
         if (d.isValid())
             return d;
-        QString texto = QString::fromLatin1(t, largo);
+        QString texto = QString::fromLatin1(t, bytes);
         const QChar signo = texto[texto.size() - 3];
         if (signo == u'-' || signo == u'+')
             texto += QStringLiteral(":00");
@@ -528,6 +570,6 @@ QVariant RecordsetPG::Campo(int indice) const
         return b;
     }
     default:
-        return QString::fromUtf8(t, largo);
+        return QString::fromUtf8(t, bytes);
     }
 }

@@ -87,6 +87,10 @@ private:
     // Frees the connection of the statement: its remaining results are read and dropped.
     void terminar();
     void comprobar(int indice) const;
+    // The current row's value in a column: NULL, its text and its length.
+    bool nulo(int indice) const;
+    const char *valor(int indice) const;
+    int largo(int indice) const;
     [[noreturn]] void fallar(PGresult *resultado, bool sinConexion);
 
     PGconn *m_conexion;
@@ -94,7 +98,11 @@ private:
     PGresult *m_resultado = nullptr; // the block holding the current row
     int m_fila = 0;
     int m_filas = 0;
-    std::deque<PGresult *> m_guardados; // rows read ahead when the connection was needed
+    // Rows read ahead when the connection was needed, each in one block: per column its offset
+    // in the block (-1 for NULL) and its length, then the values, each ending in '\0'. A row
+    // kept as libpq hands it over would take some 4 KiB.
+    std::deque<QByteArray> m_guardados;
+    QByteArray m_guardada; // the current row when it is one of those
     PGresult *m_error = nullptr;        // an error met while reading ahead, told when reached
     bool m_errorSinConexion = false;    // ... with the session gone
     QStringList m_nombres;

@@ -334,7 +334,7 @@ TEST(ConexionPostgreSQL, LecturaDirectaComoElControlador)
     EXPECT_EQ(cero->numero(), division.lastError().nativeErrorCode().toInt());
     EXPECT_EQ(cero->numero(), 22012);
     c->Ejecutar(QStringLiteral("Create Table t (n int8 Primary Key, s text)"));
-    c->Ejecutar(QStringLiteral("Insert Into t Select g, 'fila ' || g From generate_series(1, 3000) g"));
+    c->Ejecutar(QStringLiteral("Insert Into t Select g, Case When g % 7 > 0 Then 'fila ' || g End From generate_series(1, 3000) g"));
     QSqlQuery traba(qt);
     ASSERT_TRUE(traba.exec(QStringLiteral("Begin")) && traba.exec(QStringLiteral("Select n From t Where n = 1 For Update")));
     const auto ocupada = ErrorDe([&] { c->Abrir(QStringLiteral("Select n From t Where n = ? For Update"), {1}); });
@@ -342,7 +342,8 @@ TEST(ConexionPostgreSQL, LecturaDirectaComoElControlador)
     EXPECT_EQ(ocupada->causa(), ErrorBaseDatos::Causa::Ocupada) << ocupada->what();
     traba.exec(QStringLiteral("Rollback"));
 
-    // A long result read half way while other statements run on the connection.
+    // A long result read half way while other statements run on the connection: the rest of
+    // its rows are kept as they were when it was opened.
     auto largo = c->Abrir(QStringLiteral("Select n, s From t Order By n"));
     qint64 n = 0;
     for (; n < 10; largo->MoverSiguiente())
@@ -353,8 +354,11 @@ TEST(ConexionPostgreSQL, LecturaDirectaComoElControlador)
         EXPECT_EQ(ValorDe(*c, QStringLiteral("Select count(*) From t Where n > ?"), {2000}).toInt(), 1000);
         t.Confirmar();
     }
-    for (; !largo->Fin(); largo->MoverSiguiente())
+    for (; !largo->Fin(); largo->MoverSiguiente()) {
         ASSERT_EQ(largo->EnteroEn(0), ++n);
+        ASSERT_EQ(largo->NuloEn(1), n % 7 == 0);
+        ASSERT_EQ(largo->Campo(QStringLiteral("S")), n % 7 ? QVariant(QStringLiteral("fila %1").arg(n)) : QVariant(QMetaType(QMetaType::QString)));
+    }
     EXPECT_EQ(n, 3000);
     division = QSqlQuery();
     traba = QSqlQuery();
