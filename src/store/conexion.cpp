@@ -62,6 +62,11 @@ qint64 Recordset::EnteroEn(int indice) const
     return qRound64(NumeroEn(indice));
 }
 
+QDateTime Recordset::FechaHoraEn(int indice) const
+{
+    return FechaHoraDeValor(Campo(indice));
+}
+
 QString Recordset::Texto(const QString &nombre) const
 {
     return campoNoNulo(*this, nombre).toString();

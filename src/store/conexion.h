@@ -76,6 +76,9 @@ public:
     virtual bool NuloEn(int indice) const { return Campo(indice).isNull(); }
     virtual double NumeroEn(int indice) const;
     virtual qint64 EnteroEn(int indice) const;
+    // A stamp by position as FechaHoraDeValor reads it (wall-clock time marked Qt::UTC; invalid
+    // for NULL), without the driver's local-time stamp in between where the engine allows.
+    virtual QDateTime FechaHoraEn(int indice) const;
 
     // Typed reads that give the same C++ type on both engines. Reading NULL into one of
     // them is an error, as reading a NULL into a typed variable is in the suite.

@@ -1,12 +1,14 @@
 #include "conexionqt.h"
 
 #include "dialectosql.h"
+#include "recordsetpg.h"
 #include "recordsetsqlite.h"
 #include "registrosql.h"
 #include "semejanza.h"
 
 #include <QAtomicInt>
 #include <QFileInfo>
+#include <QPointer>
 #include <QUrl>
 #include <QSqlDriver>
 #include <QSqlError>
@@ -45,27 +47,17 @@ ErrorBaseDatos cambioNoGrabado()
                           -1, ErrorBaseDatos::Causa::ConexionPerdida);
 }
 
-// SQLite answers read-only (8) for a file the user may not write; PostgreSQL
-// read_only_sql_transaction for a server or a session that takes no writes.
-bool esSoloLectura(const QSqlError &e, Motor motor)
-{
-    return e.nativeErrorCode() == QLatin1String(motor == Motor::SQLite ? "8" : "25006");
-}
-
-bool esOcupada(const QSqlError &e, Motor motor)
-{
-    const QString codigo = e.nativeErrorCode();
-    if (motor == Motor::SQLite)
-        return codigo == QLatin1String("5") || codigo == QLatin1String("6");
-    return codigo == QLatin1String("55P03") || codigo == QLatin1String("40P01") || codigo == QLatin1String("40001");
-}
-
 // esperaMs: how long the connection waits for a lock, said when the wait ran out.
+// SQLite answers read-only (8) for a file the user may not write; PostgreSQL's codes are read
+// where its rows are read straight from the server too.
 ErrorBaseDatos errorDeMotor(const QSqlError &e, Motor motor, int esperaMs)
 {
-    if (esOcupada(e, motor))
+    if (motor == Motor::PostgreSQL)
+        return RecordsetPG::ErrorDe(e.nativeErrorCode(), textoError(e), esperaMs);
+    const QString codigo = e.nativeErrorCode();
+    if (codigo == QLatin1String("5") || codigo == QLatin1String("6"))
         return ErrorBaseDatos::Ocupada(esperaMs);
-    if (esSoloLectura(e, motor))
+    if (codigo == QLatin1String("8"))
         return ErrorBaseDatos::SoloLectura();
     return ErrorBaseDatos(textoError(e), numeroError(e));
 }
@@ -260,6 +252,7 @@ void ConexionQt::aplicarModo()
 {
     if (!m_compartido)
         return;
+    m_turno->Liberar();
     QSqlQuery q(QSqlDatabase::database(m_nombre, false));
     if (m_motor == Motor::SQLite) {
         if (!m_soloLectura)
@@ -277,14 +270,14 @@ bool ConexionQt::abierta() const
 // Whether a PostgreSQL error means the session is gone (server restarted, connection cut):
 // the failed statement is probed with a trivial one, which fails again, without an error
 // code of the SQL kind, only when there is no session to run it in.
-bool ConexionQt::conexionCaida(const QSqlError &error)
+bool ConexionQt::conexionCaida(const QString &codigo)
 {
     if (m_motor != Motor::PostgreSQL)
         return false;
+    m_turno->Liberar();
     QSqlDatabase db = QSqlDatabase::database(m_nombre, false);
     if (!db.isOpen())
         return true;
-    const QString codigo = error.nativeErrorCode();
     if (codigo.startsWith(QLatin1String("08")) || codigo.startsWith(QLatin1String("57P0")))
         return true;
     if (!codigo.isEmpty())
@@ -301,6 +294,7 @@ bool ConexionQt::conexionCaida(const QSqlError &error)
 void ConexionQt::reconectar()
 {
     m_nivel = 0;
+    m_turno->Liberar();
     QSqlDatabase db = QSqlDatabase::database(m_nombre, false);
     db.close();
     if (!db.open())
@@ -324,6 +318,7 @@ QSqlQuery ConexionQt::preparar(const QString &sql, const QVariantList &valores, 
     const QString enviado = adaptar(sql);
 
     for (int intento = 0;; ++intento) {
+        m_turno->Liberar();
         QSqlDatabase db = QSqlDatabase::database(m_nombre, false);
         QSqlError error;
         if (db.isOpen()) {
@@ -346,7 +341,7 @@ QSqlQuery ConexionQt::preparar(const QString &sql, const QVariantList &valores, 
         } else if (m_motor != Motor::PostgreSQL || !QSqlDatabase::contains(m_nombre)) {
             throw ErrorBaseDatos(QStringLiteral("La conexión no está abierta."), 3704);
         }
-        if (!conexionCaida(error))
+        if (!conexionCaida(error.nativeErrorCode()))
             throw errorDeMotor(error, m_motor, m_direccion.esperaBloqueoMs);
         // The server dropped the session. A read outside a transaction is tried once more
         // on a new session; a write is not: the user is told it was not made.
@@ -368,8 +363,39 @@ std::unique_ptr<Recordset> ConexionQt::Abrir(const QString &sql, const QVariantL
         if (sqlite3 *base = RecordsetSqlite::Manejador(db.driver()->handle())) {
             return std::make_unique<RecordsetSqlite>(base, adaptar(sql), valores, m_direccion.esperaBloqueoMs);
         }
+    } else if (auto rs = abrirPG(sql, valores)) {
+        return rs;
     }
     return std::make_unique<RecordsetQt>(preparar(sql, valores, true), m_direccion.esperaBloqueoMs);
+}
+
+// PostgreSQL's rows are read from libpq under the driver, as they arrive; null when the
+// driver hands over no handle. Tried again once on a new session, as any read, when the server
+// dropped the old one.
+std::unique_ptr<Recordset> ConexionQt::abrirPG(const QString &sql, const QVariantList &valores)
+{
+    const QString enviado = adaptar(sql);
+    for (int intento = 0;; ++intento) {
+        m_turno->Liberar();
+        QSqlDatabase db = QSqlDatabase::database(m_nombre, false);
+        if (!QSqlDatabase::contains(m_nombre))
+            throw ErrorBaseDatos(QStringLiteral("La conexión no está abierta."), 3704);
+        RecordsetPG::Rechazo rechazo;
+        if (db.isOpen()) {
+            PGconn *pg = RecordsetPG::Manejador(db.driver()->handle());
+            if (!pg)
+                return nullptr;
+            auto rs = RecordsetPG::Enviar(pg, m_turno, enviado, valores, m_direccion.esperaBloqueoMs, rechazo);
+            if (rs)
+                return rs;
+            if (!rechazo.sinConexion && !conexionCaida(rechazo.codigo))
+                throw RecordsetPG::ErrorDe(rechazo.codigo, rechazo.texto, m_direccion.esperaBloqueoMs);
+        }
+        const bool enTransaccion = m_nivel > 0;
+        reconectar();
+        if (enTransaccion || intento > 0)
+            throw cambioNoGrabado();
+    }
 }
 
 int ConexionQt::Ejecutar(const QString &sql, const QVariantList &valores)
@@ -395,6 +421,7 @@ qint64 ConexionQt::Insertar(const QString &sql, const QVariantList &valores, con
 
 void ConexionQt::Comenzar()
 {
+    m_turno->Liberar();
     QSqlDatabase db = QSqlDatabase::database(m_nombre, false);
     if (!db.isOpen() && m_motor == Motor::PostgreSQL && QSqlDatabase::contains(m_nombre))
         reconectar();
@@ -409,7 +436,7 @@ void ConexionQt::Comenzar()
     else
         ok = q.exec(QStringLiteral("BEGIN"));
     if (!ok) {
-        if (m_nivel == 0 && conexionCaida(q.lastError())) {
+        if (m_nivel == 0 && conexionCaida(q.lastError().nativeErrorCode())) {
             reconectar();
             QSqlQuery otra(QSqlDatabase::database(m_nombre, false));
             if (!otra.exec(QStringLiteral("BEGIN")))
@@ -423,6 +450,7 @@ void ConexionQt::Comenzar()
 
 void ConexionQt::Confirmar()
 {
+    m_turno->Liberar();
     QSqlQuery q(QSqlDatabase::database(m_nombre, false));
     if (m_nivel > 1) {
         --m_nivel;
@@ -433,7 +461,7 @@ void ConexionQt::Confirmar()
     if (!q.exec(QStringLiteral("COMMIT"))) {
         const QSqlError error = q.lastError();
         q = QSqlQuery();
-        if (conexionCaida(error)) {
+        if (conexionCaida(error.nativeErrorCode())) {
             reconectar();
             throw cambioNoGrabado();
         }
@@ -444,6 +472,7 @@ void ConexionQt::Confirmar()
 
 void ConexionQt::Deshacer()
 {
+    m_turno->Liberar();
     QSqlQuery q(QSqlDatabase::database(m_nombre, false));
     if (m_nivel > 1) {
         --m_nivel;
@@ -462,6 +491,7 @@ void ConexionQt::Deshacer()
 void ConexionQt::Cerrar()
 {
     m_nivel = 0;
+    m_turno->Liberar();
     if (!QSqlDatabase::contains(m_nombre))
         return;
     {
@@ -484,6 +514,7 @@ void ConexionQt::suscribir()
 {
     if (m_motor != Motor::PostgreSQL)
         return;
+    m_turno->Liberar();
     QSqlDriver *driver = QSqlDatabase::database(m_nombre, false).driver();
     for (const QString &nombre : std::as_const(m_canales))
         if (!driver->subscribedToNotifications().contains(canal(nombre)))
@@ -498,6 +529,12 @@ bool ConexionQt::Escuchar(const QString &canal, std::function<void(const QString
     // The driver outlives a reconnection, so the signal is connected once; the subscription
     // itself is made again on every new session.
     QSqlDriver *driver = QSqlDatabase::database(m_nombre, false).driver();
+    // Notices that came in with rows read from libpq were taken off the socket: the driver is
+    // told to look at them, as it does after each of its own statements.
+    m_turno->avisos = [driver = QPointer<QSqlDriver>(driver)] {
+        if (driver)
+            QMetaObject::invokeMethod(driver, "_q_handleNotification", Qt::QueuedConnection);
+    };
     QObject::connect(driver, &QSqlDriver::notification, driver,
                      [propio = this->canal(canal), aviso](const QString &nombre, QSqlDriver::NotificationSource origen,
                                                           const QVariant &carga) {

@@ -2,6 +2,7 @@
 
 #include "conexion.h"
 #include "direccionbd.h"
+#include "recordsetpg.h"
 
 #include <QSqlDatabase>
 
@@ -45,8 +46,9 @@ private:
     // The statement in the engine's dialect, logged as built and as sent.
     QString adaptar(const QString &sql) const;
     QSqlQuery preparar(const QString &sql, const QVariantList &valores, bool lectura);
-    ErrorBaseDatos errorDe(const QSqlError &error) const;
-    bool conexionCaida(const QSqlError &error);
+    std::unique_ptr<Recordset> abrirPG(const QString &sql, const QVariantList &valores);
+    // codigo: the engine's code for the failure, empty when it gave none.
+    bool conexionCaida(const QString &codigo);
     void reconectar();
     void aplicarModo();
     void suscribir();
@@ -59,4 +61,6 @@ private:
     bool m_soloLectura = false;
     bool m_compartido = false;
     QStringList m_canales; // channels listened to, subscribed again on every new session
+    // PostgreSQL: the reader whose rows are still coming; it lets go before anything else runs.
+    std::shared_ptr<RecordsetPG::Turno> m_turno = std::make_shared<RecordsetPG::Turno>();
 };

@@ -7,6 +7,10 @@
 #include "store/semejanza.h"
 
 #include <QFile>
+#include <QSqlDatabase>
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QSqlRecord>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -31,6 +35,7 @@ TEST_P(ConexionEnMotor, CamposPorNombreSinMayusculasNulosFechasYErrores)
     EXPECT_TRUE(rs->EsNulo(QStringLiteral("AsiTipo")));
     EXPECT_EQ(rs->Fecha(QStringLiteral("AsiFechaAsiento")), sello.date());
     EXPECT_EQ(rs->FechaHora(QStringLiteral("AsiFechaModificado")), QDateTime(sello.date(), sello.time(), Qt::UTC));
+    EXPECT_EQ(rs->FechaHoraEn(rs->IndiceCampo(QStringLiteral("AsiFechaModificado"))), QDateTime(sello.date(), sello.time(), Qt::UTC));
     EXPECT_THROW(rs->Entero(QStringLiteral("AsiTipo")), ErrorBaseDatos); // NULL into a number
     EXPECT_THROW(rs->Campo(QStringLiteral("NoExiste")), ErrorBaseDatos);
     rs->MoverSiguiente();
@@ -38,7 +43,7 @@ TEST_P(ConexionEnMotor, CamposPorNombreSinMayusculasNulosFechasYErrores)
     EXPECT_THROW(rs->MoverSiguiente(), ErrorBaseDatos);
 
     // Typed reads by position, as a fill of the grid makes them.
-    auto tipados = c.Abrir(QStringLiteral("Select '12.50', 2.5, Null, -7, 'x'"));
+    auto tipados = c.Abrir(QStringLiteral("Select '12.50', 2.5, Null, -7, 'x', 9007199254740993"));
     EXPECT_EQ(tipados->NumeroEn(0), 12.5);
     EXPECT_EQ(tipados->EnteroEn(0), 13);
     EXPECT_EQ(tipados->EnteroEn(1), 3);
@@ -50,7 +55,8 @@ TEST_P(ConexionEnMotor, CamposPorNombreSinMayusculasNulosFechasYErrores)
     EXPECT_EQ(tipados->EnteroEn(3), -7);
     EXPECT_EQ(tipados->NumeroEn(3), -7);
     EXPECT_EQ(tipados->NumeroEn(4), 0);
-    EXPECT_THROW(tipados->EnteroEn(5), ErrorBaseDatos);
+    EXPECT_EQ(tipados->EnteroEn(5), 9007199254740993); // past a double's integers
+    EXPECT_THROW(tipados->EnteroEn(6), ErrorBaseDatos);
     tipados->MoverSiguiente();
     EXPECT_THROW(tipados->NuloEn(0), ErrorBaseDatos);
     const auto sinTabla = ErrorDe([&] { c.Abrir(QStringLiteral("Select * From NoHayTabla")); });
@@ -255,4 +261,110 @@ TEST(ConexionSQLite, LecturaDirectaLigaTiposYDiceOcupada)
     EXPECT_EQ(c->Abrir(QStringLiteral("Select count(*) From t"))->Campo(0).toInt(), 2);
 }
 
+// Rows read from libpq under the driver: every type comes back as the driver gives it, values
+// are bound as it binds them, errors carry its numbers, a lock held too long is a busy
+// database, and statements run while a result is still being read leave its rows whole.
+TEST(ConexionPostgreSQL, LecturaDirectaComoElControlador)
+{
+    if (MotoresDePrueba().back() != Motor::PostgreSQL)
+        GTEST_SKIP() << "sin servidor PostgreSQL de prueba (ASIENTOS_TEST_PG)";
+    BaseDePrueba base(Motor::PostgreSQL, BaseDePrueba::Contenido::Vacia);
+    DireccionBD direccion = DireccionBD::Leer(base.direccion());
+    direccion.esperaBloqueoMs = 200;
+    auto c = ConexionQt::Abrir(direccion);
+    c->ModoCompartido();
+    QSqlDatabase qt = QSqlDatabase::addDatabase(QStringLiteral("QPSQL"), QStringLiteral("referencia"));
+    qt.setDatabaseName(direccion.base);
+    qt.setHostName(direccion.servidor);
+    qt.setPort(direccion.puerto);
+    qt.setUserName(direccion.usuario);
+    qt.setPassword(direccion.clave);
+    qt.setConnectOptions(QStringLiteral("options=-csearch_path=") + direccion.esquema);
+    qt.setNumericalPrecisionPolicy(QSql::HighPrecision);
+    ASSERT_TRUE(qt.open()) << qt.lastError().text().toStdString();
+    auto delControlador = [&](const QString &sql, const QVariantList &valores) {
+        QSqlQuery q(qt);
+        q.setForwardOnly(true);
+        EXPECT_TRUE(q.prepare(sql)) << q.lastError().text().toStdString();
+        for (const QVariant &v : valores)
+            q.addBindValue(v);
+        EXPECT_TRUE(q.exec() && q.next()) << q.lastError().text().toStdString();
+        QVariantList fila;
+        for (int i = 0; i < q.record().count(); ++i)
+            fila << q.value(i);
+        return fila;
+    };
+    auto comparar = [&](const QString &sql, const QVariantList &valores = {}) {
+        const QVariantList esperada = delControlador(sql, valores);
+        auto rs = c->Abrir(sql, valores);
+        ASSERT_FALSE(rs->Fin()) << sql.toStdString();
+        ASSERT_EQ(rs->CantidadCampos(), esperada.size());
+        for (int i = 0; i < esperada.size(); ++i) {
+            const QVariant v = rs->Campo(i);
+            const std::string donde = QStringLiteral("%1, columna %2").arg(sql).arg(i).toStdString();
+            EXPECT_EQ(v.metaType(), esperada[i].metaType()) << donde << " " << v.typeName();
+            EXPECT_EQ(v.isNull(), esperada[i].isNull()) << donde;
+            EXPECT_EQ(v, esperada[i]) << donde;
+            if (v.typeId() == QMetaType::QDateTime) {
+                EXPECT_EQ(v.toDateTime().timeSpec(), esperada[i].toDateTime().timeSpec()) << donde;
+                const QDateTime sello = rs->FechaHoraEn(i);
+                EXPECT_EQ(sello, FechaHoraDeValor(esperada[i])) << donde;
+                EXPECT_EQ(sello.timeSpec(), FechaHoraDeValor(esperada[i]).timeSpec()) << donde;
+            }
+            EXPECT_EQ(rs->NuloEn(i), esperada[i].isNull()) << donde;
+        }
+    };
+    comparar(QStringLiteral("Select 1::int2 As Chico, -2::int4, 3::int8, -4::int8, 4.50::numeric, 1.5::float4, '-Infinity'::float8,"
+                            " 'x'::text, 'y'::varchar(3), 'z'::char(3), 'ñandú', true, false, '2024-02-29'::date,"
+                            " '2024-02-29 13:05:07'::timestamp, '2024-02-29 13:05:07.12'::timestamp,"
+                            " '2024-02-29 13:05:07.123456'::timestamp, '2024-02-29 13:05:07.5+03'::timestamptz,"
+                            " '13:05:07'::time, '\\x00ff'::bytea, 7::oid"));
+    comparar(QStringLiteral("Select Null::int2, Null::int8, Null::numeric, Null::float8, Null::text, Null::bool, Null::date,"
+                            " Null::timestamp, Null::time, Null::bytea, Null"));
+    const QVariantList valores{5, qlonglong(-6), 2.5, true, QStringLiteral("can'ería «año» ?"), QVariant(QMetaType(QMetaType::QString)),
+                               QDate(2024, 2, 29), QByteArray("\x00\x01z", 3)};
+    comparar(QStringLiteral("Select ?, ? + 1, ?::float8, ?, '?' || ?, ?::text Is Null, ?::date, ?::bytea"), valores);
+
+    // Numbers of the engine's errors as the driver's path gives them; a row held by another
+    // session past the wait is a busy database.
+    QSqlQuery division(qt);
+    division.exec(QStringLiteral("Select 1/0"));
+    const auto cero = ErrorDe([&] { c->Abrir(QStringLiteral("Select 1/0")); });
+    ASSERT_TRUE(cero);
+    EXPECT_EQ(cero->numero(), division.lastError().nativeErrorCode().toInt());
+    EXPECT_EQ(cero->numero(), 22012);
+    c->Ejecutar(QStringLiteral("Create Table t (n int8 Primary Key, s text)"));
+    c->Ejecutar(QStringLiteral("Insert Into t Select g, Case When g % 7 > 0 Then 'fila ' || g End From generate_series(1, 3000) g"));
+    QSqlQuery traba(qt);
+    ASSERT_TRUE(traba.exec(QStringLiteral("Begin")) && traba.exec(QStringLiteral("Select n From t Where n = 1 For Update")));
+    const auto ocupada = ErrorDe([&] { c->Abrir(QStringLiteral("Select n From t Where n = ? For Update"), {1}); });
+    ASSERT_TRUE(ocupada);
+    EXPECT_EQ(ocupada->causa(), ErrorBaseDatos::Causa::Ocupada) << ocupada->what();
+    traba.exec(QStringLiteral("Rollback"));
+
+    // A long result read half way while other statements run on the connection: the rest of
+    // its rows are kept as they were when it was opened.
+    auto largo = c->Abrir(QStringLiteral("Select n, s From t Order By n"));
+    qint64 n = 0;
+    for (; n < 10; largo->MoverSiguiente())
+        ASSERT_EQ(largo->EnteroEn(0), ++n);
+    {
+        Transaccion t(*c);
+        c->Ejecutar(QStringLiteral("Update t Set s = 'cambiada' Where n = 3000"));
+        EXPECT_EQ(ValorDe(*c, QStringLiteral("Select count(*) From t Where n > ?"), {2000}).toInt(), 1000);
+        t.Confirmar();
+    }
+    for (; !largo->Fin(); largo->MoverSiguiente()) {
+        ASSERT_EQ(largo->EnteroEn(0), ++n);
+        ASSERT_EQ(largo->NuloEn(1), n % 7 == 0);
+        ASSERT_EQ(largo->Campo(QStringLiteral("S")), n % 7 ? QVariant(QStringLiteral("fila %1").arg(n)) : QVariant(QMetaType(QMetaType::QString)));
+    }
+    EXPECT_EQ(n, 3000);
+    division = QSqlQuery();
+    traba = QSqlQuery();
+    qt = QSqlDatabase();
+    QSqlDatabase::removeDatabase(QStringLiteral("referencia"));
+}
+
 } // namespace
+

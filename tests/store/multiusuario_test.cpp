@@ -463,6 +463,12 @@ TEST_F(MultiusuarioPostgreSQL, AvisosDeEscriturasDeOtrasSesiones)
     const qint32 tercero = Nuevo(ultimo, QStringLiteral("tras reconectar"), 5);
     esperar(3);
     EXPECT_EQ(recibidos.mid(2), QStringList{QStringLiteral("%1|1|3").arg(tercero)});
+
+    // A notice that reaches the session while it reads rows is heard all the same.
+    const qint32 cuarto = Nuevo(ultimo, QStringLiteral("durante una lectura"), 5);
+    EXPECT_EQ(ValorDe(*dos, QStringLiteral("Select Count(*) From cceAsientos")).toInt(), 4);
+    esperar(4);
+    EXPECT_EQ(recibidos.mid(3), QStringList{QStringLiteral("%1|1|3").arg(cuarto)});
 }
 
 // What the history shows of a write: state names, no change between an empty authoriser
