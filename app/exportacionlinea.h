@@ -28,6 +28,13 @@ struct PedidoExportacion
     int Formato() const;
     // Empty when the request can be carried out; otherwise what is wrong with it.
     QString Validar() const;
+    // True for the files of rows (CSV, workbook): a header's date and legend go in cells of
+    // their own, so the blanks that line legends up on screen are not measured and no font
+    // is loaded. A page (HTML, PDF) is laid out in the document's font.
+    bool SinFuentes() const;
+    // True for CSV, plain text without colours: written without a display platform. A
+    // workbook takes the caption row's system colours from the application's palette.
+    bool SinPantalla() const;
 };
 
 // Loads the entries into a journal grid with the document's own loading code, without a

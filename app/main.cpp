@@ -19,6 +19,7 @@
 #include <QTextStream>
 
 #include <cstdio>
+#include <memory>
 #include <tuple>
 
 namespace {
@@ -167,10 +168,17 @@ int main(int argc, char *argv[])
     }
     if (!opciones.exportar.isEmpty() && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication app(argc, argv);
-    QApplication::setApplicationName(QStringLiteral("asientos"));
-    QApplication::setOrganizationName(QStringLiteral("asientos"));
-    QApplication::setApplicationVersion(QStringLiteral(ASIENTOS_VERSION));
+    // A CSV file is written without a display: no platform to load.
+    PedidoExportacion formato;
+    formato.archivo = opciones.exportar;
+    std::unique_ptr<QCoreApplication> app;
+    if (!opciones.exportar.isEmpty() && formato.SinPantalla())
+        app = std::make_unique<QCoreApplication>(argc, argv);
+    else
+        app = std::make_unique<QApplication>(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("asientos"));
+    QCoreApplication::setOrganizationName(QStringLiteral("asientos"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(ASIENTOS_VERSION));
 
     const QString carpetaDatos = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
     QDir().mkpath(carpetaDatos);
@@ -206,5 +214,5 @@ int main(int argc, char *argv[])
             QApplication::exit(ok ? 0 : 1);
         });
     }
-    return app.exec();
+    return QApplication::exec();
 }

@@ -38,11 +38,14 @@ protected:
     QTemporaryDir m_carpeta;
 };
 
-// The month's entries, lines and sums in the file are the database's.
+// The month's entries, lines and sums in the file are the database's. A CSV file needs no
+// display nor fonts: it is written where no display platform can be loaded.
 TEST_P(ExportarDesdeLinea, MesEnCSVCuadraConLaBase)
 {
     const QDate hoy = BaseDePrueba::Hoy();
-    const Salida s = correr(ruta("mes.csv"), {QStringLiteral("--mes"), hoy.toString(QStringLiteral("yyyy-MM"))});
+    const Salida s = Correr({QStringLiteral("--db"), m_base.direccion(), QStringLiteral("--exportar"), ruta("mes.csv"),
+                             QStringLiteral("--mes"), hoy.toString(QStringLiteral("yyyy-MM"))},
+                            m_carpeta.path(), {QStringLiteral("env"), QStringLiteral("QT_QPA_PLATFORM=ninguna")});
     ASSERT_EQ(s.estado, 0) << s.errores.toStdString();
     const QJsonArray filas = LeerArchivoExportado("csv", ruta("mes.csv"));
     ASSERT_GT(filas.size(), 1);
