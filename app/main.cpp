@@ -206,8 +206,10 @@ int main(int argc, char *argv[])
     ventana.documento()->Iniciar();
 
     if (captura) {
-        // Let the host act on what the document sent during start-up first.
-        QTimer::singleShot(300, &ventana, [&ventana, &opciones] {
+        // Queued behind what the document sent the host during start-up, so the host has
+        // acted on it; what that posted in turn (layouts) is done before the picture.
+        QTimer::singleShot(0, &ventana, [&ventana, &opciones] {
+            QCoreApplication::sendPostedEvents();
             const bool ok = ventana.grab().save(opciones.captura);
             if (!ok)
                 std::fprintf(stderr, "no se pudo guardar %s\n", qPrintable(opciones.captura));
