@@ -22,7 +22,7 @@ struct PedidoExportacion
     bool hayCriterios = false;
     QString formatoFecha = QStringLiteral("dd/mm/yyyy");
     QString edicion;           // the edition's name, in the footer of a page
-    int asientosPorParte = 2000; // entries read and written at a time (0: all at once)
+    int asientosPorParte = 200; // entries read and written at a time (0: all at once)
 
     // The format from the file's extension: 1 workbook, 2 CSV, 3 HTML, 4 PDF; 0 unknown.
     int Formato() const;

@@ -12,6 +12,7 @@
 
 #include <xlsxwriter.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cmath>
 #include <cstdio>
@@ -43,34 +44,35 @@ bool FilaVisible(const FuenteDeGrilla &g, int fila)
 
 } // namespace
 
-CeldaArchivo CeldaParaArchivo(const FuenteDeGrilla &g, int fila, int columna)
+QString TextoParaArchivo(const FuenteDeGrilla &g, int fila, int columna, bool cabezal)
 {
-    CeldaArchivo celda;
     // A header row goes out as the date under the first account column and the legend
     // under the second, so the debit and credit columns of a file hold amounts only.
-    const QDate fecha = g.FechaCabezal(fila);
-    if (fecha.isValid()) {
-        switch (columna) {
-        case 0:
-            celda.tipo = CeldaArchivo::Tipo::Fecha;
-            celda.fecha = fecha;
-            celda.texto = g.grilla().celda(fila, 1).texto.section(QLatin1String("  "), 0, 0);
-            return celda;
-        case 1:
-            celda.texto = g.LeyendaCabezal(fila);
-            return celda;
-        case 2:
-        case 3:
-            return celda;
-        default:
-            break;
-        }
+    if (cabezal && columna <= 3) {
+        if (columna == 0)
+            return g.grilla().celda(fila, 1).texto.section(QLatin1String("  "), 0, 0);
+        return columna == 1 ? g.LeyendaCabezal(fila) : QString();
     }
     const RangoCeldas rango = g.Rango(fila, columna);
     if (rango.fila1 != fila || rango.columna1 != columna)
+        return {};
+    return g.Texto(fila, columna);
+}
+
+CeldaArchivo CeldaParaArchivo(const FuenteDeGrilla &g, int fila, int columna)
+{
+    CeldaArchivo celda;
+    const QDate fecha = g.FechaCabezal(fila);
+    celda.texto = TextoParaArchivo(g, fila, columna, fecha.isValid());
+    if (fecha.isValid() && columna <= 3) {
+        if (columna == 0) {
+            celda.tipo = CeldaArchivo::Tipo::Fecha;
+            celda.fecha = fecha;
+        }
         return celda;
-    celda.texto = g.Texto(fila, columna);
-    if (g.EsNumero(fila, columna)) {
+    }
+    const RangoCeldas rango = g.Rango(fila, columna);
+    if (rango.fila1 == fila && rango.columna1 == columna && g.EsNumero(fila, columna)) {
         celda.tipo = CeldaArchivo::Tipo::Numero;
         celda.numero = g.Valor(fila, columna);
         celda.mascara = g.MascaraDe(fila, columna);
@@ -92,8 +94,9 @@ namespace Escritores {
 
 QString CampoCSV(const QString &texto)
 {
-    const bool comillas = texto.contains(QLatin1Char(',')) || texto.contains(QLatin1Char('"'))
-                          || texto.contains(QLatin1Char('\n')) || texto.contains(QLatin1Char('\r'));
+    const bool comillas = std::any_of(texto.begin(), texto.end(), [](QChar c) {
+        return c == u',' || c == u'"' || c == u'\n' || c == u'\r';
+    });
     if (!comillas)
         return texto;
     QString t = texto;
@@ -145,10 +148,11 @@ std::optional<Fallo> EscribirCSV(const FuenteDeGrilla &g, const QString &ruta, c
         if (!FilaVisible(g, r))
             return true;
         registro.clear();
+        const bool cabezal = g.FechaCabezal(r).isValid();
         for (size_t i = 0; i < columnas.size(); ++i) {
             if (i > 0)
                 registro += QLatin1Char(',');
-            registro += CampoCSV(CeldaParaArchivo(g, r, columnas[i]).texto);
+            registro += CampoCSV(TextoParaArchivo(g, r, columnas[i], cabezal));
         }
         registro += QLatin1String("\r\n");
         bloque += registro.toUtf8();
