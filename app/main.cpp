@@ -207,9 +207,10 @@ int main(int argc, char *argv[])
 
     if (captura) {
         // Queued behind what the document sent the host during start-up, so the host has
-        // acted on it; what that posted in turn (layouts) is done before the picture.
+        // acted on it; what that posted in turn (layouts, the window's activation and the
+        // focus it brings) is done before the picture.
         QTimer::singleShot(0, &ventana, [&ventana, &opciones] {
-            QCoreApplication::sendPostedEvents();
+            QCoreApplication::processEvents();
             const bool ok = ventana.grab().save(opciones.captura);
             if (!ok)
                 std::fprintf(stderr, "no se pudo guardar %s\n", qPrintable(opciones.captura));
