@@ -1,5 +1,6 @@
 #include "escritores.h"
 
+#include "bibliotecalibro.h"
 #include "fuentegrilla.h"
 #include "gridhtml.h"
 
@@ -10,7 +11,6 @@
 #include <QSaveFile>
 #include <QTemporaryFile>
 
-#include <xlsxwriter.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -213,16 +213,16 @@ public:
         auto it = m_formatos.find(clave);
         if (it != m_formatos.end())
             return it->second;
-        lxw_format *f = workbook_add_format(m_libro);
+        lxw_format *f = Xlsx().workbook_add_format(m_libro);
         if (!numero.isEmpty())
-            format_set_num_format(f, numero.toUtf8().constData());
+            Xlsx().format_set_num_format(f, numero.toUtf8().constData());
         if (texto)
-            format_set_font_color(f, Rgb(texto));
+            Xlsx().format_set_font_color(f, Rgb(texto));
         if (fondo)
-            format_set_bg_color(f, Rgb(fondo));
+            Xlsx().format_set_bg_color(f, Rgb(fondo));
         if (fija) {
-            format_set_bold(f);
-            format_set_bottom(f, LXW_BORDER_THIN);
+            Xlsx().format_set_bold(f);
+            Xlsx().format_set_bottom(f, LXW_BORDER_THIN);
         }
         m_formatos.emplace(clave, f);
         return f;
@@ -286,6 +286,8 @@ std::optional<Fallo> EscribirLibro(const FuenteDeGrilla &g, const QString &ruta,
     const QFileInfo destino(ruta);
     QTemporaryFile provisorio(destino.absolutePath() + QStringLiteral("/.") + destino.fileName()
                               + QStringLiteral(".XXXXXX"));
+    if (!Xlsx().error.isEmpty())
+        return noSeEscribio(Xlsx().error);
     if (!provisorio.open())
         return noSeEscribio(provisorio.errorString());
     const QByteArray rutaProvisoria = QFile::encodeName(provisorio.fileName());
@@ -296,7 +298,7 @@ std::optional<Fallo> EscribirLibro(const FuenteDeGrilla &g, const QString &ruta,
     opciones.constant_memory = LXW_TRUE;
     const QByteArray carpetaTemporal = QFile::encodeName(QDir::tempPath());
     opciones.tmpdir = const_cast<char *>(carpetaTemporal.constData());
-    lxw_workbook *libro = workbook_new_opt(rutaProvisoria.constData(), &opciones);
+    lxw_workbook *libro = Xlsx().workbook_new_opt(rutaProvisoria.constData(), &opciones);
     if (!libro)
         return noSeEscribio(QStringLiteral("no se pudo crear el libro"));
     // A part that cannot be read ends the export by an exception: the workbook is let go and
@@ -307,17 +309,17 @@ std::optional<Fallo> EscribirLibro(const FuenteDeGrilla &g, const QString &ruta,
         ~Cierre()
         {
             if (libro)
-                workbook_close(libro);
+                Xlsx().workbook_close(libro);
         }
     } cierre{libro};
-    lxw_worksheet *hoja = workbook_add_worksheet(libro, "Asientos");
+    lxw_worksheet *hoja = Xlsx().workbook_add_worksheet(libro, "Asientos");
     FormatosLibro formatos(libro, FormatoFechaLibro(formatoFecha));
 
     if (g.FilasFijas() > 0)
-        worksheet_freeze_panes(hoja, lxw_row_t(g.FilasFijas()), 0);
+        Xlsx().worksheet_freeze_panes(hoja, lxw_row_t(g.FilasFijas()), 0);
     const std::vector<int> columnas = ColumnasVisibles(g);
     for (size_t i = 0; i < columnas.size(); ++i)
-        worksheet_set_column(hoja, lxw_col_t(i), lxw_col_t(i), g.AnchoColumna(columnas[i]) / g.TwipsPorPixel() / 7.0,
+        Xlsx().worksheet_set_column(hoja, lxw_col_t(i), lxw_col_t(i), g.AnchoColumna(columnas[i]) / g.TwipsPorPixel() / 7.0,
                              nullptr);
 
     lxw_error error = LXW_NO_ERROR;
@@ -336,21 +338,21 @@ std::optional<Fallo> EscribirLibro(const FuenteDeGrilla &g, const QString &ruta,
             const lxw_col_t col = lxw_col_t(i);
             switch (celda.tipo) {
             case CeldaArchivo::Tipo::Numero:
-                error = worksheet_write_number(hoja, filaLibro, col, celda.numero,
+                error = Xlsx().worksheet_write_number(hoja, filaLibro, col, celda.numero,
                                                formatos.Formato(FormatoNumeroLibro(celda.mascara), texto, fondo, fija));
                 break;
             case CeldaArchivo::Tipo::Fecha: {
                 lxw_datetime fecha{celda.fecha.year(), celda.fecha.month(), celda.fecha.day(), 0, 0, 0};
-                error = worksheet_write_datetime(hoja, filaLibro, col, &fecha,
+                error = Xlsx().worksheet_write_datetime(hoja, filaLibro, col, &fecha,
                                                  formatos.Formato(formatos.FormatoFecha(), texto, fondo, fija));
                 break;
             }
             case CeldaArchivo::Tipo::Texto:
                 if (celda.texto.isEmpty())
-                    error = fondo ? worksheet_write_blank(hoja, filaLibro, col, formatos.Formato({}, 0, fondo, fija))
+                    error = fondo ? Xlsx().worksheet_write_blank(hoja, filaLibro, col, formatos.Formato({}, 0, fondo, fija))
                                   : LXW_NO_ERROR;
                 else
-                    error = worksheet_write_string(hoja, filaLibro, col, celda.texto.toUtf8().constData(),
+                    error = Xlsx().worksheet_write_string(hoja, filaLibro, col, celda.texto.toUtf8().constData(),
                                                    formatos.Formato({}, texto, fondo, fija));
                 break;
             }
@@ -360,12 +362,12 @@ std::optional<Fallo> EscribirLibro(const FuenteDeGrilla &g, const QString &ruta,
             avance(hechas, total);
         return error == LXW_NO_ERROR;
     });
-    const lxw_error alCerrar = workbook_close(std::exchange(libro, nullptr));
+    const lxw_error alCerrar = Xlsx().workbook_close(std::exchange(libro, nullptr));
     if (error == LXW_NO_ERROR)
         error = alCerrar;
     if (error != LXW_NO_ERROR) {
         QFile::remove(QFile::decodeName(rutaProvisoria));
-        return noSeEscribio(QString::fromUtf8(lxw_strerror(error)));
+        return noSeEscribio(QString::fromUtf8(Xlsx().lxw_strerror(error)));
     }
     // The temporary file is private; the workbook gets the permissions of any new file.
     const mode_t mascara = ::umask(0);
