@@ -93,6 +93,7 @@ int ExportarSinVentana(const OpcionesHost &o, const QString &baseDatos, const QS
     const ServicioConexion servicio(ajustes);
     pedido.formatoFecha = servicio.FormatoFecha(0);
     const int idioma = o.idioma > 0 ? o.idioma : 1;
+    Idioma::AplicarAlProceso(idioma);
     const std::shared_ptr<ComponenteIdioma> catalogo(
         ComponenteIdioma::Crear(Idioma::NombreComponente(QStringLiteral("LUM01"), idioma)).release());
     if (!catalogo) {

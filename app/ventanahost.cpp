@@ -3,6 +3,7 @@
 #include <QCloseEvent>
 
 #include "dialogs/serviciomensajesqt.h"
+#include "shell/idioma.h"
 #include "shell/lumingasiento.h"
 
 #include <QDialog>
@@ -38,6 +39,8 @@ VentanaHost::VentanaHost(const OpcionesHost &opciones, const QString &baseDatos,
     , m_mensajes(std::make_unique<ServicioMensajesQt>(this, desatendido))
 {
     setObjectName(QStringLiteral("ventanaHost"));
+    // The document's language decides the locale and Qt's own texts for the whole program.
+    Idioma::AplicarAlElegir(true);
     setWindowTitle(QStringLiteral("Asientos"));
     resize(1100, 700);
 

@@ -7,7 +7,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 source scripts/comun.sh
 
-paquetes=(g++ cmake ninja-build qt6-base-dev libqt6sql6-sqlite libsqlite3-dev libqt6sql6-psql qt6-l10n-tools
+paquetes=(g++ cmake ninja-build qt6-base-dev libqt6sql6-sqlite libsqlite3-dev libqt6sql6-psql qt6-l10n-tools qt6-translations-l10n
           libgtest-dev libbenchmark-dev fonts-dejavu-core postgresql
           libxlsxwriter-dev pkg-config python3-openpyxl poppler-utils faketime libfaketime)
 faltan=()

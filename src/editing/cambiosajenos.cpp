@@ -66,7 +66,7 @@ int CambiosAjenos::Revisar(QList<int> cabezales)
     QHash<qint32, int> porId;
     for (int r : std::as_const(cabezales)) {
         const qint32 id = m_asientos.IdDeFila(r);
-        const QString imagen = g.Fila(r).imagen;
+        const QString imagen = g.Imagen(r);
         if (id > 0 && imagen != QLatin1String("edicion") && imagen != QLatin1String(kImagen))
             porId.insert(id, r);
     }
@@ -104,7 +104,7 @@ QString CambiosAjenos::textoAviso(qint32 id, bool existe, qint16 estado) const
 QString CambiosAjenos::Aviso(int fila) const
 {
     const Grilla &g = m_asientos.grilla();
-    if (fila < g.FilasFijas() || fila >= g.Filas() || g.Fila(fila).imagen != QLatin1String(kImagen))
+    if (fila < g.FilasFijas() || fila >= g.Filas() || g.Imagen(fila) != QLatin1String(kImagen))
         return {};
     return m_avisos.value(m_asientos.IdDeFila(fila));
 }

@@ -43,7 +43,7 @@ const Mascara &AsientosGrilla::mascaraLeida(const QString &mascara)
 
 bool AsientosGrilla::tieneTexto(int fila, int columna) const
 {
-    return m_g.EsNumero(fila, columna) || !m_g.celda(fila, columna).texto.isEmpty();
+    return m_g.EsNumero(fila, columna) || m_g.celda(fila, columna).texto != 0;
 }
 
 bool AsientosGrilla::EsFilaCabezal(int fila) const

@@ -51,16 +51,20 @@ public:
         for (const QString &m : g.m_mascaras)
             s << m;
         s << qint64(g.m_filas.size());
-        for (const FilaGrilla &f : g.m_filas)
-            EscribirFila(s, f);
+        for (int fila = 0; fila < g.Filas(); ++fila)
+            EscribirFila(s, g, fila);
         return datos;
     }
 
-    static void EscribirFila(QDataStream &s, const FilaGrilla &f)
+    static void EscribirFila(QDataStream &s, const Grilla &g, int fila)
     {
-        s << f.imagen << quint32(f.fondo) << quint32(f.colorBorde) << qint32(f.alto) << f.oculta;
-        for (const CeldaGrilla &c : f.celdas)
-            s << c.texto << c.dato << c.valor.aDouble() << c.mascara << quint32(c.colorTexto) << c.alineacion;
+        const FilaGrilla &f = g.Fila(fila);
+        s << g.Imagen(fila) << quint32(f.fondo) << quint32(f.colorBorde) << qint32(f.alto) << f.oculta;
+        for (int columna = 0; columna < g.Columnas(); ++columna) {
+            const CeldaGrilla &c = g.celda(fila, columna);
+            s << g.TextoGuardado(fila, columna) << g.Dato(fila, columna) << c.valor.aDouble() << c.mascara
+              << quint32(g.ColorTexto(fila, columna)) << c.alineacion;
+        }
     }
 
     // The fewest bytes a row of this grid takes in the file: an empty row's.
@@ -69,7 +73,9 @@ public:
         QByteArray datos;
         QDataStream s(&datos, QIODevice::WriteOnly);
         s.setVersion(QDataStream::Qt_6_0);
-        EscribirFila(s, g.filaVacia());
+        Grilla vacia(g.Columnas(), 0);
+        vacia.InsertarFila(0);
+        EscribirFila(s, vacia, 0);
         return datos.size();
     }
 
@@ -110,20 +116,29 @@ public:
             fallar(error, QStringLiteral("el archivo de diseño está dañado: anuncia %1 filas en %2 bytes").arg(filas).arg(resto));
             return false;
         }
-        nueva.m_filas.assign(size_t(filas), nueva.filaVacia());
-        for (FilaGrilla &f : nueva.m_filas) {
+        nueva.m_filas.assign(size_t(filas), FilaGrilla());
+        nueva.m_celdas.assign(size_t(filas) * size_t(columnas), CeldaGrilla());
+        for (int fila = 0; fila < int(filas); ++fila) {
+            FilaGrilla &f = nueva.m_filas[size_t(fila)];
             quint32 fondo = 0, borde = 0;
             qint32 alto = 0;
-            s >> f.imagen >> fondo >> borde >> alto >> f.oculta;
+            QString imagen;
+            s >> imagen >> fondo >> borde >> alto >> f.oculta;
+            nueva.FijarImagen(fila, imagen);
             f.fondo = fondo;
             f.colorBorde = borde;
             f.alto = alto;
-            for (CeldaGrilla &c : f.celdas) {
+            for (int columna = 0; columna < columnas; ++columna) {
+                CeldaGrilla &c = nueva.celdaEditable(fila, columna);
+                QString texto;
+                QVariant dato;
                 quint32 color = 0;
                 double valor = 0; // the file keeps numbers as doubles
-                s >> c.texto >> c.dato >> valor >> c.mascara >> color >> c.alineacion;
+                s >> texto >> dato >> valor >> c.mascara >> color >> c.alineacion;
+                c.texto = texto.isEmpty() ? 0 : nueva.indiceTexto(texto);
+                nueva.guardarDato(c, dato);
                 c.valor = Importe::DesdeDouble(valor);
-                c.colorTexto = color;
+                nueva.FijarColorTexto(fila, columna, color);
                 if (c.mascara < Grilla::kMascaraColumna || c.mascara >= mascaras)
                     return false;
             }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QColor>
+#include <QHash>
 #include <QString>
 #include <QVariant>
 
@@ -11,24 +12,32 @@
 // One cell: display text (or a number shown through a mask), hidden data, colours and
 // alignment. A number keeps its value; its text is made from the value and the mask only
 // when someone asks for it, so a fill formats nothing.
+// A cell is small and plain: its text, and a datum that is a text or an uncommon type, are
+// kept once in the grid's pools and named here by position. The grid reads them for it
+// (Grilla::TextoDe, Grilla::Dato); a text shown on many rows (an account) is held once.
 struct CeldaGrilla
 {
-    QString texto;
-    QVariant dato;
-    Importe valor;
-    qint16 mascara = -1;        // -1 plain text; otherwise an index into the grid's masks
-    QRgb colorTexto = 0;        // 0 (transparent): the default colour
-    quint8 alineacion = 0;      // 0: the column's alignment; else Qt::Alignment bits
-};
+    enum class TipoDato : quint8 { Nulo, Entero, Corto, Largo, Doble, Fecha, FechaHoraUtc, Texto, Otro };
 
-// One row: its cells, the row-wide formats and the picture drawn at the left of column 0.
+    static constexpr quint32 kMaximoTextos = 1u << 24;
+
+    Importe valor;
+    qint64 carga = 0;           // the datum: the number, the day, the moment, or a pool index
+    quint32 texto : 24 = 0;     // index into the grid's texts; 0 is the empty text
+    quint32 color : 8 = 0;      // index into the grid's text colours; 0 is the default colour
+    qint16 mascara = -1;        // -1 plain text; otherwise an index into the grid's masks
+    quint8 alineacion = 0;      // 0: the column's alignment; else Qt::Alignment bits
+    TipoDato tipoDato = TipoDato::Nulo;
+};
+static_assert(sizeof(CeldaGrilla) == 24, "a grid of 100,000 lines holds 600,000 cells");
+
+// One row's formats and the picture drawn at the left of column 0; its cells are in the grid.
 struct FilaGrilla
 {
-    std::vector<CeldaGrilla> celdas;
-    QString imagen;             // picture key ("asiento", "borrador", ...)
     QRgb fondo = 0;             // 0: the grid's background
     QRgb colorBorde = 0;        // top border colour; 0 = no border
     int alto = 0;               // pixels; 0 = the grid's row height
+    quint8 imagen = 0;          // index into the grid's picture keys; 0 = no picture
     bool oculta = false;
 };
 
@@ -84,20 +93,26 @@ public:
     // The cell's number: the value of a number cell, else its text read in the locale.
     Importe Valor(int fila, int columna) const;
     bool EsNumero(int fila, int columna) const { return celda(fila, columna).mascara != -1; }
-    QVariant Dato(int fila, int columna) const { return celda(fila, columna).dato; }
+    QVariant Dato(int fila, int columna) const;
     void FijarDato(int fila, int columna, const QVariant &dato);
     void FijarColorTexto(int fila, int columna, QRgb color);
+    // 0 (transparent): the default colour.
+    QRgb ColorTexto(int fila, int columna) const { return m_colores[celda(fila, columna).color]; }
     void FijarAlineacion(int fila, int columna, Qt::Alignment alineacion);
     void LimpiarTextos(int fila);
 
     void FijarFondoFila(int fila, QRgb color);
     void FijarBordeSuperior(int fila, QRgb color);
+    // The picture key ("asiento", "borrador", ...); empty for none.
     void FijarImagen(int fila, const QString &clave);
+    QString Imagen(int fila) const { return m_imagenes[m_filas[size_t(fila)].imagen]; }
     void FijarAltoFila(int fila, int alto);
     void FijarFilaOculta(int fila, bool oculta);
 
     const FilaGrilla &Fila(int fila) const { return m_filas[size_t(fila)]; }
-    const CeldaGrilla &celda(int fila, int columna) const { return m_filas[size_t(fila)].celdas[size_t(columna)]; }
+    const CeldaGrilla &celda(int fila, int columna) const { return m_celdas[indiceCelda(fila, columna)]; }
+    // The text a cell holds: empty for a number cell (Texto formats it).
+    QString TextoGuardado(int fila, int columna) const { return m_textos[celda(fila, columna).texto]; }
 
     int AnchoColumna(int columna) const { return m_anchos[size_t(columna)]; } // twips
     void FijarAnchoColumna(int columna, int twips);
@@ -127,8 +142,16 @@ public:
 private:
     friend class FormatoDisenoGrilla;
 
-    CeldaGrilla &celdaEditable(int fila, int columna) { return m_filas[size_t(fila)].celdas[size_t(columna)]; }
-    FilaGrilla filaVacia() const;
+    size_t indiceCelda(int fila, int columna) const { return size_t(fila) * size_t(m_columnas) + size_t(columna); }
+    CeldaGrilla &celdaEditable(int fila, int columna) { return m_celdas[indiceCelda(fila, columna)]; }
+    // The pools: a text's index (the same text gets the same one), a datum into a cell.
+    quint32 indiceTexto(const QString &texto);
+    void guardarDato(CeldaGrilla &c, const QVariant &dato);
+    // A text or datum no cell names any more is dropped from the pools once there are many.
+    void soltar(const CeldaGrilla &c);
+    void soltarFilas(int fila, int cantidad);
+    void compactar();
+    void quizaCompactar();
     void cambio(int fila1, int fila2);
     bool avisar() const { return m_observador && m_redibujar; }
     qint16 indiceMascara(const QString &mascara);
@@ -136,6 +159,13 @@ private:
     int m_columnas;
     int m_filasFijas;
     std::vector<FilaGrilla> m_filas;
+    std::vector<CeldaGrilla> m_celdas;     // row by row, m_columnas each
+    std::vector<QString> m_textos{QString()};
+    QHash<QString, quint32> m_indiceTextos;
+    std::vector<QVariant> m_otros;
+    std::vector<QString> m_imagenes{QString()};
+    std::vector<QRgb> m_colores{0};         // data of the types a cell does not hold itself
+    size_t m_soltados = 0;                 // pool entries let go of since the last compaction
     std::vector<int> m_anchos;
     std::vector<bool> m_ocultas;
     std::vector<Qt::Alignment> m_alineaciones;

@@ -50,7 +50,7 @@ QString TextoParaArchivo(const FuenteDeGrilla &g, int fila, int columna, bool ca
     // under the second, so the debit and credit columns of a file hold amounts only.
     if (cabezal && columna <= 3) {
         if (columna == 0)
-            return g.grilla().celda(fila, 1).texto.section(QLatin1String("  "), 0, 0);
+            return g.grilla().TextoGuardado(fila, 1).section(QLatin1String("  "), 0, 0);
         return columna == 1 ? g.LeyendaCabezal(fila) : QString();
     }
     const RangoCeldas rango = g.Rango(fila, columna);

@@ -104,7 +104,7 @@ RangoCeldas FuenteDeGrilla::Rango(int fila, int columna) const
 QString FuenteDeGrilla::Texto(int fila, int columna) const
 {
     if (!m_g.EsNumero(fila, columna))
-        return m_g.celda(fila, columna).texto;
+        return m_g.TextoGuardado(fila, columna);
     const QString mascara = m_g.MascaraDe(fila, columna);
     if (mascara.isEmpty())
         return m_g.Texto(fila, columna);
@@ -126,7 +126,7 @@ quint32 FuenteDeGrilla::ColorFondo(int fila, int) const
 
 quint32 FuenteDeGrilla::ColorTexto(int fila, int columna) const
 {
-    return ColorVista::DesdeRgb(m_g.celda(fila, columna).colorTexto);
+    return ColorVista::DesdeRgb(m_g.ColorTexto(fila, columna));
 }
 
 int FuenteDeGrilla::AlineacionColumna(int columna) const
@@ -161,7 +161,7 @@ QDate FuenteDeGrilla::FechaCabezal(int fila) const
 QString FuenteDeGrilla::LeyendaCabezal(int fila) const
 {
     // The header text is the date, a run of blanks that lines the legends up, the legend.
-    const QString t = m_g.celda(fila, 1).texto;
+    const QString t = m_g.TextoGuardado(fila, 1);
     const qsizetype blancos = t.indexOf(QLatin1String("  "));
     return blancos < 0 ? QString() : t.mid(blancos).trimmed();
 }

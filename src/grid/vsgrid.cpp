@@ -108,17 +108,17 @@ QVariant ModeloGrilla::data(const QModelIndex &indice, int rol) const
     case Qt::TextAlignmentRole:
         return QVariant::fromValue(c.alineacion ? Qt::Alignment::fromInt(c.alineacion) : m_g.AlineacionColumna(col));
     case Qt::ForegroundRole:
-        return c.colorTexto ? QVariant(QColor::fromRgba(c.colorTexto)) : QVariant();
+        return c.color ? QVariant(QColor::fromRgba(m_g.ColorTexto(fila, col))) : QVariant();
     case Qt::BackgroundRole: {
         const QRgb fondo = m_g.Fila(fila).fondo;
         return fondo ? QVariant(QColor::fromRgba(fondo)) : QVariant();
     }
     case Qt::DecorationRole:
-        return col == 0 && !m_g.Fila(fila).imagen.isEmpty() ? QVariant(IconoEstado(m_g.Fila(fila).imagen)) : QVariant();
+        return col == 0 && !m_g.Imagen(fila).isEmpty() ? QVariant(IconoEstado(m_g.Imagen(fila))) : QVariant();
     case Qt::ToolTipRole:
         return m_ayuda ? QVariant(m_ayuda(fila, col)) : QVariant();
     case Qt::UserRole:
-        return c.dato;
+        return m_g.Dato(fila, col);
     default:
         return {};
     }
@@ -203,7 +203,7 @@ void DelegadoGrilla::paint(QPainter *p, const QStyleOptionViewItem &opcion, cons
     if (fila >= m_g.Filas())
         return;
     const FilaGrilla &f = m_g.Fila(fila);
-    const CeldaGrilla &c = f.celdas[size_t(col)];
+    const CeldaGrilla &c = m_g.celda(fila, col);
     const bool seleccionada = opcion.state & QStyle::State_Selected;
     const QRect r = opcion.rect;
 
@@ -216,14 +216,14 @@ void DelegadoGrilla::paint(QPainter *p, const QStyleOptionViewItem &opcion, cons
     }
 
     QRect texto = r.adjusted(3, 0, -3, 0);
-    if (col == 0 && !f.imagen.isEmpty()) {
-        const QIcon icono = ModeloGrilla::IconoEstado(f.imagen);
+    if (col == 0 && f.imagen != 0) {
+        const QIcon icono = ModeloGrilla::IconoEstado(m_g.Imagen(fila));
         const int lado = std::min(16, r.height() - 2);
         icono.paint(p, QRect(r.left() + 2, r.top() + (r.height() - lado) / 2, lado, lado));
         texto.setLeft(r.left() + lado + 6);
     }
 
-    QColor color = c.colorTexto ? QColor::fromRgba(c.colorTexto) : opcion.palette.text().color();
+    QColor color = c.color ? QColor::fromRgba(m_g.ColorTexto(fila, col)) : opcion.palette.text().color();
     if (seleccionada)
         color = opcion.palette.highlightedText().color();
     p->setPen(color);

@@ -3,7 +3,10 @@
 #include "services/servicioconexion.h"
 #include "services/serviciomensajes.h"
 
+#include <QCoreApplication>
 #include <QFile>
+#include <QLibraryInfo>
+#include <QTranslator>
 
 #include <limits>
 
@@ -13,6 +16,8 @@ struct Compartido
 {
     std::unique_ptr<ComponenteIdioma> componente;
     int cuenta = 0;
+    bool aplicarAlProceso = false;
+    std::unique_ptr<QTranslator> traduccionQt;
 };
 
 Compartido &compartido()
@@ -121,6 +126,8 @@ int CrearComponenteIdioma(const QString &codigoAplicacion, const QString &nombre
     mensajes.FijarIdioma(idioma);
 
     Compartido &c = compartido();
+    if (c.aplicarAlProceso)
+        AplicarAlProceso(idioma);
     c.componente.reset();
 
     const QString nombre = NombreComponente(codigoAplicacion, idioma);
@@ -153,6 +160,36 @@ void Liberar()
     Compartido &c = compartido();
     if (c.cuenta > 0 && --c.cuenta == 0)
         c.componente.reset();
+}
+
+QLocale LocaleDelPrograma(const QLocale &sistema, int idioma)
+{
+    if (sistema.language() != QLocale::C)
+        return sistema;
+    return idioma == 2 ? QLocale(QLocale::English, QLocale::UnitedStates) : QLocale(QLocale::Spanish, QLocale::Uruguay);
+}
+
+void AplicarAlProceso(int idioma)
+{
+    QLocale::setDefault(LocaleDelPrograma(QLocale::system(), idioma));
+    Compartido &c = compartido();
+    if (c.traduccionQt) {
+        QCoreApplication::removeTranslator(c.traduccionQt.get());
+        c.traduccionQt.reset();
+    }
+    // Qt speaks English by itself; Spanish comes from its translations, when installed.
+    if (idioma == 2)
+        return;
+    auto traduccion = std::make_unique<QTranslator>();
+    if (traduccion->load(QLocale(QLocale::Spanish), QStringLiteral("qtbase"), QStringLiteral("_"),
+                         QLibraryInfo::path(QLibraryInfo::TranslationsPath))
+        && QCoreApplication::installTranslator(traduccion.get()))
+        c.traduccionQt = std::move(traduccion);
+}
+
+void AplicarAlElegir(bool si)
+{
+    compartido().aplicarAlProceso = si;
 }
 
 const ComponenteIdioma *Actual()

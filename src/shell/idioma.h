@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QHash>
+#include <QLocale>
 #include <QString>
 
 #include <memory>
@@ -41,6 +42,17 @@ int CrearComponenteIdioma(const QString &codigoAplicacion, const QString &nombre
 QString resLoad(int n);
 // One document stops using the component; the last one releases it.
 void Liberar();
+
+// The locale numbers and dates are read and shown in: the system's, unless it is unset (C or
+// POSIX, as on many servers and fresh installs), then its language's own: es_UY for Spanish
+// (1), en_US for English (2).
+QLocale LocaleDelPrograma(const QLocale &sistema, int idioma);
+// Makes a language the process's: the locale above becomes the default, and Qt's own texts
+// (its dialogs, the print preview, the standard buttons) are loaded in that language when
+// Qt has them. The program asks for it (AplicarAlElegir) when it starts; a process that does
+// not, such as a test, keeps its own locale.
+void AplicarAlProceso(int idioma);
+void AplicarAlElegir(bool si);
 
 // For tests: what is held now.
 const ComponenteIdioma *Actual();

@@ -10,6 +10,7 @@
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonObject>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -82,6 +83,37 @@ TEST_P(ExportarDesdeLinea, MesEnCSVCuadraConLaBase)
     EXPECT_EQ(lineas, rs->Campo(2).toInt());
     EXPECT_EQ(debe, qRound64(rs->Campo(0).toDouble() * 100));
     EXPECT_EQ(haber, qRound64(rs->Campo(1).toDouble() * 100));
+}
+
+// Amounts are written in the system's locale, or in the language's own when it has none.
+TEST_P(ExportarDesdeLinea, LosImportesSiguenElLocaleOElDelIdiomaSiNoHay)
+{
+    const QRegularExpression espanol(QStringLiteral("^\\d{1,3}(\\.\\d{3})*,\\d{2}$"));
+    const QRegularExpression ingles(QStringLiteral("^\\d{1,3}(,\\d{3})*\\.\\d{2}$"));
+    const struct {
+        const char *locale;
+        const char *idioma;
+        const QRegularExpression &importe;
+    } casos[] = {{"C", "1", espanol}, {"C", "2", ingles}, {"en_US.UTF-8", "1", ingles}, {"es_UY.UTF-8", "2", espanol}};
+    const QString mes = BaseDePrueba::Hoy().toString(QStringLiteral("yyyy-MM"));
+    for (const auto &c : casos) {
+        SCOPED_TRACE(std::string(c.locale) + " --lang " + c.idioma);
+        const Salida s = Correr({QStringLiteral("--db"), m_base.direccion(), QStringLiteral("--exportar"), ruta("mes.csv"),
+                                 QStringLiteral("--mes"), mes, QStringLiteral("--lang"), QString::fromLatin1(c.idioma)},
+                                m_carpeta.path(), {}, QStringLiteral(ASIENTOS_PROGRAMA), QString::fromLatin1(c.locale));
+        ASSERT_EQ(s.estado, 0) << s.errores.toStdString();
+        int importes = 0, conMiles = 0;
+        for (const auto &f : LeerArchivoExportado("csv", ruta("mes.csv"))) {
+            const QString debe = f.toArray().at(2).toString();
+            if (debe.isEmpty() || debe == QLatin1String("Debe") || debe == QLatin1String("Debit"))
+                continue;
+            ++importes;
+            conMiles += debe.size() > 6 ? 1 : 0;
+            EXPECT_TRUE(c.importe.match(debe).hasMatch()) << debe.toStdString();
+        }
+        EXPECT_GT(conMiles, 0);
+        EXPECT_GT(importes, conMiles);
+    }
 }
 
 // An account searched without a project or department finds its lines of every project and

@@ -12,15 +12,18 @@ struct Salida
 };
 
 // Runs the program as a user runs it from a terminal without a display, in the Spanish
-// locale, with home as its home folder. antes runs it (as another user, say); programa is
-// a copy of it that user may reach.
+// locale (or locale, "C" for none), with home as its home folder. antes runs it (as another
+// user, say); programa is a copy of it that user may reach.
 inline Salida Correr(const QStringList &argumentos, const QString &home, const QStringList &antes = {},
-                     const QString &programa = QStringLiteral(ASIENTOS_PROGRAMA))
+                     const QString &programa = QStringLiteral(ASIENTOS_PROGRAMA),
+                     const QString &locale = QStringLiteral("es_UY.UTF-8"))
 {
     QProcess p;
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert(QStringLiteral("HOME"), home);
-    env.insert(QStringLiteral("LC_ALL"), QStringLiteral("es_UY.UTF-8"));
+    env.insert(QStringLiteral("LC_ALL"), locale);
+    env.remove(QStringLiteral("LANG"));
+    env.remove(QStringLiteral("LANGUAGE"));
     env.remove(QStringLiteral("QT_QPA_PLATFORM")); // nothing here may need a display
     env.remove(QStringLiteral("DISPLAY"));
     p.setProcessEnvironment(env);

@@ -443,9 +443,9 @@ TEST_P(Edicion, UnaEscrituraAjenaSeMarcaEnLasFilasMiradas)
     }
     miradas = {segundo, segundo};
     EXPECT_EQ(vigia.Revisar(), 1);
-    EXPECT_EQ(m_grilla.Fila(segundo).imagen, QLatin1String(CambiosAjenos::kImagen));
+    EXPECT_EQ(m_grilla.Imagen(segundo), QLatin1String(CambiosAjenos::kImagen));
     EXPECT_TRUE(vigia.Aviso(segundo).startsWith(QStringLiteral("Modificado por Contadora"))) << vigia.Aviso(segundo).toStdString();
-    EXPECT_NE(m_grilla.Fila(primero).imagen, QLatin1String(CambiosAjenos::kImagen));
+    EXPECT_NE(m_grilla.Imagen(primero), QLatin1String(CambiosAjenos::kImagen));
     EXPECT_TRUE(vigia.Aviso(primero).isEmpty());
     miradas = {primero, segundo};
     EXPECT_EQ(vigia.Revisar(), 1); // the one marked already is not marked again

@@ -40,11 +40,11 @@ TEST_P(Llenado, CabezalesLineasYFilaDeDiferencia)
     EXPECT_EQ(g.Fila(1).colorBorde, 0u);                      // first entry: no separating line
     EXPECT_EQ(g.Fila(4).colorBorde, ColoresGrilla::kBordeAsiento);
     EXPECT_EQ(g.Fila(1).fondo, ColoresGrilla::kFondoCabezal);
-    EXPECT_EQ(g.Fila(1).imagen, QStringLiteral("asiento"));
-    EXPECT_EQ(g.Fila(4).imagen, QStringLiteral("borrador"));
-    EXPECT_EQ(g.celda(3, 1).colorTexto, ColoresGrilla::kHaber);
-    EXPECT_EQ(g.celda(3, 3).colorTexto, ColoresGrilla::kHaber);
-    EXPECT_NE(g.celda(4, 1).colorTexto, ColoresGrilla::kHaber); // a header is no credit line
+    EXPECT_EQ(g.Imagen(1), QStringLiteral("asiento"));
+    EXPECT_EQ(g.Imagen(4), QStringLiteral("borrador"));
+    EXPECT_EQ(g.ColorTexto(3, 1), ColoresGrilla::kHaber);
+    EXPECT_EQ(g.ColorTexto(3, 3), ColoresGrilla::kHaber);
+    EXPECT_NE(g.ColorTexto(4, 1), ColoresGrilla::kHaber); // a header is no credit line
     EXPECT_EQ(d.asientos.Cabezal.AsiID, 0);                   // nothing current after a fill
     EXPECT_EQ(d.asientos.EstadoDeFila(6), 0);
     EXPECT_EQ(d.asientos.FilaCabezalDe(6), 4);

@@ -49,7 +49,7 @@ QStringList todasLasFilas(const Grilla &g)
     QStringList filas;
     for (int r = 0; r < g.Filas(); ++r) {
         const FilaGrilla &f = g.Fila(r);
-        filas << FilaComoTexto(g, r) + QStringLiteral(" @%1:%2:%3").arg(f.imagen).arg(f.fondo, 0, 16).arg(f.colorBorde, 0, 16);
+        filas << FilaComoTexto(g, r) + QStringLiteral(" @%1:%2:%3").arg(g.Imagen(r)).arg(f.fondo, 0, 16).arg(f.colorBorde, 0, 16);
     }
     return filas;
 }
@@ -78,6 +78,80 @@ TEST(Grilla, MoverPermutarYQuitarFilas)
     EXPECT_EQ(g.Filas(), 1);
 }
 
+// A cell keeps its texts and data in the grid's pools: each kind of datum comes back with its
+// type, and rows keep theirs through moves, swaps and the removals that compact the pools.
+TEST(Grilla, TextosYDatosSobrevivenAMovimientosYCompactaciones)
+{
+    const QList<QVariant> datos{QVariant(),
+                                7,
+                                QVariant::fromValue(short(-3)),
+                                qlonglong(1) << 40,
+                                -0.125,
+                                QDate(2026, 2, 28),
+                                QDate(),
+                                QDateTime(QDate(2026, 2, 1), QTime(9, 30, 0, 125), Qt::UTC),
+                                QDateTime(QDate(2026, 2, 1), QTime(9, 30), Qt::LocalTime),
+                                QString(),
+                                QStringLiteral(""),
+                                QStringLiteral("10|0|0|1|1"),
+                                true};
+    Grilla g;
+    const int filas = 6000;
+    g.InsertarFilas(1, filas);
+    QStringList esperado{FilaComoTexto(g, 0)};
+    for (int r = 1; r <= filas; ++r) {
+        g.FijarTexto(r, 0, QStringLiteral("fila %1").arg(r));
+        g.FijarTexto(r, 1, r % 2 ? QStringLiteral("1.1.01 - Caja") : QStringLiteral("2.1.01 - Proveedores"));
+        g.FijarNumero(r, 2, Importe::DesdeDiezmilesimos(r));
+        g.FijarDato(r, 3, datos[r % datos.size()]);
+        g.FijarDato(r, 4, QStringLiteral("dato %1").arg(r));
+        g.FijarColorTexto(r, 5, r % 3 ? 0xff000080 : 0);
+        esperado << FilaComoTexto(g, r);
+    }
+    for (int i = 0; i < datos.size(); ++i) {
+        const QVariant leido = g.Dato(i == 0 ? datos.size() : i, 3);
+        EXPECT_EQ(leido.typeId(), datos[i].typeId()) << i;
+        EXPECT_EQ(leido, datos[i]) << i;
+        EXPECT_EQ(leido.isNull(), datos[i].isNull()) << i;
+    }
+    EXPECT_EQ(g.ColorTexto(1, 5), 0xff000080u);
+    EXPECT_EQ(g.ColorTexto(3, 5), 0u);
+
+    auto comprobar = [&](const char *paso) {
+        QStringList ahora;
+        for (int r = 0; r < g.Filas(); ++r)
+            ahora << FilaComoTexto(g, r);
+        EXPECT_EQ(ahora, esperado) << paso;
+    };
+    g.MoverFilas(10, 5, 2);
+    esperado = esperado.mid(0, 2) + esperado.mid(10, 5) + esperado.mid(2, 8) + esperado.mid(15);
+    g.IntercambiarFilas(1, g.Filas() - 1);
+    esperado.swapItemsAt(1, esperado.size() - 1);
+    comprobar("movidas");
+    // Every other row goes, and with it thousands of texts: the pools are compacted.
+    std::vector<bool> quitar(size_t(g.Filas()), false);
+    for (int r = 1; r < g.Filas(); r += 2)
+        quitar[size_t(r)] = true;
+    g.QuitarFilasMarcadas(quitar);
+    for (qsizetype r = esperado.size() - 1; r > 0; --r)
+        if (r % 2 == 1)
+            esperado.removeAt(r);
+    comprobar("quitadas");
+    // Texts written after a compaction do not take the place of those still shown.
+    g.QuitarFilas(1, 2500);
+    esperado.remove(1, 2500);
+    const int nueva = g.Filas();
+    g.InsertarFila(nueva);
+    g.FijarTexto(nueva, 0, QStringLiteral("nueva"));
+    g.FijarDato(nueva, 1, QStringLiteral("dato nuevo"));
+    esperado << FilaComoTexto(g, nueva);
+    comprobar("tras compactar");
+    EXPECT_EQ(g.Texto(nueva, 0), QStringLiteral("nueva"));
+    g.FijarFilas(0);
+    g.InsertarFila(1);
+    EXPECT_EQ(FilaComoTexto(g, 1), QStringLiteral("||||| #|||||"));
+}
+
 TEST(DisenoGrilla, NumerosConSuMascaraYVuelveComoSeGuardo)
 {
     QTemporaryDir dir;
@@ -99,7 +173,7 @@ TEST(DisenoGrilla, NumerosConSuMascaraYVuelveComoSeGuardo)
     ASSERT_TRUE(leida.Cargar(ruta, &error)) << error.toStdString();
     EXPECT_EQ(todasLasFilas(leida), todasLasFilas(original));
     EXPECT_EQ(leida.AnchoColumna(1), 2222);
-    EXPECT_EQ(leida.celda(2, 1).colorTexto, 0xff000080u);
+    EXPECT_EQ(leida.ColorTexto(2, 1), 0xff000080u);
     EXPECT_EQ(leida.Texto(2, 2), QStringLiteral("1.234,50")); // the column format came back too
 }
 

@@ -611,7 +611,7 @@ private:
         QHash<qint32, QStringList> vistos, guardados;
         QHash<qint32, QString> imagenes;
         for (int r : FilasCabezal(*c.doc)) {
-            if (r == editado || g.Fila(r).imagen == QLatin1String(CambiosAjenos::kImagen))
+            if (r == editado || g.Imagen(r) == QLatin1String(CambiosAjenos::kImagen))
                 continue;
             QStringList &v = vistos[a.IdDeFila(r)];
             for (int l = r + 1; l <= a.UltimaFilaAsiento(r); ++l) {
@@ -622,7 +622,7 @@ private:
             }
             v.sort();
             v.prepend(cabezal(g.Dato(r, 3).toInt(), g.Dato(r, 2).toDate(), a.LibroDeFila(r), g.Dato(r, 4).toDateTime()));
-            imagenes.insert(a.IdDeFila(r), g.Fila(r).imagen);
+            imagenes.insert(a.IdDeFila(r), g.Imagen(r));
         }
         if (vistos.isEmpty())
             return;

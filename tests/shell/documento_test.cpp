@@ -322,7 +322,7 @@ TEST_F(Documento, LaGrillaVuelveComoSeDejoUnDisenoDanadoNoDetieneYElPedidoDeAsie
         EXPECT_EQ(doc->grilla().Filas(), filas);
         EXPECT_EQ(FilasCabezal(*doc).size(), 10);
         EXPECT_EQ(doc->grilla().AnchoColumna(4), 2345);
-        EXPECT_EQ(doc->grilla().Fila(1).imagen.isEmpty(), false);
+        EXPECT_EQ(doc->grilla().Imagen(1).isEmpty(), false);
         // The caption names the view the rows came from.
         EXPECT_EQ(doc->VistaActual(), QStringLiteral("2"));
         EXPECT_EQ(doc->findChild<QToolButton *>(QStringLiteral("hlCargar"))->text(), QStringLiteral("Ver : Últimos 10 ingresados"));

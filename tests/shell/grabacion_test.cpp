@@ -108,7 +108,7 @@ TEST_P(Grabacion, GrabarUnAsiento)
     m_doc->comandos().RegistrarAsiento();
     EXPECT_EQ(estadoEnBase(id), 1);
     EXPECT_EQ(m_doc->grilla().Dato(fila, 3).toInt(), 1);
-    EXPECT_EQ(m_doc->grilla().Fila(fila).imagen, QStringLiteral("asiento"));
+    EXPECT_EQ(m_doc->grilla().Imagen(fila), QStringLiteral("asiento"));
     registrar(id); // "A borrador"
     EXPECT_EQ(estadoEnBase(id), 0);
     for (const int estado : {0, 1}) {

@@ -1,5 +1,6 @@
 #include "comun/mensajesguionados.h"
 
+#include "currency/mascara.h"
 #include "services/servicioconexion.h"
 #include "shell/idioma.h"
 
@@ -53,6 +54,28 @@ TEST(Catalogo, FormatoYLosDosIdiomas)
     // Texts whose exact form the screen builds on: a trailing space, column markers.
     EXPECT_EQ(es.value(1061), QStringLiteral("Importe en "));
     EXPECT_EQ(es.value(1060), QStringLiteral("<Cuenta|<|>Debe|>Haber|>T. Cambio|>Importe M/E"));
+}
+
+// "1.500" typed as an amount is read in the system's locale, or in the language's own when the
+// system has none (C): fifteen hundred in Spanish, one and a half in English.
+TEST(LocaleDelPrograma, ElDelSistemaOElDelIdiomaSiNoHay)
+{
+    const struct {
+        QLocale sistema;
+        int idioma;
+        double esperado;
+    } casos[] = {
+        {QLocale::c(), 1, 1500},
+        {QLocale::c(), 2, 1.5},
+        {QLocale(QLocale::Spanish, QLocale::Uruguay), 2, 1500},
+        {QLocale(QLocale::English, QLocale::UnitedStates), 1, 1.5},
+    };
+    for (const auto &c : casos) {
+        const QLocale locale = Idioma::LocaleDelPrograma(c.sistema, c.idioma);
+        double leido = 0;
+        EXPECT_TRUE(LeerNumero(QStringLiteral("1.500"), leido, locale)) << c.sistema.name().toStdString() << " " << c.idioma;
+        EXPECT_EQ(leido, c.esperado) << c.sistema.name().toStdString() << " " << c.idioma;
+    }
 }
 
 class ComponenteCompartido : public ::testing::Test

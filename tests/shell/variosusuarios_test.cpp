@@ -43,7 +43,7 @@ protected:
     {
         return QTest::qWaitFor([&] {
             const int r = doc.FilaDeAsiento(id);
-            return r >= 0 && doc.grilla().Fila(r).imagen == QLatin1String(CambiosAjenos::kImagen);
+            return r >= 0 && doc.grilla().Imagen(r) == QLatin1String(CambiosAjenos::kImagen);
         }, milisegundos);
     }
 
@@ -72,7 +72,7 @@ TEST_P(VariosUsuarios, UnCambioDeOtroSeMarcaSeReleeAlAbrirloYQuedaEnElHistorial)
     abrirOtro();
     const qint32 id = asientoDePrueba();
     ASSERT_GT(m_otro->FilaDeAsiento(id), 0);
-    ASSERT_EQ(m_otro->grilla().Fila(m_otro->FilaDeAsiento(id)).imagen, QStringLiteral("asiento"));
+    ASSERT_EQ(m_otro->grilla().Imagen(m_otro->FilaDeAsiento(id)), QStringLiteral("asiento"));
 
     // The administrator changes the legend in the first document.
     abrirEn(*m_doc, id);
@@ -87,7 +87,7 @@ TEST_P(VariosUsuarios, UnCambioDeOtroSeMarcaSeReleeAlAbrirloYQuedaEnElHistorial)
     EXPECT_TRUE(aviso.startsWith(QStringLiteral("Modificado por Administrador el "))) << aviso.toStdString();
     EXPECT_TRUE(ayuda(*m_otro, m_otro->FilaDeAsiento(id) + 1).isEmpty());
     // The administrator's own grid is not marked for its own write.
-    EXPECT_EQ(m_doc->grilla().Fila(filaDe(id)).imagen, QStringLiteral("asiento"));
+    EXPECT_EQ(m_doc->grilla().Imagen(filaDe(id)), QStringLiteral("asiento"));
 
     // Opening it reads it again: the new legend is on screen and the change is not refused.
     abrirEn(*m_otro, id);
