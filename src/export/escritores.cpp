@@ -9,6 +9,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QSaveFile>
+#include <QStringEncoder>
 #include <QTemporaryFile>
 
 
@@ -49,8 +50,10 @@ QString TextoParaArchivo(const FuenteDeGrilla &g, int fila, int columna, bool ca
     // A header row goes out as the date under the first account column and the legend
     // under the second, so the debit and credit columns of a file hold amounts only.
     if (cabezal && columna <= 3) {
-        if (columna == 0)
-            return g.grilla().TextoGuardado(fila, 1).section(QLatin1String("  "), 0, 0);
+        if (columna == 0) {
+            const QString texto = g.grilla().TextoGuardado(fila, 1);
+            return texto.left(texto.indexOf(QLatin1String("  "))); // all of it when there are no blanks
+        }
         return columna == 1 ? g.LeyendaCabezal(fila) : QString();
     }
     const RangoCeldas rango = g.Rango(fila, columna);
@@ -94,14 +97,26 @@ namespace Escritores {
 
 QString CampoCSV(const QString &texto)
 {
+    QString campo;
+    AgregarCampoCSV(campo, texto);
+    return campo;
+}
+
+void AgregarCampoCSV(QString &registro, const QString &texto)
+{
     const bool comillas = std::any_of(texto.begin(), texto.end(), [](QChar c) {
         return c == u',' || c == u'"' || c == u'\n' || c == u'\r';
     });
-    if (!comillas)
-        return texto;
-    QString t = texto;
-    t.replace(QLatin1Char('"'), QLatin1String("\"\""));
-    return QLatin1Char('"') + t + QLatin1Char('"');
+    if (!comillas) {
+        registro += texto;
+        return;
+    }
+    registro += QLatin1Char('"');
+    if (texto.contains(QLatin1Char('"')))
+        registro += QString(texto).replace(QLatin1Char('"'), QLatin1String("\"\""));
+    else
+        registro += texto;
+    registro += QLatin1Char('"');
 }
 
 std::optional<Fallo> EscribirHTML(const FuenteDeGrilla &g, const QString &ruta, const QString &titulo,
@@ -137,6 +152,7 @@ std::optional<Fallo> EscribirCSV(const FuenteDeGrilla &g, const QString &ruta, c
         return noSeEscribio(archivo.errorString());
     const std::vector<int> columnas = ColumnasVisibles(g);
     QString registro;
+    QStringEncoder utf8(QStringEncoder::Utf8);
     QByteArray bloque;
     bloque.reserve(1 << 20);
     // A byte-order mark tells a spreadsheet the text is UTF-8, so accents open right.
@@ -152,10 +168,13 @@ std::optional<Fallo> EscribirCSV(const FuenteDeGrilla &g, const QString &ruta, c
         for (size_t i = 0; i < columnas.size(); ++i) {
             if (i > 0)
                 registro += QLatin1Char(',');
-            registro += CampoCSV(TextoParaArchivo(g, r, columnas[i], cabezal));
+            AgregarCampoCSV(registro, TextoParaArchivo(g, r, columnas[i], cabezal));
         }
         registro += QLatin1String("\r\n");
-        bloque += registro.toUtf8();
+        // Encoded straight into the block, without an array per row.
+        const qsizetype usados = bloque.size();
+        bloque.resize(usados + registro.size() * 3);
+        bloque.resize(utf8.appendToBuffer(bloque.data() + usados, registro) - bloque.data());
         if (bloque.size() >= (1 << 20)) {
             escrito = archivo.write(bloque) == bloque.size();
             bloque.clear();

@@ -53,6 +53,8 @@ std::optional<Fallo> EscribirHTML(const FuenteDeGrilla &g, const QString &ruta, 
 
 // A field quoted as RFC 4180 asks when it must be.
 QString CampoCSV(const QString &texto);
+// The same field appended to a record.
+void AgregarCampoCSV(QString &registro, const QString &texto);
 // A mask in the spreadsheet's number format: text around the digits in quotes.
 QString FormatoNumeroLibro(const QString &mascara);
 
