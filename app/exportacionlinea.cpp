@@ -74,6 +74,17 @@ int PedidoExportacion::Formato() const
     return 0;
 }
 
+bool PedidoExportacion::SinFuentes() const
+{
+    const int formato = Formato();
+    return formato == ExportacionGrilla::CSV || formato == ExportacionGrilla::Libro;
+}
+
+bool PedidoExportacion::SinPantalla() const
+{
+    return Formato() == ExportacionGrilla::CSV;
+}
+
 QString PedidoExportacion::Validar() const
 {
     if (archivo.isEmpty())
@@ -132,6 +143,8 @@ int ExportarDesdeLinea(const PedidoExportacion &pedido, Conexion &conexion, qint
     ctx.empresa = empresa;
     ctx.delimitadorFecha = parametros.delimitadorFecha;
     ctx.patronFecha = parametros.formatoFecha;
+    if (pedido.SinFuentes())
+        ctx.rellenoFijo = 0; // the date and the legend go in cells of their own
     PrepararGrillaAsientos(grilla, texto(1060));
     const QString mascara = monedas.DatoMoneda(0, 4).toString();
     grilla.FijarFormatoColumna(2, mascara);

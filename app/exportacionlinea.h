@@ -22,12 +22,19 @@ struct PedidoExportacion
     bool hayCriterios = false;
     QString formatoFecha = QStringLiteral("dd/mm/yyyy");
     QString edicion;           // the edition's name, in the footer of a page
-    int asientosPorParte = 2000; // entries read and written at a time (0: all at once)
+    int asientosPorParte = 200; // entries read and written at a time (0: all at once)
 
     // The format from the file's extension: 1 workbook, 2 CSV, 3 HTML, 4 PDF; 0 unknown.
     int Formato() const;
     // Empty when the request can be carried out; otherwise what is wrong with it.
     QString Validar() const;
+    // True for the files of rows (CSV, workbook): a header's date and legend go in cells of
+    // their own, so the blanks that line legends up on screen are not measured and no font
+    // is loaded. A page (HTML, PDF) is laid out in the document's font.
+    bool SinFuentes() const;
+    // True for CSV, plain text without colours: written without a display platform. A
+    // workbook takes the caption row's system colours from the application's palette.
+    bool SinPantalla() const;
 };
 
 // Loads the entries into a journal grid with the document's own loading code, without a

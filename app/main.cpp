@@ -19,6 +19,7 @@
 #include <QTextStream>
 
 #include <cstdio>
+#include <memory>
 #include <tuple>
 
 namespace {
@@ -174,10 +175,17 @@ int main(int argc, char *argv[])
     }
     if (!opciones.exportar.isEmpty() && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication app(argc, argv);
-    QApplication::setApplicationName(QStringLiteral("asientos"));
-    QApplication::setOrganizationName(QStringLiteral("asientos"));
-    QApplication::setApplicationVersion(QStringLiteral(ASIENTOS_VERSION));
+    // A CSV file is written without a display: no platform to load.
+    PedidoExportacion formato;
+    formato.archivo = opciones.exportar;
+    std::unique_ptr<QCoreApplication> app;
+    if (!opciones.exportar.isEmpty() && formato.SinPantalla())
+        app = std::make_unique<QCoreApplication>(argc, argv);
+    else
+        app = std::make_unique<QApplication>(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("asientos"));
+    QCoreApplication::setOrganizationName(QStringLiteral("asientos"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(ASIENTOS_VERSION));
 
     const QString carpetaDatos = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
     QDir().mkpath(carpetaDatos);
@@ -205,13 +213,16 @@ int main(int argc, char *argv[])
     ventana.documento()->Iniciar();
 
     if (captura) {
-        // Let the host act on what the document sent during start-up first.
-        QTimer::singleShot(300, &ventana, [&ventana, &opciones] {
+        // Queued behind what the document sent the host during start-up, so the host has
+        // acted on it; what that posted in turn (layouts, the window's activation and the
+        // focus it brings) is done before the picture.
+        QTimer::singleShot(0, &ventana, [&ventana, &opciones] {
+            QCoreApplication::processEvents();
             const bool ok = ventana.grab().save(opciones.captura);
             if (!ok)
                 std::fprintf(stderr, "no se pudo guardar %s\n", qPrintable(opciones.captura));
             QApplication::exit(ok ? 0 : 1);
         });
     }
-    return app.exec();
+    return QApplication::exec();
 }

@@ -72,30 +72,39 @@ QString Mascara::FormatearNumero(Importe valor, const QLocale &locale) const
 
 QString Mascara::formatearDigitos(QString digitos, const QLocale &locale) const
 {
-    const bool negativo = digitos.startsWith(QLatin1Char('-'));
+    // Read in place and written once: an amount is formatted for every cell of a grid.
+    QStringView d(digitos);
+    const bool negativo = d.startsWith(u'-');
     if (negativo)
-        digitos.remove(0, 1);
-    const qsizetype punto = digitos.indexOf(QLatin1Char('.'));
-    QString entera = punto < 0 ? digitos : digitos.left(punto);
-    QString fraccion = punto < 0 ? QString() : digitos.mid(punto + 1);
+        d = d.mid(1);
+    const qsizetype punto = d.indexOf(u'.');
+    QStringView entera = punto < 0 ? d : d.left(punto);
+    QStringView fraccion = punto < 0 ? QStringView() : d.mid(punto + 1);
 
-    while (fraccion.size() > m_decimalesMin && fraccion.endsWith(QLatin1Char('0')))
+    while (fraccion.size() > m_decimalesMin && fraccion.endsWith(u'0'))
         fraccion.chop(1);
-    if (entera == QLatin1String("0") && m_enterosMin == 0)
-        entera.clear();
-    while (entera.size() < m_enterosMin)
-        entera.prepend(QLatin1Char('0'));
+    if (entera == u"0" && m_enterosMin == 0)
+        entera = QStringView();
+    const qsizetype ceros = std::max<qsizetype>(0, m_enterosMin - entera.size());
+    const qsizetype largo = ceros + entera.size();
 
-    if (m_agrupar && entera.size() > 3) {
-        const QString grupo = locale.groupSeparator();
-        for (qsizetype i = entera.size() - 3; i > 0; i -= 3)
-            entera.insert(i, grupo);
+    const QString menos = negativo ? locale.negativeSign() : QString();
+    const QString grupo = m_agrupar && largo > 3 ? locale.groupSeparator() : QString();
+    const QString coma = fraccion.isEmpty() ? QString() : locale.decimalPoint();
+    QString texto(menos.size() + largo + (largo - 1) / 3 * grupo.size() + coma.size() + fraccion.size(), Qt::Uninitialized);
+    QChar *p = texto.data();
+    auto poner = [&p](QStringView parte) {
+        std::copy(parte.begin(), parte.end(), p);
+        p += parte.size();
+    };
+    poner(menos);
+    for (qsizetype i = 0; i < largo; ++i) {
+        if (i > 0 && (largo - i) % 3 == 0)
+            poner(grupo);
+        *p++ = i < ceros ? QChar(u'0') : entera[i - ceros];
     }
-    QString texto = entera;
-    if (!fraccion.isEmpty())
-        texto += locale.decimalPoint() + fraccion;
-    if (negativo)
-        texto.prepend(locale.negativeSign());
+    poner(coma);
+    poner(fraccion);
     return texto;
 }
 

@@ -89,6 +89,8 @@ int AsientosGrilla::UltimaFilaAsiento(int filaCabezal) const
 // is followed by enough blanks to fill 1000 twips, measured in the document's font.
 int AsientosGrilla::anchoRelleno()
 {
+    if (m_ctx.rellenoFijo >= 0)
+        return m_ctx.rellenoFijo;
     if (m_relleno >= 0 && m_fuenteRelleno == m_ctx.fuente)
         return m_relleno;
     const QFontMetricsF fm(m_ctx.fuente);

@@ -27,6 +27,7 @@ struct ContextoAsientos
     QString formatoFecha = QStringLiteral("dd/mm/yyyy"); // header dates, suite notation
     std::function<QString(int)> texto;                   // catalogue text by its number
     QFont fuente;                                        // the document's font
+    int rellenoFijo = -1;                                // blanks after a header's date; -1: measured in fuente
     double puntosPorPulgada = 96;                        // logical DPI, for twips
     int anchoClienteTwips = 0;                           // the grid's client width; 0 unknown
     quint8 AsiOrder = 0;                                 // line order: 0 by account, 1 by entry

@@ -1,5 +1,6 @@
 #include "escritores.h"
 
+#include "bibliotecalibro.h"
 #include "fuentegrilla.h"
 #include "gridhtml.h"
 
@@ -8,10 +9,11 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QSaveFile>
+#include <QStringEncoder>
 #include <QTemporaryFile>
 
-#include <xlsxwriter.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cmath>
 #include <cstdio>
@@ -43,34 +45,37 @@ bool FilaVisible(const FuenteDeGrilla &g, int fila)
 
 } // namespace
 
-CeldaArchivo CeldaParaArchivo(const FuenteDeGrilla &g, int fila, int columna)
+QString TextoParaArchivo(const FuenteDeGrilla &g, int fila, int columna, bool cabezal)
 {
-    CeldaArchivo celda;
     // A header row goes out as the date under the first account column and the legend
     // under the second, so the debit and credit columns of a file hold amounts only.
-    const QDate fecha = g.FechaCabezal(fila);
-    if (fecha.isValid()) {
-        switch (columna) {
-        case 0:
-            celda.tipo = CeldaArchivo::Tipo::Fecha;
-            celda.fecha = fecha;
-            celda.texto = g.grilla().TextoGuardado(fila, 1).section(QLatin1String("  "), 0, 0);
-            return celda;
-        case 1:
-            celda.texto = g.LeyendaCabezal(fila);
-            return celda;
-        case 2:
-        case 3:
-            return celda;
-        default:
-            break;
+    if (cabezal && columna <= 3) {
+        if (columna == 0) {
+            const QString texto = g.grilla().TextoGuardado(fila, 1);
+            return texto.left(texto.indexOf(QLatin1String("  "))); // all of it when there are no blanks
         }
+        return columna == 1 ? g.LeyendaCabezal(fila) : QString();
     }
     const RangoCeldas rango = g.Rango(fila, columna);
     if (rango.fila1 != fila || rango.columna1 != columna)
+        return {};
+    return g.Texto(fila, columna);
+}
+
+CeldaArchivo CeldaParaArchivo(const FuenteDeGrilla &g, int fila, int columna)
+{
+    CeldaArchivo celda;
+    const QDate fecha = g.FechaCabezal(fila);
+    celda.texto = TextoParaArchivo(g, fila, columna, fecha.isValid());
+    if (fecha.isValid() && columna <= 3) {
+        if (columna == 0) {
+            celda.tipo = CeldaArchivo::Tipo::Fecha;
+            celda.fecha = fecha;
+        }
         return celda;
-    celda.texto = g.Texto(fila, columna);
-    if (g.EsNumero(fila, columna)) {
+    }
+    const RangoCeldas rango = g.Rango(fila, columna);
+    if (rango.fila1 == fila && rango.columna1 == columna && g.EsNumero(fila, columna)) {
         celda.tipo = CeldaArchivo::Tipo::Numero;
         celda.numero = g.Valor(fila, columna);
         celda.mascara = g.MascaraDe(fila, columna);
@@ -92,13 +97,26 @@ namespace Escritores {
 
 QString CampoCSV(const QString &texto)
 {
-    const bool comillas = texto.contains(QLatin1Char(',')) || texto.contains(QLatin1Char('"'))
-                          || texto.contains(QLatin1Char('\n')) || texto.contains(QLatin1Char('\r'));
-    if (!comillas)
-        return texto;
-    QString t = texto;
-    t.replace(QLatin1Char('"'), QLatin1String("\"\""));
-    return QLatin1Char('"') + t + QLatin1Char('"');
+    QString campo;
+    AgregarCampoCSV(campo, texto);
+    return campo;
+}
+
+void AgregarCampoCSV(QString &registro, const QString &texto)
+{
+    const bool comillas = std::any_of(texto.begin(), texto.end(), [](QChar c) {
+        return c == u',' || c == u'"' || c == u'\n' || c == u'\r';
+    });
+    if (!comillas) {
+        registro += texto;
+        return;
+    }
+    registro += QLatin1Char('"');
+    if (texto.contains(QLatin1Char('"')))
+        registro += QString(texto).replace(QLatin1Char('"'), QLatin1String("\"\""));
+    else
+        registro += texto;
+    registro += QLatin1Char('"');
 }
 
 std::optional<Fallo> EscribirHTML(const FuenteDeGrilla &g, const QString &ruta, const QString &titulo,
@@ -136,6 +154,7 @@ std::optional<Fallo> EscribirCSV(const FuenteDeGrilla &g, const QString &ruta, c
         return noSeEscribio(archivo.errorString());
     const std::vector<int> columnas = ColumnasVisibles(g);
     QString registro;
+    QStringEncoder utf8(QStringEncoder::Utf8);
     QByteArray bloque;
     bloque.reserve(1 << 20);
     // A byte-order mark tells a spreadsheet the text is UTF-8, so accents open right.
@@ -147,13 +166,17 @@ std::optional<Fallo> EscribirCSV(const FuenteDeGrilla &g, const QString &ruta, c
         if (!FilaVisible(g, r))
             return true;
         registro.clear();
+        const bool cabezal = g.FechaCabezal(r).isValid();
         for (size_t i = 0; i < columnas.size(); ++i) {
             if (i > 0)
                 registro += QLatin1Char(',');
-            registro += CampoCSV(CeldaParaArchivo(g, r, columnas[i]).texto);
+            AgregarCampoCSV(registro, TextoParaArchivo(g, r, columnas[i], cabezal));
         }
         registro += QLatin1String("\r\n");
-        bloque += registro.toUtf8();
+        // Encoded straight into the block, without an array per row.
+        const qsizetype usados = bloque.size();
+        bloque.resize(usados + registro.size() * 3);
+        bloque.resize(utf8.appendToBuffer(bloque.data() + usados, registro) - bloque.data());
         if (bloque.size() >= (1 << 20)) {
             escrito = archivo.write(bloque) == bloque.size();
             bloque.clear();
@@ -214,16 +237,16 @@ public:
         auto it = m_formatos.find(clave);
         if (it != m_formatos.end())
             return it->second;
-        lxw_format *f = workbook_add_format(m_libro);
+        lxw_format *f = Xlsx().workbook_add_format(m_libro);
         if (!numero.isEmpty())
-            format_set_num_format(f, numero.toUtf8().constData());
+            Xlsx().format_set_num_format(f, numero.toUtf8().constData());
         if (texto)
-            format_set_font_color(f, Rgb(texto));
+            Xlsx().format_set_font_color(f, Rgb(texto));
         if (fondo)
-            format_set_bg_color(f, Rgb(fondo));
+            Xlsx().format_set_bg_color(f, Rgb(fondo));
         if (fija) {
-            format_set_bold(f);
-            format_set_bottom(f, LXW_BORDER_THIN);
+            Xlsx().format_set_bold(f);
+            Xlsx().format_set_bottom(f, LXW_BORDER_THIN);
         }
         m_formatos.emplace(clave, f);
         return f;
@@ -287,6 +310,8 @@ std::optional<Fallo> EscribirLibro(const FuenteDeGrilla &g, const QString &ruta,
     const QFileInfo destino(ruta);
     QTemporaryFile provisorio(destino.absolutePath() + QStringLiteral("/.") + destino.fileName()
                               + QStringLiteral(".XXXXXX"));
+    if (!Xlsx().error.isEmpty())
+        return noSeEscribio(Xlsx().error);
     if (!provisorio.open())
         return noSeEscribio(provisorio.errorString());
     const QByteArray rutaProvisoria = QFile::encodeName(provisorio.fileName());
@@ -297,7 +322,7 @@ std::optional<Fallo> EscribirLibro(const FuenteDeGrilla &g, const QString &ruta,
     opciones.constant_memory = LXW_TRUE;
     const QByteArray carpetaTemporal = QFile::encodeName(QDir::tempPath());
     opciones.tmpdir = const_cast<char *>(carpetaTemporal.constData());
-    lxw_workbook *libro = workbook_new_opt(rutaProvisoria.constData(), &opciones);
+    lxw_workbook *libro = Xlsx().workbook_new_opt(rutaProvisoria.constData(), &opciones);
     if (!libro)
         return noSeEscribio(QStringLiteral("no se pudo crear el libro"));
     // However the export ends, the workbook is let go.
@@ -307,17 +332,17 @@ std::optional<Fallo> EscribirLibro(const FuenteDeGrilla &g, const QString &ruta,
         ~Cierre()
         {
             if (libro)
-                workbook_close(libro);
+                Xlsx().workbook_close(libro);
         }
     } cierre{libro};
-    lxw_worksheet *hoja = workbook_add_worksheet(libro, "Asientos");
+    lxw_worksheet *hoja = Xlsx().workbook_add_worksheet(libro, "Asientos");
     FormatosLibro formatos(libro, FormatoFechaLibro(formatoFecha));
 
     if (g.FilasFijas() > 0)
-        worksheet_freeze_panes(hoja, lxw_row_t(g.FilasFijas()), 0);
+        Xlsx().worksheet_freeze_panes(hoja, lxw_row_t(g.FilasFijas()), 0);
     const std::vector<int> columnas = ColumnasVisibles(g);
     for (size_t i = 0; i < columnas.size(); ++i)
-        worksheet_set_column(hoja, lxw_col_t(i), lxw_col_t(i), g.AnchoColumna(columnas[i]) / g.TwipsPorPixel() / 7.0,
+        Xlsx().worksheet_set_column(hoja, lxw_col_t(i), lxw_col_t(i), g.AnchoColumna(columnas[i]) / g.TwipsPorPixel() / 7.0,
                              nullptr);
 
     lxw_error error = LXW_NO_ERROR;
@@ -336,21 +361,21 @@ std::optional<Fallo> EscribirLibro(const FuenteDeGrilla &g, const QString &ruta,
             const lxw_col_t col = lxw_col_t(i);
             switch (celda.tipo) {
             case CeldaArchivo::Tipo::Numero:
-                error = worksheet_write_number(hoja, filaLibro, col, celda.numero,
+                error = Xlsx().worksheet_write_number(hoja, filaLibro, col, celda.numero,
                                                formatos.Formato(FormatoNumeroLibro(celda.mascara), texto, fondo, fija));
                 break;
             case CeldaArchivo::Tipo::Fecha: {
                 lxw_datetime fecha{celda.fecha.year(), celda.fecha.month(), celda.fecha.day(), 0, 0, 0};
-                error = worksheet_write_datetime(hoja, filaLibro, col, &fecha,
+                error = Xlsx().worksheet_write_datetime(hoja, filaLibro, col, &fecha,
                                                  formatos.Formato(formatos.FormatoFecha(), texto, fondo, fija));
                 break;
             }
             case CeldaArchivo::Tipo::Texto:
                 if (celda.texto.isEmpty())
-                    error = fondo ? worksheet_write_blank(hoja, filaLibro, col, formatos.Formato({}, 0, fondo, fija))
+                    error = fondo ? Xlsx().worksheet_write_blank(hoja, filaLibro, col, formatos.Formato({}, 0, fondo, fija))
                                   : LXW_NO_ERROR;
                 else
-                    error = worksheet_write_string(hoja, filaLibro, col, celda.texto.toUtf8().constData(),
+                    error = Xlsx().worksheet_write_string(hoja, filaLibro, col, celda.texto.toUtf8().constData(),
                                                    formatos.Formato({}, texto, fondo, fija));
                 break;
             }
@@ -360,7 +385,7 @@ std::optional<Fallo> EscribirLibro(const FuenteDeGrilla &g, const QString &ruta,
             avance(hechas, total);
         return error == LXW_NO_ERROR;
     });
-    const lxw_error alCerrar = workbook_close(std::exchange(libro, nullptr));
+    const lxw_error alCerrar = Xlsx().workbook_close(std::exchange(libro, nullptr));
     // A part that cannot be read leaves no file: the temporary one goes with provisorio.
     if (!filas)
         return filas.fallo();
@@ -368,7 +393,7 @@ std::optional<Fallo> EscribirLibro(const FuenteDeGrilla &g, const QString &ruta,
         error = alCerrar;
     if (error != LXW_NO_ERROR) {
         QFile::remove(QFile::decodeName(rutaProvisoria));
-        return noSeEscribio(QString::fromUtf8(lxw_strerror(error)));
+        return noSeEscribio(QString::fromUtf8(Xlsx().lxw_strerror(error)));
     }
     // The temporary file is private; the workbook gets the permissions of any new file.
     const mode_t mascara = ::umask(0);

@@ -26,6 +26,9 @@ struct CeldaArchivo
     QDate fecha;
 };
 CeldaArchivo CeldaParaArchivo(const FuenteDeGrilla &g, int fila, int columna);
+// The text alone of that cell, for a file that keeps only text; cabezal says the row is an
+// entry's header (its FechaCabezal is valid), asked once for the whole row.
+QString TextoParaArchivo(const FuenteDeGrilla &g, int fila, int columna, bool cabezal);
 
 // The files of an export. Each one is written beside its final name and put in its place
 // only when complete, so a failure never leaves a half-written file (nor harms one that
@@ -50,6 +53,8 @@ std::optional<Fallo> EscribirHTML(const FuenteDeGrilla &g, const QString &ruta, 
 
 // A field quoted as RFC 4180 asks when it must be.
 QString CampoCSV(const QString &texto);
+// The same field appended to a record.
+void AgregarCampoCSV(QString &registro, const QString &texto);
 // A mask in the spreadsheet's number format: text around the digits in quotes.
 QString FormatoNumeroLibro(const QString &mascara);
 

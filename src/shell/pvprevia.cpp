@@ -22,28 +22,36 @@ pvPrevia::pvPrevia(QWidget *dueno)
     , m_dueno(dueno)
 {
     setObjectName(QStringLiteral("pvPrevia"));
-    // Six columns of a journal fit a landscape page better; the page set-up changes it.
-    m_impresora.setPageSize(QPageSize(QPageSize::A4));
-    m_impresora.setPageOrientation(QPageLayout::Landscape);
-    m_impresora.setPageMargins(QMarginsF(15, 15, 15, 15), QPageLayout::Millimeter);
 }
 
 pvPrevia::~pvPrevia() = default;
 
+QPrinter &pvPrevia::impresora() const
+{
+    if (!m_impresora) {
+        m_impresora = std::make_unique<QPrinter>(QPrinter::HighResolution);
+        // Six columns of a journal fit a landscape page better; the page set-up changes it.
+        m_impresora->setPageSize(QPageSize(QPageSize::A4));
+        m_impresora->setPageOrientation(QPageLayout::Landscape);
+        m_impresora->setPageMargins(QMarginsF(15, 15, 15, 15), QPageLayout::Millimeter);
+    }
+    return *m_impresora;
+}
+
 int pvPrevia::ModoPagina() const
 {
-    return m_impresora.pageLayout().orientation() == QPageLayout::Portrait ? 0 : 1;
+    return impresora().pageLayout().orientation() == QPageLayout::Portrait ? 0 : 1;
 }
 
 int pvPrevia::AnchoPagina() const
 {
-    return Twips(m_impresora.pageLayout().fullRect(QPageLayout::Point).width());
+    return Twips(impresora().pageLayout().fullRect(QPageLayout::Point).width());
 }
 
 std::pair<int, int> pvPrevia::Margenes(int) const
 {
     // The page set-up keeps one set of margins, already turned with the page.
-    const QMarginsF m = m_impresora.pageLayout().margins(QPageLayout::Point);
+    const QMarginsF m = impresora().pageLayout().margins(QPageLayout::Point);
     return {Twips(m.left()), Twips(m.right())};
 }
 
@@ -56,27 +64,27 @@ void pvPrevia::Preparar()
 void pvPrevia::Renderizar()
 {
     if (m_origen)
-        m_paginas.Componer(*m_origen, m_impresora.pageLayout(), m_titulo);
+        m_paginas.Componer(*m_origen, impresora().pageLayout(), m_titulo);
 }
 
 bool pvPrevia::Imprimir()
 {
-    m_impresora.setDocName(m_titulo.section(QLatin1Char('|'), 0, 0));
+    impresora().setDocName(m_titulo.section(QLatin1Char('|'), 0, 0));
     if (!m_salidaPDF.isEmpty()) {
-        m_impresora.setOutputFormat(QPrinter::PdfFormat);
-        m_impresora.setOutputFileName(m_salidaPDF);
+        impresora().setOutputFormat(QPrinter::PdfFormat);
+        impresora().setOutputFileName(m_salidaPDF);
     } else {
-        QPrintDialog dialogo(&m_impresora, m_dueno);
+        QPrintDialog dialogo(&impresora(), m_dueno);
         dialogo.setWindowTitle(m_titulo.section(QLatin1Char('|'), 0, 0));
         if (dialogo.exec() != QDialog::Accepted)
             return false;
     }
-    return m_paginas.Imprimir(m_impresora);
+    return m_paginas.Imprimir(impresora());
 }
 
 void pvPrevia::ConfigurarPagina()
 {
-    QPageSetupDialog dialogo(&m_impresora, m_dueno);
+    QPageSetupDialog dialogo(&impresora(), m_dueno);
     dialogo.exec();
 }
 
@@ -89,7 +97,7 @@ void pvPrevia::FijarVisible(bool visible)
     }
     if (m_dialogo)
         return;
-    QPrintPreviewDialog dialogo(&m_impresora, m_dueno);
+    QPrintPreviewDialog dialogo(&impresora(), m_dueno);
     dialogo.setObjectName(QStringLiteral("pvPrevia"));
     dialogo.setWindowTitle(m_titulo.section(QLatin1Char('|'), 0, 0));
     dialogo.resize(900, 700);

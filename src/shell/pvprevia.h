@@ -7,12 +7,16 @@
 #include <QObject>
 #include <QPrinter>
 
+#include <memory>
+
 class QPrintPreviewDialog;
 class QWidget;
 
 // The print-preview view: renders the grid into pages on its printer, shows them in a
 // preview window, prints them, and keeps the page set-up the user chose for the next time.
-// A PDF path given to it makes printing write that file without asking.
+// A PDF path given to it makes printing write that file without asking. The printer is
+// made the first time it is needed: making it loads the platform's print support, which a
+// document that never prints does not pay for at start-up.
 class pvPrevia final : public QObject, public VistaImpresion
 {
     Q_OBJECT
@@ -31,14 +35,14 @@ public:
     void ConfigurarPagina() override;
     void FijarVisible(bool visible) override;
 
-    QPrinter &impresora() { return m_impresora; }
+    QPrinter &impresora() const;
     void FijarSalidaPDF(const QString &ruta) { m_salidaPDF = ruta; }
     const PaginasGrilla &paginas() const { return m_paginas; }
     QString titulo() const { return m_titulo; }
 
 private:
     QWidget *m_dueno;
-    QPrinter m_impresora{QPrinter::HighResolution};
+    mutable std::unique_ptr<QPrinter> m_impresora;
     PaginasGrilla m_paginas;
     const FuenteGrilla *m_origen = nullptr;
     QString m_titulo;

@@ -122,7 +122,10 @@ TEST_P(Salidas, ArchivosEImpresionSonLaGrillaQueVuelveComoEstaba)
     EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("información: Se exportó a %1.").arg(ruta("mes.xlsx"))});
     EXPECT_EQ(LeerArchivoExportado("xlsx", ruta("mes.xlsx")).size(), celdasVistas().size());
 
-    // The print preview and the printout, and the grid afterwards.
+    // The print preview and the printout, and the grid afterwards. The printer, made when
+    // first needed, starts on a landscape A4 page.
+    EXPECT_EQ(m_doc->previa()->ModoPagina(), 1);
+    EXPECT_EQ(m_doc->previa()->AnchoPagina(), 16840);
     Grilla &grilla = m_doc->grilla();
     const int ultima = grilla.Filas() - 1;
     const int ancho = grilla.AnchoColumna(1);
