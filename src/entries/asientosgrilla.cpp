@@ -507,7 +507,7 @@ int AsientosGrilla::LlenarParte(Recordset &rs, int asientos)
                 const bool sinLibro = rs.NuloEn(c.AsiTipo) || rs.NuloEn(c.LibNombre);
                 Cabezal.AsiEstado = qint16(rs.EnteroEn(c.AsiEstado));
                 Cabezal.AsiFechaAsiento = FechaDeValor(rs.Campo(c.AsiFechaAsiento));
-                Cabezal.AsiFechaModificado = FechaHoraDeValor(rs.Campo(c.AsiFechaModificado));
+                Cabezal.AsiFechaModificado = rs.FechaHoraEn(c.AsiFechaModificado);
                 Cabezal.AsiID = id;
                 Cabezal.AsiLeyenda = rs.Campo(c.AsiLeyenda).toString().trimmed();
                 Cabezal.AsiTipo = qint16(rs.EnteroEn(c.AsiTipo));
