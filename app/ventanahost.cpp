@@ -10,6 +10,7 @@
 #include <QDialogButtonBox>
 #include <QFile>
 #include <QPushButton>
+#include <QSettings>
 #include <QStackedWidget>
 #include <QTextBrowser>
 #include <QTimer>
@@ -42,7 +43,10 @@ VentanaHost::VentanaHost(const OpcionesHost &opciones, const QString &baseDatos,
     // The document's language decides the locale and Qt's own texts for the whole program.
     Idioma::AplicarAlElegir(true);
     setWindowTitle(QStringLiteral("Asientos"));
-    resize(1100, 700);
+    // The window comes back where and as large as the user left it.
+    m_archivoAjustes = archivoAjustes;
+    if (!restoreGeometry(QSettings(m_archivoAjustes, QSettings::IniFormat).value(kClaveGeometria).toByteArray()))
+        resize(1100, 700);
 
     m_centro = new QStackedWidget(this);
     m_centro->setObjectName(ComandoHost::kMarco);
@@ -67,6 +71,7 @@ void VentanaHost::closeEvent(QCloseEvent *evento)
         evento->ignore();
         return;
     }
+    QSettings(m_archivoAjustes, QSettings::IniFormat).setValue(kClaveGeometria, saveGeometry());
     QMainWindow::closeEvent(evento);
 }
 

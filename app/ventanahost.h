@@ -43,7 +43,9 @@ private:
     void MostrarAyuda(const QString &pagina);
     QTextBrowser *pagina(const QString &nombre, const QString &html);
 
+    static constexpr char kClaveGeometria[] = "Ventana/Geometria";
     QString m_baseHRef;
+    QString m_archivoAjustes;
     std::unique_ptr<ServicioMensajes> m_mensajes;
     std::shared_ptr<Proceso> m_proceso = std::make_shared<Proceso>(); // shared by the documents it opens
     QStackedWidget *m_centro = nullptr;

@@ -284,6 +284,14 @@ bool ComandosAsiento::GrabarAsientoCompleto(bool asientoCierra)
     CabezalDatos &d = datos.Cabezal();
     qint16 estado = asientoCierra ? estadoCerrado : EstadoAsiento::kInconcluso;
     qint16 estadoGuardado = EstadoAsiento::kNuevo;
+    // No line of the entry, on its date as it stands, may use an account closed by then
+    // (1811); a failed read is told with 1924. Both stop the save.
+    auto sinCuentasCerradas = [&] {
+        const auto cerradas = m_datos.Leido(datos.HayCuentasCerradas(d.Fecha), 1924);
+        if (cerradas && *cerradas)
+            m_datos.Error(1811);
+        return cerradas && !*cerradas;
+    };
     if (c.AsiID <= 0) {
         d.AsiID = 0;
         d.Empresa = m_datos.idEmpresa();
@@ -295,15 +303,8 @@ bool ComandosAsiento::GrabarAsientoCompleto(bool asientoCierra)
             DecirRechazo(*fallo, 1924);
             return false;
         }
-        if (!asientoCierra) {
-            const auto cerradas = m_datos.Leido(datos.HayCuentasCerradas(d.Fecha), 1924);
-            if (!cerradas)
-                return false;
-            if (*cerradas) {
-                m_datos.Error(1811);
-                return false;
-            }
-        }
+        if (!asientoCierra && !sinCuentasCerradas())
+            return false;
         if (d.FechaModificado != c.AsiFechaModificado) {
             m_datos.Error(1820);
             return false;
@@ -337,13 +338,8 @@ bool ComandosAsiento::GrabarAsientoCompleto(bool asientoCierra)
         d.FechaCambioEstado = AsientoDatos::SelloNuevo(m_datos.reloj(), QDateTime());
     }
     datos.Lineas() = m_asientos.LineasParaGrabar();
-    const auto cerradas = m_datos.Leido(datos.HayCuentasCerradas(d.Fecha), 1924);
-    if (!cerradas)
+    if (!sinCuentasCerradas())
         return false;
-    if (*cerradas) {
-        m_datos.Error(1811);
-        return false;
-    }
     if (esApertura) {
         // The opening-balance entry may not use an account closed on or after the
         // opening-balance date.

@@ -4,6 +4,19 @@
 
 namespace CuentasDatos {
 
+namespace {
+
+Ficha fichaLeida(const Recordset &rs)
+{
+    Ficha f;
+    f.id = qint32(rs.Entero(QStringLiteral("CueID")));
+    f.codigo = rs.Texto(QStringLiteral("CueCodigo"));
+    f.nombre = rs.Texto(QStringLiteral("CueNombre"));
+    return f;
+}
+
+} // namespace
+
 Resultado<QList<Cuenta>> Imputables(Conexion &conexion, qint32 empresa)
 {
     return Intentar([&] {
@@ -31,11 +44,7 @@ Resultado<std::optional<Ficha>> Leer(Conexion &conexion, qint32 id)
         auto rs = conexion.Abrir(QStringLiteral("Select CueID, CueCodigo, CueNombre From cceCuentas Where CueID = ") + QString::number(id));
         if (rs->Fin())
             return std::nullopt;
-        Ficha f;
-        f.id = qint32(rs->Entero(QStringLiteral("CueID")));
-        f.codigo = rs->Texto(QStringLiteral("CueCodigo"));
-        f.nombre = rs->Texto(QStringLiteral("CueNombre"));
-        return f;
+        return fichaLeida(*rs);
     });
 }
 
@@ -47,10 +56,7 @@ Resultado<std::optional<Ficha>> LeerImputable(Conexion &conexion, qint32 id)
                                  + QStringLiteral(" And CueEsCarpeta = 0"));
         if (rs->Fin())
             return std::nullopt;
-        Ficha f;
-        f.id = qint32(rs->Entero(QStringLiteral("CueID")));
-        f.codigo = rs->Texto(QStringLiteral("CueCodigo"));
-        f.nombre = rs->Texto(QStringLiteral("CueNombre"));
+        Ficha f = fichaLeida(*rs);
         if (!rs->EsNulo(QStringLiteral("CueMoneda")) && rs->Entero(QStringLiteral("CueMoneda")) > 0)
             f.moneda = qint16(rs->Entero(QStringLiteral("CueMoneda")));
         const QVariant cierre = rs->Campo(QStringLiteral("CueFechaCerrada"));

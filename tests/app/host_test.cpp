@@ -106,4 +106,16 @@ TEST_F(Host, AccesoDenegadoYAyuda)
     EXPECT_EQ(v->paginaActual(), v->documento()); // help never replaces the document
 }
 
+// The window opens again as large as the user left it.
+TEST_F(Host, LaVentanaVuelveComoSeDejo)
+{
+    BaseDePrueba base(Motor::SQLite, BaseDePrueba::Contenido::Demo);
+    auto v = abrir({"--user", "1"}, base.direccion());
+    const QSize inicial = v->size();
+    v->resize(inicial.width() - 150, inicial.height() - 90);
+    QCoreApplication::processEvents();
+    ASSERT_TRUE(v->close());
+    EXPECT_EQ(abrir({"--user", "1"}, base.direccion())->size(), QSize(inicial.width() - 150, inicial.height() - 90));
+}
+
 } // namespace
