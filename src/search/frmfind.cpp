@@ -421,6 +421,11 @@ void frmFind::keyPressEvent(QKeyEvent *evento)
         bfCancel_Click();
         return;
     }
+    // F1 is the help button's key.
+    if (evento->key() == Qt::Key_F1 && !(evento->modifiers() & (Qt::ShiftModifier | Qt::ControlModifier | Qt::AltModifier))) {
+        bfHelp->click();
+        return;
+    }
     QDialog::keyPressEvent(evento);
 }
 

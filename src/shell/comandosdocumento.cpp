@@ -393,6 +393,13 @@ void lumIngAsiento::keyPressEvent(QKeyEvent *evento)
         evento->accept();
         return;
     }
+    // F1 opens the help of this screen, as its help link does.
+    if (evento->key() == Qt::Key_F1 && !mods) {
+        if (m_entorno.host)
+            m_entorno.host->Navegar(ComandoHost::kAyudaIngreso, QString());
+        evento->accept();
+        return;
+    }
     // Ctrl+P prints and Ctrl+Shift+P previews what the grid shows, as their menu items do.
     if ((mods & ~Qt::ShiftModifier) == Qt::ControlModifier && evento->key() == Qt::Key_P && hlRegistro->isEnabled()) {
         m_menus->accion(mods & Qt::ShiftModifier ? QStringLiteral("MnuPriPrevia") : QStringLiteral("MnuPriPrint"))->trigger();

@@ -34,20 +34,16 @@ MenusDocumento::MenusDocumento(QWidget *dueno)
     MnuEdicion = menu("MnuEdicion", QStringLiteral("Edicion"));
     agregar(MnuEdicion, "MnuEdiShowEstado", "")->setVisible(false);
     separador(MnuEdicion, "MnuEdiLineEstado")->setVisible(false);
-    agregar(MnuEdicion, "MnuEdiNew", "Nuevo", 1020);
-    agregar(MnuEdicion, "MnuEdiDel", "Eliminar", 1021);
-    agregar(MnuEdicion, "MnuEdiDelRow", "Eliminar Fila", 1022);
+    mostrarTecla(agregar(MnuEdicion, "MnuEdiNew", "Nuevo", 1020), QKeySequence(Qt::CTRL | Qt::Key_N));
+    mostrarTecla(agregar(MnuEdicion, "MnuEdiDel", "Eliminar", 1021), QKeySequence(Qt::Key_Delete));
+    mostrarTecla(agregar(MnuEdicion, "MnuEdiDelRow", "Eliminar Fila", 1022), QKeySequence(Qt::Key_Delete));
     agregar(MnuEdicion, "MnuEdiAddCta", "Agregar cuenta", 1100);
     separador(MnuEdicion, "MnuEdiLine");
     agregar(MnuEdicion, "MnuEdiSaveNormal", "Grabar", 1023);
     agregar(MnuEdicion, "MnuEdiCopy", "Copiar Asiento", 1024);
     agregar(MnuEdicion, "MnuEdiHide", "Ocultar Asiento", 1025);
     agregar(MnuEdicion, "MnuEdiHistorial", "Historial");
-    // Ctrl+Z is taken by the document's keys; the item shows it.
-    QAction *deshacer = agregar(MnuEdicion, "MnuEdiDeshacer", "Deshacer", 1159);
-    deshacer->setShortcut(QKeySequence::Undo);
-    deshacer->setShortcutContext(Qt::WidgetShortcut);
-    deshacer->setShortcutVisibleInContextMenu(true);
+    mostrarTecla(agregar(MnuEdicion, "MnuEdiDeshacer", "Deshacer", 1159), QKeySequence::Undo);
     MnuEdiTC = menu("MnuEdiTC", QStringLiteral("Unificar Tasa de Cambio"));
     MnuEdicion->addMenu(MnuEdiTC);
     agregar(MnuEdiTC, "MnuUnificarTCCta", "a la moneda de la cuenta", 1101);
@@ -65,8 +61,8 @@ MenusDocumento::MenusDocumento(QWidget *dueno)
     agregar(MnuEdiVer, "MnuEdiVIngreso", "Ingreso", 1049)->setCheckable(true);
     separador(MnuEdicion, "MnuEdiLinePrint");
     agregar(MnuEdicion, "MnuPriCnfgPage", "Configurar Página", 1028);
-    agregar(MnuEdicion, "MnuPriPrint", "Imprimir", 1029);
-    agregar(MnuEdicion, "MnuPriPrevia", "Vista Previa", 1030);
+    mostrarTecla(agregar(MnuEdicion, "MnuPriPrint", "Imprimir", 1029), QKeySequence(Qt::CTRL | Qt::Key_P));
+    mostrarTecla(agregar(MnuEdicion, "MnuPriPrevia", "Vista Previa", 1030), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_P));
     MnuExportar = menu("MnuExportar", QStringLiteral("Exportar"));
     m_textos.insert(MnuEdicion->addMenu(MnuExportar), 1113);
     agregar(MnuExportar, "MnuExpExcell", "Excell", 1114);
@@ -92,6 +88,15 @@ QAction *MenusDocumento::agregar(QMenu *menu, const char *nombre, const char *ca
     if (texto)
         m_textos.insert(a, texto);
     return a;
+}
+
+void MenusDocumento::mostrarTecla(QAction *accion, const QKeySequence &tecla)
+{
+    // The document's own keys act; the item only shows its key, and takes it only while its
+    // menu is open.
+    accion->setShortcut(tecla);
+    accion->setShortcutContext(Qt::WidgetShortcut);
+    accion->setShortcutVisibleInContextMenu(true);
 }
 
 QAction *MenusDocumento::separador(QMenu *menu, const char *nombre)

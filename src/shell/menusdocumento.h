@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QHash>
+#include <QKeySequence>
 #include <QString>
 #include <QVector>
 
@@ -37,6 +38,7 @@ public:
 private:
     QAction *agregar(QMenu *menu, const char *nombre, const char *caption, int texto = 0);
     QAction *separador(QMenu *menu, const char *nombre);
+    static void mostrarTecla(QAction *accion, const QKeySequence &tecla);
     void setCaption(QAction *a, const QString &texto);
 
     QHash<QString, QAction *> m_acciones;

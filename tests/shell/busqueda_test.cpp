@@ -120,7 +120,14 @@ TEST_P(Busquedas, F3FueraDeUnaBusquedaAbreElDialogoYCancelarNoCambiaNada)
         escribirEn(d, "tLeyenda", QStringLiteral("Nada de esto"));
         QTest::keyClick(d.findChild<QLineEdit *>(QStringLiteral("tLeyenda")), Qt::Key_Escape);
     };
-    EXPECT_EQ(tecla(Qt::Key_F3, Qt::NoModifier, cancelar), 1);
+    // F1 in the dialog opens the search's help.
+    m_host.comandos.clear();
+    EXPECT_EQ(tecla(Qt::Key_F3, Qt::NoModifier, [&](frmFind &d) {
+                  QTest::keyClick(d.findChild<QLineEdit *>(QStringLiteral("tLeyenda")), Qt::Key_F1);
+                  cancelar(d);
+              }),
+              1);
+    EXPECT_EQ(m_host.comandos, QStringList{ComandoHost::kAyudaBusqueda});
     EXPECT_EQ(filasGrilla(), filas);
     EXPECT_EQ(m_doc->VistaActual(), vistaInicial);
     EXPECT_EQ(tituloVista(), titulo);

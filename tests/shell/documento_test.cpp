@@ -119,6 +119,10 @@ TEST_F(Documento, AdministradorQuedaListoConTodosLosEnlacesYCadaVistaCargaSusAsi
     doc->findChild<QToolButton *>(QStringLiteral("imgHelp"))->click();
     EXPECT_EQ(m_host.comandos, QStringList{QStringLiteral("lumNav:navhelp?Main|asientos\\ingreso_de_asientos.htm")});
     EXPECT_EQ(m_host.marcos, QStringList{QString()});
+    // So does F1 on the grid.
+    QTest::keyClick(doc->grid(), Qt::Key_F1);
+    EXPECT_EQ(m_host.comandos.size(), 2);
+    EXPECT_EQ(m_host.comandos.value(1), m_host.comandos.value(0));
 
     // Another document of the user starts on the recent entries; each view loads its own.
     auto otro = abrir(usuario(1));
