@@ -66,7 +66,7 @@ public:
         static const QRegularExpression palabras(
             QStringLiteral("\\b(Asientos?|Cuentas?|Buscar|Ayuda|Grabar|Historial|Libros?|Leyenda|Fecha|Cancelar|Aceptar|Debe|"
                            "Haber|Papelera|Restaurar|Cerrar|Borrador|Estado|Nombre|Importe|Moneda|Usuario|Eliminar|Agregar|"
-                           "Registrar|Guardar|Cambios|Barra)\\b"),
+                           "Registrar|Guardar|Cambios|Barra|Tasa|Unificar|Línea)\\b"),
             QRegularExpression::CaseInsensitiveOption | QRegularExpression::UseUnicodePropertiesOption);
         if (m_soloEspanol.contains(v) || palabras.match(v).hasMatch())
             fallas << donde + QStringLiteral(": ") + v;
@@ -158,7 +158,7 @@ TEST_P(EnIngles, NingunTextoQuedaEnEspanol)
 {
     ASSERT_EQ(Idioma::resLoad(0), QStringLiteral("Journal Entries"));
     Recorrido r;
-    auto enVentana = [&r](const char *nombre) { return [&r, nombre](QWidget &d) { r.ventana(&d, QString::fromLatin1(nombre)); }; };
+    auto enVentana = [&r](const char *nombre) { return [&r, nombre](QWidget &d) { r.ventana(&d, QString::fromUtf8(nombre)); }; };
 
     // An entry stored and then changed by another session, current in the grid: its history
     // has rows, and the commands that act on an entry are enabled.
@@ -188,8 +188,9 @@ TEST_P(EnIngles, NingunTextoQuedaEnEspanol)
     ASSERT_NE(historial, nullptr);
     r.ventana(historial, QStringLiteral("historial"));
     elegir("MnuViePapelera");
-    if (auto *papelera = m_doc->findChild<DialogoPapelera *>())
-        r.ventana(papelera, QStringLiteral("papelera"));
+    auto *papelera = m_doc->findChild<DialogoPapelera *>();
+    ASSERT_NE(papelera, nullptr);
+    r.ventana(papelera, QStringLiteral("papelera"));
 
     BusquedaCuentasQt cuentas([](int n) { return Idioma::resLoad(n - 1000); });
     CuentaElegida elegida;
