@@ -142,7 +142,7 @@ int main(int argc, char *argv[])
         argumentos << QString::fromLocal8Bit(argv[i]);
     const OpcionesHost opciones = OpcionesHost::Leer(argumentos);
     if (opciones.ayuda) {
-        std::fputs(qPrintable(OpcionesHost::Uso()), stdout);
+        std::fputs(qPrintable(OpcionesHost::Uso(opciones.idioma)), stdout);
         return 0;
     }
     if (opciones.version) {
@@ -150,7 +150,7 @@ int main(int argc, char *argv[])
         return 0;
     }
     if (!opciones.error.isEmpty()) {
-        std::fprintf(stderr, "%s\n%s", qPrintable(opciones.error), qPrintable(OpcionesHost::Uso()));
+        std::fprintf(stderr, "%s\n%s", qPrintable(opciones.error), qPrintable(OpcionesHost::Uso(opciones.idioma)));
         return 2;
     }
     if (opciones.inicializar) {
@@ -211,6 +211,7 @@ int main(int argc, char *argv[])
     // The document would start from the event loop; starting it here, after show() has
     // returned, lets a screenshot be taken once it has.
     ventana.documento()->Iniciar();
+    ventana.AsignarTitulo();
 
     if (captura) {
         // Queued behind what the document sent the host during start-up, so the host has

@@ -1,6 +1,9 @@
 #include "opciones.h"
 
+#include "shell/idioma.h"
+
 #include <QCryptographicHash>
+#include <QFile>
 
 namespace {
 bool numero(const QString &texto, int &valor)
@@ -94,31 +97,11 @@ OpcionesHost OpcionesHost::Leer(const QStringList &argumentos)
     return o;
 }
 
-QString OpcionesHost::Uso()
+QString OpcionesHost::Uso(int idioma)
 {
-    return QStringLiteral(
-        "Uso: asientos [opciones]\n"
-        "  --db RUTA|postgresql://usuario@servidor:puerto/base   base de datos (sin ella: la empresa de demostración)\n"
-        "  --inicializar     crear en la base de --db, vacía, las tablas y la empresa de demostración, y salir\n"
-        "  --sin-demo        con --inicializar: una empresa sin datos en lugar de la de demostración\n"
-        "  --copiar-a DIRECCION  copiar todo lo de --db a otra base vacía (por ejemplo postgresql://...), y salir\n"
-        "  --user N          usuario (1)\n"
-        "  --company N       empresa (1)\n"
-        "  --lang N          idioma de los textos: 1 español, 2 inglés\n"
-        "  --asiento N       abrir mostrando el asiento N\n"
-        "  --temp CARPETA    carpeta del diseño de la grilla\n"
-        "  --prefix TEXTO    prefijo del archivo de diseño (el número de usuario, con una marca\n"
-        "                    de la base y la empresa cuando no son las de siempre)\n"
-        "  --opening         proponer el asiento de saldos iniciales si no existe\n"
-        "  --href DIRECCION  dirección base tal cual, en lugar de armarla\n"
-        "  --settings ARCHIVO  archivo de ajustes del usuario\n"
-        "  --screenshot ARCHIVO.png  guardar una imagen de la ventana al iniciar y salir\n"
-        "  --exportar ARCHIVO.csv|.xlsx|.htm|.pdf  exportar sin abrir la ventana los asientos de:\n"
-        "      --vista N       una vista: 1 últimos 5, 2 últimos 10, 3 de hoy, 4 últimos 15 días\n"
-        "      --mes AAAA-MM   un mes\n"
-        "      --desde AAAA-MM-DD --hasta AAAA-MM-DD --cuenta CODIGO --leyenda COMIENZO (* cualquier texto)\n"
-        "                      una búsqueda (todos los criterios dados deben cumplirse)\n"
-        "  --help, --version\n");
+    // Read before any document: the text of the language given with --lang, else Spanish.
+    QFile f(QStringLiteral(":/lang/LNG_TCO_%1.txt").arg(idioma == 2 ? 2 : 1, 3, 10, QLatin1Char('0')));
+    return f.open(QIODevice::ReadOnly) ? ComponenteIdioma::LeerCatalogo(f.readAll()).value(2110) : QString();
 }
 
 QString OpcionesHost::PrefijoPorDefecto() const

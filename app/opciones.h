@@ -36,7 +36,8 @@ struct OpcionesHost
     static constexpr const char *kClaveSesion = "lum01";
 
     static OpcionesHost Leer(const QStringList &argumentos);
-    static QString Uso();
+    // The --help text, in language 2 (English) or else Spanish.
+    static QString Uso(int idioma);
 
     // The base address the host hands the document: the query part carries the pairs.
     QString DireccionBase(const QString &carpetaTemporalPorDefecto) const;

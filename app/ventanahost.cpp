@@ -34,15 +34,34 @@ QString hoja(const QString &titulo, const QString &cuerpo)
 
 } // namespace
 
+QString VentanaHost::texto(int numero) const
+{
+    if (Idioma::Actual())
+        return Idioma::resLoad(numero - 1000);
+    // No document has loaded its language yet: the one asked for at start-up, or Spanish.
+    if (m_catalogo.isEmpty()) {
+        QFile f(QStringLiteral(":/lang/LNG_TCO_%1.txt").arg(m_idioma == 2 ? 2 : 1, 3, 10, QLatin1Char('0')));
+        if (f.open(QIODevice::ReadOnly))
+            m_catalogo = ComponenteIdioma::LeerCatalogo(f.readAll());
+    }
+    return m_catalogo.value(numero);
+}
+
+void VentanaHost::AsignarTitulo()
+{
+    setWindowTitle(texto(2100));
+}
+
 VentanaHost::VentanaHost(const OpcionesHost &opciones, const QString &baseDatos, const QString &archivoAjustes,
                          const QString &carpetaDatos, bool desatendido)
     : m_baseHRef(opciones.DireccionBase(carpetaDatos))
     , m_mensajes(std::make_unique<ServicioMensajesQt>(this, desatendido))
+    , m_idioma(opciones.idioma)
 {
     setObjectName(QStringLiteral("ventanaHost"));
     // The document's language decides the locale and Qt's own texts for the whole program.
     Idioma::AplicarAlElegir(true);
-    setWindowTitle(QStringLiteral("Asientos"));
+    AsignarTitulo();
     // The window comes back where and as large as the user left it.
     m_archivoAjustes = archivoAjustes;
     if (!restoreGeometry(QSettings(m_archivoAjustes, QSettings::IniFormat).value(kClaveGeometria).toByteArray()))
@@ -126,19 +145,17 @@ QTextBrowser *VentanaHost::pagina(const QString &nombre, const QString &html)
 
 void VentanaHost::MostrarError(const QString &descripcion)
 {
-    const QString cuerpo = QStringLiteral("<p>No se pudo abrir el ingreso de asientos.</p>")
+    const QString cuerpo = QStringLiteral("<p>%1</p>").arg(texto(2101))
                          + (descripcion.isEmpty() ? QString() : QStringLiteral("<p><b>%1</b></p>").arg(escapar(descripcion)));
-    QTextBrowser *p = pagina(QStringLiteral("paginaError"), hoja(QStringLiteral("Error"), cuerpo));
-    p->setAccessibleName(descripcion.isEmpty() ? QStringLiteral("Error") : descripcion);
+    QTextBrowser *p = pagina(QStringLiteral("paginaError"), hoja(texto(2102), cuerpo));
+    p->setAccessibleName(descripcion.isEmpty() ? texto(2102) : descripcion);
 }
 
 void VentanaHost::MostrarAccesoDenegado(const QString &aplicacion)
 {
-    const QString cuerpo = QStringLiteral("<p>Su usuario no tiene permiso para usar <b>%1</b> en esta empresa.</p>"
-                                          "<p>Pida al administrador que le asigne los permisos necesarios.</p>")
-                               .arg(escapar(aplicacion));
-    QTextBrowser *p = pagina(QStringLiteral("paginaAccesoDenegado"), hoja(QStringLiteral("Acceso denegado"), cuerpo));
-    p->setAccessibleName(QStringLiteral("Acceso denegado"));
+    const QString cuerpo = QStringLiteral("<p>%1</p><p>%2</p>").arg(texto(2103).arg(escapar(aplicacion)), texto(2104));
+    QTextBrowser *p = pagina(QStringLiteral("paginaAccesoDenegado"), hoja(texto(2105), cuerpo));
+    p->setAccessibleName(texto(2105));
 }
 
 void VentanaHost::MostrarAyuda(const QString &archivo)
@@ -147,14 +164,14 @@ void VentanaHost::MostrarAyuda(const QString &archivo)
     if (!m_visorAyuda) {
         auto *visor = new QDialog(this);
         visor->setObjectName(QStringLiteral("visorAyuda"));
-        visor->setWindowTitle(QStringLiteral("Ayuda"));
+        visor->setWindowTitle(this->texto(1090));
         visor->resize(720, 560);
         auto *texto = new QTextBrowser(visor);
         texto->setObjectName(QStringLiteral("textoAyuda"));
         texto->setSearchPaths({QStringLiteral(":/help")});
         texto->setOpenExternalLinks(false);
         auto *botones = new QDialogButtonBox(QDialogButtonBox::Close, visor);
-        botones->button(QDialogButtonBox::Close)->setText(QStringLiteral("Cerrar"));
+        botones->button(QDialogButtonBox::Close)->setText(this->texto(1165));
         connect(botones, &QDialogButtonBox::rejected, visor, &QDialog::close);
         auto *capa = new QVBoxLayout(visor);
         capa->addWidget(texto);
@@ -165,7 +182,7 @@ void VentanaHost::MostrarAyuda(const QString &archivo)
     if (QFile::exists(QStringLiteral(":/help/") + archivo))
         texto->setSource(QUrl(QStringLiteral("qrc:/help/") + archivo));
     else
-        texto->setHtml(hoja(QStringLiteral("Ayuda"), QStringLiteral("<p>No se encontró la página de ayuda %1.</p>").arg(escapar(archivo))));
+        texto->setHtml(hoja(this->texto(1090), QStringLiteral("<p>%1</p>").arg(this->texto(2106).arg(escapar(archivo)))));
     m_visorAyuda->show();
     m_visorAyuda->raise();
 }

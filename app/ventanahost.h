@@ -5,6 +5,7 @@
 #include "shell/lumingasiento.h"
 
 #include <QMainWindow>
+#include <QHash>
 #include <QPointer>
 
 #include <memory>
@@ -36,12 +37,15 @@ public:
 
     // A page in the frame that tells what went wrong (also used before a document exists).
     void MostrarError(const QString &descripcion);
+    // The window's title in the document's language, once the document has loaded it.
+    void AsignarTitulo();
 
 private:
     void actuar(const QString &direccion);
     void MostrarAccesoDenegado(const QString &aplicacion);
     void MostrarAyuda(const QString &pagina);
     QTextBrowser *pagina(const QString &nombre, const QString &html);
+    QString texto(int numero) const;
 
     static constexpr char kClaveGeometria[] = "Ventana/Geometria";
     QString m_baseHRef;
@@ -52,4 +56,6 @@ private:
     QPointer<lumIngAsiento> m_documento;
     QPointer<QDialog> m_visorAyuda;
     QString m_ultimaAyuda;
+    int m_idioma = 0;                          // the language asked for at start-up, 0: none
+    mutable QHash<int, QString> m_catalogo;    // its texts, until a document loads one
 };

@@ -29,27 +29,29 @@ namespace {
 class DialogoCuentas : public QDialog
 {
 public:
-    DialogoCuentas(const QList<BusquedaCuentasQt::Cuenta> &cuentas, const QString &texto, QWidget *padre)
+    DialogoCuentas(const QList<BusquedaCuentasQt::Cuenta> &cuentas, const QString &texto,
+                   const std::function<QString(int)> &catalogo, QWidget *padre)
         : QDialog(padre)
         , m_cuentas(cuentas)
+        , m_cerrada(catalogo(2027))
     {
         setObjectName(QStringLiteral("dlgBuscarCuenta"));
-        setWindowTitle(QStringLiteral("Buscar cuenta"));
+        setWindowTitle(catalogo(2020));
         resize(560, 420);
         m_filtro = new QLineEdit(texto, this);
         m_filtro->setObjectName(QStringLiteral("tFiltroCuenta"));
-        m_filtro->setAccessibleName(QStringLiteral("Código o nombre de la cuenta"));
+        m_filtro->setAccessibleName(catalogo(2021));
         m_lista = new QTreeWidget(this);
         m_lista->setObjectName(QStringLiteral("lstCuentas"));
-        m_lista->setAccessibleName(QStringLiteral("Cuentas"));
+        m_lista->setAccessibleName(catalogo(2022));
         m_lista->setRootIsDecorated(false);
-        m_lista->setHeaderLabels({QStringLiteral("Código"), QStringLiteral("Nombre"), QStringLiteral("Moneda"), QString()});
+        m_lista->setHeaderLabels({catalogo(2023), catalogo(2024), catalogo(2025), QString()});
         m_lista->header()->setSectionResizeMode(1, QHeaderView::Stretch);
-        auto *etiqueta = new QLabel(QStringLiteral("&Buscar:"), this);
+        auto *etiqueta = new QLabel(catalogo(2026), this);
         etiqueta->setBuddy(m_filtro);
         auto *botones = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
-        botones->button(QDialogButtonBox::Ok)->setText(QStringLiteral("&Aceptar"));
-        botones->button(QDialogButtonBox::Cancel)->setText(QStringLiteral("&Cancelar"));
+        botones->button(QDialogButtonBox::Ok)->setText(catalogo(1088));
+        botones->button(QDialogButtonBox::Cancel)->setText(catalogo(1089));
         auto *capa = new QVBoxLayout(this);
         capa->addWidget(etiqueta);
         capa->addWidget(m_filtro);
@@ -88,7 +90,7 @@ private:
     {
         m_lista->clear();
         for (const auto &c : BusquedaCuentasQt::Coincidencias(m_cuentas, m_filtro->text())) {
-            auto *i = new QTreeWidgetItem(m_lista, {c.codigo, c.nombre, c.moneda, c.cerrada ? QStringLiteral("cerrada") : QString()});
+            auto *i = new QTreeWidgetItem(m_lista, {c.codigo, c.nombre, c.moneda, c.cerrada ? m_cerrada : QString()});
             i->setData(0, Qt::UserRole, c.id);
         }
         if (m_lista->topLevelItemCount() > 0)
@@ -96,6 +98,7 @@ private:
     }
 
     QList<BusquedaCuentasQt::Cuenta> m_cuentas;
+    QString m_cerrada; // the closed account's mark
     QLineEdit *m_filtro = nullptr;
     QTreeWidget *m_lista = nullptr;
 };
@@ -113,7 +116,7 @@ Resultado<bool> BusquedaCuentasQt::Buscar(Conexion &conexion, qint32 empresa, co
         elegida = {coinciden.first().id, 0, 0};
         return true;
     }
-    DialogoCuentas dialogo(cuentas, texto.trimmed(), padre);
+    DialogoCuentas dialogo(cuentas, texto.trimmed(), m_texto, padre);
     if (dialogo.exec() != QDialog::Accepted || dialogo.elegida() <= 0)
         return false;
     elegida = {dialogo.elegida(), 0, 0};

@@ -18,19 +18,19 @@ GestorLibros::GestorLibros(Conexion &conexion, ServicioMensajes &mensajes, std::
     , m_texto(std::move(texto))
 {
     setObjectName(QStringLiteral("dlgLibros"));
-    setWindowTitle(QStringLiteral("Organizar libros"));
+    setWindowTitle(this->texto(2030));
     resize(460, 380);
     m_lista = new QTreeWidget(this);
     m_lista->setObjectName(QStringLiteral("lstLibros"));
-    m_lista->setAccessibleName(QStringLiteral("Libros"));
+    m_lista->setAccessibleName(this->texto(2031));
     m_lista->setRootIsDecorated(false);
-    m_lista->setHeaderLabels({QStringLiteral("Código"), QStringLiteral("Nombre"), QString()});
+    m_lista->setHeaderLabels({this->texto(2023), this->texto(2024), QString()});
     m_lista->header()->setSectionResizeMode(1, QHeaderView::Stretch);
-    auto *agregar = new QPushButton(QStringLiteral("&Agregar"), this);
-    m_renombrar = new QPushButton(QStringLiteral("&Renombrar"), this);
-    m_eliminar = new QPushButton(QStringLiteral("&Eliminar"), this);
+    auto *agregar = new QPushButton(this->texto(2032), this);
+    m_renombrar = new QPushButton(this->texto(2033), this);
+    m_eliminar = new QPushButton(this->texto(2034), this);
     auto *botones = new QDialogButtonBox(QDialogButtonBox::Close, this);
-    botones->button(QDialogButtonBox::Close)->setText(QStringLiteral("&Cerrar"));
+    botones->button(QDialogButtonBox::Close)->setText(this->texto(2035));
     botones->addButton(agregar, QDialogButtonBox::ActionRole);
     botones->addButton(m_renombrar, QDialogButtonBox::ActionRole);
     botones->addButton(m_eliminar, QDialogButtonBox::ActionRole);
@@ -49,10 +49,10 @@ void GestorLibros::cargar(qint16 elegir)
 {
     m_lista->clear();
     if (const auto libros = m_libros.Listar(); !libros) {
-        m_mensajes.MostrarError(m_texto ? m_texto(1932) : QString(), windowTitle(), libros.fallo().detalle);
+        m_mensajes.MostrarError(texto(1932), windowTitle(), libros.fallo().detalle);
     } else {
         for (const Libros::Libro &l : *libros) {
-            auto *i = new QTreeWidgetItem(m_lista, {QString::number(l.codigo), l.nombre, l.delSistema ? QStringLiteral("del sistema") : QString()});
+            auto *i = new QTreeWidgetItem(m_lista, {QString::number(l.codigo), l.nombre, l.delSistema ? texto(2036) : QString()});
             i->setData(0, Qt::UserRole, int(l.codigo));
             i->setData(0, Qt::UserRole + 1, l.delSistema);
             if (l.delSistema)
@@ -78,7 +78,7 @@ void GestorLibros::avisar(const std::optional<Fallo> &fallo)
 {
     if (!fallo)
         return;
-    const QString texto = m_texto ? m_texto(fallo->numeroTexto) : QString();
+    const QString texto = this->texto(fallo->numeroTexto);
     if (fallo->deLaBase)
         m_mensajes.MostrarError(texto, windowTitle(), fallo->detalle);
     else
@@ -92,7 +92,7 @@ void GestorLibros::agregar()
     QString nombre;
     for (;;) {
         bool ok = false;
-        nombre = QInputDialog::getText(this, windowTitle(), QStringLiteral("Nombre del libro nuevo:"), QLineEdit::Normal, nombre, &ok);
+        nombre = QInputDialog::getText(this, windowTitle(), texto(2037), QLineEdit::Normal, nombre, &ok);
         if (!ok)
             return;
         const auto codigo = m_libros.Agregar(nombre);
@@ -119,7 +119,7 @@ void GestorLibros::renombrar()
     QString nombre = i->text(1);
     for (;;) {
         bool ok = false;
-        nombre = QInputDialog::getText(this, windowTitle(), QStringLiteral("Nombre del libro:"), QLineEdit::Normal, nombre, &ok);
+        nombre = QInputDialog::getText(this, windowTitle(), texto(2038), QLineEdit::Normal, nombre, &ok);
         if (!ok)
             return;
         const auto fallo = m_libros.Renombrar(codigo, nombre);
@@ -142,7 +142,7 @@ void GestorLibros::eliminar()
         avisar(fallo);
         return;
     }
-    if (m_mensajes.Preguntar(QStringLiteral("¿Desea eliminar el libro «%1»?").arg(i->text(1)), ServicioMensajes::Botones::SiNo,
+    if (m_mensajes.Preguntar(texto(2039).arg(i->text(1)), ServicioMensajes::Botones::SiNo,
                              windowTitle())
         != ServicioMensajes::Respuesta::Si)
         return;

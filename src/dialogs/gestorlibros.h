@@ -26,6 +26,7 @@ protected:
     void keyPressEvent(QKeyEvent *evento) override;
 
 private:
+    QString texto(int numero) const { return m_texto ? m_texto(numero) : QString(); }
     void cargar(qint16 elegir = 0);
     qint16 codigoActual() const;
     void agregar();

@@ -40,7 +40,7 @@ MovimientosFrecuentes::MovimientosFrecuentes(const DatosDocumento &datos, Servic
     , m_cuentas(cuentas)
 {
     setObjectName(QStringLiteral("MovimientosFrecuentes"));
-    setWindowTitle(QStringLiteral("Asiento frecuente"));
+    setWindowTitle(m_datos.texto(2060));
     resize(860, 520);
     crearControles();
 }
@@ -57,7 +57,7 @@ void MovimientosFrecuentes::crearControles()
     tLeyenda->setMaxLength(kLargoLeyenda);
     cfLibro = new QComboBox(this);
     cfLibro->setObjectName(QStringLiteral("cfLibro"));
-    chkAgendar = new QCheckBox(QStringLiteral("&Agendar cada mes desde"), this);
+    chkAgendar = new QCheckBox(m_datos.texto(2061), this);
     chkAgendar->setObjectName(QStringLiteral("chkAgendar"));
     odDesde = new CampoFecha(m_datos.proceso->reloj, this);
     odDesde->setObjectName(QStringLiteral("odDesde"));
@@ -99,7 +99,7 @@ void MovimientosFrecuentes::crearControles()
     lDiferencia = new QLabel(this);
     lDiferencia->setObjectName(QStringLiteral("lDiferencia"));
 
-    bfOK = new QPushButton(QStringLiteral("&Guardar"), this);
+    bfOK = new QPushButton(m_datos.texto(2062), this);
     bfOK->setObjectName(QStringLiteral("bfOK"));
     bfCancel = new QPushButton(m_datos.texto(1089), this);
     bfCancel->setObjectName(QStringLiteral("bfCancel"));
@@ -109,7 +109,7 @@ void MovimientosFrecuentes::crearControles()
     connect(bfCancel, &QPushButton::clicked, this, &QDialog::reject);
 
     auto *cabezal = new QFormLayout;
-    cabezal->addRow(QStringLiteral("&Nombre:"), tNombre);
+    cabezal->addRow(m_datos.texto(2063), tNombre);
     cabezal->addRow(m_datos.texto(1077), tLeyenda);
     auto *libro = new QHBoxLayout;
     libro->addWidget(cfLibro, 1);
@@ -216,11 +216,10 @@ void MovimientosFrecuentes::mostrarLineas()
     oraEdit->InitRegistro();
     if (!balance.cierra && !m_movimiento.Lineas.isEmpty()) {
         oraEdit->SetDiferencia(balance.debeMenor, balance.diferenciaMC);
-        lDiferencia->setText(QStringLiteral("Falta %1 al %2.")
-                                 .arg(importes.Formatear(balance.diferenciaMC),
-                                      balance.debeMenor ? QStringLiteral("debe") : QStringLiteral("haber")));
+        lDiferencia->setText(m_datos.texto(2064).arg(importes.Formatear(balance.diferenciaMC),
+                                                     m_datos.texto(balance.debeMenor ? 2065 : 2066)));
     } else {
-        lDiferencia->setText(m_movimiento.Lineas.isEmpty() ? QString() : QStringLiteral("Balanceado."));
+        lDiferencia->setText(m_movimiento.Lineas.isEmpty() ? QString() : m_datos.texto(2067));
     }
 }
 
@@ -270,7 +269,7 @@ void MovimientosFrecuentes::quitarLinea()
 void MovimientosFrecuentes::bfOK_Click()
 {
     if (tNombre->text().trimmed().isEmpty()) {
-        m_datos.mensajes->Advertir(QStringLiteral("Escriba el nombre del asiento frecuente."));
+        m_datos.mensajes->Advertir(m_datos.texto(2068));
         tNombre->setFocus();
         return;
     }
@@ -281,7 +280,7 @@ void MovimientosFrecuentes::bfOK_Click()
         return;
     }
     if (m_movimiento.Lineas.isEmpty()) {
-        m_datos.mensajes->Advertir(QStringLiteral("El asiento frecuente no tiene líneas."));
+        m_datos.mensajes->Advertir(m_datos.texto(2069));
         oraEdit->SetFocusCtrl(lumERAsiento::kDebe, 0);
         return;
     }

@@ -35,21 +35,21 @@ RegistroFrecuentes::RegistroFrecuentes(const DatosDocumento &datos, ServicioBusq
     , m_cuentas(cuentas)
 {
     setObjectName(QStringLiteral("RegistroFrecuentes"));
-    setWindowTitle(QStringLiteral("Registrar asiento frecuente"));
+    setWindowTitle(m_datos.texto(2070));
     resize(720, 480);
 
     tBuscar = new QLineEdit(this);
     tBuscar->setObjectName(QStringLiteral("tBuscar"));
-    tBuscar->setPlaceholderText(QStringLiteral("Parte del nombre"));
+    tBuscar->setPlaceholderText(m_datos.texto(2071));
     lvFrecuentes = new QTreeWidget(this);
     lvFrecuentes->setObjectName(QStringLiteral("lvFrecuentes"));
-    lvFrecuentes->setHeaderLabels({QStringLiteral("Nombre"), QStringLiteral("Leyenda"), QStringLiteral("Agenda")});
+    lvFrecuentes->setHeaderLabels({m_datos.texto(2024), m_datos.texto(2072), m_datos.texto(2073)});
     lvFrecuentes->setRootIsDecorated(false);
     lvFrecuentes->setAllColumnsShowFocus(true);
     lvLineas = new QTreeWidget(this);
     lvLineas->setObjectName(QStringLiteral("lvLineas"));
-    lvLineas->setHeaderLabels({QStringLiteral("Cuenta"), QStringLiteral("Debe"), QStringLiteral("Haber"), QStringLiteral("Moneda"),
-                               QStringLiteral("Importe M/E")});
+    lvLineas->setHeaderLabels({m_datos.texto(2074), m_datos.texto(2075), m_datos.texto(2076), m_datos.texto(2025),
+                               m_datos.texto(2077)});
     lvLineas->setRootIsDecorated(false);
     lvLineas->setFocusPolicy(Qt::NoFocus);
     lvLineas->header()->setSectionResizeMode(0, QHeaderView::Stretch);
@@ -64,21 +64,21 @@ RegistroFrecuentes::RegistroFrecuentes(const DatosDocumento &datos, ServicioBusq
     }, Qt::QueuedConnection);
     lEstado = new QLabel(this);
     lEstado->setObjectName(QStringLiteral("lEstado"));
-    bfOK = new QPushButton(QStringLiteral("&Registrar"), this);
+    bfOK = new QPushButton(m_datos.texto(2078), this);
     bfOK->setObjectName(QStringLiteral("bfOK"));
     bfCancel = new QPushButton(m_datos.texto(1089), this);
     bfCancel->setObjectName(QStringLiteral("bfCancel"));
-    bfModificar = new QPushButton(QStringLiteral("&Modificar..."), this);
+    bfModificar = new QPushButton(m_datos.texto(2079), this);
     bfModificar->setObjectName(QStringLiteral("bfModificar"));
-    bfEliminar = new QPushButton(QStringLiteral("&Eliminar"), this);
+    bfEliminar = new QPushButton(m_datos.texto(2034), this);
     bfEliminar->setObjectName(QStringLiteral("bfEliminar"));
     for (QPushButton *b : {bfOK, bfCancel, bfModificar, bfEliminar})
         b->setAutoDefault(false);
 
     auto *buscar = new QFormLayout;
-    buscar->addRow(QStringLiteral("&Nombre:"), tBuscar);
+    buscar->addRow(m_datos.texto(2063), tBuscar);
     auto *fecha = new QFormLayout;
-    fecha->addRow(QStringLiteral("&Fecha del asiento:"), odFecha);
+    fecha->addRow(m_datos.texto(2080), odFecha);
     auto *botones = new QHBoxLayout;
     botones->addLayout(fecha);
     botones->addWidget(lEstado, 1);
@@ -118,7 +118,7 @@ void RegistroFrecuentes::llenarLista()
         item->setText(0, m.Nombre);
         item->setText(1, m.Leyenda);
         if (m.Agendado())
-            item->setText(2, (vencido ? QStringLiteral("Vencido el ") : QStringLiteral("Próximo: ")) + fechaCorta(m.FechaProxima));
+            item->setText(2, m_datos.texto(vencido ? 2081 : 2082) + fechaCorta(m.FechaProxima));
         item->setData(0, Qt::UserRole, m.MFrID);
         item->setData(2, Qt::UserRole, m.Agendado() ? m.FechaProxima : QDate());
         if (vencido) {
@@ -188,7 +188,7 @@ void RegistroFrecuentes::mostrarLineas()
         for (int c = 1; c < 5; ++c)
             item->setTextAlignment(c, Qt::AlignRight | Qt::AlignVCenter);
     }
-    lEstado->setText(m->Balance(mc, m_datos.monedas()).cierra ? QString() : QStringLiteral("No balancea: quedará incompleto."));
+    lEstado->setText(m->Balance(mc, m_datos.monedas()).cierra ? QString() : m_datos.texto(2083));
 }
 
 qint32 RegistroFrecuentes::registrar(const MovimientoFrecuente &m, const QDate &fecha)
@@ -235,7 +235,7 @@ void RegistroFrecuentes::eliminar()
     const qint32 id = elegido();
     if (id <= 0)
         return;
-    const QString pregunta = QStringLiteral("¿Elimina el asiento frecuente «%1»?").arg(lvFrecuentes->currentItem()->text(0));
+    const QString pregunta = m_datos.texto(2084).arg(lvFrecuentes->currentItem()->text(0));
     if (m_datos.mensajes->Preguntar(pregunta, ServicioMensajes::Botones::SiNo) != ServicioMensajes::Respuesta::Si)
         return;
     if (const auto fallo = FrecuentesDatos(*m_datos.conexion()).Eliminar(id))
@@ -255,7 +255,7 @@ QString RegistroFrecuentes::Registrar(qint32 mfrID)
             return {};
         const auto &m = *leido;
         if (!m) {
-            m_datos.Error(1912, QStringLiteral("El asiento frecuente %1 ya no existe.").arg(mfrID));
+            m_datos.Error(1912, m_datos.texto(2085).arg(mfrID));
             return {};
         }
         const QDate fecha = m->Agendado() && m->FechaProxima.isValid() ? m->FechaProxima : m_datos.reloj().Hoy();

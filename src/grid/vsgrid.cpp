@@ -260,7 +260,6 @@ vsGrid::vsGrid(Grilla &grilla, QWidget *padre)
     , m_modelo(new ModeloGrilla(grilla, this))
 {
     setObjectName(QStringLiteral("vsGrid"));
-    setAccessibleName(QStringLiteral("Asientos"));
     setModel(m_modelo);
     setItemDelegate(new DelegadoGrilla(grilla, this));
     setWordWrap(false);

@@ -14,29 +14,24 @@ lumERAsiento::lumERAsiento(ContextoLinea contexto, QWidget *padre)
     , m_ctx(std::move(contexto))
 {
     setObjectName(QStringLiteral("oraEdit"));
-    setAccessibleName(QStringLiteral("Línea del asiento"));
     QFont tahoma(QStringLiteral("Tahoma"));
     tahoma.setPointSizeF(font().pointSizeF());
 
-    auto cuenta = [&](const char *nombre, const QString &accesible) {
+    auto cuenta = [&](const char *nombre) {
         auto *e = new QLineEdit(this);
         e->setObjectName(QString::fromLatin1(nombre));
-        e->setAccessibleName(accesible);
         e->setFont(tahoma);
         return e;
     };
-    tDebe = cuenta("tDebe", QStringLiteral("Cuenta al debe"));
-    tHaber = cuenta("tHaber", QStringLiteral("Cuenta al haber"));
+    tDebe = cuenta("tDebe");
+    tHaber = cuenta("tHaber");
     cfMoneda = new QComboBox(this);
     cfMoneda->setObjectName(QStringLiteral("cfMoneda"));
-    cfMoneda->setAccessibleName(QStringLiteral("Moneda"));
     cfMoneda->setFont(tahoma);
     ocImporte = new CampoCalculadora(QStringLiteral("ocImporte"), this);
-    ocImporte->setAccessibleName(QStringLiteral("Importe"));
     ocTCambio = new CampoCalculadora(QStringLiteral("ocTCambio"), this);
-    ocTCambio->setAccessibleName(QStringLiteral("Tasa de cambio"));
     ocImporteMC = new CampoCalculadora(QStringLiteral("ocImporteMC"), this);
-    ocImporteMC->setAccessibleName(QStringLiteral("Importe convertido"));
+    AsignarTextos();
     for (QWidget *w : {static_cast<QWidget *>(tDebe), static_cast<QWidget *>(tHaber), static_cast<QWidget *>(cfMoneda),
                        static_cast<QWidget *>(ocImporte), static_cast<QWidget *>(ocTCambio),
                        static_cast<QWidget *>(ocImporteMC)}) {
@@ -61,6 +56,26 @@ lumERAsiento::lumERAsiento(ContextoLinea contexto, QWidget *padre)
 
     InitRegistro();
     acomodar();
+}
+
+void lumERAsiento::FijarContexto(ContextoLinea contexto)
+{
+    m_ctx = std::move(contexto);
+    AsignarTextos();
+}
+
+// The names a screen reader says for the line and its fields, once the context gives texts.
+void lumERAsiento::AsignarTextos()
+{
+    if (!m_ctx.texto)
+        return;
+    setAccessibleName(m_ctx.texto(2090));
+    tDebe->setAccessibleName(m_ctx.texto(2091));
+    tHaber->setAccessibleName(m_ctx.texto(2092));
+    cfMoneda->setAccessibleName(m_ctx.texto(2025));
+    ocImporte->setAccessibleName(m_ctx.texto(2093));
+    ocTCambio->setAccessibleName(m_ctx.texto(2094));
+    ocImporteMC->setAccessibleName(m_ctx.texto(2095));
 }
 
 CampoCalculadora *lumERAsiento::campo(int codigo) const

@@ -55,7 +55,7 @@ public:
     enum Campo { kDebe = 1, kHaber = 2, kMoneda = 3, kImporte = 4, kTCambio = 5, kImporteMC = 6 };
 
     explicit lumERAsiento(ContextoLinea contexto, QWidget *padre = nullptr);
-    void FijarContexto(ContextoLinea contexto) { m_ctx = std::move(contexto); }
+    void FijarContexto(ContextoLinea contexto);
 
     // Properties.
     void setFechaAsiento(const QDate &fecha) { m_fechaAsiento = fecha; }
@@ -123,6 +123,7 @@ private:
     void PrepararImportes(bool bEsAlDebe, bool moverFoco);
     void QuitarCuenta(bool bEsAlDebe);
     void Advertir(int texto, QWidget *foco);
+    void AsignarTextos();
 
     // Amounts.
     void AgregarMoneda(qint16 moneda);

@@ -27,7 +27,7 @@ frmFind::frmFind(const DatosDocumento &datos, ServicioBusquedaCuentas &cuentas, 
     , m_cuentas(cuentas)
 {
     setObjectName(QStringLiteral("frmFind"));
-    setWindowTitle(QStringLiteral("Búsqueda de Asientos"));
+    setWindowTitle(m_datos.texto(2010));
     setModal(true);
     crearControles(listas);
     AsignarTextos();
@@ -112,11 +112,10 @@ void frmFind::crearControles(const Listas &listas)
         cfDepartamento->setEnabled(!texto.trimmed().isEmpty());
     });
     cfLibro->setCurrentIndex(-1);
-    cfEstado->addItem(QStringLiteral("Borrador"), 1);
-    cfEstado->addItem(QStringLiteral("Inconcluso"), 2);
-    cfEstado->addItem(QStringLiteral("Normal"), 3);
+    for (int estado = 1; estado <= 3; ++estado)
+        cfEstado->addItem(m_datos.texto(2011 + estado), estado);
     cfEstado->setCurrentIndex(-1);
-    cfEstado->setToolTip(QStringLiteral("Supr deja la lista sin estado: todos los estados."));
+    cfEstado->setToolTip(m_datos.texto(2015));
     // Typing in the account makes it a text again, not yet an account.
     connect(tCuenta, &QLineEdit::textEdited, this, [this] { m_idCuenta = 0; });
     const QString mascara = m_datos.monedas().DatoMoneda(0, 4).toString();
@@ -219,7 +218,7 @@ void frmFind::AsignarTextos()
     lbFecha->setText(m_datos.texto(1081));
     lbHasta->setText(m_datos.texto(1082));
     lbLibro->setText(m_datos.texto(1083));
-    Label1->setText(QStringLiteral("Estado :"));
+    Label1->setText(m_datos.texto(2011));
     lbLeyenda->setText(m_datos.texto(1084));
     lbCuenta->setText(m_datos.texto(1085));
     lbProyecto->setText(m_datos.texto(1170));

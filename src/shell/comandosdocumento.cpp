@@ -148,7 +148,7 @@ void lumIngAsiento::MostrarHistorial()
     std::optional<QHash<qint32, SelloGuardado>> sellos;
     if (m_datos.TienePermiso(u'M') && !(sellos = m_datos.Leido(LeerSellos(*m_datos.conexion(), {id}), 1916)))
         return;
-    auto *dialogo = new DialogoHistorial(id, *filas, FormatoQtDeFecha(m_datos.formatoFecha), this);
+    auto *dialogo = new DialogoHistorial(id, *filas, FormatoQtDeFecha(m_datos.formatoFecha), m_datos.texto, this);
     dialogo->setAttribute(Qt::WA_DeleteOnClose);
     if (sellos) {
         const QDateTime leido = sellos->value(id).sello;

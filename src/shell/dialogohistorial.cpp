@@ -11,20 +11,20 @@
 #include <QVBoxLayout>
 
 DialogoHistorial::DialogoHistorial(qint32 asiID, const QList<HistorialAsiento::Fila> &filas, const QString &formatoFecha,
-                                   QWidget *padre)
+                                   std::function<QString(int)> texto, QWidget *padre)
     : QDialog(padre)
     , m_filas(filas)
+    , m_texto(std::move(texto))
 {
     setObjectName(QStringLiteral("DialogoHistorial"));
-    setWindowTitle(QStringLiteral("Historial del asiento %1").arg(asiID));
+    setWindowTitle(m_texto(2040).arg(asiID));
     auto *capa = new QVBoxLayout(this);
     if (filas.isEmpty())
-        capa->addWidget(new QLabel(QStringLiteral("El asiento no tiene cambios registrados."), this));
+        capa->addWidget(new QLabel(m_texto(2041), this));
 
     m_tabla = new QTableWidget(int(filas.size()), 4, this);
     m_tabla->setObjectName(QStringLiteral("tablaHistorial"));
-    m_tabla->setHorizontalHeaderLabels({QStringLiteral("Fecha y hora"), QStringLiteral("Usuario"), QStringLiteral("Operación"),
-                                        QStringLiteral("Cambios")});
+    m_tabla->setHorizontalHeaderLabels({m_texto(2042), m_texto(2043), m_texto(2044), m_texto(2045)});
     m_tabla->setEditTriggers(QAbstractItemView::NoEditTriggers);
     m_tabla->setSelectionBehavior(QAbstractItemView::SelectRows);
     m_tabla->setSelectionMode(QAbstractItemView::SingleSelection);
@@ -35,8 +35,8 @@ DialogoHistorial::DialogoHistorial(qint32 asiID, const QList<HistorialAsiento::F
         const HistorialAsiento::Fila &f = filas[i];
         const QString usuario = f.nombreUsuario.isEmpty() ? QString::number(f.usuario) : f.nombreUsuario;
         const QStringList cambios = HistorialAsiento::Diferencias(f.antes, f.despues);
-        const QString resumen = f.antes.isEmpty() ? QStringLiteral("%1 líneas").arg(f.despues.value(QStringLiteral("Lineas")).toArray().size())
-                              : f.despues.isEmpty() ? QStringLiteral("borrado con sus %1 líneas").arg(f.antes.value(QStringLiteral("Lineas")).toArray().size())
+        const QString resumen = f.antes.isEmpty() ? m_texto(2046).arg(f.despues.value(QStringLiteral("Lineas")).toArray().size())
+                              : f.despues.isEmpty() ? m_texto(2047).arg(f.antes.value(QStringLiteral("Lineas")).toArray().size())
                                                     : cambios.join(QStringLiteral("; "));
         const QStringList celdas{f.momento.toString(formato), usuario, HistorialAsiento::NombreOperacion(f.operacion), resumen};
         for (int c = 0; c < celdas.size(); ++c)
@@ -51,7 +51,7 @@ DialogoHistorial::DialogoHistorial(qint32 asiID, const QList<HistorialAsiento::F
     capa->addWidget(m_detalle, 1);
 
     auto *botones = m_botones = new QDialogButtonBox(QDialogButtonBox::Close, this);
-    botones->button(QDialogButtonBox::Close)->setText(QStringLiteral("Cerrar"));
+    botones->button(QDialogButtonBox::Close)->setText(m_texto(1165));
     // The list takes the keys from the start: arrows move through the writes, Escape closes.
     botones->button(QDialogButtonBox::Close)->setAutoDefault(false);
     connect(botones, &QDialogButtonBox::rejected, this, &QDialog::reject);
@@ -103,7 +103,6 @@ void DialogoHistorial::mostrarDetalle(int fila)
     auto json = [](const QJsonObject &o, const QString &sinNada) {
         return o.isEmpty() ? sinNada : QString::fromUtf8(QJsonDocument(o).toJson(QJsonDocument::Indented));
     };
-    texto << QString() << QStringLiteral("Antes:") << json(f.antes, QStringLiteral("(no existía)")) << QStringLiteral("Después:")
-          << json(f.despues, QStringLiteral("(ya no existe)"));
+    texto << QString() << m_texto(2048) << json(f.antes, m_texto(2050)) << m_texto(2049) << json(f.despues, m_texto(2051));
     m_detalle->setPlainText(texto.join(QLatin1Char('\n')));
 }

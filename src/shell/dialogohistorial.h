@@ -17,8 +17,9 @@ class DialogoHistorial : public QDialog
 {
     Q_OBJECT
 public:
+    // texto gives the catalogue text of a number (1000 and up).
     DialogoHistorial(qint32 asiID, const QList<HistorialAsiento::Fila> &filas, const QString &formatoFecha,
-                     QWidget *padre = nullptr);
+                     std::function<QString(int)> texto, QWidget *padre = nullptr);
 
     // Offers the selected write's version back, with the button's caption: restaurar writes
     // it and answers whether it did (the dialog then closes). Without it the history is
@@ -30,6 +31,7 @@ private:
     bool restaurable(int fila) const;
 
     QList<HistorialAsiento::Fila> m_filas;
+    std::function<QString(int)> m_texto;
     QTableWidget *m_tabla = nullptr;
     QPlainTextEdit *m_detalle = nullptr;
     QDialogButtonBox *m_botones = nullptr;

@@ -46,7 +46,6 @@ lumIngAsiento::lumIngAsiento(EntornoDocumento entorno, QWidget *padre)
     m_datos.mensajes = m_entorno.mensajes;
     m_datos.texto = [](int numero) { return Idioma::resLoad(numero - 1000); };
     setObjectName(QStringLiteral("lumIngAsiento"));
-    setAccessibleName(QStringLiteral("Ingreso de Asientos"));
     crearControles();
     conectarComandos();
 
@@ -155,7 +154,7 @@ void lumIngAsiento::crearControles()
     m_unificacion = std::make_unique<UnificacionTasa>(m_datos, m_asientos, *m_panel, *m_comandos);
     m_restauracion = std::make_unique<ComandosRestauracion>(m_datos, *m_comandos, m_asientos, *m_panel);
     m_edicion = std::make_unique<SesionEdicion>(m_datos, m_asientos, *m_comandos, *m_panel);
-    m_busquedaPropia = std::make_unique<BusquedaCuentasQt>();
+    m_busquedaPropia = std::make_unique<BusquedaCuentasQt>([this](int n) { return m_datos.texto(n); });
     m_busqueda = std::make_unique<BusquedaAsientos>(m_datos, m_asientos, *m_panel, busquedaCuentas(), this);
     m_apertura = std::make_unique<AsientoApertura>(m_datos, m_asientos, *m_comandos, *m_panel);
     m_apertura->alCambiar = [this](bool existe) { MostrarAvisoApertura(existe); };
@@ -490,6 +489,9 @@ void lumIngAsiento::ConfigUsuario(bool guardar)
 void lumIngAsiento::AsignarTextos()
 {
     m_entorno.mensajes->FijarTitulo(Idioma::resLoad(0));
+    setAccessibleName(Idioma::resLoad(0));
+    m_vsGrid->setAccessibleName(Idioma::resLoad(10));
+    tmMenu->AsignarTextos(Idioma::resLoad(1004), Idioma::resLoad(90));
     m_entorno.mensajes->FijarTextoNumeroInvalido(Idioma::resLoad(950));
     m_menus->AsignarTextos([](int n) { return Idioma::resLoad(n); });
     hlRegistro->setText(Idioma::resLoad(10));

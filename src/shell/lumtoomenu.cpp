@@ -31,7 +31,6 @@ lumTooMenu::lumTooMenu(QWidget *padre)
     : QWidget(padre)
 {
     setObjectName(QStringLiteral("tmMenu"));
-    setAccessibleName(QStringLiteral("Barra de comandos"));
     setAutoFillBackground(false);
     setFixedHeight(32);
 
@@ -45,8 +44,6 @@ lumTooMenu::lumTooMenu(QWidget *padre)
 
     m_ayuda = new QToolButton(this);
     m_ayuda->setObjectName(QStringLiteral("imgHelp"));
-    m_ayuda->setAccessibleName(QStringLiteral("Ayuda"));
-    m_ayuda->setToolTip(QStringLiteral("Ayuda"));
     m_ayuda->setAutoRaise(true);
     m_ayuda->setCursor(Qt::PointingHandCursor);
     m_ayuda->setIcon(imagenAyuda(0));
@@ -54,6 +51,13 @@ lumTooMenu::lumTooMenu(QWidget *padre)
     m_ayuda->setVisible(false);
     fila->addWidget(m_ayuda);
     connect(m_ayuda, &QToolButton::clicked, this, &lumTooMenu::HelpClick);
+}
+
+void lumTooMenu::AsignarTextos(const QString &barra, const QString &ayuda)
+{
+    setAccessibleName(barra);
+    m_ayuda->setAccessibleName(ayuda);
+    m_ayuda->setToolTip(ayuda);
 }
 
 void lumTooMenu::setBackColor(const QColor &c)

@@ -22,6 +22,8 @@ public:
     void setMargenColor(const QColor &c);
     bool HelpVisible() const;
     void setHelpVisible(bool visible);
+    // The bar's spoken name and the help button's, in the document's language.
+    void AsignarTextos(const QString &barra, const QString &ayuda);
     // Limit for the help image's left edge, in pixels from the strip's left.
     void setMaxLeftImg(int x);
 

@@ -5,6 +5,8 @@
 #include <QMenu>
 #include <QWidget>
 
+#include <utility>
+
 MenusDocumento::MenusDocumento(QWidget *dueno)
 {
     auto menu = [&](const char *nombre, const QString &caption) {
@@ -42,10 +44,10 @@ MenusDocumento::MenusDocumento(QWidget *dueno)
     agregar(MnuEdicion, "MnuEdiSaveNormal", "Grabar", 1023);
     agregar(MnuEdicion, "MnuEdiCopy", "Copiar Asiento", 1024);
     agregar(MnuEdicion, "MnuEdiHide", "Ocultar Asiento", 1025);
-    agregar(MnuEdicion, "MnuEdiHistorial", "Historial");
+    agregar(MnuEdicion, "MnuEdiHistorial", "Historial", 2000);
     mostrarTecla(agregar(MnuEdicion, "MnuEdiDeshacer", "Deshacer", 1159), QKeySequence::Undo);
     MnuEdiTC = menu("MnuEdiTC", QStringLiteral("Unificar Tasa de Cambio"));
-    MnuEdicion->addMenu(MnuEdiTC);
+    m_textos.insert(MnuEdicion->addMenu(MnuEdiTC), 2001);
     agregar(MnuEdiTC, "MnuUnificarTCCta", "a la moneda de la cuenta", 1101);
     agregar(MnuEdiTC, "MnuUnificarTCMC", "a la moneda de la contabilidad", 1102);
     agregar(MnuEdicion, "MnuEdiASI", "Convertir en Asiento SI", 1033);
@@ -70,14 +72,19 @@ MenusDocumento::MenusDocumento(QWidget *dueno)
     agregar(MnuExportar, "MnuExpHtml", "HTML", 1115);
 
     MnuSave = menu("MnuSave", QStringLiteral("Save"));
-    agregar(MnuSave, "MnuSaveEnBorrador", "Los que están en Borrador");
+    agregar(MnuSave, "MnuSaveEnBorrador", "Los que están en Borrador", 2002);
     separador(MnuSave, "MnuSaveLine");
-    agregar(MnuSave, "MnuSaveNewBorrador", "Pasar asientos nuevos como borrador")->setCheckable(true);
+    agregar(MnuSave, "MnuSaveNewBorrador", "Pasar asientos nuevos como borrador", 2003)->setCheckable(true);
 
     MnuAsientoFrecuente = menu("MnuAsientoFrecuente", QStringLiteral("Asientos Frecuentes"));
     agregar(MnuAsientoFrecuente, "MnuAFrRegistrar", "Registrar", 1038);
     agregar(MnuAsientoFrecuente, "MnuAFrNew", "Crear Nuevo", 1039);
     separador(MnuAsientoFrecuente, "MnuAFrLine")->setVisible(false);
+
+    // A popup's title is what a screen reader names it by: the caption of the link that opens it.
+    for (const auto &[m, texto] : {std::pair{MnuView, 1014}, std::pair{MnuEdicion, 1010}, std::pair{MnuSave, 1012},
+                                   std::pair{MnuAsientoFrecuente, 1011}})
+        m_textos.insert(m->menuAction(), texto);
 }
 
 QAction *MenusDocumento::agregar(QMenu *menu, const char *nombre, const char *caption, int texto)

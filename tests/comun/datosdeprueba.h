@@ -5,12 +5,35 @@
 #include "editing/datosdocumento.h"
 #include "store/basedemo.h"
 
+#include <QFile>
+#include <QFileInfo>
+#include <QHash>
+
 #include <gtest/gtest.h>
+
+// The Spanish catalogue's text of a number, as the file holds it (the screens' own words, from
+// 2000 on, carry no escapes).
+inline QString TextoEspanol(int numero)
+{
+    static const QHash<int, QString> textos = [] {
+        QHash<int, QString> t;
+        // The catalogue lies in the sources' resources, two folders above the tests' helper script.
+        QFile f(QFileInfo(QStringLiteral(ASIENTOS_LEER_ARCHIVO)).absolutePath() + QStringLiteral("/../../resources/lang/LNG_TCO_001.txt"));
+        if (f.open(QIODevice::ReadOnly))
+            for (const QString &linea : QString::fromUtf8(f.readAll()).split(QLatin1Char('\n'))) {
+                const qsizetype tab = linea.indexOf(QLatin1Char('\t'));
+                if (tab > 0)
+                    t.insert(linea.left(tab).toInt(), linea.mid(tab + 1));
+            }
+        return t;
+    }();
+    return textos.value(numero);
+}
 
 // A document's session over a test database of the demo company, as a started document
 // holds it: parameters, company, currencies, the administrator's rights, the messages of
 // the scripted service. Catalogue texts are their numbers, so a test reads which message
-// was shown.
+// was shown; the words of the screens themselves (2000 and up) are the Spanish ones.
 inline void PrepararDatosDocumento(DatosDocumento &datos, Conexion &conexion, ServicioMensajes &mensajes)
 {
     auto proceso = std::make_shared<Proceso>();
@@ -24,7 +47,7 @@ inline void PrepararDatosDocumento(DatosDocumento &datos, Conexion &conexion, Se
     proceso->monedas.FijarMonedaContabilidad(datos.empresa.monedaContabilidad);
     datos.proceso = proceso;
     datos.mensajes = &mensajes;
-    datos.texto = [](int n) { return QString::number(n); };
+    datos.texto = [](int n) { return n >= 2000 ? TextoEspanol(n) : QString::number(n); };
     datos.usuario = Demo::kUsuarioAdministrador;
     datos.letras = QStringLiteral("AMEQ");
     datos.formatoFecha = QStringLiteral("dd/mm/yyyy");
