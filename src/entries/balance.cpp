@@ -121,9 +121,18 @@ bool FueraDeOrden(const ClaveOrden &a, const ClaveOrden &b, quint8 modo)
     if (!a.alDebe && b.alDebe)
         return true;
     if (modo == 0) {
-        if (a.alDebe && b.alDebe && QString::compare(a.texto0, b.texto0, Qt::CaseInsensitive) > 0)
-            return true;
-        return !b.texto1.isEmpty() && QString::compare(a.texto1, b.texto1, Qt::CaseInsensitive) > 0;
+        // Lines of one account keep the order they were entered in, whatever order the
+        // database hands them in.
+        if (a.alDebe && b.alDebe) {
+            const int comparacion = QString::compare(a.texto0, b.texto0, Qt::CaseInsensitive);
+            if (comparacion != 0)
+                return comparacion > 0;
+            return a.orden > b.orden;
+        }
+        if (b.texto1.isEmpty())
+            return false;
+        const int comparacion = QString::compare(a.texto1, b.texto1, Qt::CaseInsensitive);
+        return comparacion > 0 || (comparacion == 0 && !a.alDebe && a.orden > b.orden);
     }
     return a.alDebe == b.alDebe && a.orden > b.orden;
 }

@@ -3,7 +3,9 @@
 #include "services/servicioconexion.h"
 #include "services/serviciomensajes.h"
 
+#include <QApplication>
 #include <QCoreApplication>
+#include <QWidget>
 #include <QFile>
 #include <QLibraryInfo>
 #include <QTranslator>
@@ -172,6 +174,13 @@ QLocale LocaleDelPrograma(const QLocale &sistema, int idioma)
 void AplicarAlProceso(int idioma)
 {
     QLocale::setDefault(LocaleDelPrograma(QLocale::system(), idioma));
+    // Windows made before take the new locale too (a widget reads numbers in its own, which
+    // it got from its parent when it was made).
+    if (qobject_cast<QApplication *>(QCoreApplication::instance())) {
+        for (QWidget *ventana : QApplication::topLevelWidgets())
+            if (!ventana->testAttribute(Qt::WA_SetLocale))
+                ventana->unsetLocale();
+    }
     Compartido &c = compartido();
     if (c.traduccionQt) {
         QCoreApplication::removeTranslator(c.traduccionQt.get());

@@ -46,15 +46,18 @@ lumIngAsiento::lumIngAsiento(EntornoDocumento entorno, QWidget *padre)
     m_datos.mensajes = m_entorno.mensajes;
     m_datos.texto = [](int numero) { return Idioma::resLoad(numero - 1000); };
     setObjectName(QStringLiteral("lumIngAsiento"));
-    crearControles();
-    conectarComandos();
 
+    // The language first: in the program it sets the locale, which every control made below
+    // takes when it is made and reads typed amounts in.
     m_estadoInicio = 0;
     const ServicioConexion conexion(m_entorno.ajustes);
     if (Idioma::CrearComponenteIdioma(kAplicacion, kNombreAplicacion, conexion, *m_entorno.mensajes) == 1)
         m_usaIdioma = true;
     else
         m_estadoInicio = 9;
+
+    crearControles();
+    conectarComandos();
 }
 
 lumIngAsiento::~lumIngAsiento()

@@ -422,6 +422,10 @@ qint64 ConexionQt::Insertar(const QString &sql, const QVariantList &valores, con
 void ConexionQt::Comenzar()
 {
     m_turno->Liberar();
+    // A file removed while it is open still takes writes, into a copy nobody will see again:
+    // a write to a file that is no longer there is refused before it starts.
+    if (m_nivel == 0 && m_motor == Motor::SQLite && !QFileInfo::exists(m_direccion.archivo))
+        throw ErrorBaseDatos(QStringLiteral("el archivo %1 ya no existe: lo que se grabe no quedaría en ningún lado").arg(m_direccion.archivo));
     QSqlDatabase db = QSqlDatabase::database(m_nombre, false);
     if (!db.isOpen() && m_motor == Motor::PostgreSQL && QSqlDatabase::contains(m_nombre))
         reconectar();

@@ -99,6 +99,23 @@ TEST(OrdenCuentas, UnaFilaEnBlancoSeparaLasCuentasAlHaber)
     }
 }
 
+// Lines of one account keep the order they were entered in, whatever order the database
+// hands them in: the same entry reads alike in every view and on both engines.
+TEST(OrdenCuentas, LasLineasDeUnaCuentaQuedanEnElOrdenDeIngreso)
+{
+    auto fila = [](bool alDebe, const char *texto, int orden) {
+        ClaveOrden k;
+        (alDebe ? k.texto0 : k.texto1) = QString::fromLatin1(texto);
+        k.alDebe = alDebe;
+        k.orden = orden;
+        return k;
+    };
+    const std::vector<ClaveOrden> filas{fila(true, "5.3.14 - Amortizaciones", 3), fila(true, "5.3.14 - amortizaciones", 1),
+                                        fila(false, "1.4.04 - Amortizaciones acumuladas", 5), fila(true, "5.3.14 - Amortizaciones", 2),
+                                        fila(false, "1.4.04 - Amortizaciones acumuladas", 4)};
+    EXPECT_EQ(OrdenCuentas(filas, 0), (std::vector<int>{1, 3, 0, 4, 2}));
+}
+
 // An opening-balance entry may have thousands of lines, where the exchange sort would need
 // millions of restarts; with blank rows the exchange sort's own way is taken. Either way it
 // ends within the test's time, and ordered.

@@ -5,6 +5,7 @@
 #include "shell/idioma.h"
 
 #include <QFile>
+#include <QLineEdit>
 #include <QRegularExpression>
 #include <QSettings>
 #include <QTemporaryDir>
@@ -76,6 +77,23 @@ TEST(LocaleDelPrograma, ElDelSistemaOElDelIdiomaSiNoHay)
         EXPECT_TRUE(LeerNumero(QStringLiteral("1.500"), leido, locale)) << c.sistema.name().toStdString() << " " << c.idioma;
         EXPECT_EQ(leido, c.esperado) << c.sistema.name().toStdString() << " " << c.idioma;
     }
+}
+
+// A window made before the language is known reads numbers in the language's locale once it is.
+TEST(LocaleDelPrograma, LasVentanasYaHechasLoToman)
+{
+    const QLocale antes;
+    if (Idioma::LocaleDelPrograma(QLocale::system(), 2) == antes)
+        GTEST_SKIP() << "the system's locale is the tests' own";
+    QWidget ventana;
+    QLineEdit campo(&ventana);
+    Idioma::AplicarAlProceso(2);
+    const QLocale ahora;
+    EXPECT_EQ(campo.locale(), ahora);
+    EXPECT_EQ(ventana.locale(), ahora);
+    QLocale::setDefault(antes);
+    Idioma::AplicarAlProceso(2); // no translation of Qt's texts is left installed
+    QLocale::setDefault(antes);
 }
 
 class ComponenteCompartido : public ::testing::Test

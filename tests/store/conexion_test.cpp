@@ -205,6 +205,13 @@ TEST(ConexionQt, LoQueNoSePuedeAbrir)
 
     EXPECT_THROW(ConexionQt::Abrir(DireccionBD::Leer(carpeta.filePath(QStringLiteral("no/hay/carpeta.sqlite"))), true),
                  ErrorBaseDatos);
+
+    // A file removed while it is open takes no more writes: they would go nowhere.
+    const QString borrada = carpeta.filePath(QStringLiteral("borrada.sqlite"));
+    auto abierta = ConexionQt::Abrir(DireccionBD::Leer(borrada), true);
+    abierta->Ejecutar(QStringLiteral("Create Table t (a Integer)"));
+    ASSERT_TRUE(QFile::remove(borrada));
+    EXPECT_THROW({ Transaccion escritura(*abierta); }, ErrorBaseDatos);
     // Nobody listens on this socket folder: the refusal comes back as an error.
     EXPECT_THROW(ConexionQt::Abrir(DireccionBD::Leer(QStringLiteral("postgresql://nadie@/nada?host=") + carpeta.path()
                                                      + QStringLiteral("&port=1"))),
