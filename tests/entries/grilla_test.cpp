@@ -74,6 +74,10 @@ TEST(Grilla, MoverPermutarYQuitarFilas)
     EXPECT_EQ(textos(), QStringLiteral("612345"));
     g.QuitarFilasMarcadas({false, true, false, true, false, false, true});
     EXPECT_EQ(textos(), QStringLiteral("134"));
+    g.FijarTexto(0, 0, QStringLiteral("Cuenta"));
+    g.QuitarFilas(0, 2); // the caption row is not removed, nor anything with it
+    EXPECT_EQ(textos(), QStringLiteral("134"));
+    EXPECT_EQ(g.Texto(0, 0), QStringLiteral("Cuenta"));
     g.FijarFilas(0); // the caption row always stays
     EXPECT_EQ(g.Filas(), 1);
 }
