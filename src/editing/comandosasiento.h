@@ -12,8 +12,8 @@
 #include <optional>
 #include <utility>
 
-// The commands of the entry menu: registering, drafts in bulk, deleting an entry or a line,
-// copying, hiding, and the writes of the edited entry. They work on the grid's entries and
+// The commands of the entry menu: registering, drafts in bulk and the writes of the edited
+// entry (deleting, copying and hiding an entry are ComandosAsientoEntero's). They work on the grid's entries and
 // the store, ask and tell through the message service, and open no window. A command acts
 // on the entry of the screen's current row and leaves the grid's current entry
 // (AsientosGrilla::Cabezal) reset, except the writes of the edited entry, which work on it.
@@ -45,14 +45,6 @@ public:
     bool PuedeModificarApertura(int textoFallo);
     // The same, answering a failure to read for the caller to tell.
     Resultado<bool> ModificableApertura();
-
-    // Deletes the current entry (to the trash), or with porFila the current line of it; a
-    // row deletion of the header row or of the only line deletes the entry.
-    void EliminarAsiento(bool porFila);
-    // Stores a copy of the current entry (after question 1806) and shows it last.
-    void CopiarAsiento();
-    // Takes the current entry's rows from the grid; the store keeps it.
-    void OcultarAsiento();
 
     // The book an entry moved off a system book gets: the company's default book, else the
     // first by name; none when the company has no other book.

@@ -10,6 +10,7 @@
 #include "paneledicion.h"
 #include "editing/asientoapertura.h"
 #include "editing/comandosasiento.h"
+#include "editing/comandosasientoentero.h"
 #include "editing/restauraciones.h"
 #include "editing/sesion.h"
 #include "editing/frecuentesdeasiento.h"
@@ -110,10 +111,11 @@ void lumIngAsiento::conectarComandos()
         FrecuentesDeAsiento(m_datos, m_asientos, c).CrearMovimientoFrecuente(false);
         m_asientos.ResetCabezal();
     });
-    alElegir("MnuEdiDel", [&c] { c.EliminarAsiento(false); });
-    alElegir("MnuEdiDelRow", [&c] { c.EliminarAsiento(true); }, true);
-    alElegir("MnuEdiCopy", [&c] { c.CopiarAsiento(); });
-    alElegir("MnuEdiHide", [&c] { c.OcultarAsiento(); });
+    ComandosAsientoEntero &entero = *m_asientoEntero;
+    alElegir("MnuEdiDel", [&entero] { entero.EliminarAsiento(false); });
+    alElegir("MnuEdiDelRow", [&entero] { entero.EliminarAsiento(true); }, true);
+    alElegir("MnuEdiCopy", [&entero] { entero.CopiarAsiento(); });
+    alElegir("MnuEdiHide", [&entero] { entero.OcultarAsiento(); });
     alElegir("MnuUnificarTCCta", [this] { m_unificacion->UnificarTC(true); });
     alElegir("MnuUnificarTCMC", [this] { m_unificacion->UnificarTC(false); });
     alElegir("MnuAFrRegistrar", [this] { RegistrarFrecuente(0); });

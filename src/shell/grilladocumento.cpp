@@ -9,6 +9,7 @@
 #include "grid/vsgrid.h"
 #include "editing/asientoapertura.h"
 #include "editing/comandosasiento.h"
+#include "editing/comandosasientoentero.h"
 #include "editing/sesionedicion.h"
 #include "lineeditor/lumerasiento.h"
 #include "paneledicion.h"
@@ -243,7 +244,7 @@ void lumIngAsiento::vsGrid_KeyDown(int tecla, Qt::KeyboardModifiers modificadore
     case Qt::Key_Delete:
         // The whole entry on its header row, the line on any other.
         if (FilaEdicion() <= 0 && m_asientos.FilaCabezalDe(fila) >= 0) {
-            m_comandos->EliminarAsiento(!m_asientos.EsFilaCabezal(fila));
+            m_asientoEntero->EliminarAsiento(!m_asientos.EsFilaCabezal(fila));
             m_apertura->ActualizarExisteApertura();
             *atendida = true;
         }

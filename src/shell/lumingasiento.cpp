@@ -10,6 +10,7 @@
 #include "editing/asientoapertura.h"
 #include "editing/cambiosajenos.h"
 #include "editing/comandosasiento.h"
+#include "editing/comandosasientoentero.h"
 #include "editing/restauraciones.h"
 #include "editing/sesionedicion.h"
 #include "editing/unificaciontasa.h"
@@ -154,6 +155,7 @@ void lumIngAsiento::crearControles()
 
     m_menus = std::make_unique<MenusDocumento>(this);
     m_comandos = std::make_unique<ComandosAsiento>(m_datos, m_asientos, *m_panel);
+    m_asientoEntero = std::make_unique<ComandosAsientoEntero>(m_datos, m_asientos, *m_panel, *m_comandos);
     m_unificacion = std::make_unique<UnificacionTasa>(m_datos, m_asientos, *m_panel, *m_comandos);
     m_restauracion = std::make_unique<ComandosRestauracion>(m_datos, *m_comandos, m_asientos, *m_panel);
     m_edicion = std::make_unique<SesionEdicion>(m_datos, m_asientos, *m_comandos, *m_panel);

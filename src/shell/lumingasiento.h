@@ -21,6 +21,7 @@ struct GrillaEnPantalla;
 class BusquedaAsientos;
 class CambiosAjenos;
 class ComandosAsiento;
+class ComandosAsientoEntero;
 class ComandosFrecuentes;
 class ComandosRestauracion;
 class MenusDocumento;
@@ -87,6 +88,7 @@ public:
 
     SesionEdicion &edicion() const { return *m_edicion; }
     ComandosAsiento &comandos() const { return *m_comandos; }
+    ComandosAsientoEntero &asientoEntero() const { return *m_asientoEntero; }
     UnificacionTasa &unificacionTasa() const { return *m_unificacion; }
     // The action the deferred-action timer carries out next: "1" the opening-balance entry,
     // "2" a new frequent entry, "3|id" the registration of a frequent entry (0: the user
@@ -230,6 +232,7 @@ private:
     PanelEdicion *m_panel = nullptr;
     std::unique_ptr<MenusDocumento> m_menus;
     std::unique_ptr<ComandosAsiento> m_comandos;
+    std::unique_ptr<ComandosAsientoEntero> m_asientoEntero;
     std::unique_ptr<UnificacionTasa> m_unificacion;
     std::unique_ptr<ComandosRestauracion> m_restauracion;
     std::unique_ptr<SesionEdicion> m_edicion;

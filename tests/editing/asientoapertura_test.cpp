@@ -126,7 +126,7 @@ TEST_P(Apertura, SeHaceDeLosSaldosUnaSolaVez1827Y1835)
     asiento(m_datos.fechaAsientoApertura.addMonths(1), EstadoAsiento::kRegistrado, Demo::kLibroADC, {{"1.1.01", true, 1}, {"3.1.01", false, 1}});
     m_vista.fila = fila;
     m_mensajes.mostrados.clear();
-    m_comandos.EliminarAsiento(false);
+    m_asientoEntero.EliminarAsiento(false);
     EXPECT_EQ(m_mensajes.mostrados.value(0).left(11), QStringLiteral("error: 1829"));
     EXPECT_EQ(cabezal(id).section(u'|', 0, 0), QStringLiteral("1"));
 }
@@ -246,7 +246,7 @@ TEST_P(Apertura, NuncaDosAsientosDeApertura)
     ASSERT_EQ(aperturas(), QList<qint32>{comun});
     m_mensajes.Responder(R::Si);
     cargar(comun);
-    m_comandos.CopiarAsiento();
+    m_asientoEntero.CopiarAsiento();
     EXPECT_EQ(aperturas(), QList<qint32>{comun});
     const qint32 copia = m_base.Valor(QStringLiteral("Select Max(AsiID) From cceAsientos")).toInt();
     EXPECT_NE(copia, comun);

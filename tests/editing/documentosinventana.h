@@ -7,6 +7,7 @@
 #include "comun/mensajesguionados.h"
 
 #include "editing/comandosasiento.h"
+#include "editing/comandosasientoentero.h"
 #include "entries/vistas.h"
 #include "store/basedemo.h"
 #include "store/valoressql.h"
@@ -124,4 +125,5 @@ protected:
     AsientosGrilla m_asientos{m_grilla, m_ctx};
     VistaDePrueba m_vista;
     ComandosAsiento m_comandos{m_datos, m_asientos, m_vista};
+    ComandosAsientoEntero m_asientoEntero{m_datos, m_asientos, m_vista, m_comandos};
 };

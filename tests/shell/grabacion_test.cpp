@@ -1,6 +1,7 @@
 #include "escenario.h"
 
 #include "editing/comandosasiento.h"
+#include "editing/comandosasientoentero.h"
 #include "editing/unificaciontasa.h"
 
 namespace {
@@ -201,7 +202,7 @@ TEST_P(Grabacion, GrabarUnAsiento)
     ASSERT_GT(filaExtra, 0);
     m_doc->grid()->FijarFilaActual(filaExtra);
     m_mensajes.Responder(R::Si); // 1805
-    m_doc->comandos().EliminarAsiento(true);
+    m_doc->asientoEntero().EliminarAsiento(true);
     EXPECT_EQ(estadoEnBase(cierra), 0);
 }
 
@@ -269,7 +270,7 @@ TEST_P(Grabacion, EliminarCopiarOcultarYUnificarLaTasa)
     ASSERT_GT(linea, 0);
     m_doc->grid()->FijarFilaActual(linea);
     m_mensajes.Responder(R::Si);
-    m_doc->comandos().EliminarAsiento(true);
+    m_doc->asientoEntero().EliminarAsiento(true);
     EXPECT_EQ(lineas(id), 2);
     fila = filaDe(id);
     ASSERT_GT(fila, 0);
@@ -277,27 +278,27 @@ TEST_P(Grabacion, EliminarCopiarOcultarYUnificarLaTasa)
     // The whole entry goes only when the user says so (1804).
     enFila(id);
     m_mensajes.Responder(R::No);
-    m_doc->comandos().EliminarAsiento(false);
+    m_doc->asientoEntero().EliminarAsiento(false);
     EXPECT_EQ(estadoEnBase(id), 1);
     EXPECT_EQ(filaDe(id), fila);
     EXPECT_EQ(m_mensajes.mostrados.last(), Dicho("pregunta", 1804));
     enFila(id);
     m_mensajes.Responder(R::Si);
-    m_doc->comandos().EliminarAsiento(false);
+    m_doc->asientoEntero().EliminarAsiento(false);
     EXPECT_EQ(estadoEnBase(id), 9);
     EXPECT_EQ(filaDe(id), -1);
     EXPECT_TRUE(m_doc->grilla().Redibujar()); // the grid is drawn again without it
 
     m_mensajes.mostrados.clear();
     enFila(cierre, 1);
-    m_doc->comandos().EliminarAsiento(true);
+    m_doc->asientoEntero().EliminarAsiento(true);
     EXPECT_EQ(m_mensajes.mostrados, QStringList{Dicho("advertencia", 1817)});
     EXPECT_EQ(lineas(cierre), 3);
 
     const int antes = contar(QStringLiteral("Select Count(*) From cceAsientos"));
     enFila(copiado);
     m_mensajes.Responder(R::Si);
-    m_doc->comandos().CopiarAsiento();
+    m_doc->asientoEntero().CopiarAsiento();
     EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientos")), antes + 1);
     const int copia = ultimoId();
     EXPECT_EQ(lineas(copia), 3);
@@ -307,7 +308,7 @@ TEST_P(Grabacion, EliminarCopiarOcultarYUnificarLaTasa)
     m_base.conexion().Ejecutar(QStringLiteral("Alter Table cceAsientosHistorial Rename To cceAsientosHistorialFuera"));
     enFila(copiado);
     m_mensajes.Responder(R::Si);
-    m_doc->comandos().CopiarAsiento();
+    m_doc->asientoEntero().CopiarAsiento();
     m_base.conexion().Ejecutar(QStringLiteral("Alter Table cceAsientosHistorialFuera Rename To cceAsientosHistorial"));
     EXPECT_TRUE(m_mensajes.mostrados.last().startsWith(Dicho("error", 1915))) << m_mensajes.mostrados.last().toStdString();
     EXPECT_EQ(contar(QStringLiteral("Select Count(*) From cceAsientos")), antes + 1);
@@ -321,7 +322,7 @@ TEST_P(Grabacion, EliminarCopiarOcultarYUnificarLaTasa)
     EXPECT_EQ(m_doc->grilla().Filas(), filas - 4); // its header and three lines
 
     enFila(copiado);
-    m_doc->comandos().OcultarAsiento();
+    m_doc->asientoEntero().OcultarAsiento();
     EXPECT_EQ(filaDe(copiado), -1);
     EXPECT_EQ(estadoEnBase(copiado), 1); // only the screen changed
     EXPECT_TRUE(m_doc->grilla().Redibujar());
