@@ -29,6 +29,40 @@ ErrorBaseDatos ErrorBaseDatos::SoloLectura()
     return ErrorBaseDatos(QStringLiteral("La base de datos no admite cambios (es de solo lectura para este usuario): no se grabó nada."));
 }
 
+ErrorBaseDatos ErrorBaseDatos::SinFilaActual()
+{
+    return ErrorBaseDatos(QStringLiteral("No hay fila actual."), 3021);
+}
+
+ErrorBaseDatos ErrorBaseDatos::CampoInexistente(const QString &campo)
+{
+    return ErrorBaseDatos(QStringLiteral("No se encontró el elemento en esta colección (%1).").arg(campo), 3265);
+}
+
+QVariant Recordset::Campo(const QString &nombre) const
+{
+    const int i = IndiceCampo(nombre);
+    if (i < 0)
+        throw ErrorBaseDatos::CampoInexistente(nombre);
+    return Campo(i);
+}
+
+void Recordset::ComprobarFila(bool fin, int indice) const
+{
+    if (fin)
+        throw ErrorBaseDatos::SinFilaActual();
+    if (indice < 0 || indice >= CantidadCampos())
+        throw ErrorBaseDatos::CampoInexistente(QString::number(indice));
+}
+
+int Recordset::IndiceEn(const QStringList &nombres, const QString &nombre)
+{
+    for (int i = 0; i < nombres.size(); ++i)
+        if (nombres[i].compare(nombre, Qt::CaseInsensitive) == 0)
+            return i;
+    return -1;
+}
+
 static QVariant campoNoNulo(const Recordset &rs, const QString &nombre)
 {
     const QVariant v = rs.Campo(nombre);

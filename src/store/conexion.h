@@ -7,6 +7,7 @@
 #include <QDateTime>
 #include <QString>
 #include <QVariant>
+#include <QStringList>
 #include <QVariantList>
 
 #include <functional>
@@ -36,6 +37,9 @@ public:
     static ErrorBaseDatos Ocupada(int esperaMs);
     // The database or the session takes no writes.
     static ErrorBaseDatos SoloLectura();
+    // A read past the last row, or of a column the result does not have.
+    static ErrorBaseDatos SinFilaActual();
+    static ErrorBaseDatos CampoInexistente(const QString &campo);
 
     QString descripcion() const { return m_descripcion; }
     int numero() const { return m_numero; }
@@ -59,7 +63,7 @@ public:
 
     // Column by name (case ignored) or by position; a NULL comes back as a null QVariant.
     // An unknown column is an error.
-    virtual QVariant Campo(const QString &nombre) const = 0;
+    virtual QVariant Campo(const QString &nombre) const;
     virtual QVariant Campo(int indice) const = 0;
     virtual int CantidadCampos() const = 0;
     // Position of a column (case ignored), -1 when there is none; a loop over many rows
@@ -87,6 +91,12 @@ public:
     double Numero(const QString &nombre) const;
     QDate Fecha(const QString &nombre) const;
     QDateTime FechaHora(const QString &nombre) const;
+
+protected:
+    // Refuses a read with no current row (3021) or of a column out of range (3265).
+    void ComprobarFila(bool fin, int indice) const;
+    // The position of nombre among the columns' names, case ignored; -1 when absent.
+    static int IndiceEn(const QStringList &nombres, const QString &nombre);
 };
 
 class Conexion

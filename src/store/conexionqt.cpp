@@ -78,7 +78,7 @@ public:
     void MoverSiguiente() override
     {
         if (m_fin)
-            throw ErrorBaseDatos(QStringLiteral("No hay fila actual."), 3021);
+            throw ErrorBaseDatos::SinFilaActual();
         avanzar();
     }
 
@@ -102,25 +102,15 @@ public:
         m_fin = true;
     }
 
-    QVariant Campo(const QString &nombre) const override
-    {
-        const int i = m_registro.indexOf(nombre); // Qt matches field names without case
-        if (i < 0)
-            throw ErrorBaseDatos(QStringLiteral("No se encontró el elemento en esta colección (%1).").arg(nombre), 3265);
-        return Campo(i);
-    }
-
+    using Recordset::Campo;
     QVariant Campo(int indice) const override
     {
-        if (m_fin || m_cerrado)
-            throw ErrorBaseDatos(QStringLiteral("No hay fila actual."), 3021);
-        if (indice < 0 || indice >= m_registro.count())
-            throw ErrorBaseDatos(QStringLiteral("No se encontró el elemento en esta colección (%1).").arg(indice), 3265);
+        ComprobarFila(m_fin || m_cerrado, indice);
         return m_query.value(indice);
     }
 
     int CantidadCampos() const override { return m_registro.count(); }
-    int IndiceCampo(const QString &nombre) const override { return m_registro.indexOf(nombre); }
+    int IndiceCampo(const QString &nombre) const override { return m_registro.indexOf(nombre); } // case ignored
     QString NombreCampo(int indice) const override { return m_registro.fieldName(indice); }
 
 private:

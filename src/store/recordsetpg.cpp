@@ -395,7 +395,7 @@ void RecordsetPG::avanzar()
 void RecordsetPG::MoverSiguiente()
 {
     if (m_fin)
-        throw ErrorBaseDatos(QStringLiteral("No hay fila actual."), 3021);
+        throw ErrorBaseDatos::SinFilaActual();
     avanzar();
 }
 
@@ -411,30 +411,6 @@ void RecordsetPG::Cerrar()
     m_error = nullptr;
     m_fila = m_filas = 0;
     m_fin = true;
-}
-
-int RecordsetPG::IndiceCampo(const QString &nombre) const
-{
-    for (int i = 0; i < m_nombres.size(); ++i)
-        if (m_nombres[i].compare(nombre, Qt::CaseInsensitive) == 0)
-            return i;
-    return -1;
-}
-
-QVariant RecordsetPG::Campo(const QString &nombre) const
-{
-    const int i = IndiceCampo(nombre);
-    if (i < 0)
-        throw ErrorBaseDatos(QStringLiteral("No se encontró el elemento en esta colección (%1).").arg(nombre), 3265);
-    return Campo(i);
-}
-
-void RecordsetPG::comprobar(int indice) const
-{
-    if (m_fin)
-        throw ErrorBaseDatos(QStringLiteral("No hay fila actual."), 3021);
-    if (indice < 0 || indice >= m_nombres.size())
-        throw ErrorBaseDatos(QStringLiteral("No se encontró el elemento en esta colección (%1).").arg(indice), 3265);
 }
 
 bool RecordsetPG::nulo(int indice) const
@@ -461,13 +437,13 @@ int RecordsetPG::largo(int indice) const
 
 bool RecordsetPG::NuloEn(int indice) const
 {
-    comprobar(indice);
+    ComprobarFila(m_fin, indice);
     return nulo(indice);
 }
 
 double RecordsetPG::NumeroEn(int indice) const
 {
-    comprobar(indice);
+    ComprobarFila(m_fin, indice);
     if (nulo(indice))
         return 0;
     const Oid tipo = m_tipos[size_t(indice)];
@@ -487,7 +463,7 @@ double RecordsetPG::NumeroEn(int indice) const
 
 qint64 RecordsetPG::EnteroEn(int indice) const
 {
-    comprobar(indice);
+    ComprobarFila(m_fin, indice);
     if (esEntero(m_tipos[size_t(indice)]) && !nulo(indice)) {
         qint64 n;
         if (leer(valor(indice), largo(indice), n))
@@ -498,7 +474,7 @@ qint64 RecordsetPG::EnteroEn(int indice) const
 
 QDateTime RecordsetPG::FechaHoraEn(int indice) const
 {
-    comprobar(indice);
+    ComprobarFila(m_fin, indice);
     if (m_tipos[size_t(indice)] == kTimestamp && !nulo(indice)) {
         const QDateTime d = selloSimple(valor(indice), largo(indice), Qt::UTC);
         if (d.isValid())
@@ -509,7 +485,7 @@ QDateTime RecordsetPG::FechaHoraEn(int indice) const
 
 QVariant RecordsetPG::Campo(int indice) const
 {
-    comprobar(indice);
+    ComprobarFila(m_fin, indice);
     const Oid tipo = m_tipos[size_t(indice)];
     const QMetaType::Type tipoValor = tipoQt(tipo);
     if (nulo(indice))

@@ -63,7 +63,7 @@ public:
     void MoverSiguiente() override;
     void Cerrar() override;
 
-    QVariant Campo(const QString &nombre) const override;
+    using Recordset::Campo;
     QVariant Campo(int indice) const override;
     bool NuloEn(int indice) const override;
     double NumeroEn(int indice) const override;
@@ -72,7 +72,7 @@ public:
     // it, asks the system's zone rules each time (a tenth of a long export).
     QDateTime FechaHoraEn(int indice) const override;
     int CantidadCampos() const override { return int(m_nombres.size()); }
-    int IndiceCampo(const QString &nombre) const override;
+    int IndiceCampo(const QString &nombre) const override { return IndiceEn(m_nombres, nombre); }
     QString NombreCampo(int indice) const override { return m_nombres.value(indice); }
 
     // Reads the rows still to come into memory and lets the connection go.
@@ -86,7 +86,6 @@ private:
     void avanzar();
     // Frees the connection of the statement: its remaining results are read and dropped.
     void terminar();
-    void comprobar(int indice) const;
     // The current row's value in a column: NULL, its text and its length.
     bool nulo(int indice) const;
     const char *valor(int indice) const;

@@ -96,7 +96,7 @@ void RecordsetSqlite::avanzar()
 void RecordsetSqlite::MoverSiguiente()
 {
     if (m_fin)
-        throw ErrorBaseDatos(QStringLiteral("No hay fila actual."), 3021);
+        throw ErrorBaseDatos::SinFilaActual();
     avanzar();
 }
 
@@ -108,39 +108,15 @@ void RecordsetSqlite::Cerrar()
     m_fin = true;
 }
 
-int RecordsetSqlite::IndiceCampo(const QString &nombre) const
-{
-    for (int i = 0; i < m_nombres.size(); ++i)
-        if (m_nombres[i].compare(nombre, Qt::CaseInsensitive) == 0)
-            return i;
-    return -1;
-}
-
-QVariant RecordsetSqlite::Campo(const QString &nombre) const
-{
-    const int i = IndiceCampo(nombre);
-    if (i < 0)
-        throw ErrorBaseDatos(QStringLiteral("No se encontró el elemento en esta colección (%1).").arg(nombre), 3265);
-    return Campo(i);
-}
-
-void RecordsetSqlite::comprobar(int indice) const
-{
-    if (m_fin)
-        throw ErrorBaseDatos(QStringLiteral("No hay fila actual."), 3021);
-    if (indice < 0 || indice >= m_nombres.size())
-        throw ErrorBaseDatos(QStringLiteral("No se encontró el elemento en esta colección (%1).").arg(indice), 3265);
-}
-
 bool RecordsetSqlite::NuloEn(int indice) const
 {
-    comprobar(indice);
+    ComprobarFila(m_fin, indice);
     return sqlite3_column_type(m_sentencia, indice) == SQLITE_NULL;
 }
 
 double RecordsetSqlite::NumeroEn(int indice) const
 {
-    comprobar(indice);
+    ComprobarFila(m_fin, indice);
     switch (sqlite3_column_type(m_sentencia, indice)) {
     case SQLITE_INTEGER:
         return double(sqlite3_column_int64(m_sentencia, indice));
@@ -155,7 +131,7 @@ double RecordsetSqlite::NumeroEn(int indice) const
 
 qint64 RecordsetSqlite::EnteroEn(int indice) const
 {
-    comprobar(indice);
+    ComprobarFila(m_fin, indice);
     if (sqlite3_column_type(m_sentencia, indice) == SQLITE_INTEGER)
         return sqlite3_column_int64(m_sentencia, indice);
     return qRound64(NumeroEn(indice));
@@ -163,7 +139,7 @@ qint64 RecordsetSqlite::EnteroEn(int indice) const
 
 QVariant RecordsetSqlite::Campo(int indice) const
 {
-    comprobar(indice);
+    ComprobarFila(m_fin, indice);
     switch (sqlite3_column_type(m_sentencia, indice)) {
     case SQLITE_INTEGER:
         return QVariant(qlonglong(sqlite3_column_int64(m_sentencia, indice)));

@@ -30,19 +30,18 @@ public:
     void MoverSiguiente() override;
     void Cerrar() override;
 
-    QVariant Campo(const QString &nombre) const override;
+    using Recordset::Campo;
     QVariant Campo(int indice) const override;
     bool NuloEn(int indice) const override;
     double NumeroEn(int indice) const override;
     qint64 EnteroEn(int indice) const override;
     int CantidadCampos() const override { return int(m_nombres.size()); }
-    int IndiceCampo(const QString &nombre) const override;
+    int IndiceCampo(const QString &nombre) const override { return IndiceEn(m_nombres, nombre); }
     QString NombreCampo(int indice) const override { return m_nombres.value(indice); }
 
 private:
     void avanzar();
     // Throws unless there is a current row with that column.
-    void comprobar(int indice) const;
     [[noreturn]] void fallar(int codigo);
 
     sqlite3 *m_base;
