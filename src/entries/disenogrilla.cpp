@@ -135,7 +135,7 @@ public:
                 quint32 color = 0;
                 double valor = 0; // the file keeps numbers as doubles
                 s >> texto >> dato >> valor >> c.mascara >> color >> c.alineacion;
-                c.texto = texto.isEmpty() ? 0 : nueva.indiceTexto(texto);
+                nueva.fijarIndiceTexto(c, texto.isEmpty() ? 0 : nueva.indiceTexto(texto));
                 nueva.guardarDato(c, dato);
                 c.valor = Importe::DesdeDouble(valor);
                 nueva.FijarColorTexto(fila, columna, color);

@@ -60,8 +60,20 @@ void Grilla::soltar(const CeldaGrilla &c)
 {
     if (c.texto != 0)
         ++m_soltados;
+    soltarDato(c);
+}
+
+void Grilla::soltarDato(const CeldaGrilla &c)
+{
     if ((c.tipoDato == CeldaGrilla::TipoDato::Texto && c.carga != 0) || c.tipoDato == CeldaGrilla::TipoDato::Otro)
         ++m_soltados;
+}
+
+void Grilla::fijarIndiceTexto(CeldaGrilla &c, quint32 indice)
+{
+    if (c.texto != 0 && c.texto != indice)
+        ++m_soltados;
+    c.texto = indice;
 }
 
 void Grilla::soltarFilas(int fila, int cantidad)
@@ -263,10 +275,7 @@ QString Grilla::Texto(int fila, int columna) const
 void Grilla::FijarTexto(int fila, int columna, const QString &texto)
 {
     CeldaGrilla &c = celdaEditable(fila, columna);
-    const quint32 nuevo = texto.isEmpty() ? 0 : indiceTexto(texto);
-    if (c.texto != 0 && c.texto != nuevo)
-        ++m_soltados;
-    c.texto = nuevo;
+    fijarIndiceTexto(c, texto.isEmpty() ? 0 : indiceTexto(texto));
     c.mascara = -1;
     c.valor = {};
     quizaCompactar();
@@ -285,9 +294,7 @@ qint16 Grilla::indiceMascara(const QString &mascara)
 void Grilla::FijarNumero(int fila, int columna, Importe valor, const QString &mascara)
 {
     CeldaGrilla &c = celdaEditable(fila, columna);
-    if (c.texto != 0)
-        ++m_soltados;
-    c.texto = 0;
+    fijarIndiceTexto(c, 0);
     c.valor = valor;
     c.mascara = mascara.isEmpty() ? kMascaraColumna : indiceMascara(mascara);
     cambio(fila, fila);
@@ -304,8 +311,7 @@ Importe Grilla::Valor(int fila, int columna) const
 void Grilla::guardarDato(CeldaGrilla &c, const QVariant &dato)
 {
     using Tipo = CeldaGrilla::TipoDato;
-    if ((c.tipoDato == Tipo::Texto && c.carga != 0) || c.tipoDato == Tipo::Otro)
-        ++m_soltados;
+    soltarDato(c);
     switch (dato.typeId()) {
     case QMetaType::UnknownType:
         c.tipoDato = Tipo::Nulo;
@@ -405,9 +411,7 @@ void Grilla::LimpiarTextos(int fila)
 {
     for (int columna = 0; columna < m_columnas; ++columna) {
         CeldaGrilla &c = celdaEditable(fila, columna);
-        if (c.texto != 0)
-            ++m_soltados;
-        c.texto = 0;
+        fijarIndiceTexto(c, 0);
         c.mascara = -1;
         c.valor = {};
     }

@@ -149,6 +149,9 @@ private:
     void guardarDato(CeldaGrilla &c, const QVariant &dato);
     // A text or datum no cell names any more is dropped from the pools once there are many.
     void soltar(const CeldaGrilla &c);
+    void soltarDato(const CeldaGrilla &c);
+    // Points the cell at another text, counting the one it let go of.
+    void fijarIndiceTexto(CeldaGrilla &c, quint32 indice);
     void soltarFilas(int fila, int cantidad);
     void compactar();
     void quizaCompactar();
