@@ -38,11 +38,9 @@ lumERAsiento::lumERAsiento(ContextoLinea contexto, QWidget *padre)
         w->setFont(tahoma);
         w->installEventFilter(this);
     }
-    setTabOrder(tDebe, tHaber);
-    setTabOrder(tHaber, cfMoneda);
-    setTabOrder(cfMoneda, ocImporte);
-    setTabOrder(ocImporte, ocTCambio);
-    setTabOrder(ocTCambio, ocImporteMC);
+    const QList<QWidget *> orden = camposEnOrden();
+    for (qsizetype i = 1; i < orden.size(); ++i)
+        setTabOrder(orden[i - 1], orden[i]);
 
     connect(tDebe, &QLineEdit::textEdited, this, [this] { CuentaEditada(true); });
     connect(tHaber, &QLineEdit::textEdited, this, [this] { CuentaEditada(false); });
@@ -90,6 +88,11 @@ CampoCalculadora *lumERAsiento::campo(int codigo) const
     default:
         return nullptr;
     }
+}
+
+QList<QWidget *> lumERAsiento::camposEnOrden() const
+{
+    return {tDebe, tHaber, cfMoneda, ocImporte, ocTCambio, ocImporteMC};
 }
 
 int lumERAsiento::twipsAPx(int twips) const

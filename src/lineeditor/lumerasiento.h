@@ -98,6 +98,8 @@ public:
     QLineEdit *campoCuenta(bool debe) const { return debe ? tDebe : tHaber; }
     QComboBox *listaMonedas() const { return cfMoneda; }
     CampoCalculadora *campo(int codigo) const;
+    // The line's fields in the order Enter and Tab go through them.
+    QList<QWidget *> camposEnOrden() const;
 
 signals:
     void EnabledContenedor(bool *bEnabled);

@@ -34,6 +34,12 @@ PanelEdicion::PanelEdicion(lumIngAsiento &documento, const DatosDocumento &datos
     crearCampos();
     oraEdit = new lumERAsiento(ContextoLinea(), m_vsGrid->viewport());
     oraEdit->hide();
+    // Tab goes through the header and the line in the order Enter does; hidden or disabled
+    // fields (the book list of the opening entry, the authoriser) are passed over.
+    QList<QWidget *> orden{odDate, cfTipo, tLeyenda, cfAutoriza};
+    orden += oraEdit->camposEnOrden();
+    for (qsizetype i = 1; i < orden.size(); ++i)
+        setTabOrder(orden[i - 1], orden[i]);
     conectarEditor();
     setVisible(false);
     connect(qApp, &QApplication::focusChanged, this, [this](QWidget *, QWidget *ahora) {

@@ -113,6 +113,44 @@ TEST_P(Escenarios, DiezAsientosConElTecladoLaFechaEscritaYUnaCopiaConUnaCuentaCe
     EXPECT_EQ(ultimoId(), ultimo);
 }
 
+// Tab goes through a new entry's header and on into the line in the order Enter does, and
+// Shift+Tab comes back the same way.
+TEST_P(Escenarios, TabSigueElOrdenDeEnter)
+{
+    QTest::keyClick(m_doc->grid(), Qt::Key_N, Qt::ControlModifier);
+    ASSERT_EQ(foco(), m_doc->campoFecha());
+    QList<QWidget *> conTab{foco()};
+    while (conTab.size() < 6 && conTab.last() != editor()->campoCuenta(true)) {
+        QTest::keyClick(conTab.last(), Qt::Key_Tab);
+        conTab << foco();
+    }
+    QList<QWidget *> deVuelta{foco()};
+    while (deVuelta.size() < conTab.size()) {
+        QTest::keyClick(deVuelta.last(), Qt::Key_Backtab);
+        deVuelta << foco();
+    }
+    std::reverse(deVuelta.begin(), deVuelta.end());
+    EXPECT_TRUE(deVuelta == conTab);
+
+    ASSERT_EQ(foco(), m_doc->campoFecha());
+    QList<QWidget *> conEnter{foco()};
+    while (conEnter.size() < 6 && conEnter.last() != editor()->campoCuenta(true)) {
+        if (conEnter.last() == autoriza())
+            autoriza()->setCurrentIndex(0);
+        enter(conEnter.last());
+        conEnter << foco();
+    }
+    auto nombres = [](const QList<QWidget *> &campos) {
+        QStringList n;
+        for (QWidget *w : campos)
+            n << (w ? w->objectName() : QStringLiteral("-"));
+        return n;
+    };
+    EXPECT_EQ(nombres(conTab), nombres(conEnter));
+    EXPECT_EQ(conEnter.last(), editor()->campoCuenta(true));
+    EXPECT_GE(conEnter.size(), 4);
+}
+
 TEST_P(Escenarios, AbrirUnAsientoGuardadoYAceptarloSinCambiosNoCambiaNadaSalvoLoEscrito)
 {
     const qint32 id = asientoSimple();
