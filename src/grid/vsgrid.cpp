@@ -6,6 +6,7 @@
 #include <QKeyEvent>
 #include <QPainter>
 #include <QScrollBar>
+#include <QStyleOption>
 
 #include <cmath>
 
@@ -251,6 +252,29 @@ void DelegadoGrilla::paint(QPainter *p, const QStyleOptionViewItem &opcion, cons
         if (!t.isEmpty())
             p->drawText(texto, int(alineacion | Qt::AlignVCenter) | Qt::TextSingleLine,
                         opcion.fontMetrics.elidedText(t, Qt::ElideRight, texto.width()));
+    }
+    p->setClipping(false);
+    // The current row's background is pale: a frame in its text colour shows where it is,
+    // and the current cell gets the style's focus rectangle while the grid has the focus.
+    if (seleccionada) {
+        p->setPen(color);
+        p->drawLine(r.topLeft(), r.topRight());
+        p->drawLine(r.bottomLeft(), r.bottomRight());
+        const QHeaderView *columnas = m_vista->horizontalHeader();
+        int ultima = columnas->count() - 1;
+        while (ultima > 0 && columnas->isSectionHidden(columnas->logicalIndex(ultima)))
+            --ultima;
+        if (columnas->visualIndex(col) == 0)
+            p->drawLine(r.topLeft(), r.bottomLeft());
+        if (columnas->visualIndex(col) == ultima)
+            p->drawLine(r.topRight(), r.bottomRight());
+    }
+    if (opcion.state & QStyle::State_HasFocus) {
+        QStyleOptionFocusRect foco;
+        foco.QStyleOption::operator=(opcion);
+        foco.rect = r.adjusted(1, 1, -1, -1);
+        foco.backgroundColor = opcion.palette.highlight().color();
+        m_vista->style()->drawPrimitive(QStyle::PE_FrameFocusRect, &foco, p, m_vista);
     }
     p->restore();
 }

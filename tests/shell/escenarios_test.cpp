@@ -113,6 +113,27 @@ TEST_P(Escenarios, DiezAsientosConElTecladoLaFechaEscritaYUnaCopiaConUnaCuentaCe
     EXPECT_EQ(ultimoId(), ultimo);
 }
 
+// The current row stands out from its pale selection colour: it is framed in the selected
+// text's colour, and the rows around it are not.
+TEST_P(Escenarios, LaFilaActualSeVeEnmarcada)
+{
+    const qint32 id = asientoSimple();
+    ASSERT_GT(id, 0);
+    vsGrid *grid = m_doc->grid();
+    const int fila = filaDe(id) + 1 - m_doc->grilla().FilasFijas();
+    grid->FijarFilaActual(fila + m_doc->grilla().FilasFijas());
+    const QImage imagen = grid->viewport()->grab().toImage();
+    const QColor marco = grid->palette().color(QPalette::HighlightedText);
+    auto borde = [&](int f, bool arriba) {
+        const QRect r = grid->visualRect(grid->model()->index(f, 1));
+        return imagen.pixelColor(r.center().x(), arriba ? r.top() : r.bottom()).rgb();
+    };
+    EXPECT_EQ(borde(fila, true), marco.rgb());
+    EXPECT_EQ(borde(fila, false), marco.rgb());
+    EXPECT_NE(borde(fila - 1, false), marco.rgb());
+    EXPECT_NE(borde(fila + 1, false), marco.rgb());
+}
+
 // Tab goes through a new entry's header and on into the line in the order Enter does, and
 // Shift+Tab comes back the same way.
 TEST_P(Escenarios, TabSigueElOrdenDeEnter)
