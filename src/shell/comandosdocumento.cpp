@@ -45,12 +45,12 @@ void lumIngAsiento::conectarComandos()
     connect(tmShowASI, &QTimer::timeout, this, &lumIngAsiento::tmShowASI_Timer);
     // The banner's links: "aquí" makes the opening-balance entry once the click is over,
     // "Necesito ayuda" opens its help page.
-    connect(lMsgASI1, &QLabel::linkActivated, this, [this](const QString &enlace) {
-        if (!TerminarEdicion())
-            return;
-        if (enlace == QLatin1String("aqui"))
+    connect(lMsgASI1, &QLabel::linkActivated, this, [this] {
+        if (TerminarEdicion())
             ArmarComandoDiferido(QStringLiteral("1"));
-        else
+    });
+    connect(lMsgASI2, &QLabel::linkActivated, this, [this] {
+        if (TerminarEdicion())
             m_apertura->ayuda();
     });
 
@@ -337,15 +337,16 @@ void lumIngAsiento::MostrarAvisoApertura(bool existe)
 void lumIngAsiento::TextoAvisoApertura()
 {
     const bool sinTerminar = m_apertura && m_apertura->HayAsientoSinTerminar();
-    lMsgASI1->setText(QStringLiteral("%1 <a href=\"aqui\">%2</a> %3 &nbsp;&nbsp; <a href=\"ayuda\">%4</a>")
+    lMsgASI1->setText(QStringLiteral("%1 <a href=\"aqui\">%2</a> %3")
                           .arg(m_datos.texto(sinTerminar ? 1154 : 1150).toHtmlEscaped(), m_datos.texto(1151).toHtmlEscaped(),
-                               m_datos.texto(sinTerminar ? 1155 : 1152).toHtmlEscaped(), m_datos.texto(1153).toHtmlEscaped()));
+                               m_datos.texto(sinTerminar ? 1155 : 1152).toHtmlEscaped()));
+    lMsgASI2->setText(QStringLiteral("<a href=\"ayuda\">%1</a>").arg(m_datos.texto(1153).toHtmlEscaped()));
 }
 
 bool lumIngAsiento::eventFilter(QObject *objeto, QEvent *evento)
 {
     // A click on the banner ends an edit, as a click elsewhere above the grid does.
-    if ((objeto == picASI || objeto == lMsgASI1) && evento->type() == QEvent::MouseButtonPress && FilaEdicion() > 0)
+    if ((objeto == picASI || objeto == lMsgASI1 || objeto == lMsgASI2) && evento->type() == QEvent::MouseButtonPress && FilaEdicion() > 0)
         TerminarEdicion();
     return QWidget::eventFilter(objeto, evento);
 }

@@ -109,16 +109,22 @@ void lumIngAsiento::crearControles()
     QPalette aviso = picASI->palette();
     aviso.setColor(QPalette::Window, QColor(0xff, 0xf4, 0xce));
     picASI->setPalette(aviso);
-    lMsgASI1 = new QLabel(picASI);
-    lMsgASI1->setObjectName(QStringLiteral("lMsgASI1"));
-    lMsgASI1->setTextFormat(Qt::RichText);
-    lMsgASI1->setTextInteractionFlags(Qt::TextBrowserInteraction);
+    // The invitation and the help link are two labels, so a screen reader and Tab reach each.
     auto *capaAviso = new QHBoxLayout(picASI);
     capaAviso->setContentsMargins(8, 4, 8, 4);
-    capaAviso->addWidget(lMsgASI1, 1);
+    capaAviso->setSpacing(16);
+    for (QLabel **l : {&lMsgASI1, &lMsgASI2}) {
+        *l = new QLabel(picASI);
+        (*l)->setTextFormat(Qt::RichText);
+        (*l)->setTextInteractionFlags(Qt::TextBrowserInteraction);
+        (*l)->installEventFilter(this);
+        capaAviso->addWidget(*l);
+    }
+    lMsgASI1->setObjectName(QStringLiteral("lMsgASI1"));
+    lMsgASI2->setObjectName(QStringLiteral("lMsgASI2"));
+    capaAviso->addStretch(1);
     picASI->setVisible(false);
     picASI->installEventFilter(this);
-    lMsgASI1->installEventFilter(this);
 
     tmShowASI = new QTimer(this);
     tmShowASI->setObjectName(QStringLiteral("tmShowASI"));

@@ -225,7 +225,8 @@ private:
     QTimer *tmEstado = nullptr;
     void ActualizarEstado();
     QFrame *picASI = nullptr;  // the banner shown while there is no opening-balance entry
-    QLabel *lMsgASI1 = nullptr;
+    QLabel *lMsgASI1 = nullptr;  // the invitation, with its link that makes the entry
+    QLabel *lMsgASI2 = nullptr;  // the link to the entry's help page
     QTimer *tmShowASI = nullptr;
     QFrame *picVBD = nullptr;
     vsGrid *m_vsGrid = nullptr;

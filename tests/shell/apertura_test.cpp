@@ -4,7 +4,9 @@
 
 #include "editing/sesionedicion.h"
 
+#include <QAccessible>
 #include <QFrame>
+#include <QLabel>
 
 namespace {
 
@@ -35,6 +37,29 @@ protected:
         elegir("MnuEdiAPA");
     }
 };
+
+// The banner's invitation and its help link are two labels, each read by name; the help
+// link opens the entry's help page and the invitation's link makes the entry.
+TEST_P(AperturaEnDocumento, ElAvisoTieneSusDosEnlacesEnDosEtiquetas)
+{
+    ASSERT_TRUE(conAviso());
+    auto *invitacion = m_doc->findChild<QLabel *>(QStringLiteral("lMsgASI1"));
+    auto *ayuda = m_doc->findChild<QLabel *>(QStringLiteral("lMsgASI2"));
+    ASSERT_TRUE(invitacion && ayuda);
+    auto nombre = [](QLabel *l) { return QAccessible::queryAccessibleInterface(l)->text(QAccessible::Name); };
+    EXPECT_EQ(nombre(ayuda), Idioma::resLoad(153));
+    EXPECT_TRUE(nombre(invitacion).startsWith(Idioma::resLoad(150))) << nombre(invitacion).toStdString();
+    EXPECT_FALSE(nombre(invitacion).contains(Idioma::resLoad(153)));
+
+    emit ayuda->linkActivated(QStringLiteral("ayuda"));
+    EXPECT_EQ(m_host.comandos.filter(ComandoHost::kAyudaSaldosIniciales).size(), 1) << m_host.comandos.join(u' ').toStdString();
+    EXPECT_TRUE(aperturas(1).isEmpty());
+    m_mensajes.Responder(R::Si);
+    m_mensajes.Responder(R::Si);
+    emit invitacion->linkActivated(QStringLiteral("aqui"));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return aperturas(1).size() == 1; }, 5000));
+    EXPECT_FALSE(conAviso());
+}
 
 // Which accounts and balances the entry takes is the store's; here, the banner, the menu and
 // the grid.
