@@ -281,7 +281,9 @@ QString AsientosGrilla::NombreEstado(qint16 estado) const
 {
     if (!m_ctx.texto)
         return {};
-    if (estado < 0 || estado == EstadoAsiento::kBorrador)
+    if (estado < 0)
+        return m_ctx.texto(1007); // typed here and not stored yet
+    if (estado == EstadoAsiento::kBorrador)
         return m_ctx.texto(1005);
     if (estado == EstadoAsiento::kRegistrado)
         return m_ctx.texto(1006);

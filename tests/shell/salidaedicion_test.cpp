@@ -47,6 +47,8 @@ TEST_P(SalidaEdicion, LaLineaDeEstadoDiceLaDiferenciaYComoQuedo)
     QApplication::processEvents();
     EXPECT_TRUE(estado->text().startsWith(QStringLiteral("Diferencia Haber, 500,00 $; "))) << estado->text().toStdString();
     const QString mientras = estado->text();
+    // Not stored yet: newly entered, not a draft.
+    EXPECT_TRUE(mientras.endsWith(Idioma::resLoad(7))) << mientras.toStdString();
     escape(editor()->campoCuenta(true));
     QApplication::processEvents();
     ASSERT_EQ(guardados(QStringLiteral("Escrito y no aceptado")), 1);
