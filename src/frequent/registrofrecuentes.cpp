@@ -20,6 +20,8 @@
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
+#include <utility>
+
 namespace {
 
 QString fechaCorta(const QDate &d)
@@ -129,12 +131,23 @@ void RegistroFrecuentes::llenarLista()
         }
     };
     const QString texto = tBuscar->text().trimmed().toLower();
-    // A list that cannot be read is told (1912) and stays as far as it was read.
-    if (const auto vencidos = m_datos.Leido(datos.Vencidos(m_datos.idEmpresa(), m_datos.reloj().Hoy()), 1912)) {
+    // A list that cannot be read stays as far as it was read. The failure is told once in a
+    // box; while the list keeps failing at each key typed, the state line says it, so typing
+    // goes on and no key is lost to a box.
+    const QString antes = std::exchange(m_falloLista, QString());
+    auto leida = [&](auto leido) {
+        if (!leido && m_falloLista.isEmpty()) {
+            m_falloLista = leido.fallo().detalle;
+            if (antes.isEmpty())
+                m_datos.Error(1912, m_falloLista);
+        }
+        return leido;
+    };
+    if (const auto vencidos = leida(datos.Vencidos(m_datos.idEmpresa(), m_datos.reloj().Hoy()))) {
         for (const MovimientoFrecuente &m : *vencidos)
             if (texto.isEmpty() || m.Nombre.toLower().contains(texto))
                 agregar(m, true);
-        if (const auto todos = m_datos.Leido(datos.Buscar(m_datos.idEmpresa(), texto), 1912))
+        if (const auto todos = leida(datos.Buscar(m_datos.idEmpresa(), texto)))
             for (const MovimientoFrecuente &m : *todos)
                 if (!vistos.contains(m.MFrID))
                     agregar(m, false);
@@ -145,6 +158,8 @@ void RegistroFrecuentes::llenarLista()
         lvFrecuentes->setCurrentItem(lvFrecuentes->topLevelItem(0));
     else
         mostrarLineas();
+    if (!m_falloLista.isEmpty())
+        lEstado->setText(m_datos.texto(1912) + u' ' + m_falloLista);
 }
 
 qint32 RegistroFrecuentes::elegido() const

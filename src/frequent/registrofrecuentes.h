@@ -47,6 +47,7 @@ private:
     ServicioBusquedaCuentas &m_cuentas;
     QString m_registrados;
     qint32 m_frecuente = 0;
+    QString m_falloLista; // why the list could not be read the last time; empty when it could
 
     QLineEdit *tBuscar = nullptr;
     QTreeWidget *lvFrecuentes = nullptr;

@@ -257,6 +257,29 @@ TEST_F(DialogosFrecuentes, SeBuscaPorNombreYSeRegistraALaFechaElegidaOLaDeSuAgen
     EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("error: 1912")});
 }
 
+// A list that cannot be read is told once, not at every key: what is typed stays, the state
+// line says why, and the list comes back once it can be read again.
+TEST_F(DialogosFrecuentes, UnaListaIlegibleSeDiceUnaVezYNoSePierdeLoTecleado)
+{
+    plantilla(QStringLiteral("Alquiler"), {{"5.3.01", true, 1500}, {"1.1.01", false, 1500}});
+    RegistroFrecuentes registro(m_datos, m_cuentas);
+    ConDialogo<RegistroFrecuentes>([&] { registro.Registrar(0); }, [&](RegistroFrecuentes &d) {
+        ASSERT_EQ(nombres(d), QStringList{QStringLiteral("Alquiler")});
+        m_base.conexion().Ejecutar(QStringLiteral("Alter Table genMovimientosFrecuentes Rename To genMovimientosFrecuentesFuera"));
+        auto *buscar = hijo<QLineEdit>(d, "tBuscar");
+        buscar->setFocus();
+        QTest::keyClicks(buscar, QStringLiteral("alq"));
+        EXPECT_EQ(buscar->text(), QStringLiteral("alq"));
+        EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("error: 1912")});
+        EXPECT_FALSE(hijo<QLabel>(d, "lEstado")->text().isEmpty());
+        m_base.conexion().Ejecutar(QStringLiteral("Alter Table genMovimientosFrecuentesFuera Rename To genMovimientosFrecuentes"));
+        QTest::keyClick(buscar, Qt::Key_U);
+        EXPECT_EQ(nombres(d), QStringList{QStringLiteral("Alquiler")});
+        EXPECT_TRUE(hijo<QLabel>(d, "lEstado")->text().isEmpty());
+        EXPECT_EQ(m_mensajes.mostrados.size(), 1);
+    });
+}
+
 // "Modificar" opens the chosen template and the list shows the change; "Eliminar" asks and
 // deletes only on yes.
 TEST_F(DialogosFrecuentes, DesdeElBuscadorSeModificaYSeEliminaTrasPreguntar)
