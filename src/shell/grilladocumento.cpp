@@ -154,10 +154,14 @@ void lumIngAsiento::CargarDisenoGrilla()
     if (hayArchivo && !cargado)
         qWarning("No se pudo leer el diseño de la grilla en %s: %s", qPrintable(ruta), qPrintable(error));
     if (cargado) {
-        for (int r = m_grilla.FilasFijas(); r < m_grilla.Filas(); ++r)
+        // The captions and the new-entry row follow the language in use, not the one of the
+        // saved layout.
+        for (int r = m_grilla.FilasFijas(); r < m_grilla.Filas(); ++r) {
             if (m_asientos.EsFilaCabezal(r))
                 m_asientos.ClaveEstado(r, qint16(m_grilla.Dato(r, 3).toInt()));
-        // The captions follow the language in use, not the one of the saved layout.
+            else if (m_asientos.EsFilaNuevoAsiento(r))
+                m_grilla.FijarTexto(r, 0, m_datos.texto(1110));
+        }
         m_grilla.FijarEncabezados(Idioma::resLoad(60));
         // The view caption names what the saved rows came from; a layout that does not
         // say shows its rows as a custom view.

@@ -203,6 +203,16 @@ TEST_P(EnIngles, NingunTextoQuedaEnEspanol)
     EXPECT_TRUE(r.fallas.isEmpty()) << r.fallas.join(QLatin1Char('\n')).toStdString();
 }
 
+// The grid comes back from the layout the Spanish document left, with its captions and its
+// new-entry row in English.
+TEST_P(EnIngles, LaGrillaGuardadaEnEspanolVuelveEnIngles)
+{
+    const Grilla &g = m_doc->grilla();
+    ASSERT_GT(g.Filas(), g.FilasFijas());
+    EXPECT_EQ(g.Texto(g.Filas() - 1, 0), Idioma::resLoad(110));
+    EXPECT_EQ(g.Texto(0, 0), QStringLiteral("Account"));
+}
+
 INSTANCIAR_EN_MOTORES(EnIngles);
 
 } // namespace
