@@ -4,6 +4,8 @@
 
 #include "store/valoressql.h"
 
+#include <QHash>
+
 #include <cmath>
 
 namespace modGridHTML {
@@ -30,18 +32,18 @@ QString Porcentaje(double fraccion)
     return (n == 0 ? QString() : QString::number(n)) + QLatin1Char('%');
 }
 
-QString Alineacion(const FuenteGrilla &g, int columna, const QString &texto)
+QLatin1StringView Alineacion(const FuenteGrilla &g, int columna, const QString &texto)
 {
     switch (g.AlineacionColumna(columna)) {
-    case 0: return QStringLiteral(" VALIGN=TOP");
+    case 0: return QLatin1StringView(" VALIGN=TOP");
     case 1: return {};
-    case 2: return QStringLiteral(" VALIGN=BOTTOM");
-    case 3: return QStringLiteral(" ALIGN=CENTER VALIGN=TOP");
-    case 4: return QStringLiteral(" ALIGN=CENTER");
-    case 5: return QStringLiteral(" ALIGN=CENTER VALIGN=BOTTOM");
-    case 6: return QStringLiteral(" ALIGN=RIGHT VALIGN=TOP");
-    case 7: return QStringLiteral(" ALIGN=RIGHT");
-    case 8: return QStringLiteral(" ALIGN=RIGHT VALIGN=BOTTOM");
+    case 2: return QLatin1StringView(" VALIGN=BOTTOM");
+    case 3: return QLatin1StringView(" ALIGN=CENTER VALIGN=TOP");
+    case 4: return QLatin1StringView(" ALIGN=CENTER");
+    case 5: return QLatin1StringView(" ALIGN=CENTER VALIGN=BOTTOM");
+    case 6: return QLatin1StringView(" ALIGN=RIGHT VALIGN=TOP");
+    case 7: return QLatin1StringView(" ALIGN=RIGHT");
+    case 8: return QLatin1StringView(" ALIGN=RIGHT VALIGN=BOTTOM");
     default:
         break;
     }
@@ -49,8 +51,28 @@ QString Alineacion(const FuenteGrilla &g, int columna, const QString &texto)
     if (tipo == 7)
         return {};
     if (tipo == 11)
-        return QStringLiteral(" ALIGN=CENTER");
-    return EsNumero(texto) ? QStringLiteral(" ALIGN=RIGHT") : QString();
+        return QLatin1StringView(" ALIGN=CENTER");
+    return EsNumero(texto) ? QLatin1StringView(" ALIGN=RIGHT") : QLatin1StringView();
+}
+
+// The text of a cell as HTML, added where the page is being written.
+void AgregarEscapado(QString &html, QStringView texto)
+{
+    if (texto.isEmpty()) {
+        html += QLatin1StringView("&nbsp;");
+        return;
+    }
+    qsizetype desde = 0;
+    for (qsizetype i = 0; i < texto.size(); ++i) {
+        const char16_t ch = texto[i].unicode();
+        const char *entidad = ch == u'&' ? "&amp;" : ch == u'<' ? "&lt;" : ch == u'>' ? "&gt;" : nullptr;
+        if (!entidad)
+            continue;
+        html += texto.mid(desde, i - desde);
+        html += QLatin1StringView(entidad);
+        desde = i + 1;
+    }
+    html += texto.mid(desde);
 }
 
 constexpr qsizetype kParte = 1 << 19;
@@ -63,6 +85,24 @@ std::optional<Fallo> TablaDatos(const FuenteGrilla &g, double w, QString &html, 
             + QStringLiteral(">") + kCRLF;
     const int arbol = g.BarraArbol() ? g.ColumnaArbol() : -1;
     QString sangria; // the indent of the latest node row
+    // What repeats cell after cell is made once: each colour's attribute value and each
+    // span's width.
+    QHash<quint32, QString> colores;
+    auto colorHTML = [&colores](quint32 color) -> const QString & {
+        auto c = colores.constFind(color);
+        return c != colores.cend() ? *c : *colores.insert(color, ColorHTML(color));
+    };
+    QHash<quint64, QString> anchos;
+    auto anchoDe = [&](int desde, int hasta) -> const QString & {
+        const quint64 clave = quint64(quint32(desde)) << 32 | quint32(hasta);
+        if (auto a = anchos.constFind(clave); a != anchos.cend())
+            return *a;
+        double anchoCelda = 0;
+        for (int k = desde; k <= hasta; ++k)
+            anchoCelda += g.AnchoColumna(k);
+        anchoCelda = anchoCelda * 1.3 / g.TwipsPorPixel();
+        return *anchos.insert(clave, QStringLiteral(" Width = \"") + Porcentaje(anchoCelda / w) + QLatin1Char('"'));
+    };
     const auto filas = RecorrerFilas(g, siguiente, [&](int r) {
         if (g.AltoFila(r) == 0 || g.FilaOculta(r))
             return true;
@@ -71,7 +111,7 @@ std::optional<Fallo> TablaDatos(const FuenteGrilla &g, double w, QString &html, 
             for (int n = 0; n < g.NivelArbol(r); ++n)
                 sangria += QStringLiteral("&nbsp&nbsp&nbsp&nbsp");
         }
-        html += QStringLiteral("<TR>") + kCRLF;
+        html += QLatin1StringView("<TR>\r\n");
         for (int c = 0; c < g.Columnas(); ++c) {
             if (g.AnchoColumna(c) == 0 || g.ColumnaOculta(c))
                 continue;
@@ -79,69 +119,66 @@ std::optional<Fallo> TablaDatos(const FuenteGrilla &g, double w, QString &html, 
             if (rango.fila1 < r || rango.columna1 < c)
                 continue;
 
-            QString spans;
-            if (rango.columna2 > c)
-                spans += QStringLiteral(" COLSPAN=") + QString::number(rango.columna2 - c + 1);
-            if (rango.fila2 > r)
-                spans += QStringLiteral(" ROWSPAN=") + QString::number(rango.fila2 - r + 1);
-
-            double anchoCelda = 0;
-            for (int k = rango.columna1; k <= rango.columna2; ++k)
-                anchoCelda += g.AnchoColumna(k);
-            anchoCelda = anchoCelda * 1.3 / g.TwipsPorPixel();
-
             const QString mostrado = g.Texto(r, c);
-            QString texto = mostrado;
-            if (g.TipoColumna(c) == 11 && r >= g.FilasFijas())
-                texto = g.Valor(r, c) != 0 ? QStringLiteral("Y") : QString();
-            texto = EscaparHTML(texto);
-            if (c == arbol)
-                texto.prepend(sangria);
-
             const bool fija = r < g.FilasFijas() || c < g.ColumnasFijas();
-            QString fondo;
-            if (const quint32 color = g.ColorFondo(r, c))
-                fondo = QStringLiteral(" BGCOLOR=") + ColorHTML(color);
-            else if (fija)
-                fondo = QStringLiteral(" BGCOLOR=") + ColorHTML(g.ColorFondoFijo());
-            const QString borde = fija ? QStringLiteral(" BORDERCOLOR=") + ColorHTML(g.ColorLineasFijas()) : QString();
-            QString letra;
-            if (const quint32 color = g.ColorTexto(r, c))
-                letra = QStringLiteral(" COLOR=") + ColorHTML(color);
-            else if (fija)
-                letra = QStringLiteral(" COLOR=") + ColorHTML(g.ColorTextoFijo());
-
+            const quint32 fondo = g.ColorFondo(r, c) ? g.ColorFondo(r, c) : fija ? g.ColorFondoFijo() : 0;
+            const quint32 letra = g.ColorTexto(r, c) ? g.ColorTexto(r, c) : fija ? g.ColorTextoFijo() : 0;
+            const bool conLetra = g.ColorTexto(r, c) || fija;
             const bool negrita = g.Negrita(r, c);
             const bool cursiva = g.Cursiva(r, c);
             const bool subrayado = g.Subrayado(r, c);
 
-            html += QStringLiteral("<td ");
-            html += fija ? QStringLiteral("class=\"stTDFixed\"") : QStringLiteral("class=\"stTDFont\"");
-            html += QStringLiteral(" Width = \"") + Porcentaje(anchoCelda / w) + QLatin1Char('"');
-            html += fondo + Alineacion(g, c, mostrado) + borde + spans + QLatin1Char('>');
-            if (!letra.isEmpty())
-                html += QStringLiteral("<FONT") + letra + QLatin1Char('>');
+            html += fija ? QLatin1StringView("<td class=\"stTDFixed\"") : QLatin1StringView("<td class=\"stTDFont\"");
+            html += anchoDe(rango.columna1, rango.columna2);
+            if (g.ColorFondo(r, c) || fija) {
+                html += QLatin1StringView(" BGCOLOR=");
+                html += colorHTML(fondo);
+            }
+            html += Alineacion(g, c, mostrado);
+            if (fija) {
+                html += QLatin1StringView(" BORDERCOLOR=");
+                html += colorHTML(g.ColorLineasFijas());
+            }
+            if (rango.columna2 > c) {
+                html += QLatin1StringView(" COLSPAN=");
+                html += QString::number(rango.columna2 - c + 1);
+            }
+            if (rango.fila2 > r) {
+                html += QLatin1StringView(" ROWSPAN=");
+                html += QString::number(rango.fila2 - r + 1);
+            }
+            html += QLatin1Char('>');
+            if (conLetra) {
+                html += QLatin1StringView("<FONT COLOR=");
+                html += colorHTML(letra);
+                html += QLatin1Char('>');
+            }
             if (negrita)
-                html += QStringLiteral("<B>");
+                html += QLatin1StringView("<B>");
             if (cursiva)
-                html += QStringLiteral("<I>");
+                html += QLatin1StringView("<I>");
             if (subrayado)
-                html += QStringLiteral("<U>");
-            html += texto;
+                html += QLatin1StringView("<U>");
+            if (c == arbol)
+                html += sangria;
+            if (g.TipoColumna(c) == 11 && r >= g.FilasFijas())
+                AgregarEscapado(html, g.Valor(r, c) != 0 ? QStringView(u"Y") : QStringView());
+            else
+                AgregarEscapado(html, mostrado);
             if (negrita)
-                html += QStringLiteral("</B>");
+                html += QLatin1StringView("</B>");
             if (cursiva)
-                html += QStringLiteral("</I>");
+                html += QLatin1StringView("</I>");
             if (subrayado)
-                html += QStringLiteral("</U>");
-            if (!letra.isEmpty())
-                html += QStringLiteral("</FONT>");
-            html += QStringLiteral("</TD>") + kCRLF;
+                html += QLatin1StringView("</U>");
+            if (conLetra)
+                html += QLatin1StringView("</FONT>");
+            html += QLatin1StringView("</TD>\r\n");
         }
         html += QStringLiteral("</TR>") + kCRLF;
         if (parte && html.size() >= kParte) {
             parte(html);
-            html.clear();
+            html.resize(0); // keeps its room for the next part
         }
         return true;
     });
@@ -155,11 +192,9 @@ std::optional<Fallo> TablaDatos(const FuenteGrilla &g, double w, QString &html, 
 
 QString EscaparHTML(const QString &texto)
 {
-    QString t = texto;
-    t.replace(QLatin1Char('&'), QLatin1String("&amp;"));
-    t.replace(QLatin1Char('<'), QLatin1String("&lt;"));
-    t.replace(QLatin1Char('>'), QLatin1String("&gt;"));
-    return t.isEmpty() ? QStringLiteral("&nbsp;") : t;
+    QString t;
+    AgregarEscapado(t, texto);
+    return t;
 }
 
 QString ColorHTML(quint32 color)
