@@ -28,8 +28,10 @@ constexpr int kPdf = 4;
 class VistaPDF final : public VistaImpresion
 {
 public:
-    explicit VistaPDF(QPdfWriter &escritor)
+    // pie: the pages' foot, "%1" the page and "%2" the count.
+    VistaPDF(QPdfWriter &escritor, const QString &pie)
         : m_escritor(escritor)
+        , m_pie(pie)
     {
     }
     int ModoPagina() const override { return m_escritor.pageLayout().orientation() == QPageLayout::Portrait ? 0 : 1; }
@@ -42,7 +44,7 @@ public:
     void FijarTitulo(const QString &titulo) override { m_titulo = titulo; }
     void Preparar() override { m_paginas.Limpiar(); }
     void FijarOrigen(const FuenteGrilla &g) override { m_origen = &g; }
-    void Renderizar() override { m_paginas.Componer(*m_origen, m_escritor.pageLayout(), m_titulo); }
+    void Renderizar() override { m_paginas.Componer(*m_origen, m_escritor.pageLayout(), m_titulo, m_pie); }
     bool Imprimir() override { return m_ok = m_paginas.Imprimir(m_escritor); }
     void ConfigurarPagina() override {}
     void FijarVisible(bool) override {}
@@ -55,6 +57,7 @@ private:
     PaginasGrilla m_paginas;
     const FuenteGrilla *m_origen = nullptr;
     QString m_titulo;
+    QString m_pie;
     bool m_ok = false;
 };
 
@@ -200,7 +203,7 @@ int ExportarDesdeLinea(const PedidoExportacion &pedido, Conexion &conexion, qint
             escritor.setPageMargins(QMarginsF(15, 15, 15, 15), QPageLayout::Millimeter);
             escritor.setTitle(texto(1001));
             escritor.setCreator(QStringLiteral("asientos"));
-            VistaPDF pdf(escritor);
+            VistaPDF pdf(escritor, texto(2133));
             ImpresionGrilla impresion(grilla, pdf, {});
             impresion.MnuPriPrint(texto(1001), config.NombreEmpresa);
             if (!pdf.ok())

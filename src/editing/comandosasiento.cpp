@@ -478,7 +478,7 @@ Resultado<ComandosAsiento::Vigencia> ComandosAsiento::ReleerSiCambio(int cabezal
         return Vigencia::Vigente;
     if (!guardado.existe || guardado.estado == EstadoAsiento::kPapelera) {
         m_grilla.QuitarFilas(cabezal, m_asientos.UltimaFilaAsiento(cabezal) - cabezal + 1);
-        m_datos.Error(1916, DetalleError(id, QStringLiteral("Otro usuario eliminó el asiento o lo envió a la papelera.")));
+        m_datos.Error(1916, DetalleError(id, m_datos.texto(2136)));
         return Vigencia::Quitada;
     }
     RecargarAsiento(id, cabezal);
