@@ -188,6 +188,14 @@ TEST_P(ExportarDesdeLinea, BusquedaEnLibroYPDF)
     const QString texto = QString::fromUtf8(p.readAllStandardOutput());
     for (const char *parte : {"Ingreso de Asientos", "Página 1 de ", "1.1.01"})
         EXPECT_TRUE(texto.contains(QString::fromUtf8(parte))) << parte;
+    // In English, the title and the pages' foot too.
+    ASSERT_EQ(correr(ruta("cash.pdf"), busqueda + QStringList{QStringLiteral("--lang"), QStringLiteral("2")}).estado, 0);
+    p.start(QStringLiteral("pdftotext"), {ruta("cash.pdf"), QStringLiteral("-")});
+    p.waitForFinished(60000);
+    const QString ingles = QString::fromUtf8(p.readAllStandardOutput());
+    for (const char *parte : {"Journal Entries", "Page 1 of ", "1.1.01"})
+        EXPECT_TRUE(ingles.contains(QString::fromUtf8(parte))) << parte;
+    EXPECT_FALSE(ingles.contains(QStringLiteral("Página")));
 
     ASSERT_EQ(correr(ruta("caja.htm"), busqueda).estado, 0);
     QFile pagina(ruta("caja.htm"));
