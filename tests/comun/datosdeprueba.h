@@ -1,7 +1,7 @@
 #pragma once
 
 #include "comun/basesprueba.h"
-#include "comun/textoespanol.h"
+#include "comun/textoscatalogo.h"
 
 #include "editing/datosdocumento.h"
 #include "store/basedemo.h"

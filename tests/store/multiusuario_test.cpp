@@ -2,7 +2,7 @@
 #include "comun/basesprueba.h"
 #include "comun/columna.h"
 #include "comun/conexionespia.h"
-#include "comun/textoespanol.h"
+#include "comun/textoscatalogo.h"
 
 #include "entries/asientodatos.h"
 #include "entries/historialasiento.h"
