@@ -21,6 +21,7 @@ AsientoDatos ComandosAsiento::NuevoAsientoDatos() const
 {
     AsientoDatos datos(*m_datos.conexion(), m_datos.librosSistema());
     datos.FijarUsuario(m_datos.usuario);
+    datos.FijarTextos(m_datos.texto);
     return datos;
 }
 
