@@ -225,6 +225,13 @@ TEST_P(ExportarDesdeLinea, PedidosMalosSeRechazanSinEscribir)
         {"x.csv", {"--mes", mes, "--user", "3"}, 1, "Acceso denegado: el usuario 3"},
         {"x.csv", {"--mes", mes, "--user", "99"}, 1, "Acceso denegado: el usuario 99"},
         {"x.csv", {"--mes", mes, "--company", "7"}, 1, "Acceso denegado: el usuario 1 no puede ver los asientos de la empresa 7"},
+        // In English, in English, wherever --lang stands.
+        {"x.csv", {"--lang", "2"}, 2, "Say which entries to export"},
+        {"x.doc", {"--mes", mes, "--lang", "2"}, 2, ".csv, .xlsx, .htm or .pdf"},
+        {"x.csv", {"--mes", "2026-13", "--lang", "2"}, 2, "--mes expects YYYY-MM"},
+        {"x.csv", {"--cuenta", "5.2", "--lang", "2"}, 1, "groups other accounts"},
+        {"x.csv", {"--mes", mes, "--user", "3", "--lang", "2"}, 1, "Access denied: user 3"},
+        {"x.csv", {"--nada", "--lang", "2"}, 2, "Unknown option: --nada"},
     };
     for (const auto &c : casos) {
         SCOPED_TRACE((QString::fromLatin1(c.archivo) + QLatin1Char(' ') + c.argumentos.join(QLatin1Char(' '))).toStdString());
@@ -255,6 +262,6 @@ TEST(PedidoExportacion, FechasDeLaBusqueda)
                                               std::tuple{"2026-01-31", "2026-01-31", true}, std::tuple{"2026-02-01", "2026-01-31", false}}) {
         p.criterios.prmFInit = QString::fromLatin1(desde);
         p.criterios.prmFEnd = QString::fromLatin1(hasta);
-        EXPECT_EQ(p.Validar().isEmpty(), valido) << desde << " " << hasta;
+        EXPECT_EQ(p.Validar([](int n) { return QString::number(n); }).isEmpty(), valido) << desde << " " << hasta;
     }
 }
