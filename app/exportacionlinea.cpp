@@ -28,8 +28,10 @@ constexpr int kPdf = 4;
 class VistaPDF final : public VistaImpresion
 {
 public:
-    explicit VistaPDF(QPdfWriter &escritor)
+    // pie: the pages' foot, "%1" the page and "%2" the count.
+    VistaPDF(QPdfWriter &escritor, const QString &pie)
         : m_escritor(escritor)
+        , m_pie(pie)
     {
     }
     int ModoPagina() const override { return m_escritor.pageLayout().orientation() == QPageLayout::Portrait ? 0 : 1; }
@@ -42,7 +44,7 @@ public:
     void FijarTitulo(const QString &titulo) override { m_titulo = titulo; }
     void Preparar() override { m_paginas.Limpiar(); }
     void FijarOrigen(const FuenteGrilla &g) override { m_origen = &g; }
-    void Renderizar() override { m_paginas.Componer(*m_origen, m_escritor.pageLayout(), m_titulo); }
+    void Renderizar() override { m_paginas.Componer(*m_origen, m_escritor.pageLayout(), m_titulo, m_pie); }
     bool Imprimir() override { return m_ok = m_paginas.Imprimir(m_escritor); }
     void ConfigurarPagina() override {}
     void FijarVisible(bool) override {}
@@ -55,6 +57,7 @@ private:
     PaginasGrilla m_paginas;
     const FuenteGrilla *m_origen = nullptr;
     QString m_titulo;
+    QString m_pie;
     bool m_ok = false;
 };
 
@@ -85,22 +88,21 @@ bool PedidoExportacion::SinPantalla() const
     return Formato() == ExportacionGrilla::CSV;
 }
 
-QString PedidoExportacion::Validar() const
+QString PedidoExportacion::Validar(const std::function<QString(int)> &texto) const
 {
     if (archivo.isEmpty())
-        return QStringLiteral("Falta el archivo de --exportar.");
+        return texto(2157);
     if (Formato() == 0)
-        return QStringLiteral("No sé exportar a «%1»: el archivo debe terminar en .csv, .xlsx, .htm o .pdf.").arg(archivo);
+        return texto(2158).arg(archivo);
     const int formas = (vista != -100 ? 1 : 0) + (mes.isValid() ? 1 : 0) + (hayCriterios ? 1 : 0);
     if (formas == 0)
-        return QStringLiteral("Indique qué asientos exportar: --vista N, --mes AAAA-MM o criterios de búsqueda "
-                              "(--desde, --hasta, --cuenta, --leyenda).");
+        return texto(2159);
     if (formas > 1)
-        return QStringLiteral("Use una sola forma de elegir los asientos: --vista, --mes o criterios de búsqueda.");
+        return texto(2160);
     if (!criterios.prmFInit.isEmpty() && !criterios.prmFEnd.isEmpty() && criterios.prmFInit > criterios.prmFEnd)
-        return QStringLiteral("--desde (%1) es posterior a --hasta (%2).").arg(criterios.prmFInit, criterios.prmFEnd);
+        return texto(2161).arg(criterios.prmFInit, criterios.prmFEnd);
     if (vista != -100 && (vista < Vista::kUltimos5 || vista > Vista::kUltimos15Dias))
-        return QStringLiteral("--vista espera 1 (últimos 5), 2 (últimos 10), 3 (de hoy) o 4 (últimos 15 días).");
+        return texto(2162);
     return {};
 }
 
@@ -112,7 +114,7 @@ int ExportarDesdeLinea(const PedidoExportacion &pedido, Conexion &conexion, qint
         errores << mensaje << Qt::endl;
         return 1;
     };
-    if (const QString malo = pedido.Validar(); !malo.isEmpty())
+    if (const QString malo = pedido.Validar(texto); !malo.isEmpty())
         return fallar(malo);
 
     ParametrosSistema parametros;
@@ -123,7 +125,7 @@ int ExportarDesdeLinea(const PedidoExportacion &pedido, Conexion &conexion, qint
     if (const auto f = LeerConfigEmpresa(conexion, empresa, config, leida))
         return fallar(texto(f->numeroTexto) + QStringLiteral(" ") + f->detalle);
     if (!leida)
-        return fallar(QStringLiteral("No existe la empresa %1 en la base de datos.").arg(empresa));
+        return fallar(texto(2163).arg(empresa));
 
     CatalogoMonedas monedas;
     ContextoAsientos ctx;
@@ -160,18 +162,18 @@ int ExportarDesdeLinea(const PedidoExportacion &pedido, Conexion &conexion, qint
                 return fallar(cuenta.fallo().detalle);
             c.prmCta = *cuenta;
             if (c.prmCta < 0)
-                return fallar(QStringLiteral("La cuenta «%1» agrupa otras cuentas y no lleva líneas: indique una de ellas.").arg(pedido.cuenta));
+                return fallar(texto(2164).arg(pedido.cuenta));
             if (c.prmCta == 0)
-                return fallar(QStringLiteral("No existe la cuenta «%1» en la empresa %2.").arg(pedido.cuenta).arg(empresa));
+                return fallar(texto(2165).arg(pedido.cuenta).arg(empresa));
             c.prmPry = c.prmDep = CriteriosBusqueda::kCualquiera; // the account's lines of every project and department
         }
         if (const auto f = SqlBusqueda(c, empresa, parametros.delimitadorFecha, parametros.formatoFecha, sql))
-            return fallar(QStringLiteral("Fecha no válida: %1").arg(f->detalle));
+            return fallar(texto(2166).arg(f->detalle));
         vista = Vista::kPersonalizada;
     }
 
     if (progreso)
-        progreso(QStringLiteral("Leyendo los asientos…"));
+        progreso(texto(2167));
     const QDate primerDia = pedido.mes.isValid() ? QDate(pedido.mes.year(), pedido.mes.month(), 1) : QDate();
     const int formato = pedido.Formato();
     int cuantos = 0;
@@ -200,11 +202,11 @@ int ExportarDesdeLinea(const PedidoExportacion &pedido, Conexion &conexion, qint
             escritor.setPageMargins(QMarginsF(15, 15, 15, 15), QPageLayout::Millimeter);
             escritor.setTitle(texto(1001));
             escritor.setCreator(QStringLiteral("asientos"));
-            VistaPDF pdf(escritor);
+            VistaPDF pdf(escritor, texto(2133));
             ImpresionGrilla impresion(grilla, pdf, {});
             impresion.MnuPriPrint(texto(1001), config.NombreEmpresa);
             if (!pdf.ok())
-                error = Fallo{1938, pedido.archivo + QStringLiteral(": no se pudo escribir el PDF")};
+                error = Fallo{1938, pedido.archivo + QStringLiteral(": ") + texto(2168)};
         }
         if (!error && !archivo.commit())
             error = Fallo{1938, pedido.archivo + QStringLiteral(": ") + archivo.errorString()};
@@ -241,6 +243,6 @@ int ExportarDesdeLinea(const PedidoExportacion &pedido, Conexion &conexion, qint
     if (error)
         return fallar(texto(error->numeroTexto) + QStringLiteral(" ") + error->detalle);
     if (progreso)
-        progreso(QStringLiteral("%1 asientos exportados a %2").arg(cuantos).arg(pedido.archivo));
+        progreso(texto(2169).arg(cuantos).arg(pedido.archivo));
     return 0;
 }

@@ -26,8 +26,9 @@ struct PedidoExportacion
 
     // The format from the file's extension: 1 workbook, 2 CSV, 3 HTML, 4 PDF; 0 unknown.
     int Formato() const;
-    // Empty when the request can be carried out; otherwise what is wrong with it.
-    QString Validar() const;
+    // Empty when the request can be carried out; otherwise what is wrong with it, in the
+    // catalogue's words (texto: a catalogue text by its number).
+    QString Validar(const std::function<QString(int)> &texto) const;
     // True for the files of rows (CSV, workbook): a header's date and legend go in cells of
     // their own, so the blanks that line legends up on screen are not measured and no font
     // is loaded. A page (HTML, PDF) is laid out in the document's font.

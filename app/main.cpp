@@ -26,7 +26,7 @@ namespace {
 
 // The demo database of the user's data folder, made on first run. It is built under
 // another name and renamed when complete, so an interrupted first run leaves no half file.
-QString BaseDemo(const QString &carpeta, QString &error)
+QString BaseDemo(const QString &carpeta, int idioma, QString &error)
 {
     const QString ruta = QDir(carpeta).filePath(QStringLiteral("demo.sqlite"));
     if (QFile::exists(ruta))
@@ -40,7 +40,7 @@ QString BaseDemo(const QString &carpeta, QString &error)
         return {};
     }
     if (!QFile::rename(provisoria, ruta)) {
-        error = QStringLiteral("no se pudo crear %1").arg(ruta);
+        error = OpcionesHost::Texto(idioma, 2176).arg(ruta);
         return {};
     }
     return ruta;
@@ -51,52 +51,13 @@ QString BaseDemo(const QString &carpeta, QString &error)
 int ExportarSinVentana(const OpcionesHost &o, const QString &baseDatos, const QString &archivoAjustes)
 {
     QTextStream errores(stderr);
-    PedidoExportacion pedido;
-    pedido.archivo = o.exportar;
-    pedido.edicion = NombreEdicion(QLatin1String(OpcionesHost::kClaveSesion));
-    if (!o.vista.isEmpty()) {
-        bool ok = false;
-        pedido.vista = o.vista.toInt(&ok);
-        if (!ok) {
-            errores << QStringLiteral("--vista espera un número: %1").arg(o.vista) << Qt::endl;
-            return 2;
-        }
-    }
-    if (!o.mes.isEmpty()) {
-        pedido.mes = QDate::fromString(o.mes + QStringLiteral("-01"), Qt::ISODate);
-        if (!pedido.mes.isValid()) {
-            errores << QStringLiteral("--mes espera AAAA-MM: %1").arg(o.mes) << Qt::endl;
-            return 2;
-        }
-    }
-    for (const auto &[texto, destino, nombre] : {std::tuple{o.desde, &pedido.criterios.prmFInit, "--desde"},
-                                                 std::tuple{o.hasta, &pedido.criterios.prmFEnd, "--hasta"}}) {
-        if (texto.isEmpty())
-            continue;
-        if (!QDate::fromString(texto, Qt::ISODate).isValid()) {
-            errores << QStringLiteral("%1 espera una fecha AAAA-MM-DD: %2").arg(QString::fromLatin1(nombre), texto) << Qt::endl;
-            return 2;
-        }
-        *destino = texto;
-    }
-    pedido.cuenta = o.cuenta.trimmed();
-    pedido.criterios.prmLeyenda = o.leyenda;
-    pedido.hayCriterios = !o.desde.isEmpty() || !o.hasta.isEmpty() || !o.cuenta.isEmpty() || !o.leyenda.isEmpty();
-    pedido.criterios.FindOK = pedido.hayCriterios;
-    if (const QString malo = pedido.Validar(); !malo.isEmpty()) {
-        errores << malo << Qt::endl;
-        return 2;
-    }
-
-    AjustesConexion ajustes;
-    ajustes.archivoAjustes = archivoAjustes;
-    const ServicioConexion servicio(ajustes);
-    pedido.formatoFecha = servicio.FormatoFecha(0);
+    // Everything is said in the language asked for.
     const int idioma = o.idioma > 0 ? o.idioma : 1;
     Idioma::AplicarAlProceso(idioma);
     const std::shared_ptr<ComponenteIdioma> catalogo(
         ComponenteIdioma::Crear(Idioma::NombreComponente(QStringLiteral("LUM01"), idioma)).release());
     if (!catalogo) {
+        // Without the catalogue there are no words in that language to say it with.
         errores << QStringLiteral("No se encontraron los textos del idioma %1.").arg(idioma) << Qt::endl;
         return 1;
     }
@@ -105,9 +66,50 @@ int ExportarSinVentana(const OpcionesHost &o, const QString &baseDatos, const QS
         catalogo->resLoad(numero, t);
         return t;
     };
+    PedidoExportacion pedido;
+    pedido.archivo = o.exportar;
+    pedido.edicion = NombreEdicion(QLatin1String(OpcionesHost::kClaveSesion));
+    if (!o.vista.isEmpty()) {
+        bool ok = false;
+        pedido.vista = o.vista.toInt(&ok);
+        if (!ok) {
+            errores << texto(2150).arg(QStringLiteral("--vista"), o.vista) << Qt::endl;
+            return 2;
+        }
+    }
+    if (!o.mes.isEmpty()) {
+        pedido.mes = QDate::fromString(o.mes + QStringLiteral("-01"), Qt::ISODate);
+        if (!pedido.mes.isValid()) {
+            errores << texto(2171).arg(o.mes) << Qt::endl;
+            return 2;
+        }
+    }
+    for (const auto &[valor, destino, nombre] : {std::tuple{o.desde, &pedido.criterios.prmFInit, "--desde"},
+                                                 std::tuple{o.hasta, &pedido.criterios.prmFEnd, "--hasta"}}) {
+        if (valor.isEmpty())
+            continue;
+        if (!QDate::fromString(valor, Qt::ISODate).isValid()) {
+            errores << texto(2172).arg(QString::fromLatin1(nombre), valor) << Qt::endl;
+            return 2;
+        }
+        *destino = valor;
+    }
+    pedido.cuenta = o.cuenta.trimmed();
+    pedido.criterios.prmLeyenda = o.leyenda;
+    pedido.hayCriterios = !o.desde.isEmpty() || !o.hasta.isEmpty() || !o.cuenta.isEmpty() || !o.leyenda.isEmpty();
+    pedido.criterios.FindOK = pedido.hayCriterios;
+    if (const QString malo = pedido.Validar(texto); !malo.isEmpty()) {
+        errores << malo << Qt::endl;
+        return 2;
+    }
+
+    AjustesConexion ajustes;
+    ajustes.archivoAjustes = archivoAjustes;
+    const ServicioConexion servicio(ajustes);
+    pedido.formatoFecha = servicio.FormatoFecha(0);
     auto abierta = ConexionDelPrograma(baseDatos);
     if (!abierta) {
-        errores << QStringLiteral("No se pudo abrir la base de datos: ") << abierta.fallo().detalle << Qt::endl;
+        errores << texto(2173) << abierta.fallo().detalle << Qt::endl;
         return 1;
     }
     const auto conexion = std::move(*abierta);
@@ -115,12 +117,12 @@ int ExportarSinVentana(const OpcionesHost &o, const QString &baseDatos, const QS
     ServicioPermisos permisos(*conexion, o.usuario);
     const auto letras = permisos.Permisos(QString(), kModuloAsientos, o.empresa);
     if (!letras) {
-        errores << QStringLiteral("No se pudo abrir la base de datos: ") << letras.fallo().detalle << Qt::endl;
+        errores << texto(2173) << letras.fallo().detalle << Qt::endl;
         conexion->Cerrar();
         return 1;
     }
     if (!PuedeEntrar(letras->trimmed())) {
-        errores << QStringLiteral("Acceso denegado: el usuario %1 no puede ver los asientos de la empresa %2.").arg(o.usuario).arg(o.empresa)
+        errores << texto(2174).arg(o.usuario).arg(o.empresa)
                 << Qt::endl;
         conexion->Cerrar();
         return 1;
@@ -194,10 +196,10 @@ int main(int argc, char *argv[])
         : opciones.ajustes;
 
     QString errorDemo;
-    const QString baseDatos = opciones.baseDatos.isEmpty() ? BaseDemo(carpetaDatos, errorDemo) : opciones.baseDatos;
+    const QString baseDatos = opciones.baseDatos.isEmpty() ? BaseDemo(carpetaDatos, opciones.idioma, errorDemo) : opciones.baseDatos;
     if (!opciones.exportar.isEmpty()) {
         if (!errorDemo.isEmpty()) {
-            std::fprintf(stderr, "No se pudo crear la base de demostración: %s\n", qPrintable(errorDemo));
+            std::fprintf(stderr, "%s\n", qPrintable(OpcionesHost::Texto(opciones.idioma, 2175).arg(errorDemo)));
             return 1;
         }
         return ExportarSinVentana(opciones, baseDatos, archivoAjustes);
@@ -206,7 +208,7 @@ int main(int argc, char *argv[])
     const bool captura = !opciones.captura.isEmpty();
     VentanaHost ventana(opciones, baseDatos, archivoAjustes, carpetaDatos, captura);
     if (!errorDemo.isEmpty())
-        ventana.MostrarError(QStringLiteral("No se pudo crear la base de demostración: ") + errorDemo);
+        ventana.MostrarError(OpcionesHost::Texto(opciones.idioma, 2175).arg(errorDemo));
     ventana.show();
     // The document would start from the event loop; starting it here, after show() has
     // returned, lets a screenshot be taken once it has.

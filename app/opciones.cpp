@@ -17,11 +17,18 @@ bool numero(const QString &texto, int &valor)
 OpcionesHost OpcionesHost::Leer(const QStringList &argumentos)
 {
     OpcionesHost o;
+    // A fault is told in the language asked for, wherever --lang stands.
+    int idioma = 0;
+    const qsizetype lang = argumentos.indexOf(QStringLiteral("--lang"));
+    if (lang > 0 && lang + 1 < argumentos.size())
+        numero(argumentos.at(lang + 1), idioma);
+    o.idioma = idioma;
+    auto texto = [idioma](int n) { return Texto(idioma, n); };
     for (qsizetype i = 1; i < argumentos.size(); ++i) {
         const QString a = argumentos.at(i);
         auto valor = [&](QString &destino) {
             if (i + 1 >= argumentos.size()) {
-                o.error = QStringLiteral("Falta el valor de %1").arg(a);
+                o.error = texto(2148).arg(a);
                 return false;
             }
             destino = argumentos.at(++i);
@@ -56,7 +63,7 @@ OpcionesHost OpcionesHost::Leer(const QStringList &argumentos)
             o.copiar = valor(o.copiarA);
         } else if (a == QLatin1String("--exportar")) {
             if (valor(o.exportar) && o.exportar.trimmed().isEmpty())
-                o.error = QStringLiteral("--exportar necesita el archivo a escribir");
+                o.error = texto(2149);
         } else if (a == QLatin1String("--vista")) {
             valor(o.vista);
         } else if (a == QLatin1String("--mes")) {
@@ -74,34 +81,38 @@ OpcionesHost OpcionesHost::Leer(const QStringList &argumentos)
                 break;
             int n = 0;
             if (!numero(v, n)) {
-                o.error = QStringLiteral("%1 espera un número: %2").arg(a, v);
+                o.error = texto(2150).arg(a, v);
                 break;
             }
             (a == QLatin1String("--user") ? o.usuario : a == QLatin1String("--company") ? o.empresa : o.idioma) = n;
         } else {
-            o.error = QStringLiteral("Opción desconocida: %1").arg(a);
+            o.error = texto(2151).arg(a);
         }
         if (!o.error.isEmpty())
             break;
     }
     if (o.error.isEmpty() && o.sinDemo && !o.inicializar)
-        o.error = QStringLiteral("--sin-demo va con --inicializar");
+        o.error = texto(2152);
     if (o.error.isEmpty() && o.inicializar && o.baseDatos.isEmpty())
-        o.error = QStringLiteral("--inicializar necesita --db con la base a crear");
+        o.error = texto(2153);
     if (o.error.isEmpty() && o.copiar && o.copiarA.trimmed().isEmpty())
-        o.error = QStringLiteral("--copiar-a necesita la base de destino");
+        o.error = texto(2154);
     if (o.error.isEmpty() && o.copiar && o.baseDatos.isEmpty())
-        o.error = QStringLiteral("--copiar-a necesita --db con la base de origen");
+        o.error = texto(2155);
     if (o.error.isEmpty() && o.copiar && (o.inicializar || !o.exportar.isEmpty()))
-        o.error = QStringLiteral("--copiar-a no va con --inicializar ni con --exportar");
+        o.error = texto(2156);
     return o;
 }
 
 QString OpcionesHost::Uso(int idioma)
 {
-    // Read before any document: the text of the language given with --lang, else Spanish.
+    return Texto(idioma, 2110);
+}
+
+QString OpcionesHost::Texto(int idioma, int numero)
+{
     QFile f(QStringLiteral(":/lang/LNG_TCO_%1.txt").arg(idioma == 2 ? 2 : 1, 3, 10, QLatin1Char('0')));
-    return f.open(QIODevice::ReadOnly) ? ComponenteIdioma::LeerCatalogo(f.readAll()).value(2110) : QString();
+    return f.open(QIODevice::ReadOnly) ? ComponenteIdioma::LeerCatalogo(f.readAll()).value(numero) : QString();
 }
 
 QString OpcionesHost::PrefijoPorDefecto() const

@@ -30,7 +30,7 @@ struct OpcionesHost
     QString copiarA;
     bool ayuda = false;
     bool version = false;
-    QString error;           // a bad command line
+    QString error;           // a bad command line, in the language asked for
 
     // The product key the host hands the document, from which the edition's name comes.
     static constexpr const char *kClaveSesion = "lum01";
@@ -38,6 +38,9 @@ struct OpcionesHost
     static OpcionesHost Leer(const QStringList &argumentos);
     // The --help text, in language 2 (English) or else Spanish.
     static QString Uso(int idioma);
+    // A catalogue text by its number, read before any document: in language 2 (English) or
+    // else Spanish.
+    static QString Texto(int idioma, int numero);
 
     // The base address the host hands the document: the query part carries the pairs.
     QString DireccionBase(const QString &carpetaTemporalPorDefecto) const;

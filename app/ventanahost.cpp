@@ -179,8 +179,10 @@ void VentanaHost::MostrarAyuda(const QString &archivo)
         m_visorAyuda = visor;
     }
     auto *texto = m_visorAyuda->findChild<QTextBrowser *>(QStringLiteral("textoAyuda"));
-    if (QFile::exists(QStringLiteral(":/help/") + archivo))
-        texto->setSource(QUrl(QStringLiteral("qrc:/help/") + archivo));
+    // The page in the document's language, or in the one asked for before a document loaded it.
+    const QString recurso = ComandoHost::RecursoAyuda(archivo, Idioma::Numero() > 0 ? Idioma::Numero() : m_idioma);
+    if (QFile::exists(recurso))
+        texto->setSource(QUrl(QStringLiteral("qrc") + recurso));
     else
         texto->setHtml(hoja(this->texto(1090), QStringLiteral("<p>%1</p>").arg(this->texto(2106).arg(escapar(archivo)))));
     m_visorAyuda->show();

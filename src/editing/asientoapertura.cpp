@@ -83,7 +83,7 @@ void AsientoApertura::MnuEdiAPA()
         m_datos.Informar(1960);
         return;
     }
-    if (m_datos.mensajes->Preguntar(m_datos.texto(1827), ServicioMensajes::Botones::SiNo, QStringLiteral("ATENCIÓN"))
+    if (m_datos.mensajes->Preguntar(m_datos.texto(1827), ServicioMensajes::Botones::SiNo, m_datos.texto(2134))
         != ServicioMensajes::Respuesta::Si)
         return;
     const qint32 id = HacerAsientoApertura();
@@ -148,9 +148,7 @@ bool AsientoApertura::PreguntarAbrirCuentas(const QString &lista)
 {
     if (lista.isEmpty())
         return true;
-    const QString texto = QStringLiteral("Existen cuentas que están cerradas con fecha posterior o igual a la fecha del asiento"
-                                         " de saldos iniciales.\r\rLas mismas serán abiertas.");
-    return m_datos.mensajes->Preguntar(texto, ServicioMensajes::Botones::AceptarCancelar, QStringLiteral("Atención"))
+    return m_datos.mensajes->Preguntar(m_datos.texto(2137), ServicioMensajes::Botones::AceptarCancelar, m_datos.texto(2135))
         == ServicioMensajes::Respuesta::Si;
 }
 

@@ -98,13 +98,12 @@ Resultado<QString> CambiosAjenos::textoAviso(qint32 id, bool existe, qint16 esta
     if (!ultimo)
         return ultimo.fallo();
     const std::optional<HistorialAsiento::Fila> &u = *ultimo;
-    const QString que = !existe ? QStringLiteral("Eliminado") : estado == EstadoAsiento::kPapelera ? QStringLiteral("Enviado a la papelera")
-                                                                                                : QStringLiteral("Modificado");
+    const int que = !existe ? 2127 : estado == EstadoAsiento::kPapelera ? 2128 : 2129;
     if (!u)
-        return QStringLiteral("%1 por otro usuario. Se vuelve a leer al abrirlo.").arg(que);
-    const QString quien = u->nombreUsuario.isEmpty() ? QStringLiteral("el usuario %1").arg(u->usuario) : u->nombreUsuario;
-    return QStringLiteral("%1 por %2 el %3 a las %4. Se vuelve a leer al abrirlo.")
-        .arg(que, quien, u->momento.toString(FormatoQtDeFecha(m_datos.formatoFecha)), u->momento.toString(QStringLiteral("hh:mm:ss")));
+        return m_datos.texto(2130).arg(m_datos.texto(que));
+    const QString quien = u->nombreUsuario.isEmpty() ? m_datos.texto(2132).arg(u->usuario) : u->nombreUsuario;
+    return m_datos.texto(2131).arg(m_datos.texto(que), quien, u->momento.toString(FormatoQtDeFecha(m_datos.formatoFecha)),
+                                   u->momento.toString(QStringLiteral("hh:mm:ss")));
 }
 
 QString CambiosAjenos::Aviso(int fila) const

@@ -21,6 +21,7 @@ AsientoDatos ComandosAsiento::NuevoAsientoDatos() const
 {
     AsientoDatos datos(*m_datos.conexion(), m_datos.librosSistema());
     datos.FijarUsuario(m_datos.usuario);
+    datos.FijarTextos(m_datos.texto);
     return datos;
 }
 
@@ -478,7 +479,7 @@ Resultado<ComandosAsiento::Vigencia> ComandosAsiento::ReleerSiCambio(int cabezal
         return Vigencia::Vigente;
     if (!guardado.existe || guardado.estado == EstadoAsiento::kPapelera) {
         m_grilla.QuitarFilas(cabezal, m_asientos.UltimaFilaAsiento(cabezal) - cabezal + 1);
-        m_datos.Error(1916, DetalleError(id, QStringLiteral("Otro usuario eliminó el asiento o lo envió a la papelera.")));
+        m_datos.Error(1916, DetalleError(id, m_datos.texto(2136)));
         return Vigencia::Quitada;
     }
     RecargarAsiento(id, cabezal);

@@ -51,7 +51,7 @@ qint32 FrecuentesDeAsiento::CrearMovimientoFrecuente(bool agendar, bool desdeElM
     cabezal.Usuario = m_datos.usuario;
     QVector<qint16> monedas;
     const QVector<LineaDatos> lineas = m_asientos.LineasParaGrabar(&monedas);
-    FrecuentesDatos frecuentes(*m_datos.conexion());
+    FrecuentesDatos frecuentes(*m_datos.conexion(), m_datos.texto);
     const QString nombre = cabezal.Leyenda.isEmpty() ? FormatoFechaSuite(cabezal.Fecha, QTime(0, 0), m_datos.formatoFecha) : cabezal.Leyenda;
     qint32 id = 0;
     if (const auto fallo = frecuentes.Crear(cabezal, lineas, monedas, agendar, nombre, desdeElMesSiguiente, id)) {

@@ -126,7 +126,7 @@ QString ComandosRestauracion::TextoDeshacer()
         return {};
     QString texto = m_datos.texto(1167);
     texto.replace(QLatin1String("[p1]"), QString::number((*e)->asiID));
-    texto.replace(QLatin1String("[p]"), HistorialAsiento::NombreOperacion((*e)->operacion).toLower());
+    texto.replace(QLatin1String("[p]"), HistorialAsiento::NombreOperacion((*e)->operacion, m_datos.texto).toLower());
     return texto;
 }
 

@@ -105,16 +105,6 @@ std::optional<Fallo> deLaBase(const ErrorBaseDatos &e)
     return FalloDe(0, e);
 }
 
-std::optional<Fallo> noExiste(qint32 asiID)
-{
-    return rechazo(0, QStringLiteral("no existe el asiento %1").arg(asiID));
-}
-
-std::optional<Fallo> modificado()
-{
-    return rechazo(AsientoDatos::kModificado, QStringLiteral("Registro modificado con anterioridad."));
-}
-
 } // namespace
 
 QDateTime AsientoDatos::SelloNuevo(const Reloj &reloj, const QDateTime &anterior, Sello sello)
@@ -138,7 +128,7 @@ std::optional<Fallo> AsientoDatos::CargarAsiento(qint32 asiID)
     try {
         auto rs = m_conexion->Abrir(QStringLiteral("Select * From cceAsientos Where AsiID = ?"), {asiID});
         if (rs->Fin())
-            return noExiste(asiID);
+            return rechazo(0, texto(2138).arg(asiID));
         m_cabezal.AsiID = qint32(rs->Entero(QStringLiteral("AsiID")));
         m_cabezal.Empresa = qint32(rs->Entero(QStringLiteral("AsiEmpresa")));
         m_cabezal.Estado = qint16(rs->Entero(QStringLiteral("AsiEstado")));
@@ -209,7 +199,7 @@ std::optional<Fallo> AsientoDatos::actualizarCabezal(qint32 asiID, const QDateTi
         valores);
     if (cambiadas == 1)
         return std::nullopt;
-    return modificado();
+    return rechazo(kModificado, texto(kModificado));
 }
 
 // A legend longer than its column is refused whole on every engine: PostgreSQL would refuse
@@ -218,8 +208,7 @@ std::optional<Fallo> AsientoDatos::leyendaAdmitida() const
 {
     if (m_cabezal.Leyenda.size() <= kLargoLeyenda)
         return std::nullopt;
-    return rechazo(0, QStringLiteral("La leyenda tiene %1 caracteres y se admiten hasta %2; no se grabó nada.")
-                                            .arg(m_cabezal.Leyenda.size()).arg(kLargoLeyenda));
+    return rechazo(0, texto(2139).arg(m_cabezal.Leyenda.size()).arg(kLargoLeyenda));
 }
 
 // The company's opening-balance book: the one the caller gave, else the system parameter.
@@ -346,7 +335,7 @@ std::optional<Fallo> AsientoDatos::reglasDelLibro(qint32 asiID, const QJsonObjec
         rs->Cerrar();
         const ResultadoBalance b = balanceDe(lineas, empresa);
         if (!b.cierra)
-            return rechazo(kDescuadrado, QStringLiteral("debe %1, haber %2").arg(b.debeMC.aTexto(), b.haberMC.aTexto()));
+            return rechazo(kDescuadrado, texto(2140).arg(b.debeMC.aTexto(), b.haberMC.aTexto()));
     }
 
     const qint16 apertura = libroApertura();
@@ -366,7 +355,7 @@ std::optional<Fallo> AsientoDatos::reglasDelLibro(qint32 asiID, const QJsonObjec
     const bool entra = antes.isEmpty() || antes.value(QStringLiteral("Libro")).toInt() != apertura
                     || antes.value(QStringLiteral("Estado")).toInt() == EstadoAsiento::kPapelera;
     if ((entra && otros > 0) || (estado == EstadoAsiento::kRegistrado && otrosRegistrados > 0))
-        return rechazo(kAperturaDuplicada, QStringLiteral("la empresa ya tiene su asiento de saldos iniciales"));
+        return rechazo(kAperturaDuplicada, texto(2141));
     return std::nullopt;
 }
 
@@ -376,7 +365,7 @@ std::optional<Fallo> AsientoDatos::importesEnRango() const
     auto admitido = [](Importe v) { return v.abs() <= Importe::MaximoLinea(); };
     for (const LineaDatos &l : std::as_const(m_lineas)) {
         if (!admitido(l.Importe) || !admitido(l.ImporteMC))
-            return rechazo(kFueraDeRango, QStringLiteral("importe no válido en la cuenta %1").arg(l.Cuenta));
+            return rechazo(kFueraDeRango, texto(2142).arg(l.Cuenta));
     }
     return std::nullopt;
 }
@@ -481,7 +470,7 @@ std::optional<Fallo> AsientoDatos::EnviarPapelera(qint32 asiID, const QDateTime 
         auto rs = m_conexion->Abrir(QStringLiteral("Select AsiTipo, AsiFechaAsiento, AsiEmpresa From cceAsientos Where AsiID = ?"),
                                     {asiID});
         if (rs->Fin())
-            return noExiste(asiID);
+            return rechazo(0, texto(2138).arg(asiID));
         const qint16 libro = rs->EsNulo(QStringLiteral("AsiTipo")) ? 0 : qint16(rs->Entero(QStringLiteral("AsiTipo")));
         const QDate fecha = rs->Fecha(QStringLiteral("AsiFechaAsiento"));
         const qint32 empresa = qint32(rs->Entero(QStringLiteral("AsiEmpresa")));
@@ -496,7 +485,7 @@ std::optional<Fallo> AsientoDatos::EnviarPapelera(qint32 asiID, const QDateTime 
                            " Where AsiID = ? And AsiEstado <> 9") + condicion,
             valores);
         if (cambiadas != 1)
-            return modificado();
+            return rechazo(kModificado, texto(kModificado));
 
         if (m_libros.apertura != 0 && libro == m_libros.apertura && m_libros.cierre != 0) {
             auto cierres = m_conexion->Abrir(QStringLiteral("Select AsiID From cceAsientos Where AsiEmpresa = ? And AsiTipo = ?"
@@ -563,7 +552,7 @@ std::optional<Fallo> AsientoDatos::RestaurarVersion(qint32 asiID, const QJsonObj
         // An entry that comes back among the live ones obeys the closed accounts as any write
         // at its date does; one that goes to the trash does not need to.
         if (c.Estado != EstadoAsiento::kPapelera && hayCuentasCerradas(c.Fecha))
-            return rechazo(kCuentaCerrada, QStringLiteral("hay cuentas cerradas al %1").arg(c.Fecha.toString(Qt::ISODate)));
+            return rechazo(kCuentaCerrada, texto(2143).arg(c.Fecha.toString(Qt::ISODate)));
     } catch (const ErrorBaseDatos &e) {
         return deLaBase(e);
     }
@@ -582,7 +571,7 @@ std::optional<Fallo> AsientoDatos::EliminarDefinitivo(qint32 asiID, const QDateT
         QVariantList valores{asiID};
         const QString condicion = condicionSello(m_conexion->motor(), selloLeido, valores);
         if (m_conexion->Ejecutar(QStringLiteral("Update cceAsientos Set AsiEstado = AsiEstado Where AsiID = ?") + condicion, valores) != 1)
-            return modificado();
+            return rechazo(kModificado, texto(kModificado));
         const QJsonObject antes = HistorialAsiento::LeerGuardado(*m_conexion, asiID);
         m_conexion->Ejecutar(QStringLiteral("Delete From cceAsientoCuenta Where ACuIDAsiento = ?"), {asiID});
         m_conexion->Ejecutar(QStringLiteral("Delete From cceAsientos Where AsiID = ?"), {asiID});

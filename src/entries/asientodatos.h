@@ -12,6 +12,7 @@
 #include <QStringList>
 #include <QVector>
 
+#include <functional>
 #include <optional>
 
 // Characters the legend column holds (AsiLeyenda, MFrLeyenda) on every engine.
@@ -119,6 +120,9 @@ public:
 
     // The user who makes the writes, for the audit trail; 0: the entry's own user.
     void FijarUsuario(qint16 usuario) { m_usuario = usuario; }
+    // The catalogue, in the user's language, for the details of refusals; without it a
+    // detail is the number of its text.
+    void FijarTextos(std::function<QString(int)> texto) { m_texto = std::move(texto); }
 
     // Loads the stored header and lines (lines in the order they were entered).
     [[nodiscard]] std::optional<Fallo> CargarAsiento(qint32 asiID);
@@ -186,9 +190,11 @@ private:
     void redondearLineas();
     std::optional<Fallo> leyendaAdmitida() const;
     qint16 autor() const { return m_usuario ? m_usuario : m_cabezal.Usuario; }
+    QString texto(int numero) const { return m_texto ? m_texto(numero) : QString::number(numero); }
 
     Conexion *m_conexion = nullptr;
     qint16 m_usuario = 0;
+    std::function<QString(int)> m_texto;
     LibrosSistema m_libros;
     CabezalDatos m_cabezal;
     QVector<LineaDatos> m_lineas;

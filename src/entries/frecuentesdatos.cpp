@@ -37,8 +37,9 @@ ResultadoBalance MovimientoFrecuente::Balance(qint16 monedaContabilidad, Catalog
     return CalcularBalance(lineas, monedaContabilidad, monedas);
 }
 
-FrecuentesDatos::FrecuentesDatos(Conexion &conexion)
+FrecuentesDatos::FrecuentesDatos(Conexion &conexion, std::function<QString(int)> texto)
     : m_conexion(conexion)
+    , m_texto(std::move(texto))
 {
 }
 
@@ -82,7 +83,7 @@ std::optional<Fallo> FrecuentesDatos::Guardar(MovimientoFrecuente &m)
 {
     for (const LineaDatos &l : std::as_const(m.Lineas)) {
         if (!std::isfinite(l.Tasa) || l.Importe.abs() > Importe::MaximoLinea() || l.ImporteMC.abs() > Importe::MaximoLinea())
-            return Fallo{0, QStringLiteral("importe no válido en la cuenta %1").arg(l.Cuenta)};
+            return Fallo{0, texto(2142).arg(l.Cuenta)};
     }
     // A failed write leaves the template as it was: a new one keeps no id of a row rolled back.
     const qint32 idAntes = m.MFrID;
@@ -105,7 +106,7 @@ std::optional<Fallo> FrecuentesDatos::Guardar(MovimientoFrecuente &m)
                                                    " MFrUsuarioVerificador = ?, MFrUsuario = ? Where MFrID = ?"),
                                     valores)
                 != 1)
-                return Fallo{0, QStringLiteral("el asiento frecuente %1 ya no existe").arg(m.MFrID)};
+                return Fallo{0, texto(2144).arg(m.MFrID)};
         }
         escribirLineas(m);
         tx.Confirmar();
@@ -249,7 +250,7 @@ std::optional<Fallo> FrecuentesDatos::Registrar(const MovimientoFrecuente &m, co
 {
     asiID = 0;
     if (m.Lineas.isEmpty())
-        return Fallo{0, QStringLiteral("el asiento frecuente no tiene líneas")};
+        return Fallo{0, texto(2145)};
     try {
         Transaccion tx(m_conexion);
         if (m.Agendado()) {
@@ -259,10 +260,11 @@ std::optional<Fallo> FrecuentesDatos::Registrar(const MovimientoFrecuente &m, co
                                                    " Where MFrID = ? And MFrFechaProxima = ?"),
                                     {Conexion::ValorFecha(SiguienteFecha(m)), m.MFrID, Conexion::ValorFecha(m.FechaProxima)})
                 != 1)
-                return Fallo{0, QStringLiteral("El asiento agendado ya fue registrado en esa fecha.")};
+                return Fallo{0, texto(2146)};
         }
         AsientoDatos datos(m_conexion, libros);
         datos.FijarUsuario(usuario);
+        datos.FijarTextos(m_texto);
         CabezalDatos &d = datos.Cabezal();
         d.Empresa = m.Empresa;
         d.Usuario = usuario;
@@ -283,7 +285,7 @@ std::optional<Fallo> FrecuentesDatos::Registrar(const MovimientoFrecuente &m, co
         if (!cerradas)
             return cerradas.fallo();
         if (*cerradas)
-            return Fallo{0, QStringLiteral("Hay cuentas cerradas a la fecha %1.").arg(fecha.toString(QStringLiteral("dd/MM/yyyy")))};
+            return Fallo{0, texto(2147).arg(fecha.toString(QStringLiteral("dd/MM/yyyy")))};
         // The template's command tells any refusal with its own text and this detail.
         if (auto fallo = datos.GrabarTodo())
             return Fallo{0, fallo->detalle, fallo->deLaBase};

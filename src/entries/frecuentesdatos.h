@@ -11,6 +11,7 @@
 #include <QString>
 #include <QVector>
 
+#include <functional>
 #include <optional>
 
 // A frequent entry: a template of an entry's header and lines that the user registers again
@@ -44,7 +45,9 @@ class FrecuentesDatos
 public:
     static constexpr const char *kRecurrenciaAgendado = "mensual";
 
-    explicit FrecuentesDatos(Conexion &conexion);
+    // texto: the catalogue, in the user's language, for the details of refusals; without it
+    // a detail is the number of its text.
+    explicit FrecuentesDatos(Conexion &conexion, std::function<QString(int)> texto = {});
 
     // Stores a template from an entry's header and lines (in their order); its MFrID goes
     // into mfrID (0 on failure). A scheduled one is first due on the entry's date, or with
@@ -87,5 +90,8 @@ private:
     void escribirLineas(const MovimientoFrecuente &m);
     MovimientoFrecuente cabezalDe(Recordset &rs) const;
 
+    QString texto(int numero) const { return m_texto ? m_texto(numero) : QString::number(numero); }
+
     Conexion &m_conexion;
+    std::function<QString(int)> m_texto;
 };

@@ -193,71 +193,114 @@ Resultado<QList<EnPapelera>> Papelera(Conexion &conexion, qint32 empresa)
     });
 }
 
-QString NombreOperacion(const QString &operacion)
+QString NombreOperacion(const QString &operacion, const Textos &texto)
 {
-    static const std::pair<const char *, const char *> nombres[] = {
-        {kAlta, "Alta"}, {kCambio, "Cambio"}, {kEstado, "Cambio de estado"}, {kPapelera, "A la papelera"},
-        {kEliminacion, "Eliminado"}, {kRestauracion, "Restauración"}, {kDeshacer, "Deshecho"}};
-    for (const auto &[clave, nombre] : nombres)
+    static const std::pair<const char *, int> nombres[] = {{kAlta, 2111},     {kCambio, 2112},      {kEstado, 2113},
+                                                           {kPapelera, 2114}, {kEliminacion, 2115}, {kRestauracion, 2116},
+                                                           {kDeshacer, 2117}};
+    for (const auto &[clave, numero] : nombres)
         if (operacion == QLatin1String(clave))
-            return QString::fromUtf8(nombre);
+            return texto(numero);
     return operacion;
 }
 
-QStringList Diferencias(const QJsonObject &antes, const QJsonObject &despues)
+namespace {
+
+// An entry's header fields and lines in the user's words, as the history shows them.
+class EnPalabras
 {
-    QStringList cambios;
-    const QLocale local;
-    auto importe = [&local](const QJsonValue &v) { return local.toString(v.toDouble(), 'f', 2); };
-    auto estado = [](const QJsonValue &v) {
-        switch (v.toInt(-1)) {
-        case 0:
-            return QStringLiteral("Borrador");
-        case 1:
-            return QStringLiteral("Registrado");
-        case 2:
-            return QStringLiteral("Inconcluso");
-        case 9:
-            return QStringLiteral("En la papelera");
-        default:
-            return QStringLiteral("(nada)");
-        }
-    };
-    // A book or an authoriser of 0 is none, as an empty column is.
-    auto codigo = [](const QJsonValue &v) { return v.toInt(0) == 0 ? QStringLiteral("(ninguno)") : QString::number(v.toInt()); };
-    auto texto = [](const QJsonValue &v) { return v.isString() ? QLatin1Char('"') + v.toString() + QLatin1Char('"') : QStringLiteral("(nada)"); };
+public:
+    explicit EnPalabras(const Textos &texto)
+        : m_texto(texto)
+        , m_nada(texto(2125))
+        , m_ninguno(texto(1169))
+    {
+    }
+
     struct Campo
     {
-        const char *clave, *nombre;
-        std::function<QString(const QJsonValue &)> mostrar;
+        const char *clave;
+        int nombre;
+        QString (EnPalabras::*mostrar)(const QJsonValue &) const;
     };
-    const Campo campos[] = {{"Estado", "Estado", estado}, {"Fecha", "Fecha", texto}, {"Leyenda", "Leyenda", texto},
-                            {"Libro", "Libro", codigo}, {"Autoriza", "Autoriza", codigo}};
-    for (const Campo &c : campos) {
-        const QString a = c.mostrar(antes.value(QLatin1String(c.clave)));
-        const QString d = c.mostrar(despues.value(QLatin1String(c.clave)));
+    static const Campo kCampos[5];
+
+    QString nombre(const Campo &c) const { return m_texto(c.nombre); }
+    QString valor(const Campo &c, const QJsonObject &asiento) const { return (this->*c.mostrar)(asiento.value(QLatin1String(c.clave))); }
+
+    // "cuenta 1.1.01 debe 100,00": by its code, or its number when the code is unknown.
+    QString linea(const QJsonObject &l) const
+    {
+        const bool debe = !l.value(QStringLiteral("Debe")).isNull();
+        const QString cuenta = l.value(QStringLiteral("Codigo")).toString();
+        return m_texto(2126).arg(cuenta.isEmpty() ? QString::number(l.value(QStringLiteral("Cuenta")).toInteger()) : cuenta,
+                                 m_texto(debe ? 2065 : 2066),
+                                 m_local.toString(l.value(debe ? QStringLiteral("Debe") : QStringLiteral("Haber")).toDouble(), 'f', 2));
+    }
+
+private:
+    QString estado(const QJsonValue &v) const
+    {
+        switch (v.toInt(-1)) {
+        case EstadoAsiento::kBorrador:
+            return m_texto(2012);
+        case EstadoAsiento::kRegistrado:
+            return m_texto(2123);
+        case EstadoAsiento::kInconcluso:
+            return m_texto(2013);
+        case EstadoAsiento::kPapelera:
+            return m_texto(2124);
+        default:
+            return m_nada;
+        }
+    }
+    // A book or an authoriser of 0 is none, as an empty column is.
+    QString codigo(const QJsonValue &v) const { return v.toInt(0) == 0 ? m_ninguno : QString::number(v.toInt()); }
+    QString literal(const QJsonValue &v) const { return v.isString() ? QLatin1Char('"') + v.toString() + QLatin1Char('"') : m_nada; }
+
+    const Textos &m_texto;
+    const QString m_nada, m_ninguno;
+    const QLocale m_local;
+};
+
+const EnPalabras::Campo EnPalabras::kCampos[5] = {{"Estado", 2118, &EnPalabras::estado}, {"Fecha", 2119, &EnPalabras::literal},
+                                                  {"Leyenda", 2120, &EnPalabras::literal}, {"Libro", 2121, &EnPalabras::codigo},
+                                                  {"Autoriza", 2122, &EnPalabras::codigo}};
+
+} // namespace
+
+QStringList Diferencias(const QJsonObject &antes, const QJsonObject &despues, const Textos &texto)
+{
+    const EnPalabras palabras(texto);
+    QStringList cambios;
+    for (const EnPalabras::Campo &c : EnPalabras::kCampos) {
+        const QString a = palabras.valor(c, antes);
+        const QString d = palabras.valor(c, despues);
         if (a != d)
-            cambios << QStringLiteral("%1: %2 → %3").arg(QLatin1String(c.nombre), a, d);
+            cambios << QStringLiteral("%1: %2 → %3").arg(palabras.nombre(c), a, d);
     }
     const QJsonArray la = antes.value(QStringLiteral("Lineas")).toArray();
     const QJsonArray ld = despues.value(QStringLiteral("Lineas")).toArray();
-    auto linea = [&importe](const QJsonObject &l) {
-        const bool debe = !l.value(QStringLiteral("Debe")).isNull();
-        const QString cuenta = l.value(QStringLiteral("Codigo")).toString();
-        return QStringLiteral("cuenta %1 %2 %3")
-            .arg(cuenta.isEmpty() ? QString::number(l.value(QStringLiteral("Cuenta")).toInteger()) : cuenta,
-                 debe ? QStringLiteral("debe") : QStringLiteral("haber"),
-                 importe(l.value(debe ? QStringLiteral("Debe") : QStringLiteral("Haber"))));
-    };
     if (la != ld) {
         for (const QJsonValue &v : la)
             if (!ld.contains(v))
-                cambios << QStringLiteral("− ") + linea(v.toObject());
+                cambios << QStringLiteral("− ") + palabras.linea(v.toObject());
         for (const QJsonValue &v : ld)
             if (!la.contains(v))
-                cambios << QStringLiteral("+ ") + linea(v.toObject());
+                cambios << QStringLiteral("+ ") + palabras.linea(v.toObject());
     }
     return cambios;
+}
+
+QStringList Version(const QJsonObject &asiento, const Textos &texto)
+{
+    const EnPalabras palabras(texto);
+    QStringList filas;
+    for (const EnPalabras::Campo &c : EnPalabras::kCampos)
+        filas << QStringLiteral("%1: %2").arg(palabras.nombre(c), palabras.valor(c, asiento));
+    for (const QJsonValue &l : asiento.value(QStringLiteral("Lineas")).toArray())
+        filas << palabras.linea(l.toObject());
+    return filas;
 }
 
 } // namespace HistorialAsiento

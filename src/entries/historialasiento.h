@@ -8,6 +8,7 @@
 #include <QList>
 #include <QString>
 
+#include <functional>
 #include <optional>
 
 // The audit trail of entries: every write of an entry leaves one row, in the same
@@ -61,8 +62,11 @@ Resultado<QList<Fila>> Leer(Conexion &conexion, qint32 asiID);
 // has no history.
 Resultado<std::optional<Fila>> Ultimo(Conexion &conexion, qint32 asiID);
 
-// The kind of a write in words ("Alta", "Cambio", ...).
-QString NombreOperacion(const QString &operacion);
+// Catalogue text by its number, in the user's language: the words below come from it.
+using Textos = std::function<QString(int)>;
+
+// The kind of a write in words ("Alta", "Cambio", ...); an unknown kind as stored.
+QString NombreOperacion(const QString &operacion, const Textos &texto);
 
 // One row by its id; none when there is no such row.
 Resultado<std::optional<Fila>> LeerFila(Conexion &conexion, qint64 id);
@@ -84,6 +88,8 @@ Resultado<QList<EnPapelera>> Papelera(Conexion &conexion, qint32 empresa);
 
 // What changed between before and after, in words: one line per header field that
 // changed, and the lines added, removed or changed.
-QStringList Diferencias(const QJsonObject &antes, const QJsonObject &despues);
+QStringList Diferencias(const QJsonObject &antes, const QJsonObject &despues, const Textos &texto);
+// An entry as the history keeps it, in words: one line per header field, then its lines.
+QStringList Version(const QJsonObject &asiento, const Textos &texto);
 
 } // namespace HistorialAsiento

@@ -139,7 +139,7 @@ std::optional<Fallo> EscribirHTML(const FuenteDeGrilla &g, const QString &ruta, 
         return fallo;
     if (!escrito) {
         archivo.cancelWriting();
-        return noSeEscribio(QStringLiteral("no se pudo escribir (¿disco lleno?)"));
+        return Fallo{kNoSeEscribioEntero, QString()};
     }
     if (!archivo.commit())
         return noSeEscribio(archivo.errorString());
@@ -189,7 +189,7 @@ std::optional<Fallo> EscribirCSV(const FuenteDeGrilla &g, const QString &ruta, c
     if (!filas)
         return filas.fallo();
     if (!escrito || archivo.write(bloque) != bloque.size())
-        return noSeEscribio(QStringLiteral("no se pudo escribir (¿disco lleno?)"));
+        return Fallo{kNoSeEscribioEntero, QString()};
     if (!archivo.commit())
         return noSeEscribio(archivo.errorString());
     if (avance)
@@ -324,7 +324,7 @@ std::optional<Fallo> EscribirLibro(const FuenteDeGrilla &g, const QString &ruta,
     opciones.tmpdir = const_cast<char *>(carpetaTemporal.constData());
     lxw_workbook *libro = Xlsx().workbook_new_opt(rutaProvisoria.constData(), &opciones);
     if (!libro)
-        return noSeEscribio(QStringLiteral("no se pudo crear el libro"));
+        return Fallo{kNoSeCreoLibro, QString()};
     // However the export ends, the workbook is let go.
     struct Cierre
     {

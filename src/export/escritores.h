@@ -32,8 +32,13 @@ QString TextoParaArchivo(const FuenteDeGrilla &g, int fila, int columna, bool ca
 
 // The files of an export. Each one is written beside its final name and put in its place
 // only when complete, so a failure never leaves a half-written file (nor harms one that
-// was there). On failure they answer text 1938 with the reason.
+// was there). On failure they answer text 1938 with the system's reason, or one of their
+// own reasons below, by the number of its text and with no detail (ExportacionGrilla::Escribir
+// tells it under 1938 in the user's words).
 namespace Escritores {
+
+inline constexpr int kNoSeEscribioEntero = 2177; // the file could not be written whole (a full disk?)
+inline constexpr int kNoSeCreoLibro = 2178;      // the workbook could not be made
 
 // Comma-separated text, RFC 4180: the visible rows and columns, the caption row included,
 // fields with a comma, a quote or a line break quoted, quotes doubled, CRLF between

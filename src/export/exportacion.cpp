@@ -112,6 +112,11 @@ std::optional<Fallo> ExportacionGrilla::Escribir(int formato, const GrillaEnPant
                                          entorno.reloj->Ahora(), siguiente);
         break;
     }
+    // A writer's own reason is told in the user's words, under text 1938.
+    if (fallo && (fallo->numeroTexto == Escritores::kNoSeEscribioEntero || fallo->numeroTexto == Escritores::kNoSeCreoLibro)) {
+        fallo->detalle = entorno.texto ? entorno.texto(fallo->numeroTexto) : QString::number(fallo->numeroTexto);
+        fallo->numeroTexto = 1938;
+    }
     // A file that could not be written names itself; a part that could not be read is the
     // database's failure, told by the caller with its own text.
     if (fallo && !fallo->deLaBase)

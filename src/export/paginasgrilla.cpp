@@ -31,11 +31,12 @@ void PaginasGrilla::Limpiar()
     m_fijas.clear();
 }
 
-void PaginasGrilla::Componer(const FuenteGrilla &g, const QPageLayout &pagina, const QString &titulo)
+void PaginasGrilla::Componer(const FuenteGrilla &g, const QPageLayout &pagina, const QString &titulo, const QString &pie)
 {
     Limpiar();
     m_g = &g;
     m_titulo = titulo;
+    m_pie = pie;
     m_pagina = pagina;
 
     double total = 0;
@@ -146,7 +147,7 @@ void PaginasGrilla::DibujarPagina(QPainter &p, int n) const
     p.drawLine(QPointF(0, pie), QPointF(ancho, pie));
     p.setPen(QColor(0x66, 0x66, 0x66));
     p.drawText(QRectF(0, pie + 2, ancho, kAltoPie - 6), int(Qt::AlignRight | Qt::AlignVCenter),
-               QStringLiteral("Página %1 de %2").arg(n + 1).arg(Paginas()));
+               m_pie.arg(n + 1).arg(Paginas()));
 }
 
 void PaginasGrilla::DibujarFila(QPainter &p, int fila, double y) const

@@ -11,13 +11,14 @@ class QPainter;
 
 // A grid laid out on pages: the page heading (the title's "left|centre|right" parts) and
 // the fixed caption rows on every page, the rows that fit below them, the page number at
-// the foot. Widths follow the grid's (twips); a grid wider than the page is scaled down to
-// fit it. The layout keeps which rows and columns go where and the widths of the moment
-// it was made; the texts and colours are read from the grid when a page is painted.
+// the foot (its text given in the user's language, "%1" the page and "%2" the count).
+// Widths follow the grid's (twips); a grid wider than the page is scaled down to fit it.
+// The layout keeps which rows and columns go where and the widths of the moment it was
+// made; the texts and colours are read from the grid when a page is painted.
 class PaginasGrilla
 {
 public:
-    void Componer(const FuenteGrilla &grilla, const QPageLayout &pagina, const QString &titulo);
+    void Componer(const FuenteGrilla &grilla, const QPageLayout &pagina, const QString &titulo, const QString &pie);
     void Limpiar();
 
     int Paginas() const { return int(m_paginas.size()); }
@@ -42,6 +43,7 @@ private:
 
     const FuenteGrilla *m_g = nullptr;
     QString m_titulo;
+    QString m_pie;
     QPageLayout m_pagina;
     double m_escala = 1;                 // grid points to paper points
     std::vector<int> m_columnas;         // the visible columns

@@ -300,7 +300,7 @@ void MovimientosFrecuentes::bfOK_Click()
     m.FechaProxima = proxima;
     if (!m.Fecha.isValid())
         m.Fecha = chkAgendar->isChecked() ? odDesde->date() : m_datos.reloj().Hoy();
-    FrecuentesDatos datos(*m_datos.conexion());
+    FrecuentesDatos datos(*m_datos.conexion(), m_datos.texto);
     if (const auto fallo = datos.Guardar(m)) {
         m_datos.Error(1908, fallo->detalle);
         return;

@@ -112,7 +112,7 @@ void RegistroFrecuentes::llenarLista()
     lvFrecuentes->clear();
     if (!m_datos.conexion())
         return;
-    FrecuentesDatos datos(*m_datos.conexion());
+    FrecuentesDatos datos(*m_datos.conexion(), m_datos.texto);
     QList<qint32> vistos;
     auto agregar = [&](const MovimientoFrecuente &m, bool vencido) {
         vistos << m.MFrID;
@@ -209,7 +209,7 @@ void RegistroFrecuentes::mostrarLineas()
 qint32 RegistroFrecuentes::registrar(const MovimientoFrecuente &m, const QDate &fecha)
 {
     const Ocupado ocupado;
-    FrecuentesDatos datos(*m_datos.conexion());
+    FrecuentesDatos datos(*m_datos.conexion(), m_datos.texto);
     qint32 id = 0;
     if (const auto fallo = datos.Registrar(m, fecha, m_datos.usuario, m_datos.librosSistema(), m_datos.asiSaveB, id))
         m_datos.Error(1912, fallo->detalle);

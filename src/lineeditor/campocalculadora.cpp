@@ -122,6 +122,13 @@ void CampoCalculadora::FijarFondo(const QColor &color)
     setPalette(p);
 }
 
+QString CampoCalculadora::TextoConMascara(const QString &mascara) const
+{
+    if (!EsNumeroValido())
+        return {};
+    return mascara.isEmpty() ? ::Mascara(QString()).FormatearNumero(Valor(), locale()) : ::Mascara(mascara).Formatear(Valor(), locale());
+}
+
 void CampoCalculadora::mostrar()
 {
     // With the focus the field shows the plain number to edit; without it, the mask.

@@ -28,6 +28,9 @@ public:
     bool EsTextoInvalido() const;
     void FijarValor(double valor);
     void Limpiar();
+    // The value written by a mask (the plain number for none); empty when the text is empty
+    // or no number.
+    QString TextoConMascara(const QString &mascara) const;
 
     void FijarMascara(const QString &mascara);
     QString Mascara() const { return m_mascara; }

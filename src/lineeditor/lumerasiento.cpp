@@ -52,6 +52,12 @@ lumERAsiento::lumERAsiento(ContextoLinea contexto, QWidget *padre)
     for (CampoCalculadora *c : {ocImporte, ocTCambio, ocImporteMC})
         connect(c, &CampoCalculadora::TextoInvalido, this, [this, c] { RechazarNumero(c); }, Qt::QueuedConnection);
 
+    // A screen reader hears what the line holds whenever it changes.
+    for (QLineEdit *e : {tDebe, tHaber, static_cast<QLineEdit *>(ocImporte), static_cast<QLineEdit *>(ocTCambio),
+                         static_cast<QLineEdit *>(ocImporteMC)})
+        connect(e, &QLineEdit::textChanged, this, &lumERAsiento::decirContenido);
+    connect(cfMoneda, &QComboBox::currentIndexChanged, this, &lumERAsiento::decirContenido);
+
     InitRegistro();
     acomodar();
 }
@@ -74,6 +80,43 @@ void lumERAsiento::AsignarTextos()
     ocImporte->setAccessibleName(m_ctx.texto(2093));
     ocTCambio->setAccessibleName(m_ctx.texto(2094));
     ocImporteMC->setAccessibleName(m_ctx.texto(2095));
+}
+
+QString lumERAsiento::TextoAccesible() const
+{
+    if (!m_ctx.texto)
+        return {};
+    QStringList partes;
+    auto agregar = [&partes](const QString &t) {
+        if (!t.trimmed().isEmpty())
+            partes << t.trimmed();
+    };
+    // The side is the box with an account, or with text typed when neither has one yet.
+    const bool alDebe = m_debe.lCta >= 1 || (m_haber.lCta < 1 && !tDebe->text().trimmed().isEmpty());
+    QLineEdit *cuenta = alDebe ? tDebe : tHaber;
+    if (cuenta->text().trimmed().isEmpty())
+        return {};
+    agregar(m_ctx.texto(alDebe ? 1069 : 1070).trimmed() + u' ' + cuenta->text().trimmed());
+    // Amounts and the rate by their currencies' masks, as the grid shows them.
+    const qint16 moneda = MonedaCombo();
+    if (const QString importe = ocImporte->TextoConMascara(mascaraImporte(moneda)); !importe.isEmpty())
+        agregar(importe + u' ' + cfMoneda->currentText());
+    if (const QString tasa = ocTCambio->TextoConMascara(mascaraTasa(moneda)); ocTCambio->isEnabled() && !tasa.isEmpty()) {
+        // The converted amount is in the currency the amount is not typed in.
+        const qint16 deCuenta = (alDebe ? m_debe : m_haber).iMon;
+        const qint16 otra = moneda == m_ctx.monedaContabilidad ? deCuenta : m_ctx.monedaContabilidad;
+        agregar(m_ctx.texto(1063).trimmed() + u' ' + (m_operador.isEmpty() ? QString() : m_operador + u' ') + tasa);
+        if (const QString convertido = ocImporteMC->TextoConMascara(mascaraImporte(otra)); !convertido.isEmpty())
+            agregar(convertido + u' ' + simbolo(otra).trimmed());
+    }
+    return partes.join(QStringLiteral(", "));
+}
+
+void lumERAsiento::decirContenido()
+{
+    const QString texto = TextoAccesible();
+    if (texto != accessibleDescription())
+        setAccessibleDescription(texto);
 }
 
 CampoCalculadora *lumERAsiento::campo(int codigo) const

@@ -97,6 +97,11 @@ public:
 
     QLineEdit *campoCuenta(bool debe) const { return debe ? tDebe : tHaber; }
     QComboBox *listaMonedas() const { return cfMoneda; }
+    // What the line holds, as a screen reader says it (and as the grid says a line): its side
+    // and account, the amount and its currency, and for a foreign currency the rate and the
+    // other currency's amount; empty while nothing is typed. It is the editor's accessible
+    // description, kept up to date as the fields change.
+    QString TextoAccesible() const;
     CampoCalculadora *campo(int codigo) const;
     // The line's fields in the order Enter and Tab go through them.
     QList<QWidget *> camposEnOrden() const;
@@ -126,6 +131,7 @@ private:
     void QuitarCuenta(bool bEsAlDebe);
     void Advertir(int texto, QWidget *foco);
     void AsignarTextos();
+    void decirContenido();
 
     // Amounts.
     void AgregarMoneda(qint16 moneda);

@@ -1,5 +1,7 @@
 #include "comandoshost.h"
 
+#include <QFile>
+
 namespace ComandoHost {
 
 const QString kMarco = QStringLiteral("centro");
@@ -42,6 +44,16 @@ QString PaginaAyuda(const QString &direccion)
 {
     const qsizetype barra = qMax(direccion.lastIndexOf(QLatin1Char('\\')), direccion.lastIndexOf(QLatin1Char('|')));
     return direccion.mid(barra + 1);
+}
+
+QString RecursoAyuda(const QString &pagina, int idioma)
+{
+    if (idioma == 2) {
+        const QString ingles = QStringLiteral(":/help/en/") + pagina;
+        if (QFile::exists(ingles))
+            return ingles;
+    }
+    return QStringLiteral(":/help/") + pagina;
 }
 
 } // namespace ComandoHost

@@ -30,5 +30,8 @@ Tipo TipoDe(const QString &direccion);
 QString Parametro(const QString &direccion);
 // The page file named by a help address ("ingreso_de_asientos.htm").
 QString PaginaAyuda(const QString &direccion);
+// Where the program keeps a help page in a language: ":/help/en/" for English (2) when it
+// has that page, ":/help/" (Spanish) otherwise.
+QString RecursoAyuda(const QString &pagina, int idioma);
 
 } // namespace ComandoHost

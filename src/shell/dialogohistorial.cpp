@@ -3,7 +3,6 @@
 #include <QDialogButtonBox>
 #include <QHeaderView>
 #include <QJsonArray>
-#include <QJsonDocument>
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QPushButton>
@@ -34,11 +33,11 @@ DialogoHistorial::DialogoHistorial(qint32 asiID, const QList<HistorialAsiento::F
     for (int i = 0; i < filas.size(); ++i) {
         const HistorialAsiento::Fila &f = filas[i];
         const QString usuario = f.nombreUsuario.isEmpty() ? QString::number(f.usuario) : f.nombreUsuario;
-        const QStringList cambios = HistorialAsiento::Diferencias(f.antes, f.despues);
+        const QStringList cambios = HistorialAsiento::Diferencias(f.antes, f.despues, m_texto);
         const QString resumen = f.antes.isEmpty() ? m_texto(2046).arg(f.despues.value(QStringLiteral("Lineas")).toArray().size())
                               : f.despues.isEmpty() ? m_texto(2047).arg(f.antes.value(QStringLiteral("Lineas")).toArray().size())
                                                     : cambios.join(QStringLiteral("; "));
-        const QStringList celdas{f.momento.toString(formato), usuario, HistorialAsiento::NombreOperacion(f.operacion), resumen};
+        const QStringList celdas{f.momento.toString(formato), usuario, HistorialAsiento::NombreOperacion(f.operacion, m_texto), resumen};
         for (int c = 0; c < celdas.size(); ++c)
             m_tabla->setItem(i, c, new QTableWidgetItem(celdas[c]));
     }
@@ -99,10 +98,10 @@ void DialogoHistorial::mostrarDetalle(int fila)
         return;
     }
     const HistorialAsiento::Fila &f = m_filas[fila];
-    QStringList texto = HistorialAsiento::Diferencias(f.antes, f.despues);
-    auto json = [](const QJsonObject &o, const QString &sinNada) {
-        return o.isEmpty() ? sinNada : QString::fromUtf8(QJsonDocument(o).toJson(QJsonDocument::Indented));
+    QStringList texto = HistorialAsiento::Diferencias(f.antes, f.despues, m_texto);
+    auto version = [this](const QJsonObject &o, int sinNada) {
+        return o.isEmpty() ? m_texto(sinNada) : HistorialAsiento::Version(o, m_texto).join(QLatin1Char('\n'));
     };
-    texto << QString() << m_texto(2048) << json(f.antes, m_texto(2050)) << m_texto(2049) << json(f.despues, m_texto(2051));
+    texto << QString() << m_texto(2048) << version(f.antes, 2050) << QString() << m_texto(2049) << version(f.despues, 2051);
     m_detalle->setPlainText(texto.join(QLatin1Char('\n')));
 }

@@ -18,6 +18,7 @@ struct Compartido
 {
     std::unique_ptr<ComponenteIdioma> componente;
     int cuenta = 0;
+    int idioma = 0;
     bool aplicarAlProceso = false;
     std::unique_ptr<QTranslator> traduccionQt;
 };
@@ -142,6 +143,7 @@ int CrearComponenteIdioma(const QString &codigoAplicacion, const QString &nombre
                               DetalleError(429, QStringLiteral("No se puede crear el componente ") + nombre));
         return 0;
     }
+    c.idioma = idioma;
     c.componente->IDAppName = nombreAplicacion;
     c.componente->IDSLNG = secundario;
     ++c.cuenta;
@@ -199,6 +201,12 @@ void AplicarAlProceso(int idioma)
 void AplicarAlElegir(bool si)
 {
     compartido().aplicarAlProceso = si;
+}
+
+int Numero()
+{
+    const Compartido &c = compartido();
+    return c.componente ? c.idioma : 0;
 }
 
 const ComponenteIdioma *Actual()

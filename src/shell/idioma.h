@@ -54,6 +54,9 @@ QLocale LocaleDelPrograma(const QLocale &sistema, int idioma);
 void AplicarAlProceso(int idioma);
 void AplicarAlElegir(bool si);
 
+// The number of the language held (1 Spanish, 2 English); 0 when none is.
+int Numero();
+
 // For tests: what is held now.
 const ComponenteIdioma *Actual();
 int Cuenta();

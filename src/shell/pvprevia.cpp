@@ -17,9 +17,10 @@ int Twips(double puntos)
 
 } // namespace
 
-pvPrevia::pvPrevia(QWidget *dueno)
+pvPrevia::pvPrevia(QWidget *dueno, std::function<QString(int)> texto)
     : QObject(dueno)
     , m_dueno(dueno)
+    , m_texto(std::move(texto))
 {
     setObjectName(QStringLiteral("pvPrevia"));
 }
@@ -64,7 +65,7 @@ void pvPrevia::Preparar()
 void pvPrevia::Renderizar()
 {
     if (m_origen)
-        m_paginas.Componer(*m_origen, impresora().pageLayout(), m_titulo);
+        m_paginas.Componer(*m_origen, impresora().pageLayout(), m_titulo, m_texto(2133));
 }
 
 bool pvPrevia::Imprimir()
@@ -105,7 +106,7 @@ void pvPrevia::FijarVisible(bool visible)
     // again on the printer as it is when they are painted.
     connect(&dialogo, &QPrintPreviewDialog::paintRequested, this, [this](QPrinter *impresora) {
         if (m_origen)
-            m_paginas.Componer(*m_origen, impresora->pageLayout(), m_titulo);
+            m_paginas.Componer(*m_origen, impresora->pageLayout(), m_titulo, m_texto(2133));
         m_paginas.Imprimir(*impresora);
     });
     m_dialogo = &dialogo;

@@ -7,6 +7,7 @@
 #include <QObject>
 #include <QPrinter>
 
+#include <functional>
 #include <memory>
 
 class QPrintPreviewDialog;
@@ -21,7 +22,8 @@ class pvPrevia final : public QObject, public VistaImpresion
 {
     Q_OBJECT
 public:
-    explicit pvPrevia(QWidget *dueno);
+    // texto: the catalogue, for the pages' foot.
+    pvPrevia(QWidget *dueno, std::function<QString(int)> texto);
     ~pvPrevia() override;
 
     int ModoPagina() const override;
@@ -42,6 +44,7 @@ public:
 
 private:
     QWidget *m_dueno;
+    std::function<QString(int)> m_texto;
     mutable std::unique_ptr<QPrinter> m_impresora;
     PaginasGrilla m_paginas;
     const FuenteGrilla *m_origen = nullptr;

@@ -17,7 +17,7 @@
 
 void lumIngAsiento::conectarSalidas()
 {
-    m_pvPrevia = new pvPrevia(this);
+    m_pvPrevia = new pvPrevia(this, [this](int n) { return m_datos.texto(n); });
     m_impresion = std::make_unique<ImpresionGrilla>(m_grilla, *m_pvPrevia, [this] { m_vsGrid->setFocus(); },
                                                     m_vsGrid->logicalDpiX());
 

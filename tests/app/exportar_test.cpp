@@ -188,6 +188,14 @@ TEST_P(ExportarDesdeLinea, BusquedaEnLibroYPDF)
     const QString texto = QString::fromUtf8(p.readAllStandardOutput());
     for (const char *parte : {"Ingreso de Asientos", "Página 1 de ", "1.1.01"})
         EXPECT_TRUE(texto.contains(QString::fromUtf8(parte))) << parte;
+    // In English, the title and the pages' foot too.
+    ASSERT_EQ(correr(ruta("cash.pdf"), busqueda + QStringList{QStringLiteral("--lang"), QStringLiteral("2")}).estado, 0);
+    p.start(QStringLiteral("pdftotext"), {ruta("cash.pdf"), QStringLiteral("-")});
+    p.waitForFinished(60000);
+    const QString ingles = QString::fromUtf8(p.readAllStandardOutput());
+    for (const char *parte : {"Journal Entries", "Page 1 of ", "1.1.01"})
+        EXPECT_TRUE(ingles.contains(QString::fromUtf8(parte))) << parte;
+    EXPECT_FALSE(ingles.contains(QStringLiteral("Página")));
 
     ASSERT_EQ(correr(ruta("caja.htm"), busqueda).estado, 0);
     QFile pagina(ruta("caja.htm"));
@@ -217,6 +225,13 @@ TEST_P(ExportarDesdeLinea, PedidosMalosSeRechazanSinEscribir)
         {"x.csv", {"--mes", mes, "--user", "3"}, 1, "Acceso denegado: el usuario 3"},
         {"x.csv", {"--mes", mes, "--user", "99"}, 1, "Acceso denegado: el usuario 99"},
         {"x.csv", {"--mes", mes, "--company", "7"}, 1, "Acceso denegado: el usuario 1 no puede ver los asientos de la empresa 7"},
+        // In English, in English, wherever --lang stands.
+        {"x.csv", {"--lang", "2"}, 2, "Say which entries to export"},
+        {"x.doc", {"--mes", mes, "--lang", "2"}, 2, ".csv, .xlsx, .htm or .pdf"},
+        {"x.csv", {"--mes", "2026-13", "--lang", "2"}, 2, "--mes expects YYYY-MM"},
+        {"x.csv", {"--cuenta", "5.2", "--lang", "2"}, 1, "groups other accounts"},
+        {"x.csv", {"--mes", mes, "--user", "3", "--lang", "2"}, 1, "Access denied: user 3"},
+        {"x.csv", {"--nada", "--lang", "2"}, 2, "Unknown option: --nada"},
     };
     for (const auto &c : casos) {
         SCOPED_TRACE((QString::fromLatin1(c.archivo) + QLatin1Char(' ') + c.argumentos.join(QLatin1Char(' '))).toStdString());
@@ -247,6 +262,6 @@ TEST(PedidoExportacion, FechasDeLaBusqueda)
                                               std::tuple{"2026-01-31", "2026-01-31", true}, std::tuple{"2026-02-01", "2026-01-31", false}}) {
         p.criterios.prmFInit = QString::fromLatin1(desde);
         p.criterios.prmFEnd = QString::fromLatin1(hasta);
-        EXPECT_EQ(p.Validar().isEmpty(), valido) << desde << " " << hasta;
+        EXPECT_EQ(p.Validar([](int n) { return QString::number(n); }).isEmpty(), valido) << desde << " " << hasta;
     }
 }

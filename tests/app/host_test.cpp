@@ -104,6 +104,17 @@ TEST_F(Host, AccesoDenegadoYAyuda)
     auto *texto = visor->findChild<QTextBrowser *>(QStringLiteral("textoAyuda"));
     EXPECT_TRUE(texto->toPlainText().contains(QStringLiteral("saldos iniciales"), Qt::CaseInsensitive));
     EXPECT_EQ(v->paginaActual(), v->documento()); // help never replaces the document
+
+    // In English the English page, and a link on it leads to the English one too.
+    v.reset();
+    v = abrir({"--user", "1", "--lang", "2"}, base.direccion());
+    v->Navegar(QStringLiteral("lumNav:navhelp?Main|asientos\\asiento_de_saldos_iniciales.htm"), QString());
+    QCoreApplication::processEvents();
+    texto = v->findChild<QTextBrowser *>(QStringLiteral("textoAyuda"));
+    ASSERT_NE(texto, nullptr);
+    EXPECT_TRUE(texto->toPlainText().contains(QStringLiteral("opening balance entry"))) << texto->toPlainText().left(200).toStdString();
+    texto->setSource(QUrl(QStringLiteral("ingreso_de_asientos.htm")));
+    EXPECT_TRUE(texto->toPlainText().startsWith(QStringLiteral("Journal Entries"))) << texto->toPlainText().left(200).toStdString();
 }
 
 // The window opens again as large as the user left it.

@@ -1,34 +1,12 @@
 #pragma once
 
 #include "comun/basesprueba.h"
+#include "comun/textoscatalogo.h"
 
 #include "editing/datosdocumento.h"
 #include "store/basedemo.h"
 
-#include <QFile>
-#include <QFileInfo>
-#include <QHash>
-
 #include <gtest/gtest.h>
-
-// The Spanish catalogue's text of a number, as the file holds it (the screens' own words, from
-// 2000 on, carry no escapes).
-inline QString TextoEspanol(int numero)
-{
-    static const QHash<int, QString> textos = [] {
-        QHash<int, QString> t;
-        // The catalogue lies in the sources' resources, two folders above the tests' helper script.
-        QFile f(QFileInfo(QStringLiteral(ASIENTOS_LEER_ARCHIVO)).absolutePath() + QStringLiteral("/../../resources/lang/LNG_TCO_001.txt"));
-        if (f.open(QIODevice::ReadOnly))
-            for (const QString &linea : QString::fromUtf8(f.readAll()).split(QLatin1Char('\n'))) {
-                const qsizetype tab = linea.indexOf(QLatin1Char('\t'));
-                if (tab > 0)
-                    t.insert(linea.left(tab).toInt(), linea.mid(tab + 1));
-            }
-        return t;
-    }();
-    return textos.value(numero);
-}
 
 // A document's session over a test database of the demo company, as a started document
 // holds it: parameters, company, currencies, the administrator's rights, the messages of

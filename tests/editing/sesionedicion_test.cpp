@@ -479,8 +479,11 @@ TEST_P(Edicion, UnRechazoSeDiceConSuTextoYUnFalloConElDelComando)
     ejecutar(QStringLiteral("Delete From cceAsientoCuenta Where ACuIDAsiento = ?"), {id});
     ejecutar(QStringLiteral("Delete From cceAsientos Where AsiID = ?"), {id});
     m_mensajes.mostrados.clear();
+    m_mensajes.detalles.clear();
     EXPECT_FALSE(m_comandos.GrabarCabezal());
     EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("error: 1923")});
+    // The store says why in the user's words.
+    EXPECT_EQ(m_mensajes.detalles, QStringList{TextoEspanol(2138).arg(id)});
 }
 
 INSTANCIAR_EN_MOTORES(Edicion);

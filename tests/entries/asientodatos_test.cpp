@@ -1,5 +1,7 @@
 #include "fixtureasientos.h"
 
+#include "comun/textoscatalogo.h"
+
 #include <gtest/gtest.h>
 
 #include <tuple>
@@ -84,6 +86,7 @@ TEST_P(Datos, PapeleraConSelloLosCierresDeLaAperturaYEliminarDefinitivo)
     libros.cierre = 92;
     libros.adc = 93;
     AsientoDatos a(d.conexion(), libros);
+    a.FijarTextos(TextoEspanol); // refusals are told in the user's words
     const qint32 id = nuevo(a);
     const QDateTime sello = a.Cabezal().FechaModificado;
     EXPECT_EQ(NumeroDe(a.EnviarPapelera(id, sello.addMSecs(-1))), AsientoDatos::kModificado); // someone saved since

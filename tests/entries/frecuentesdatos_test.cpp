@@ -1,5 +1,7 @@
 #include "fixtureasientos.h"
 
+#include "comun/textoscatalogo.h"
+
 #include "entries/frecuentesdatos.h"
 
 #include <gtest/gtest.h>
@@ -70,7 +72,7 @@ protected:
     }
 
     DatosAsientos d{GetParam()};
-    FrecuentesDatos f{d.conexion()};
+    FrecuentesDatos f{d.conexion(), TextoEspanol}; // refusals are told in the user's words
     LibrosSistema libros;
     const QVector<LineaDatos> unPeso{Linea(22, true, 1), Linea(10, false, 1)};
 };

@@ -119,7 +119,7 @@ TEST(PaginasGrilla, FilasPorPaginaEncabezadoYEscala)
     g.filasOcultas[7] = true;
     QPageLayout pagina(QPageSize(QPageSize::A4), QPageLayout::Portrait, QMarginsF(36, 36, 36, 36), QPageLayout::Point);
     PaginasGrilla p;
-    p.Componer(g, pagina, QStringLiteral("T||E"));
+    p.Componer(g, pagina, QStringLiteral("T||E"), QStringLiteral("%1 / %2"));
     const double alto = pagina.paintRect(QPageLayout::Point).height();
     const int porPagina = int((alto - PaginasGrilla::kAltoTitulo - PaginasGrilla::kAltoPie - PaginasGrilla::kAltoFila)
                               / PaginasGrilla::kAltoFila);
@@ -138,26 +138,26 @@ TEST(PaginasGrilla, FilasPorPaginaEncabezadoYEscala)
     // An entry's header row that would end a page goes to the next one with its lines.
     // (Row 7 is hidden, so the last place of the first page is row porPagina + 1.)
     g.combinadas.push_back({porPagina + 1, 1, porPagina + 1, 2});
-    p.Componer(g, pagina, QStringLiteral("T"));
+    p.Componer(g, pagina, QStringLiteral("T"), QStringLiteral("%1 / %2"));
     EXPECT_EQ(int(p.FilasDePagina(0).size()), porPagina - 1);
     EXPECT_EQ(p.FilasDePagina(1).front(), porPagina + 1);
 
     // Wider than the page: scaled down to the printable width.
     g.anchos = {20000, 10000, 10000};
-    p.Componer(g, pagina, QStringLiteral("T"));
+    p.Componer(g, pagina, QStringLiteral("T"), QStringLiteral("%1 / %2"));
     const double ancho = pagina.paintRect(QPageLayout::Point).width();
     EXPECT_NEAR(p.AnchoEnPapel(0) + p.AnchoEnPapel(1) + p.AnchoEnPapel(2), ancho, 1e-9);
     EXPECT_NEAR(p.AnchoEnPapel(0), ancho / 2, 1e-9);
     // A hidden column keeps its width in the grid, and takes none on paper.
     g.ocultas[1] = true;
-    p.Componer(g, pagina, QStringLiteral("T"));
+    p.Componer(g, pagina, QStringLiteral("T"), QStringLiteral("%1 / %2"));
     EXPECT_EQ(p.AnchoEnPapel(1), 0);
     EXPECT_NEAR(p.AnchoEnPapel(0) + p.AnchoEnPapel(2), ancho, 1e-9);
     g.ocultas[1] = false;
 
     // An empty grid still makes one page with its heading.
     GrillaFalsa vacia(1, 2);
-    p.Componer(vacia, pagina, QStringLiteral("T"));
+    p.Componer(vacia, pagina, QStringLiteral("T"), QStringLiteral("%1 / %2"));
     EXPECT_EQ(p.Paginas(), 1);
 }
 
@@ -170,7 +170,7 @@ TEST(PaginasGrilla, EncabezadoEnSusTresLugares)
     const QRectF area = pagina.paintRect(QPageLayout::Point);
     auto tinta = [&](const QString &titulo) {
         PaginasGrilla p;
-        p.Componer(g, pagina, titulo);
+        p.Componer(g, pagina, titulo, QStringLiteral("%1 / %2"));
         QImage imagen(area.size().toSize(), QImage::Format_RGB32);
         imagen.fill(Qt::white);
         QPainter pintor(&imagen);

@@ -154,6 +154,26 @@ TEST_F(EditorDeLinea, TasaDeUnaLineaEnMonedaExtranjera)
     }
 }
 
+// A screen reader is told what the line holds as it is typed, as the grid tells a stored
+// line: side and account, the amount in its currency, and a foreign line's rate and
+// converted amount; nothing on an empty line.
+TEST_F(EditorDeLinea, LaLineaDiceLoQueTiene)
+{
+    EXPECT_EQ(m_editor->accessibleDescription(), QString());
+    escribir(debe(), QStringLiteral("1.1.01"));
+    EXPECT_EQ(m_editor->accessibleDescription(), QStringLiteral("1069 1.1.01 - Caja"));
+    escribir(campo(lumERAsiento::kImporte), QStringLiteral("2500"));
+    EXPECT_EQ(m_editor->accessibleDescription(), QStringLiteral("1069 1.1.01 - Caja, %1 $").arg(QLocale().toString(2500.0, 'f', 2)));
+
+    m_editor->InitRegistro();
+    EXPECT_EQ(m_editor->accessibleDescription(), QString());
+    escribir(haber(), QStringLiteral("1.1.02"));
+    escribir(campo(lumERAsiento::kImporte), QStringLiteral("100"));
+    EXPECT_EQ(m_editor->accessibleDescription(),
+              QStringLiteral("1070 1.1.02 - Banco U$S, %1 U$S, 1063 * %2, %3 $")
+                  .arg(QLocale().toString(100.0, 'f', 2), QLocale().toString(40.0, 'f', 3), QLocale().toString(4000.0, 'f', 2)));
+}
+
 // An amount typed past its currency's cents is valued as the line keeps it.
 TEST_F(EditorDeLinea, ElImporteConMasDecimalesSeValuaComoSeGuarda)
 {

@@ -13,6 +13,8 @@
 
 #include <QApplication>
 #include <QComboBox>
+#include <QKeySequence>
+#include <QLabel>
 #include <QPushButton>
 #include <QTest>
 
@@ -364,6 +366,31 @@ TEST_P(DialogoBusqueda, DejarLaCuentaConTeclaORatonLaBusca)
     clic("bfOK");
     EXPECT_EQ(m_cuentas.pedidos, QStringList{QStringLiteral("banco")});
     EXPECT_FALSE(m_dialogo->isVisible());
+}
+
+// Each Alt key leads to one control only, in either language: the captions' marked letters
+// of the dialog as shown (with projects and departments) are all different.
+TEST_P(DialogoBusqueda, CadaTeclaAltLlevaAUnSoloControl)
+{
+    for (int idioma : {1, 2}) {
+        m_datos.texto = [idioma](int n) { return TextoEnIdioma(idioma, n); };
+        crear(true);
+        QHash<QString, QStringList> duenos;
+        for (QWidget *w : m_dialogo->findChildren<QWidget *>()) {
+            QString texto;
+            if (auto *l = qobject_cast<QLabel *>(w))
+                texto = l->text();
+            else if (auto *b = qobject_cast<QAbstractButton *>(w))
+                texto = b->text();
+            const QString tecla = QKeySequence::mnemonic(texto).toString();
+            if (!tecla.isEmpty() && w->isVisibleTo(m_dialogo.get()))
+                duenos[tecla] << w->objectName();
+        }
+        EXPECT_GE(duenos.size(), 10) << idioma;
+        for (auto it = duenos.cbegin(); it != duenos.cend(); ++it)
+            EXPECT_EQ(it.value().size(), 1) << "idioma " << idioma << ", " << it.key().toStdString() << ": "
+                                            << it.value().join(QStringLiteral(", ")).toStdString();
+    }
 }
 
 INSTANCIAR_EN_MOTORES(DialogoBusqueda);

@@ -6,17 +6,24 @@
 #include "frequent/movimientosfrecuentes.h"
 #include "frequent/registrofrecuentes.h"
 #include "search/frmfind.h"
+#include "editing/cambiosajenos.h"
+#include "shell/comandoshost.h"
 #include "shell/dialogohistorial.h"
 #include "shell/dialogopapelera.h"
+#include "shell/pvprevia.h"
 
 #include <QAbstractButton>
 #include <QFile>
 #include <QHeaderView>
 #include <QLabel>
 #include <QMenu>
+#include <QPlainTextEdit>
+#include <QProcess>
+#include <QPushButton>
 #include <QRegularExpression>
 #include <QSettings>
 #include <QTableWidget>
+#include <QTextDocument>
 #include <QToolButton>
 #include <QTreeWidget>
 
@@ -66,7 +73,9 @@ public:
         static const QRegularExpression palabras(
             QStringLiteral("\\b(Asientos?|Cuentas?|Buscar|Ayuda|Grabar|Historial|Libros?|Leyenda|Fecha|Cancelar|Aceptar|Debe|"
                            "Haber|Papelera|Restaurar|Cerrar|Borrador|Estado|Nombre|Importe|Moneda|Usuario|Eliminar|Agregar|"
-                           "Registrar|Guardar|Cambios|Barra|Tasa|Unificar|Línea)\\b"),
+                           "Registrar|Guardar|Cambios|Barra|Tasa|Unificar|Línea|Página|Atención|Modificado|Eliminado|"
+                           "Enviado|Alta|Cambio|Deshecho|Restauración|Registrado|ninguno|nada|por|el|la|las|los|del|se|"
+                           "una)\\b"),
             QRegularExpression::CaseInsensitiveOption | QRegularExpression::UseUnicodePropertiesOption);
         if (m_soloEspanol.contains(v) || palabras.match(v).hasMatch())
             fallas << donde + QStringLiteral(": ") + v;
@@ -126,6 +135,13 @@ public:
         }
     }
 
+    // Every line of a text shown whole (a page, a detail pane, a tooltip).
+    void lineas(const QString &donde, const QString &t)
+    {
+        for (const QString &l : t.split(QRegularExpression(QStringLiteral("[\r\n\f]"))))
+            texto(donde, l);
+    }
+
     QStringList fallas;
 
 private:
@@ -135,6 +151,26 @@ private:
                                                      QStringLiteral("cfAutoriza")};
     QSet<QString> m_soloEspanol;
 };
+
+// The text of a PDF file, pages apart by form feeds.
+QString TextoPDF(const QString &ruta)
+{
+    QProcess p;
+    p.start(QStringLiteral("pdftotext"), {QStringLiteral("-layout"), ruta, QStringLiteral("-")});
+    p.waitForFinished(60000);
+    EXPECT_EQ(p.exitCode(), 0) << p.readAllStandardError().toStdString();
+    return QString::fromUtf8(p.readAllStandardOutput());
+}
+
+// The text of the help page a help address opens in the language held.
+QString TextoAyuda(const QString &direccion)
+{
+    QFile f(ComandoHost::RecursoAyuda(ComandoHost::PaginaAyuda(direccion), Idioma::Numero()));
+    EXPECT_TRUE(f.open(QIODevice::ReadOnly)) << f.fileName().toStdString();
+    QTextDocument pagina;
+    pagina.setHtml(QString::fromUtf8(f.readAll()));
+    return pagina.toPlainText();
+}
 
 class EnIngles : public Escenario
 {
@@ -165,12 +201,57 @@ TEST_P(EnIngles, NingunTextoQuedaEnEspanol)
     vista(Vista::kPrimerMes);
     const qint32 id = asientoAlFinal(1, QStringLiteral("Compra"), {{"5.1.01", true, 100}, {"1.1.01", false, 100}}, 1);
     otroCambia(id, QStringLiteral("Compra con flete"));
+    // Another one the other session sends to the trash.
+    const qint32 tirado = asientoAlFinal(1, QStringLiteral("Venta"), {{"1.1.01", true, 50}, {"4.1.01", false, 50}}, 1);
+    {
+        AsientoDatos otro(m_base.conexion());
+        otro.FijarUsuario(Demo::kUsuarioContador);
+        ASSERT_TRUE(Bien(otro.CargarAsiento(tirado)));
+        ASSERT_FALSE(otro.EnviarPapelera(tirado, otro.Cabezal().FechaModificado));
+    }
     m_doc->grid()->FijarFilaActual(filaDe(id));
     r.ventana(m_doc.get(), QStringLiteral("documento"));
 
+    // The marks of the other session's writes say who did what, in the rows' tooltips.
+    // (Shown on screen: the entries in view are the ones looked at.)
+    for (const qint32 otro : {tirado, id}) {
+        m_doc->grid()->FijarFilaActual(filaDe(otro));
+        ASSERT_TRUE(QTest::qWaitFor([&] { return m_doc->grilla().Imagen(filaDe(otro)) == QLatin1String(CambiosAjenos::kImagen); }, 5000));
+        const QAbstractItemModel *m = m_doc->grid()->model();
+        const QString aviso = m->data(m->index(filaDe(otro) - m_doc->grilla().FilasFijas(), 0), Qt::ToolTipRole).toString();
+        EXPECT_FALSE(aviso.isEmpty());
+        r.texto(QStringLiteral("aviso de otro usuario"), aviso);
+    }
+
+    // The pages printed: the foot of each.
+    const QString pdf = m_carpeta.filePath(QStringLiteral("ingles.pdf"));
+    m_doc->previa()->FijarSalidaPDF(pdf);
+    elegir("MnuPriPrint");
+    const QStringList paginas = TextoPDF(pdf).split(QLatin1Char('\f'), Qt::SkipEmptyParts);
+    ASSERT_FALSE(paginas.isEmpty());
+    for (const QString &pagina : paginas) {
+        const QStringList filas = pagina.trimmed().split(QLatin1Char('\n'));
+        EXPECT_TRUE(filas.last().contains(QString::number(paginas.size()))) << filas.last().toStdString();
+        r.texto(QStringLiteral("pie de página"), filas.last());
+    }
+
+    // The help of the screen (F1), as the host opens it.
+    m_host.comandos.clear();
+    m_doc->grid()->setFocus();
+    QTest::keyClick(m_doc->grid(), Qt::Key_F1);
+    QApplication::processEvents();
+
+    // The search dialog, and its help button.
     EXPECT_EQ(ConDialogo<frmFind>([&] { m_doc->findChild<QToolButton *>(QStringLiteral("hlFind"))->click(); },
-                                  enVentana("búsqueda")),
+                                  [&r](frmFind &d) {
+                                      r.ventana(&d, QStringLiteral("búsqueda"));
+                                      d.findChild<QPushButton *>(QStringLiteral("bfHelp"))->click();
+                                  }),
               1);
+    ASSERT_EQ(m_host.comandos, (QStringList{ComandoHost::kAyudaIngreso, ComandoHost::kAyudaBusqueda}));
+    for (const QString &direccion : m_host.comandos)
+        r.lineas(QStringLiteral("ayuda ") + ComandoHost::PaginaAyuda(direccion), TextoAyuda(direccion));
+    r.lineas(QStringLiteral("ayuda de saldos iniciales"), TextoAyuda(ComandoHost::kAyudaSaldosIniciales));
     EXPECT_EQ(ConDialogo<RegistroFrecuentes>([&] {
                   elegir("MnuAFrRegistrar");
                   QTest::qWait(50);
@@ -183,10 +264,23 @@ TEST_P(EnIngles, NingunTextoQuedaEnEspanol)
               1);
     EXPECT_EQ(ConDialogo<GestorLibros>([&] { elegir("MnuEdiLibro"); }, enVentana("libros")), 1);
 
+    m_doc->grid()->FijarFilaActual(filaDe(id));
     elegir("MnuEdiHistorial");
     auto *historial = m_doc->findChild<DialogoHistorial *>();
     ASSERT_NE(historial, nullptr);
     r.ventana(historial, QStringLiteral("historial"));
+    // Each write: its kind, its changes, and the entry before and after it (the time and the
+    // user's name are the company's).
+    auto *escrituras = historial->findChild<QTableWidget *>(QStringLiteral("tablaHistorial"));
+    auto *detalle = historial->findChild<QPlainTextEdit *>(QStringLiteral("detalleHistorial"));
+    ASSERT_EQ(escrituras->rowCount(), 2);
+    for (int i = 0; i < escrituras->rowCount(); ++i) {
+        escrituras->setCurrentCell(i, 0);
+        for (int c = 2; c < escrituras->columnCount(); ++c)
+            r.texto(QStringLiteral("historial/escritura %1").arg(i), escrituras->item(i, c)->text());
+        EXPECT_FALSE(detalle->toPlainText().isEmpty());
+        r.lineas(QStringLiteral("historial/detalle %1").arg(i), detalle->toPlainText());
+    }
     elegir("MnuViePapelera");
     auto *papelera = m_doc->findChild<DialogoPapelera *>();
     ASSERT_NE(papelera, nullptr);
@@ -198,8 +292,17 @@ TEST_P(EnIngles, NingunTextoQuedaEnEspanol)
                                   enVentana("cuentas")),
               1);
 
+    // The opening-balance entry's question, with a title of its own, declined.
+    m_mensajes.titulosPreguntas.clear();
+    m_mensajes.Responder(ServicioMensajes::Respuesta::No);
+    elegir("MnuEdiAPA");
+    ASSERT_FALSE(m_mensajes.titulosPreguntas.isEmpty());
+    EXPECT_FALSE(m_mensajes.titulosPreguntas.first().isEmpty());
+
     for (int i = 0; i < m_mensajes.mostrados.size(); ++i)
         r.texto(QStringLiteral("mensaje"), m_mensajes.mostrados[i]);
+    for (const QString &t : m_mensajes.titulos + m_mensajes.titulosPreguntas + m_mensajes.detalles)
+        r.texto(QStringLiteral("título o detalle de un mensaje"), t);
     EXPECT_TRUE(r.fallas.isEmpty()) << r.fallas.join(QLatin1Char('\n')).toStdString();
 }
 

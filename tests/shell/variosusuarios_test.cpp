@@ -131,6 +131,7 @@ TEST_P(VariosUsuarios, LoQueNoSePuedeEscribirOLeerNoSePierde)
 
     // Below the screen, a longer legend is refused whole on both engines.
     AsientoDatos datos(m_base.conexion());
+    datos.FijarTextos(TextoEspanol);
     ASSERT_TRUE(Bien(datos.CargarAsiento(id)));
     datos.Cabezal().Leyenda = QString(kLargoLeyenda + 1, QLatin1Char('z'));
     const auto fallo = datos.GrabarTodo();

@@ -2,6 +2,7 @@
 #include "comun/basesprueba.h"
 #include "comun/columna.h"
 #include "comun/conexionespia.h"
+#include "comun/textoscatalogo.h"
 
 #include "entries/asientodatos.h"
 #include "entries/historialasiento.h"
@@ -488,11 +489,11 @@ TEST(HistorialEnPalabras, DiferenciasLegibles)
     despues.insert(QStringLiteral("Autoriza"), 0);
     despues.insert(QStringLiteral("Lineas"), QJsonArray{linea("1.1.01", true, 70000.5), linea("4.1.01", false, 68500)});
     const QLocale l;
-    EXPECT_EQ(HistorialAsiento::Diferencias(antes, despues),
+    EXPECT_EQ(HistorialAsiento::Diferencias(antes, despues, TextoEspanol),
               (QStringList{QStringLiteral("Estado: Borrador → Registrado"),
                            QStringLiteral("− cuenta 1.1.01 debe ") + l.toString(68500.0, 'f', 2),
                            QStringLiteral("+ cuenta 1.1.01 debe ") + l.toString(70000.5, 'f', 2)}));
-    EXPECT_TRUE(HistorialAsiento::Diferencias(antes, antes).isEmpty());
+    EXPECT_TRUE(HistorialAsiento::Diferencias(antes, antes, TextoEspanol).isEmpty());
 }
 
 } // namespace
