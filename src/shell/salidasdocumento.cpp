@@ -26,7 +26,12 @@ void lumIngAsiento::conectarSalidas()
             // A line being typed is finished first, so what is printed is what is stored.
             if (!TerminarEdicion())
                 return;
+            // Printing lays the grid out for paper and back, which lets go of the current
+            // row: the user comes back to the row they were on.
+            const int fila = m_vsGrid->FilaActual();
             funcion();
+            if (fila >= m_grilla.FilasFijas() && fila < m_grilla.Filas() && m_vsGrid->FilaActual() != fila)
+                m_vsGrid->FijarFilaActual(fila);
         });
     };
     alElegir("MnuPriPrevia", [this] { m_impresion->MnuPriPrevia(lbTitle->text(), m_datos.empresa.NombreEmpresa); });

@@ -129,6 +129,10 @@ TEST_P(Salidas, ArchivosEImpresionSonLaGrillaQueVuelveComoEstaba)
     Grilla &grilla = m_doc->grilla();
     const int ultima = grilla.Filas() - 1;
     const int ancho = grilla.AnchoColumna(1);
+    // The row the user is on stays the current one through the preview and the printout.
+    m_doc->grid()->FijarFilaActual(grilla.FilasFijas() + 1);
+    const int actual = m_doc->grid()->FilaActual();
+    ASSERT_EQ(actual, grilla.FilasFijas() + 1);
     int paginas = 0;
     bool ultimaOcultaDurante = false;
     QTimer::singleShot(0, [&] {
@@ -150,6 +154,7 @@ TEST_P(Salidas, ArchivosEImpresionSonLaGrillaQueVuelveComoEstaba)
     EXPECT_EQ(grilla.AnchoColumna(1), ancho);
     EXPECT_TRUE(grilla.Redibujar());
     EXPECT_EQ(m_doc->grid()->columnWidth(1), m_doc->grid()->TwipsAPixeles(ancho));
+    EXPECT_EQ(m_doc->grid()->FilaActual(), actual);
 
     // Printed to PDF.
     m_doc->previa()->FijarSalidaPDF(ruta("mes.pdf"));
@@ -163,6 +168,7 @@ TEST_P(Salidas, ArchivosEImpresionSonLaGrillaQueVuelveComoEstaba)
     EXPECT_FALSE(texto.contains(QStringLiteral("Nuevo Asiento")));
     EXPECT_FALSE(grilla.Fila(grilla.Filas() - 1).oculta);
     EXPECT_EQ(QApplication::focusWidget(), m_doc->grid());
+    EXPECT_EQ(m_doc->grid()->FilaActual(), actual);
 
     // Through the print dialog: cancelled, nothing is printed; accepted, the printout goes
     // where the dialog says (here, with no printer, a file).
