@@ -48,7 +48,7 @@ bool AsientosGrilla::tieneTexto(int fila, int columna) const
 
 bool AsientosGrilla::EsFilaCabezal(int fila) const
 {
-    return fila >= m_g.FilasFijas() && fila < m_g.Filas() && m_g.Dato(fila, 0).isValid() && !m_g.Dato(fila, 1).isValid();
+    return fila >= m_g.FilasFijas() && fila < m_g.Filas() && m_g.HayDato(fila, 0) && !m_g.HayDato(fila, 1);
 }
 
 bool AsientosGrilla::EsFilaDiferencia(int fila) const
@@ -58,7 +58,7 @@ bool AsientosGrilla::EsFilaDiferencia(int fila) const
 
 bool AsientosGrilla::EsFilaNuevoAsiento(int fila) const
 {
-    return fila >= m_g.FilasFijas() && !m_g.Dato(fila, 0).isValid();
+    return fila >= m_g.FilasFijas() && !m_g.HayDato(fila, 0);
 }
 
 qint32 AsientosGrilla::IdDeFila(int fila) const
@@ -79,7 +79,7 @@ int AsientosGrilla::UltimaFilaAsiento(int filaCabezal) const
 {
     const QVariant id = m_g.Dato(filaCabezal, 0);
     int r = filaCabezal;
-    while (r + 1 < m_g.Filas() && !EsFilaCabezal(r + 1) && m_g.Dato(r + 1, 0).isValid()
+    while (r + 1 < m_g.Filas() && !EsFilaCabezal(r + 1) && m_g.HayDato(r + 1, 0)
            && m_g.Dato(r + 1, 0).toInt() == id.toInt())
         ++r;
     return r;
@@ -104,7 +104,7 @@ int AsientosGrilla::anchoRelleno()
 
 bool EsFilaCabezal(const Grilla &g, int fila)
 {
-    return fila >= g.FilasFijas() && g.Dato(fila, 0).isValid() && !g.Dato(fila, 1).isValid();
+    return fila >= g.FilasFijas() && g.HayDato(fila, 0) && !g.HayDato(fila, 1);
 }
 
 RangoCeldas RangoCombinado(const Grilla &g, int fila, int columna)

@@ -14,7 +14,7 @@ void AsientosGrilla::CierreAsiento(bool &bDebeMenor, Importe &cDiferenciaMC, Imp
     QVector<LineaBalance> lineas;
     const int cabezal = Cabezal.FilaCabezal;
     for (int r = cabezal + 1; r >= m_g.FilasFijas() && r < m_g.Filas(); ++r) {
-        if (EsFilaCabezal(r) || !m_g.Dato(r, 0).isValid() || m_g.Dato(r, 0).toInt() != Cabezal.AsiID)
+        if (EsFilaCabezal(r) || !m_g.HayDato(r, 0) || m_g.Dato(r, 0).toInt() != Cabezal.AsiID)
             break;
         const QString clave = m_g.Dato(r, 1).toString();
         if (clave.isEmpty() || clave == kClaveDiferencia)

@@ -94,6 +94,8 @@ public:
     Importe Valor(int fila, int columna) const;
     bool EsNumero(int fila, int columna) const { return celda(fila, columna).mascara != -1; }
     QVariant Dato(int fila, int columna) const;
+    // Whether the cell holds a datum: Dato(fila, columna).isValid() without making it.
+    bool HayDato(int fila, int columna) const { return celda(fila, columna).tipoDato != CeldaGrilla::TipoDato::Nulo; }
     void FijarDato(int fila, int columna, const QVariant &dato);
     void FijarColorTexto(int fila, int columna, QRgb color);
     // 0 (transparent): the default colour.

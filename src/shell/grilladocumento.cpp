@@ -314,7 +314,7 @@ void lumIngAsiento::vsGrid_FilaActual()
     QColor fondo = QApplication::palette().color(QPalette::ToolTipBase);
     if (FilaEdicion() <= 0) {
         if (fila >= m_grilla.FilasFijas() && fila < m_grilla.Filas() && m_grilla.Dato(fila, 0).toInt() != 0
-            && !m_grilla.Dato(fila, 1).isValid())
+            && !m_grilla.HayDato(fila, 1))
             fondo = QColor::fromRgba(ColoresGrilla::kSeleccionCabezal);
     } else if (fila == m_grilla.Filas() - 1) {
         fondo = m_vsGrid->palette().color(QPalette::Base);

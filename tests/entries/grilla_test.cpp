@@ -117,6 +117,7 @@ TEST(Grilla, TextosYDatosSobrevivenAMovimientosYCompactaciones)
         EXPECT_EQ(leido.typeId(), datos[i].typeId()) << i;
         EXPECT_EQ(leido, datos[i]) << i;
         EXPECT_EQ(leido.isNull(), datos[i].isNull()) << i;
+        EXPECT_EQ(g.HayDato(i == 0 ? int(datos.size()) : i, 3), datos[i].isValid()) << i;
     }
     EXPECT_EQ(g.ColorTexto(1, 5), 0xff000080u);
     EXPECT_EQ(g.ColorTexto(3, 5), 0u);
