@@ -384,6 +384,18 @@ TEST_P(Edicion, UnAsientoConFechaFuturaPuedeAgendarse1807YDespuesDeHoyEsSegunElR
         m_sesion.SalirEdicion();
         EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("pregunta: 1807")});
         EXPECT_EQ(enBase(deHoy), QStringList{QStringLiteral("0|%1|Hoy|1|0").arg(manana)} + lineas);
+
+        // The header alone changed: a registered entry of yesterday moved to today stays
+        // registered; moved on to tomorrow, it goes back to draft.
+        nuevo(hoy.addDays(-1), QStringLiteral("Ayer"));
+        teclear(cuenta("5.3.01", 800), cuenta("1.1.01", 800));
+        const qint32 deAyer = ultimoId();
+        for (const auto &[fecha, estado] : {std::pair{hoy, 1}, std::pair{hoy.addDays(1), 0}}) {
+            ASSERT_TRUE(m_sesion.EntrarEdicion(cargar(deAyer)));
+            m_vista.cabezal.fecha = fecha;
+            m_sesion.SalirEdicion();
+            EXPECT_EQ(enBase(deAyer).value(0), QStringLiteral("%1|%2|Ayer|1|0").arg(estado).arg(fecha.toString(Qt::ISODate)));
+        }
     }
 }
 
