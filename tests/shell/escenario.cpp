@@ -137,6 +137,26 @@ AsientoEnBase Escenario::enBase(qint32 id)
     return a;
 }
 
+qint32 Escenario::asientoSimple()
+{
+    vista(Vista::kPrimerMes);
+    const QList<qint32> candidatos = ids(QStringLiteral("AsiEstado = 1 And AsiTipo Between 1 And 5 And AsiVerificado Is Null"
+                                                       " And AsiID In (Select ACuIDAsiento From cceAsientoCuenta"
+                                                       " Group By ACuIDAsiento Having Count(*) = 2)"
+                                                       " And AsiID Not In (Select ACuIDAsiento From cceAsientoCuenta INNER JOIN"
+                                                       " cceCuentas ON CueID = ACuCuenta Where CueMoneda <> 1"
+                                                       " Or CueFechaCerrada Is Not Null)"));
+    for (qint32 id : candidatos)
+        if (filaDe(id) > 0 && m_doc->asientos().UltimaFilaAsiento(filaDe(id)) + 1 < m_doc->grilla().Filas() - 1)
+            return id;
+    if (candidatos.isEmpty())
+        return 0;
+    // None in the view: the last one is put above the first entry of the grid.
+    EXPECT_TRUE(Bien(CargarAsientoEnGrilla(m_doc->asientos(), *m_doc->proceso().conexion, candidatos.last(),
+                                           m_doc->grilla().FilasFijas())));
+    return candidatos.last();
+}
+
 qint32 Escenario::asientoAlFinal(qint16 estado, const QString &leyenda, const QList<std::tuple<const char *, bool, double>> &lineas,
                                  qint16 libro)
 {
