@@ -2,6 +2,7 @@
 
 #include "entries/asientodatos.h"
 #include "store/basedemo.h"
+#include "store/valoressql.h"
 
 #include <gtest/gtest.h>
 
@@ -60,4 +61,44 @@ QString Papelera(AsientoDatos &datos, qint32 asiID, const QDateTime &sello)
 {
     QStringList ids;
     return datos.EnviarPapelera(asiID, sello, &ids) ? QString() : ids.join(QLatin1Char(','));
+}
+
+QStringList AsientoComoTexto(Conexion &conexion, qint32 id, QString *sello)
+{
+    auto rs = conexion.Abrir(QStringLiteral("Select * From cceAsientos Where AsiID = ?"), {id});
+    if (rs->Fin())
+        return {};
+    auto texto = [&](const char *campo) {
+        const QVariant v = rs->Campo(QString::fromLatin1(campo));
+        return v.isNull() ? QStringLiteral("null") : v.toString();
+    };
+    QStringList a{QStringList{texto("AsiEstado"), rs->Fecha(QStringLiteral("AsiFechaAsiento")).toString(Qt::ISODate), texto("AsiLeyenda"),
+                              texto("AsiTipo"), texto("AsiUsuarioVerificador"), texto("AsiVerificado")}.join(u'|')};
+    if (sello)
+        *sello = rs->FechaHora(QStringLiteral("AsiFechaModificado")).toString(Qt::ISODateWithMs);
+    rs->Cerrar();
+    rs = conexion.Abrir(QStringLiteral("Select * From cceAsientoCuenta INNER JOIN cceCuentas ON CueID = ACuCuenta"
+                                       " Where ACuIDAsiento = ? Order By ACuOrden, CueCodigo"), {id});
+    for (; !rs->Fin(); rs->MoverSiguiente()) {
+        const bool debe = rs->EsNulo(QStringLiteral("AcuHaber"));
+        a << QStringList{texto("CueCodigo"), QString::fromLatin1(debe ? "D" : "H"),
+                         NumeroSQL(rs->Numero(QString::fromLatin1(debe ? "ACuDebe" : "AcuHaber"))),
+                         NumeroSQL(rs->Numero(QStringLiteral("ACuImporteMC"))), texto("ACuOrden"), texto("ACuProyecto"),
+                         texto("ACuDepartamento")}.join(u'|');
+    }
+    return a;
+}
+
+QStringList LineasDe(Conexion &conexion, qint32 id, bool deFrecuente)
+{
+    const QString sql = deFrecuente ? QStringLiteral("Select CueCodigo, MFLEsDebe, MFLImporteMC From genMovimientosFrecuentesLineas"
+                                                     " Inner Join cceCuentas On CueID = MFLCuenta Where MFLIDMovimiento = ? Order By MFLOrden")
+                                    : QStringLiteral("Select CueCodigo, Case When AcuHaber Is Null Then 1 Else 0 End, ACuImporteMC"
+                                                     " From cceAsientoCuenta Inner Join cceCuentas On CueID = ACuCuenta"
+                                                     " Where ACuIDAsiento = ? Order By ACuOrden");
+    QStringList r;
+    for (auto rs = conexion.Abrir(sql, {id}); !rs->Fin(); rs->MoverSiguiente())
+        r << QStringLiteral("%1|%2|%3").arg(rs->Campo(0).toString(), QLatin1String(rs->Campo(1).toInt() ? "D" : "H"),
+                                            QString::number(rs->Campo(2).toDouble(), 'f', 2));
+    return r;
 }

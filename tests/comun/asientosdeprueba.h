@@ -32,6 +32,16 @@ using LineaDePrueba = std::tuple<const char *, bool, double>;
 // The lines as the data services take them, in pesos at rate 1, numbered in order.
 QVector<LineaDatos> LineasDePrueba(BaseDePrueba &base, const QList<LineaDePrueba> &lineas);
 
+// A stored entry as text, to compare whole: the header "estado|fecha|leyenda|libro|autoriza|
+// verificado", then each line by its order as "código|D or H|importe|importe MC|orden|proyecto|
+// departamento"; a null value reads "null". Empty when there is no such entry; sello, when
+// given, receives the modification stamp.
+QStringList AsientoComoTexto(Conexion &conexion, qint32 id, QString *sello = nullptr);
+
+// An entry's lines, or a frequent template's, in their order as "código|D or H|importe MC" with
+// the amount to the cent.
+QStringList LineasDe(Conexion &conexion, qint32 id, bool deFrecuente = false);
+
 // Writes an entry of the demo company through the data service, as a document would;
 // answers its id, 0 when the service refused it (the test fails then, unless it expects so).
 qint32 GrabarAsientoDePrueba(BaseDePrueba &base, qint16 estado, const QDate &fecha, const QString &leyenda, qint16 libro,

@@ -2,6 +2,7 @@
 
 // A document's entry commands without a window: the demo company, a grid holding only the
 // new-entry row, and a screen of plain values. The database is read back afterwards.
+#include "comun/asientosdeprueba.h"
 #include "comun/basesprueba.h"
 #include "comun/datosdeprueba.h"
 #include "comun/mensajesguionados.h"
@@ -87,31 +88,15 @@ protected:
         EXPECT_FALSE(CargarAsientoEnGrilla(m_asientos, m_base.conexion(), id, m_vista.fila));
         return m_vista.fila;
     }
-    // A stored entry as text: "estado|fecha|leyenda|libro|autoriza", then its lines in their
-    // order as "código|D or H|importe|importe MC|orden|proyecto|departamento"; with conSello,
-    // the modification stamp last.
+    // A stored entry as AsientoComoTexto gives it, its header without "verificado"; with
+    // conSello, the modification stamp last.
     QStringList enBase(qint32 id, bool conSello = false)
     {
-        auto rs = m_base.conexion().Abrir(QStringLiteral("Select * From cceAsientos Where AsiID = ?"), {id});
-        if (rs->Fin())
-            return {};
-        auto texto = [&](const char *campo) {
-            const QVariant v = rs->Campo(QString::fromLatin1(campo));
-            return v.isNull() ? QStringLiteral("null") : v.toString();
-        };
-        QStringList a{QStringList{texto("AsiEstado"), rs->Fecha(QStringLiteral("AsiFechaAsiento")).toString(Qt::ISODate),
-                                  texto("AsiLeyenda"), texto("AsiTipo"), texto("AsiUsuarioVerificador")}.join(u'|')};
-        const QString sello = rs->FechaHora(QStringLiteral("AsiFechaModificado")).toString(Qt::ISODateWithMs);
-        rs->Cerrar();
-        rs = m_base.conexion().Abrir(QStringLiteral("Select * From cceAsientoCuenta INNER JOIN cceCuentas ON CueID = ACuCuenta"
-                                                    " Where ACuIDAsiento = ? Order By ACuOrden, CueCodigo"), {id});
-        for (; !rs->Fin(); rs->MoverSiguiente()) {
-            const bool debe = rs->EsNulo(QStringLiteral("AcuHaber"));
-            a << QStringList{texto("CueCodigo"), debe ? QStringLiteral("D") : QStringLiteral("H"),
-                             NumeroSQL(rs->Numero(debe ? QStringLiteral("ACuDebe") : QStringLiteral("AcuHaber"))),
-                             NumeroSQL(rs->Numero(QStringLiteral("ACuImporteMC"))), texto("ACuOrden"), texto("ACuProyecto"),
-                             texto("ACuDepartamento")}.join(u'|');
-        }
+        QString sello;
+        QStringList a = AsientoComoTexto(m_base.conexion(), id, &sello);
+        if (a.isEmpty())
+            return a;
+        a[0] = a[0].section(u'|', 0, 4);
         return conSello ? a << sello : a;
     }
     // "estado|fecha|leyenda|libro" of a stored entry.

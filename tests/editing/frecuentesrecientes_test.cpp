@@ -1,33 +1,22 @@
 // The user's recent frequent entries: kept latest first, without repeats, at most ten; the
 // menu lists those that still exist and are not scheduled; a list that cannot be read is
 // never written over.
-#include "comun/asientosdeprueba.h"
+#include "documentosinventana.h"
+
 #include "comun/conexionespia.h"
-#include "comun/datosdeprueba.h"
-#include "comun/mensajesguionados.h"
 #include "frequent/plantillademo.h"
 
 #include "editing/frecuentesrecientes.h"
 
 namespace {
 
-class Recientes : public ::testing::TestWithParam<Motor>
+class Recientes : public DocumentoSinVentana
 {
 protected:
-    Recientes()
-        : m_base(GetParam(), BaseDePrueba::Contenido::Demo)
-    {
-        PrepararDatosDocumento(m_datos, m_base.conexion(), m_mensajes);
-    }
-
     qint32 plantilla(const QString &nombre, bool agendada = false, qint32 empresa = Demo::kEmpresa)
     {
         return PlantillaDemo(m_base, nombre, {{"1.1.01", true, 10}}, agendada ? BaseDePrueba::Hoy() : QDate(), empresa);
     }
-
-    BaseDePrueba m_base;
-    MensajesGuionados m_mensajes;
-    DatosDocumento m_datos;
 };
 
 TEST_P(Recientes, ElUltimoPrimeroSinRepetirHastaDiez)

@@ -39,21 +39,7 @@ protected:
         return PlantillaDemo(m_base, nombre, lineas, agenda);
     }
 
-    // A template's or an entry's lines as "code|D or H|amount".
-    QStringList lineas(qint32 id, bool deFrecuente)
-    {
-        const QString sql = deFrecuente
-                                ? QStringLiteral("Select CueCodigo, MFLEsDebe, MFLImporteMC From genMovimientosFrecuentesLineas"
-                                                 " Inner Join cceCuentas On CueID = MFLCuenta Where MFLIDMovimiento = ? Order By MFLOrden")
-                                : QStringLiteral("Select CueCodigo, Case When AcuHaber Is Null Then 1 Else 0 End, ACuImporteMC"
-                                                 " From cceAsientoCuenta Inner Join cceCuentas On CueID = ACuCuenta"
-                                                 " Where ACuIDAsiento = ? Order By ACuOrden");
-        QStringList r;
-        for (auto rs = m_base.conexion().Abrir(sql, {id}); !rs->Fin(); rs->MoverSiguiente())
-            r << QStringLiteral("%1|%2|%3").arg(rs->Campo(0).toString(), QLatin1String(rs->Campo(1).toInt() ? "D" : "H"),
-                                                QString::number(rs->Campo(2).toDouble(), 'f', 2));
-        return r;
-    }
+    QStringList lineas(qint32 id, bool deFrecuente) { return LineasDe(m_base.conexion(), id, deFrecuente); }
 
     // A date column of the row with that id.
     QDate fecha(const char *sql, qint32 id) { return QDate::fromString(m_base.Valor(QString::fromLatin1(sql), {id}).toString().left(10), Qt::ISODate); }

@@ -1,7 +1,6 @@
 #include "escenario.h"
 
 #include "entries/historialasiento.h"
-#include "store/valoressql.h"
 
 #include <QAbstractItemModel>
 
@@ -130,31 +129,32 @@ bool Escenario::editorALaVista() const
 AsientoEnBase Escenario::enBase(qint32 id)
 {
     AsientoEnBase a;
-    auto rs = m_base.conexion().Abrir(QStringLiteral("Select AsiEstado, AsiFechaAsiento, AsiLeyenda, AsiTipo, AsiUsuarioVerificador,"
-                                                     " AsiVerificado, AsiFechaModificado From cceAsientos Where AsiID = %1").arg(id));
-    if (rs->Fin())
-        return a;
-    auto texto = [&](const char *campo) {
-        const QString c = QString::fromLatin1(campo);
-        return rs->EsNulo(c) ? QStringLiteral("null") : rs->Texto(c);
-    };
-    a.cabezal = QStringList{texto("AsiEstado"), rs->Fecha(QStringLiteral("AsiFechaAsiento")).toString(Qt::ISODate),
-                            texto("AsiLeyenda"), texto("AsiTipo"), texto("AsiUsuarioVerificador"), texto("AsiVerificado")};
-    a.sello = rs->FechaHora(QStringLiteral("AsiFechaModificado")).toString(Qt::ISODateWithMs);
-    rs->Cerrar();
-    rs = m_base.conexion().Abrir(QStringLiteral("Select CueCodigo, ACuDebe, AcuHaber, ACuImporteMC, ACuOrden, ACuProyecto, ACuDepartamento"
-                                                " From cceAsientoCuenta INNER JOIN cceCuentas ON CueID = ACuCuenta"
-                                                " Where ACuIDAsiento = %1 Order By ACuOrden, CueCodigo").arg(id));
-    for (; !rs->Fin(); rs->MoverSiguiente()) {
-        const bool debe = rs->EsNulo(QStringLiteral("AcuHaber"));
-        const QString propio = debe ? QStringLiteral("ACuDebe") : QStringLiteral("AcuHaber");
-        a.lineas << QStringList{rs->Texto(QStringLiteral("CueCodigo")), debe ? QStringLiteral("D") : QStringLiteral("H"),
-                                NumeroSQL(rs->Numero(propio)), NumeroSQL(rs->Numero(QStringLiteral("ACuImporteMC"))),
-                                rs->Texto(QStringLiteral("ACuOrden")), rs->Texto(QStringLiteral("ACuProyecto")),
-                                rs->Texto(QStringLiteral("ACuDepartamento"))};
-    }
-    rs->Cerrar();
+    const QStringList texto = AsientoComoTexto(m_base.conexion(), id, &a.sello);
+    if (!texto.isEmpty())
+        a.cabezal = texto[0].split(u'|');
+    for (const QString &linea : texto.mid(1))
+        a.lineas << linea.split(u'|');
     return a;
+}
+
+qint32 Escenario::asientoSimple()
+{
+    vista(Vista::kPrimerMes);
+    const QList<qint32> candidatos = ids(QStringLiteral("AsiEstado = 1 And AsiTipo Between 1 And 5 And AsiVerificado Is Null"
+                                                       " And AsiID In (Select ACuIDAsiento From cceAsientoCuenta"
+                                                       " Group By ACuIDAsiento Having Count(*) = 2)"
+                                                       " And AsiID Not In (Select ACuIDAsiento From cceAsientoCuenta INNER JOIN"
+                                                       " cceCuentas ON CueID = ACuCuenta Where CueMoneda <> 1"
+                                                       " Or CueFechaCerrada Is Not Null)"));
+    for (qint32 id : candidatos)
+        if (filaDe(id) > 0 && m_doc->asientos().UltimaFilaAsiento(filaDe(id)) + 1 < m_doc->grilla().Filas() - 1)
+            return id;
+    if (candidatos.isEmpty())
+        return 0;
+    // None in the view: the last one is put above the first entry of the grid.
+    EXPECT_TRUE(Bien(CargarAsientoEnGrilla(m_doc->asientos(), *m_doc->proceso().conexion, candidatos.last(),
+                                           m_doc->grilla().FilasFijas())));
+    return candidatos.last();
 }
 
 qint32 Escenario::asientoAlFinal(qint16 estado, const QString &leyenda, const QList<std::tuple<const char *, bool, double>> &lineas,

@@ -125,6 +125,9 @@ protected:
     void nuevoConTeclado(const QString &leyenda, const QString &debe, const QString &haber, const QString &importe);
 
     AsientoEnBase enBase(qint32 id);
+    // A stored entry of the first month's view, shown, with lines in pesos only, registered,
+    // dated before today, followed by another entry; 0 when the demo has none.
+    qint32 asientoSimple();
     // Stores an entry of yesterday in pesos with the lines given (account code, debit,
     // amount) and shows it last in the grid.
     qint32 asientoAlFinal(qint16 estado, const QString &leyenda, const QList<std::tuple<const char *, bool, double>> &lineas,

@@ -42,21 +42,7 @@ protected:
         return r;
     }
 
-    // An entry's lines, or a template's, as account code, side and amount to the cent, in order.
-    QStringList lineas(qint32 id, bool deFrecuente = false)
-    {
-        const QString sql = deFrecuente
-                                ? QStringLiteral("Select CueCodigo, MFLEsDebe As Debe, MFLImporteMC As MC From genMovimientosFrecuentesLineas"
-                                                 " INNER JOIN cceCuentas ON CueID = MFLCuenta Where MFLIDMovimiento = ? Order By MFLOrden")
-                                : QStringLiteral("Select CueCodigo, Case When AcuHaber Is Null Then 1 Else 0 End As Debe, ACuImporteMC As MC"
-                                                 " From cceAsientoCuenta INNER JOIN cceCuentas ON CueID = ACuCuenta"
-                                                 " Where ACuIDAsiento = ? Order By ACuOrden");
-        QStringList r;
-        for (auto rs = m_base.conexion().Abrir(sql, {id}); !rs->Fin(); rs->MoverSiguiente())
-            r << QStringLiteral("%1|%2|%3").arg(rs->Texto(QStringLiteral("CueCodigo")), QLatin1String(rs->Entero(QStringLiteral("Debe")) ? "D" : "H"),
-                                                QString::number(rs->Numero(QStringLiteral("MC")), 'f', 2));
-        return r;
-    }
+    QStringList lineas(qint32 id, bool deFrecuente = false) { return LineasDe(m_base.conexion(), id, deFrecuente); }
 };
 
 TEST_P(FrecuentesEnDocumento, HacerFrecuenteAgendarYRegistrarUnReciente)

@@ -20,11 +20,8 @@ protected:
     }
     qint32 asiento(int dias, int estado, double importe) { return asiento(BaseDePrueba::Hoy().addDays(dias), estado, importe); }
 
-    int estadoEnBase(qint32 id)
-    {
-        const QVariant estado = m_base.Valor(QStringLiteral("Select AsiEstado From cceAsientos Where AsiID = ?"), {id});
-        return estado.isValid() ? estado.toInt() : -100;
-    }
+    // The entry's state as stored; -100 when it is not stored.
+    int estadoEnBase(qint32 id) { return enBase(id).cabezal.value(0, QStringLiteral("-100")).toInt(); }
 
     int contar(const QString &sql) { return m_base.Valor(sql).toInt(); }
 

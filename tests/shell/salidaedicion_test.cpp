@@ -132,12 +132,7 @@ TEST_P(SalidaEdicion, EscapeDescartaYUnaLineaSinImporteSeRechaza)
 // the typed legend on screen, discarding shows the entry as stored.
 TEST_P(SalidaEdicion, TrasUnaEscrituraRechazadaLoEscritoQuedaYSinCambiosNoSePregunta)
 {
-    vista(Vista::kPrimerMes);
-    const QList<qint32> candidatos = ids(QStringLiteral("AsiEstado = 1 And AsiVerificado Is Null And AsiTipo Between 1 And 5"));
-    qint32 id = 0;
-    for (qint32 c : candidatos)
-        if (filaDe(c) > 0 && id == 0)
-            id = c;
+    const qint32 id = asientoSimple();
     ASSERT_GT(id, 0);
     const AsientoEnBase antes = enBase(id);
     const QStringList filasAntes = filasVistas(id);

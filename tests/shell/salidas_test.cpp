@@ -58,7 +58,6 @@ protected:
                               {{"5.3.01", true, 1234.5}, {"1.1.01", false, 1234.5}}, Demo::kLibroDiario);
     }
 
-    void elegir(const char *accion) { m_doc->menus().accion(QString::fromLatin1(accion))->trigger(); }
     QString ruta(const char *nombre) const { return m_carpeta.filePath(QString::fromLatin1(nombre)); }
 
     // The grid's visible cells as the user sees them, row by row, the caption row first and

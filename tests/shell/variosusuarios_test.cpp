@@ -15,13 +15,6 @@ namespace {
 class VariosUsuarios : public Escenario
 {
 protected:
-    // The second accountant's document on the same database.
-    void abrirOtro()
-    {
-        m_otro = Documento(m_hostB, m_mensajesB, m_carpetaB, Demo::kUsuarioContador);
-        ASSERT_EQ(m_otro->estado(), lumIngAsiento::Estado::Listo);
-    }
-
     // Opens the entry's first line in a document with Enter, as a user does.
     static void abrirEn(lumIngAsiento &doc, qint32 id)
     {
@@ -36,15 +29,6 @@ protected:
     {
         escribir(doc.campoLeyenda(), leyenda);
         AceptarLinea(doc, mensajes);
-    }
-
-    // Waits, as the user's screen does, until the entry's header row is marked.
-    static bool esperarMarca(lumIngAsiento &doc, qint32 id, int milisegundos)
-    {
-        return QTest::qWaitFor([&] {
-            const int r = doc.FilaDeAsiento(id);
-            return r >= 0 && doc.grilla().Imagen(r) == QLatin1String(CambiosAjenos::kImagen);
-        }, milisegundos);
     }
 
     static QString ayuda(lumIngAsiento &doc, int fila)
@@ -69,7 +53,9 @@ protected:
 
 TEST_P(VariosUsuarios, UnCambioDeOtroSeMarcaSeReleeAlAbrirloYQuedaEnElHistorial)
 {
-    abrirOtro();
+    // The second accountant's document on the same database.
+    m_otro = Documento(m_hostB, m_mensajesB, m_carpetaB, Demo::kUsuarioContador);
+    ASSERT_EQ(m_otro->estado(), lumIngAsiento::Estado::Listo);
     const qint32 id = asientoDePrueba();
     ASSERT_GT(m_otro->FilaDeAsiento(id), 0);
     ASSERT_EQ(m_otro->grilla().Imagen(m_otro->FilaDeAsiento(id)), QStringLiteral("asiento"));
@@ -82,7 +68,10 @@ TEST_P(VariosUsuarios, UnCambioDeOtroSeMarcaSeReleeAlAbrirloYQuedaEnElHistorial)
     ASSERT_EQ(enBase(id).cabezal.value(2), QStringLiteral("Cambiada por el administrador"));
 
     // The accountant's grid marks the entry within a poll, saying who changed it.
-    ASSERT_TRUE(esperarMarca(*m_otro, id, 3 * CambiosAjenos::kIntervaloMs));
+    ASSERT_TRUE(QTest::qWaitFor([&] {
+        const int r = m_otro->FilaDeAsiento(id);
+        return r >= 0 && m_otro->grilla().Imagen(r) == QLatin1String(CambiosAjenos::kImagen);
+    }, 3 * CambiosAjenos::kIntervaloMs));
     const QString aviso = ayuda(*m_otro, m_otro->FilaDeAsiento(id));
     EXPECT_TRUE(aviso.startsWith(QStringLiteral("Modificado por Administrador el "))) << aviso.toStdString();
     EXPECT_TRUE(ayuda(*m_otro, m_otro->FilaDeAsiento(id) + 1).isEmpty());
