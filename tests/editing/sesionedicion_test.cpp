@@ -3,8 +3,10 @@
 #include "documentosinventana.h"
 
 #include "editing/cambiosajenos.h"
+#include "editing/restauraciones.h"
 #include "editing/sesionedicion.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -496,6 +498,29 @@ TEST_P(Edicion, UnRechazoSeDiceConSuTextoYUnFalloConElDelComando)
     EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("error: 1923")});
     // The store says why in the user's words.
     EXPECT_EQ(m_mensajes.detalles, QStringList{TextoEspanol(2138).arg(id)});
+}
+
+// The trash gives an entry back only to a user who may delete entries: the command refuses
+// it, whatever window calls it.
+TEST_P(Edicion, LaPapeleraDevuelveSoloAQuienPuedeEliminar)
+{
+    nuevo(BaseDePrueba::Hoy(), QStringLiteral("A la papelera"));
+    teclear(cuenta("5.3.01", 800), cuenta("1.1.01", 800));
+    const qint32 id = ultimoId();
+    m_base.conexion().Ejecutar(QStringLiteral("Update cceAsientos Set AsiEstado = 9 Where AsiID = ?"), {id});
+    ComandosRestauracion restauracion(m_datos, m_comandos, m_asientos, m_vista);
+    const auto papelera = restauracion.Papelera();
+    ASSERT_TRUE(papelera);
+    const auto e = std::find_if(papelera->begin(), papelera->end(), [id](const auto &p) { return p.asiID == id; });
+    ASSERT_NE(e, papelera->end());
+
+    ASSERT_TRUE(m_datos.TienePermiso(u'E'));
+    const QString letras = std::exchange(m_datos.letras, QString(m_datos.letras).remove(QChar(u'E'), Qt::CaseInsensitive));
+    EXPECT_FALSE(restauracion.RestaurarDePapelera(*e));
+    EXPECT_TRUE(cabezal(id).startsWith(QStringLiteral("9|")));
+    m_datos.letras = letras;
+    EXPECT_TRUE(restauracion.RestaurarDePapelera(*e));
+    EXPECT_FALSE(cabezal(id).startsWith(QStringLiteral("9|"))) << cabezal(id).toStdString();
 }
 
 INSTANCIAR_EN_MOTORES(Edicion);
