@@ -115,7 +115,7 @@ TEST_P(Restauracion, EliminarPreguntaYLaPapeleraLoDevuelveEnteroSiUnaEscrituraPu
     EXPECT_EQ(filasPapelera->currentRow(), 0); // opened, the newest is chosen
     EXPECT_TRUE(restaurar->isEnabled());
     filasPapelera->setCurrentCell(1, 0); // the first one sent, listed last
-    restaurar->click();
+    QTest::keyClick(filasPapelera, Qt::Key_Return); // Enter gives it back
     EXPECT_EQ(enBase(primero).cabezal.value(0), QStringLiteral("1"));
     ASSERT_EQ(filasPapelera->rowCount(), 1);
     EXPECT_EQ(filasPapelera->currentRow(), 0);
