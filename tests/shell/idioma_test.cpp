@@ -4,7 +4,9 @@
 #include "services/servicioconexion.h"
 #include "shell/idioma.h"
 
+#include <QCoreApplication>
 #include <QFile>
+#include <QLibraryInfo>
 #include <QLineEdit>
 #include <QRegularExpression>
 #include <QSettings>
@@ -94,6 +96,23 @@ TEST(LocaleDelPrograma, LasVentanasYaHechasLoToman)
     QLocale::setDefault(antes);
     Idioma::AplicarAlProceso(2); // no translation of Qt's texts is left installed
     QLocale::setDefault(antes);
+}
+
+// Qt's own texts (standard buttons, print and file dialogs) speak the program's language:
+// Spanish from Qt's translations, English as Qt is.
+TEST(LocaleDelPrograma, LosTextosPropiosDeQtSiguenAlIdioma)
+{
+    if (!QFile::exists(QLibraryInfo::path(QLibraryInfo::TranslationsPath) + QStringLiteral("/qtbase_es.qm")))
+        GTEST_SKIP() << "Qt's Spanish translations are not installed";
+    const QLocale antes;
+    auto cancelar = [] { return QCoreApplication::translate("QPlatformTheme", "Cancel"); };
+    Idioma::AplicarAlProceso(1);
+    const QString espanol = cancelar();
+    Idioma::AplicarAlProceso(2);
+    const QString ingles = cancelar();
+    QLocale::setDefault(antes);
+    EXPECT_EQ(espanol, QStringLiteral("Cancelar"));
+    EXPECT_EQ(ingles, QStringLiteral("Cancel"));
 }
 
 class ComponenteCompartido : public ::testing::Test
