@@ -478,7 +478,7 @@ bool SesionEdicion::SalirEdicion(Salida salida)
         terminarEdicion(m_asientos.Cabezal.AsiID > 0);
         return true;
     }
-    if (salida != Salida::Escape && LineaSinAceptar()) {
+    if (LineaSinAceptar()) {
         switch (decidir(salida, 1956)) {
         case Decision::Volver:
             m_vista.RetomarEdicion(m_filaEdicion);

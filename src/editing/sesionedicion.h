@@ -37,12 +37,12 @@ public:
     // How an edit is left.
     enum class Salida {
         Comando, // a command, a view, another entry, closing the window: nothing typed is lost
-        Escape,  // the user's way to drop the line being typed
+        Escape,  // the user's way out: a line typed is asked about, as for any other
         Cierre   // the document goes away and can ask nothing: what can be stored is
     };
     // Ends the edit: lines accepted and not yet written are written (incomplete when they do
     // not balance); a stored entry is shown as stored. Typed work is never dropped unasked:
-    // with a line typed and not accepted (except on Escape), question 1956 chooses to store
+    // with a line typed and not accepted, whatever the way out, question 1956 chooses to store
     // it (the line is accepted as Enter would do, then the entry written), to drop that line,
     // or to go back to the edit with everything as typed; after a write of this edit was
     // refused, question 1961 chooses to try the write again, to discard the edit (the entry

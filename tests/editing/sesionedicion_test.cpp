@@ -248,7 +248,10 @@ TEST_P(Edicion, UnaCuentaCerradaEnUnAsientoGuardado1815Y1821)
     EXPECT_EQ(m_vista.fechasFijadas, QList<QDate>{fecha});
     EXPECT_EQ(m_vista.enfoquesFecha, 1);
     EXPECT_EQ(grilla(), filas);
+    // Escape asks about the line still typed; no drops it.
+    m_mensajes.Responder(R::No);
     m_sesion.SalirEdicion(SesionEdicion::Salida::Escape);
+    EXPECT_EQ(m_mensajes.mostrados.last(), QStringLiteral("pregunta: 1956"));
     EXPECT_EQ(enBase(id, true), antes);
 }
 

@@ -100,14 +100,21 @@ TEST_P(SalidaEdicion, UnaLineaEscritaNoSePierdeAlIrseDeOtraManera)
     EXPECT_EQ(guardados(QStringLiteral("Escrito y no aceptado")), 1);
 }
 
-// Escape is the way to drop the line being typed: it asks nothing. Accepted lines are kept
-// as an incomplete entry.
-TEST_P(SalidaEdicion, EscapeDescartaYUnaLineaSinImporteSeRechaza)
+// Escape asks about a line typed and not accepted, as every other way out does: Cancel goes
+// back to it as typed, No drops it (nothing accepted, nothing is stored).
+TEST_P(SalidaEdicion, EscapePreguntaYUnaLineaSinImporteSeRechaza)
 {
     lineaSinAceptar(QStringLiteral("77"));
+    m_mensajes.Responder(Respuesta::Cancelar);
+    escape(editor()->campo(lumERAsiento::kImporte));
+    EXPECT_EQ(m_mensajes.mostrados, QStringList{pregunta()});
+    EXPECT_GT(m_doc->FilaEdicion(), 0);
+    EXPECT_EQ(editor()->campo(lumERAsiento::kImporte)->text(), QStringLiteral("77"));
+    m_mensajes.Responder(Respuesta::No);
     escape(editor()->campo(lumERAsiento::kImporte));
     EXPECT_EQ(m_doc->FilaEdicion(), 0);
-    EXPECT_TRUE(m_mensajes.mostrados.isEmpty()) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
+    EXPECT_EQ(guardados(QStringLiteral("Escrito y no aceptado")), 0);
+    m_mensajes.mostrados.clear();
 
     // A line of nothing is refused where it is typed, and nothing is stored for either.
     lineaSinAceptar(QStringLiteral("0"));
@@ -124,6 +131,7 @@ TEST_P(SalidaEdicion, EscapeDescartaYUnaLineaSinImporteSeRechaza)
     EXPECT_EQ(m_mensajes.mostrados.value(1), Dicho("advertencia", 1954));
     EXPECT_GT(m_doc->FilaEdicion(), 0);
     EXPECT_TRUE(m_doc->edicion().LineaSinAceptar());
+    m_mensajes.Responder(Respuesta::No);
     escape(foco());
     EXPECT_EQ(guardados(QStringLiteral("Escrito y no aceptado")), 0);
 }
