@@ -399,7 +399,13 @@ bool lumERAsiento::eventFilter(QObject *objeto, QEvent *evento)
         emit KeyDownCtrl(&c, &tecla, &shift);
         if (tecla == 0)
             return true; // the container took the key
-        if (k->key() != Qt::Key_Return && k->key() != Qt::Key_Enter)
+        // Tab goes on as Enter does, and Shift+Tab back to the field Enter came from.
+        const bool conOtraTecla = k->modifiers() & (Qt::ControlModifier | Qt::AltModifier);
+        if (k->key() == Qt::Key_Backtab && !conOtraTecla && codigo != kDebe) {
+            (codigo != kHaber && CuentaIngresadaAlHaber() ? tHaber : tDebe)->setFocus(Qt::BacktabFocusReason);
+            return true;
+        }
+        if (k->key() != Qt::Key_Return && k->key() != Qt::Key_Enter && (k->key() != Qt::Key_Tab || conOtraTecla))
             break;
         switch (codigo) {
         case kDebe:

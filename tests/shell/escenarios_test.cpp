@@ -2,6 +2,8 @@
 // grid as the user sees it and in the database.
 #include "escenario.h"
 
+#include "editing/sesionedicion.h"
+
 namespace {
 
 // Writes an entry of the opening-balance book straight into the database: 1.1.01 against
@@ -147,6 +149,23 @@ TEST_P(Escenarios, TabSigueElOrdenDeEnter)
     EXPECT_EQ(nombres(conTab), nombres(conEnter));
     EXPECT_EQ(conEnter.last(), editor()->campoCuenta(true));
     EXPECT_GE(conEnter.size(), 4);
+
+    // In the line too: Tab takes the account and goes on to the amount, Shift+Tab comes back,
+    // and Tab in the amount takes the line as Enter does; nothing typed is lost on the way.
+    lumERAsiento *e = editor();
+    escribir(e->campoCuenta(true), QStringLiteral("1.1.01"));
+    QTest::keyClick(e->campoCuenta(true), Qt::Key_Tab);
+    ASSERT_EQ(foco(), e->campo(lumERAsiento::kImporte));
+    QTest::keyClicks(foco(), QStringLiteral("55"));
+    QTest::keyClick(foco(), Qt::Key_Backtab);
+    EXPECT_EQ(foco(), e->campoCuenta(true));
+    QTest::keyClick(foco(), Qt::Key_Tab);
+    ASSERT_EQ(foco(), e->campo(lumERAsiento::kImporte));
+    EXPECT_EQ(e->campo(lumERAsiento::kImporte)->text(), QStringLiteral("55"));
+    QTest::keyClick(foco(), Qt::Key_Tab);
+    EXPECT_FALSE(m_doc->edicion().LineaSinAceptar());
+    EXPECT_EQ(foco(), e->campoCuenta(true));
+    EXPECT_EQ(m_doc->grilla().Texto(m_doc->FilaEdicion() - 1, 2), QStringLiteral("55,00"));
 }
 
 TEST_P(Escenarios, AbrirUnAsientoGuardadoYAceptarloSinCambiosNoCambiaNadaSalvoLoEscrito)
