@@ -95,7 +95,7 @@ RegistroFrecuentes::RegistroFrecuentes(const DatosDocumento &datos, ServicioBusq
     todo->addWidget(lvLineas, 2);
     todo->addLayout(botones);
 
-    connect(tBuscar, &QLineEdit::textChanged, this, &RegistroFrecuentes::llenarLista);
+    connect(tBuscar, &QLineEdit::textChanged, this, [this] { llenarLista(false); });
     connect(lvFrecuentes, &QTreeWidget::currentItemChanged, this, &RegistroFrecuentes::mostrarLineas);
     connect(lvFrecuentes, &QTreeWidget::itemDoubleClicked, this, &RegistroFrecuentes::bfOK_Click);
     connect(bfOK, &QPushButton::clicked, this, &RegistroFrecuentes::bfOK_Click);
@@ -107,7 +107,7 @@ RegistroFrecuentes::RegistroFrecuentes(const DatosDocumento &datos, ServicioBusq
 }
 
 // The due scheduled templates first, then every template whose name holds the typed text.
-void RegistroFrecuentes::llenarLista()
+void RegistroFrecuentes::llenarLista(bool avisar)
 {
     lvFrecuentes->clear();
     if (!m_datos.conexion())
@@ -131,14 +131,13 @@ void RegistroFrecuentes::llenarLista()
         }
     };
     const QString texto = tBuscar->text().trimmed().toLower();
-    // A list that cannot be read stays as far as it was read. The failure is told once in a
-    // box; while the list keeps failing at each key typed, the state line says it, so typing
-    // goes on and no key is lost to a box.
+    // A list that cannot be read stays as far as it was read, and the state line says why.
+    // A box tells it too, once, except while the user types: no key is lost to a box.
     const QString antes = std::exchange(m_falloLista, QString());
     auto leida = [&](auto leido) {
         if (!leido && m_falloLista.isEmpty()) {
             m_falloLista = leido.fallo().detalle;
-            if (antes.isEmpty())
+            if (avisar && antes.isEmpty())
                 m_datos.Error(1912, m_falloLista);
         }
         return leido;

@@ -35,7 +35,9 @@ protected:
     bool eventFilter(QObject *objeto, QEvent *evento) override;
 
 private:
-    void llenarLista();
+    // avisar: a list that cannot be read is told in a box; while the user types it is told
+    // in the state line only, so no key goes to a box.
+    void llenarLista(bool avisar = true);
     void mostrarLineas();
     qint32 elegido() const;
     qint32 registrar(const MovimientoFrecuente &m, const QDate &fecha);
