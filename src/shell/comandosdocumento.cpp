@@ -345,8 +345,13 @@ void lumIngAsiento::TextoAvisoApertura()
 
 bool lumIngAsiento::eventFilter(QObject *objeto, QEvent *evento)
 {
-    // A click on the banner ends an edit, as a click elsewhere above the grid does.
-    if ((objeto == picASI || objeto == lMsgASI1 || objeto == lMsgASI2) && evento->type() == QEvent::MouseButtonPress && FilaEdicion() > 0)
+    // A click on the banner ends an edit, as a click elsewhere above the grid does. On its
+    // labels the edit ends as the button comes up, before the label takes the release: a
+    // question asked at the press would eat the click, and the link would do nothing.
+    const bool enEtiqueta = objeto == lMsgASI1 || objeto == lMsgASI2;
+    if (FilaEdicion() > 0
+        && ((objeto == picASI && evento->type() == QEvent::MouseButtonPress)
+            || (enEtiqueta && evento->type() == QEvent::MouseButtonRelease)))
         TerminarEdicion();
     return QWidget::eventFilter(objeto, evento);
 }

@@ -7,6 +7,7 @@
 #include <QAccessible>
 #include <QFrame>
 #include <QLabel>
+#include <QTest>
 
 namespace {
 
@@ -51,7 +52,19 @@ TEST_P(AperturaEnDocumento, ElAvisoTieneSusDosEnlacesEnDosEtiquetas)
     EXPECT_TRUE(nombre(invitacion).startsWith(Idioma::resLoad(150))) << nombre(invitacion).toStdString();
     EXPECT_FALSE(nombre(invitacion).contains(Idioma::resLoad(153)));
 
-    emit ayuda->linkActivated(QStringLiteral("ayuda"));
+    // Clicked during an edit with a line typed: the question comes first, and the link still
+    // does what it says.
+    m_doc->edicion().NuevoAsiento();
+    autoriza()->setCurrentIndex(0);
+    editor()->SetFocusCtrl(lumERAsiento::kDebe, 0);
+    escribir(editor()->campoCuenta(true), QStringLiteral("1.1.01"));
+    enter(editor()->campoCuenta(true));
+    escribir(editor()->campo(lumERAsiento::kImporte), QStringLiteral("10"));
+    ASSERT_TRUE(m_doc->edicion().LineaSinAceptar());
+    m_mensajes.Responder(R::No);
+    QTest::mouseClick(ayuda, Qt::LeftButton, {}, ayuda->rect().center());
+    EXPECT_EQ(m_mensajes.mostrados.last(), Dicho("pregunta", 1956));
+    EXPECT_EQ(m_doc->FilaEdicion(), 0);
     EXPECT_EQ(m_host.comandos.filter(ComandoHost::kAyudaSaldosIniciales).size(), 1) << m_host.comandos.join(u' ').toStdString();
     EXPECT_TRUE(aperturas(1).isEmpty());
     m_mensajes.Responder(R::Si);
