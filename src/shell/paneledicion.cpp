@@ -380,7 +380,11 @@ bool PanelEdicion::teclaEnCabezal(QObject *objeto, QKeyEvent *evento)
         m_doc.edicion().SalirEdicion(SesionEdicion::Salida::Escape);
         return true;
     }
-    if (evento->key() != Qt::Key_Return && evento->key() != Qt::Key_Enter)
+    // Tab leaves the book, the legend and the authoriser as Enter does, with the same checks;
+    // the date takes Tab itself.
+    const bool tab = evento->key() == Qt::Key_Tab && !(evento->modifiers() & (Qt::ControlModifier | Qt::AltModifier))
+                  && objeto != odDate;
+    if (evento->key() != Qt::Key_Return && evento->key() != Qt::Key_Enter && !tab)
         return false;
     if (objeto == odDate) {
         // An accepted date reaches the line editor through dateChanged.

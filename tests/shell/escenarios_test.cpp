@@ -119,8 +119,16 @@ TEST_P(Escenarios, TabSigueElOrdenDeEnter)
 {
     QTest::keyClick(m_doc->grid(), Qt::Key_N, Qt::ControlModifier);
     ASSERT_EQ(foco(), m_doc->campoFecha());
+    // Tab on an empty authoriser list stays there and asks for one, as Enter does.
     QList<QWidget *> conTab{foco()};
     while (conTab.size() < 6 && conTab.last() != editor()->campoCuenta(true)) {
+        if (conTab.last() == autoriza()) {
+            autoriza()->setCurrentIndex(-1);
+            QTest::keyClick(autoriza(), Qt::Key_Tab);
+            EXPECT_EQ(foco(), autoriza());
+            EXPECT_EQ(m_mensajes.mostrados.value(0), Dicho("advertencia", 1953));
+            autoriza()->setCurrentIndex(0);
+        }
         QTest::keyClick(conTab.last(), Qt::Key_Tab);
         conTab << foco();
     }
