@@ -210,8 +210,9 @@ namespace {
 class EnPalabras
 {
 public:
-    explicit EnPalabras(const Textos &texto)
+    EnPalabras(const Textos &texto, const QHash<int, QString> &libros)
         : m_texto(texto)
+        , m_libros(libros)
         , m_nada(texto(2125))
         , m_ninguno(texto(1169))
     {
@@ -256,22 +257,25 @@ private:
     }
     // A book or an authoriser of 0 is none, as an empty column is.
     QString codigo(const QJsonValue &v) const { return v.toInt(0) == 0 ? m_ninguno : QString::number(v.toInt()); }
+    QString libro(const QJsonValue &v) const { return v.toInt(0) == 0 ? m_ninguno : m_libros.value(v.toInt(), codigo(v)); }
     QString literal(const QJsonValue &v) const { return v.isString() ? QLatin1Char('"') + v.toString() + QLatin1Char('"') : m_nada; }
 
     const Textos &m_texto;
+    const QHash<int, QString> &m_libros;
     const QString m_nada, m_ninguno;
     const QLocale m_local;
 };
 
 const EnPalabras::Campo EnPalabras::kCampos[5] = {{"Estado", 2118, &EnPalabras::estado}, {"Fecha", 2119, &EnPalabras::literal},
-                                                  {"Leyenda", 2120, &EnPalabras::literal}, {"Libro", 2121, &EnPalabras::codigo},
+                                                  {"Leyenda", 2120, &EnPalabras::literal}, {"Libro", 2121, &EnPalabras::libro},
                                                   {"Autoriza", 2122, &EnPalabras::codigo}};
 
 } // namespace
 
-QStringList Diferencias(const QJsonObject &antes, const QJsonObject &despues, const Textos &texto)
+QStringList Diferencias(const QJsonObject &antes, const QJsonObject &despues, const Textos &texto,
+                        const QHash<int, QString> &libros)
 {
-    const EnPalabras palabras(texto);
+    const EnPalabras palabras(texto, libros);
     QStringList cambios;
     for (const EnPalabras::Campo &c : EnPalabras::kCampos) {
         const QString a = palabras.valor(c, antes);
@@ -292,9 +296,9 @@ QStringList Diferencias(const QJsonObject &antes, const QJsonObject &despues, co
     return cambios;
 }
 
-QStringList Version(const QJsonObject &asiento, const Textos &texto)
+QStringList Version(const QJsonObject &asiento, const Textos &texto, const QHash<int, QString> &libros)
 {
-    const EnPalabras palabras(texto);
+    const EnPalabras palabras(texto, libros);
     QStringList filas;
     for (const EnPalabras::Campo &c : EnPalabras::kCampos)
         filas << QStringLiteral("%1: %2").arg(palabras.nombre(c), palabras.valor(c, asiento));

@@ -4,6 +4,7 @@
 
 #include <QDate>
 #include <QDateTime>
+#include <QHash>
 #include <QJsonObject>
 #include <QList>
 #include <QString>
@@ -88,8 +89,10 @@ Resultado<QList<EnPapelera>> Papelera(Conexion &conexion, qint32 empresa);
 
 // What changed between before and after, in words: one line per header field that
 // changed, and the lines added, removed or changed.
-QStringList Diferencias(const QJsonObject &antes, const QJsonObject &despues, const Textos &texto);
+// libros names the books by number; a book it does not name is shown by its number.
+QStringList Diferencias(const QJsonObject &antes, const QJsonObject &despues, const Textos &texto,
+                        const QHash<int, QString> &libros = {});
 // An entry as the history keeps it, in words: one line per header field, then its lines.
-QStringList Version(const QJsonObject &asiento, const Textos &texto);
+QStringList Version(const QJsonObject &asiento, const Textos &texto, const QHash<int, QString> &libros = {});
 
 } // namespace HistorialAsiento

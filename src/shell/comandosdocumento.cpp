@@ -150,7 +150,12 @@ void lumIngAsiento::MostrarHistorial()
     std::optional<QHash<qint32, SelloGuardado>> sellos;
     if (m_datos.TienePermiso(u'M') && !(sellos = m_datos.Leido(LeerSellos(*m_datos.conexion(), {id}), 1916)))
         return;
-    auto *dialogo = new DialogoHistorial(id, *filas, FormatoQtDeFecha(m_datos.formatoFecha), m_datos.texto, this);
+    // The books by name; without them (a read that fails) the history shows their numbers.
+    QHash<int, QString> libros;
+    if (const auto leidos = m_datos.LeerLibros(false))
+        for (const auto &[nombre, numero] : *leidos)
+            libros.insert(numero, nombre);
+    auto *dialogo = new DialogoHistorial(id, *filas, FormatoQtDeFecha(m_datos.formatoFecha), m_datos.texto, std::move(libros), this);
     dialogo->setAttribute(Qt::WA_DeleteOnClose);
     if (sellos) {
         const QDateTime leido = sellos->value(id).sello;

@@ -10,10 +10,11 @@
 #include <QVBoxLayout>
 
 DialogoHistorial::DialogoHistorial(qint32 asiID, const QList<HistorialAsiento::Fila> &filas, const QString &formatoFecha,
-                                   std::function<QString(int)> texto, QWidget *padre)
+                                   std::function<QString(int)> texto, QHash<int, QString> libros, QWidget *padre)
     : QDialog(padre)
     , m_filas(filas)
     , m_texto(std::move(texto))
+    , m_libros(std::move(libros))
 {
     setObjectName(QStringLiteral("DialogoHistorial"));
     setWindowTitle(m_texto(2040).arg(asiID));
@@ -33,7 +34,7 @@ DialogoHistorial::DialogoHistorial(qint32 asiID, const QList<HistorialAsiento::F
     for (int i = 0; i < filas.size(); ++i) {
         const HistorialAsiento::Fila &f = filas[i];
         const QString usuario = f.nombreUsuario.isEmpty() ? QString::number(f.usuario) : f.nombreUsuario;
-        const QStringList cambios = HistorialAsiento::Diferencias(f.antes, f.despues, m_texto);
+        const QStringList cambios = HistorialAsiento::Diferencias(f.antes, f.despues, m_texto, m_libros);
         const QString resumen = f.antes.isEmpty() ? m_texto(2046).arg(f.despues.value(QStringLiteral("Lineas")).toArray().size())
                               : f.despues.isEmpty() ? m_texto(2047).arg(f.antes.value(QStringLiteral("Lineas")).toArray().size())
                                                     : cambios.join(QStringLiteral("; "));
@@ -98,9 +99,9 @@ void DialogoHistorial::mostrarDetalle(int fila)
         return;
     }
     const HistorialAsiento::Fila &f = m_filas[fila];
-    QStringList texto = HistorialAsiento::Diferencias(f.antes, f.despues, m_texto);
+    QStringList texto = HistorialAsiento::Diferencias(f.antes, f.despues, m_texto, m_libros);
     auto version = [this](const QJsonObject &o, int sinNada) {
-        return o.isEmpty() ? m_texto(sinNada) : HistorialAsiento::Version(o, m_texto).join(QLatin1Char('\n'));
+        return o.isEmpty() ? m_texto(sinNada) : HistorialAsiento::Version(o, m_texto, m_libros).join(QLatin1Char('\n'));
     };
     texto << QString() << m_texto(2048) << version(f.antes, 2050) << QString() << m_texto(2049) << version(f.despues, 2051);
     m_detalle->setPlainText(texto.join(QLatin1Char('\n')));

@@ -17,9 +17,9 @@ class DialogoHistorial : public QDialog
 {
     Q_OBJECT
 public:
-    // texto gives the catalogue text of a number (1000 and up).
+    // texto gives the catalogue text of a number (1000 and up); libros names the books.
     DialogoHistorial(qint32 asiID, const QList<HistorialAsiento::Fila> &filas, const QString &formatoFecha,
-                     std::function<QString(int)> texto, QWidget *padre = nullptr);
+                     std::function<QString(int)> texto, QHash<int, QString> libros = {}, QWidget *padre = nullptr);
 
     // Offers the selected write's version back, with the button's caption: restaurar writes
     // it and answers whether it did (the dialog then closes). Without it the history is
@@ -32,6 +32,7 @@ private:
 
     QList<HistorialAsiento::Fila> m_filas;
     std::function<QString(int)> m_texto;
+    QHash<int, QString> m_libros;
     QTableWidget *m_tabla = nullptr;
     QPlainTextEdit *m_detalle = nullptr;
     QDialogButtonBox *m_botones = nullptr;

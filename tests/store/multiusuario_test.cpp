@@ -494,6 +494,16 @@ TEST(HistorialEnPalabras, DiferenciasLegibles)
                            QStringLiteral("− cuenta 1.1.01 debe ") + l.toString(68500.0, 'f', 2),
                            QStringLiteral("+ cuenta 1.1.01 debe ") + l.toString(70000.5, 'f', 2)}));
     EXPECT_TRUE(HistorialAsiento::Diferencias(antes, antes, TextoEspanol).isEmpty());
+
+    // Books by their names where they are known, by number where not.
+    QJsonObject otroLibro = antes;
+    otroLibro.insert(QStringLiteral("Libro"), 94);
+    QJsonObject conLibro = antes;
+    conLibro.insert(QStringLiteral("Libro"), 1);
+    EXPECT_EQ(HistorialAsiento::Diferencias(conLibro, otroLibro, TextoEspanol, {{1, QStringLiteral("Diario")}}),
+              QStringList{QStringLiteral("Libro: Diario → 94")});
+    EXPECT_TRUE(HistorialAsiento::Version(otroLibro, TextoEspanol, {{94, QStringLiteral("Apertura")}})
+                    .contains(QStringLiteral("Libro: Apertura")));
 }
 
 } // namespace
