@@ -17,6 +17,7 @@
 #include "search/busquedaasientos.h"
 #include "entries/vistas.h"
 #include "grid/vsgrid.h"
+#include "lineeditor/campofecha.h"
 #include "lineeditor/contextodocumento.h"
 #include "lineeditor/lumerasiento.h"
 #include "dialogs/busquedacuentasqt.h"
@@ -25,6 +26,7 @@
 #include "services/serviciopermisos.h"
 
 #include <QAction>
+#include <QComboBox>
 #include <QLabel>
 #include <QHBoxLayout>
 #include <QTimer>
@@ -191,6 +193,10 @@ void lumIngAsiento::crearControles()
     connect(modelo, &QAbstractItemModel::rowsMoved, this, actualizar);
     connect(modelo, &QAbstractItemModel::modelReset, this, actualizar);
     connect(m_vsGrid, &vsGrid::FilaActualCambiada, this, actualizar);
+    // While the header is typed the status line follows it, a field at a time.
+    connect(m_panel->campoFecha(), &QLineEdit::editingFinished, this, actualizar);
+    connect(m_panel->campoLeyenda(), &QLineEdit::editingFinished, this, actualizar);
+    connect(m_panel->listaLibros(), qOverload<int>(&QComboBox::currentIndexChanged), this, actualizar);
     m_apertura->ayuda = [this] {
         if (m_entorno.host)
             m_entorno.host->Navegar(ComandoHost::kAyudaSaldosIniciales, QString());
@@ -456,6 +462,10 @@ void lumIngAsiento::ActualizarEstado()
         // What changed first: the difference while there is one, then the header with its state.
         const int ultima = m_asientos.UltimaFilaAsiento(cabezal);
         texto = m_asientos.TextoAccesible(cabezal);
+        // The entry being edited is told as its header is typed, not as the grid last showed it.
+        if (FilaEdicion() > 0 && m_asientos.FilaCabezalDe(FilaEdicion()) == cabezal)
+            texto = (m_panel->TextoCabezal() << m_asientos.NombreEstado(qint16(m_grilla.Dato(cabezal, 3).toInt())))
+                        .join(QStringLiteral(", "));
         if (m_asientos.EsFilaDiferencia(ultima))
             texto = m_asientos.TextoAccesible(ultima) + QStringLiteral("; ") + texto;
     }

@@ -223,6 +223,15 @@ void PanelEdicion::AbrirCabezal(const ValoresCabezal &valores)
     setVisible(true);
 }
 
+QStringList PanelEdicion::TextoCabezal() const
+{
+    QStringList partes;
+    for (const QString &t : {odDate->text(), tLeyenda->text(), lLibroApertura->isVisible() ? lLibroApertura->text() : cfTipo->currentText()})
+        if (!t.trimmed().isEmpty())
+            partes << t.trimmed();
+    return partes;
+}
+
 ValoresCabezal PanelEdicion::LeerCabezal()
 {
     ValoresCabezal v;

@@ -29,6 +29,8 @@ public:
     CampoFecha *campoFecha() const { return odDate; }
     QLineEdit *campoLeyenda() const { return tLeyenda; }
     QComboBox *listaLibros() const { return cfTipo; }
+    // The header as typed so far, for the status line: date, legend and book, as shown.
+    QStringList TextoCabezal() const;
 
     void AsignarTextos();
     void FijarColorFondo(const QColor &color);

@@ -43,6 +43,9 @@ TEST_P(SalidaEdicion, LaLineaDeEstadoDiceLaDiferenciaYComoQuedo)
     auto *estado = m_doc->findChild<QLabel *>(QStringLiteral("lbEstado"));
     ASSERT_NE(estado, nullptr);
     lineaSinAceptar(QStringLiteral("500"));
+    // The header is told as typed, before any line is taken.
+    QApplication::processEvents();
+    EXPECT_TRUE(estado->text().contains(QStringLiteral("Escrito y no aceptado"))) << estado->text().toStdString();
     aceptarLinea();
     QApplication::processEvents();
     EXPECT_TRUE(estado->text().startsWith(QStringLiteral("Diferencia Haber, 500,00 $; "))) << estado->text().toStdString();
