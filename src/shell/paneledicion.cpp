@@ -199,7 +199,9 @@ void PanelEdicion::FijarLibros(const QList<std::pair<QString, qint16>> &libros)
 
 bool PanelEdicion::ConAutoriza() const
 {
-    return !cfAutoriza->isHidden();
+    // A company whose entries carry an authoriser, with nobody allowed to authorise, still
+    // keeps its books: its entries go without one.
+    return !cfAutoriza->isHidden() && cfAutoriza->count() > 0;
 }
 
 void PanelEdicion::AbrirCabezal(const ValoresCabezal &valores)
@@ -410,7 +412,7 @@ bool PanelEdicion::teclaEnCabezal(QObject *objeto, QKeyEvent *evento)
     } else if (objeto == cfAutoriza) {
         // Enter does not pass an empty list: the authoriser is asked for here, not after the
         // line's amount.
-        if (cfAutoriza->currentIndex() < 0) {
+        if (ConAutoriza() && cfAutoriza->currentIndex() < 0) {
             m_datos.Advertir(1953);
             cfAutoriza->setFocus();
             return true;

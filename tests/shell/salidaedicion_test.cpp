@@ -139,6 +139,20 @@ TEST_P(SalidaEdicion, EscapePreguntaYUnaLineaSinImporteSeRechaza)
     EXPECT_EQ(guardados(QStringLiteral("Escrito y no aceptado")), 0);
 }
 
+// With nobody allowed to authorise, the entries of a company that shows authorisers go
+// without one: the empty list asks for nothing, and the entry is stored.
+TEST_P(SalidaEdicion, SinNadieQueAutoriceElAsientoSeGraba)
+{
+    m_base.conexion().Ejecutar(QStringLiteral("Update segPermisos Set PerAutoriza = 0"));
+    m_doc.reset();
+    m_doc = Documento(m_host, m_mensajes, m_carpeta, 1);
+    QApplication::setActiveWindow(m_doc.get());
+    QApplication::processEvents();
+    nuevoConTeclado(QStringLiteral("Sin autorizante"), QStringLiteral("1.1.01"), QStringLiteral("4.1.01"), QStringLiteral("125"));
+    EXPECT_FALSE(m_mensajes.mostrados.contains(Dicho("advertencia", 1953))) << m_mensajes.mostrados.join(u'\n').toStdString();
+    EXPECT_EQ(guardados(QStringLiteral("Sin autorizante")), 1);
+}
+
 // A write refused because another user saved the entry first: leaving asks, going back keeps
 // the typed legend on screen, discarding shows the entry as stored.
 TEST_P(SalidaEdicion, TrasUnaEscrituraRechazadaLoEscritoQuedaYSinCambiosNoSePregunta)
