@@ -17,3 +17,13 @@ inline QJsonArray LeerArchivoExportado(const char *modo, const QString &ruta)
     EXPECT_EQ(p.exitCode(), 0) << p.readAllStandardError().toStdString();
     return QJsonDocument::fromJson(p.readAllStandardOutput()).array();
 }
+
+// The text of a PDF file as pdftotext lays it out, pages apart by form feeds.
+inline QString TextoPDF(const QString &ruta)
+{
+    QProcess p;
+    p.start(QStringLiteral("pdftotext"), {QStringLiteral("-layout"), ruta, QStringLiteral("-")});
+    p.waitForFinished(60000);
+    EXPECT_EQ(p.exitCode(), 0) << p.readAllStandardError().toStdString();
+    return QString::fromUtf8(p.readAllStandardOutput());
+}

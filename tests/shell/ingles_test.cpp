@@ -1,5 +1,7 @@
 #include "escenario.h"
 
+#include "comun/archivosleidos.h"
+
 #include "comun/dialogos.h"
 #include "dialogs/busquedacuentasqt.h"
 #include "dialogs/gestorlibros.h"
@@ -152,15 +154,6 @@ private:
     QSet<QString> m_soloEspanol;
 };
 
-// The text of a PDF file, pages apart by form feeds.
-QString TextoPDF(const QString &ruta)
-{
-    QProcess p;
-    p.start(QStringLiteral("pdftotext"), {QStringLiteral("-layout"), ruta, QStringLiteral("-")});
-    p.waitForFinished(60000);
-    EXPECT_EQ(p.exitCode(), 0) << p.readAllStandardError().toStdString();
-    return QString::fromUtf8(p.readAllStandardOutput());
-}
 
 // The text of the help page a help address opens in the language held.
 QString TextoAyuda(const QString &direccion)
