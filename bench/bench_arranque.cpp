@@ -4,66 +4,27 @@
 // same at the same size. Both run offscreen, in turns, as whole processes; each is charged the
 // CPU time (user + system) the operating system counts for it. The goal: the program within
 // 1.2 times the bare window ("veces_qt_desnudo", the ratio of the medians).
+#include "proceso.h"
+
 #include <QByteArray>
 #include <QCoreApplication>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QStringList>
 #include <QTemporaryDir>
 
 #include <benchmark/benchmark.h>
 
-#include <fcntl.h>
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <vector>
 
 namespace {
 
-struct Medida
-{
-    double cpuMs = 0;
-    double paredMs = 0;
-    int estado = -1;
-};
-
 // Runs a program offscreen with its output thrown away and its data and settings in carpeta.
-Medida Correr(const QString &programa, const QStringList &argumentos, const QString &carpeta)
+Medida CorrerEn(const QString &programa, const QStringList &argumentos, const QString &carpeta)
 {
-    std::vector<QByteArray> partes{programa.toLocal8Bit()};
-    for (const QString &a : argumentos)
-        partes.push_back(a.toLocal8Bit());
-    std::vector<char *> argv;
-    for (QByteArray &p : partes)
-        argv.push_back(p.data());
-    argv.push_back(nullptr);
-    const QByteArray datos = carpeta.toLocal8Bit() + "/datos";
-    const QByteArray config = carpeta.toLocal8Bit() + "/config";
-
-    QElapsedTimer reloj;
-    reloj.start();
-    const pid_t hijo = ::fork();
-    if (hijo == 0) {
-        const int nulo = ::open("/dev/null", O_WRONLY);
-        ::dup2(nulo, 1);
-        ::dup2(nulo, 2);
-        ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
-        ::setenv("XDG_DATA_HOME", datos.constData(), 1);
-        ::setenv("XDG_CONFIG_HOME", config.constData(), 1);
-        ::execv(argv[0], argv.data());
-        ::_exit(127);
-    }
-    int estado = 0;
-    rusage uso{};
-    ::wait4(hijo, &estado, 0, &uso);
-    Medida m;
-    m.paredMs = reloj.nsecsElapsed() / 1e6;
-    m.cpuMs = (uso.ru_utime.tv_sec + uso.ru_stime.tv_sec) * 1e3 + (uso.ru_utime.tv_usec + uso.ru_stime.tv_usec) / 1e3;
-    m.estado = WIFEXITED(estado) ? WEXITSTATUS(estado) : -1;
-    return m;
+    return Correr(programa, argumentos,
+                  {{"XDG_DATA_HOME", carpeta.toLocal8Bit() + "/datos"}, {"XDG_CONFIG_HOME", carpeta.toLocal8Bit() + "/config"}});
 }
 
 // A PNG's width and height, from its header; 0 x 0 when it is not one.
@@ -100,7 +61,7 @@ void Arranque(benchmark::State &estado)
     const QString imagen = carpeta.filePath(QStringLiteral("asientos.png"));
     const QString imagenDesnuda = carpeta.filePath(QStringLiteral("desnuda.png"));
     // The first run makes the demo database; it is not measured.
-    if (Correr(programa, {QStringLiteral("--screenshot"), imagen}, carpeta.path()).estado != 0) {
+    if (CorrerEn(programa, {QStringLiteral("--screenshot"), imagen}, carpeta.path()).estado != 0) {
         estado.SkipWithError("asientos --screenshot falló");
         return;
     }
@@ -108,14 +69,14 @@ void Arranque(benchmark::State &estado)
     const QStringList desnuda{imagenDesnuda, QString::number(ancho), QString::number(alto)};
     std::vector<double> nuestro, bare, pared;
     for (auto _ : estado) {
-        const Medida d = Correr(QStringLiteral(VENTANA_DESNUDA), desnuda, carpeta.path());
-        const Medida a = Correr(programa, {QStringLiteral("--screenshot"), imagen}, carpeta.path());
+        const Medida d = CorrerEn(QStringLiteral(VENTANA_DESNUDA), desnuda, carpeta.path());
+        const Medida a = CorrerEn(programa, {QStringLiteral("--screenshot"), imagen}, carpeta.path());
         if (a.estado != 0 || d.estado != 0)
             estado.SkipWithError("una de las dos ventanas falló");
         estado.SetIterationTime(a.cpuMs / 1e3);
         nuestro.push_back(a.cpuMs);
         bare.push_back(d.cpuMs);
-        pared.push_back(a.paredMs);
+        pared.push_back(a.segundos * 1000);
     }
     if (TamanoPNG(imagenDesnuda) != std::pair{ancho, alto})
         estado.SkipWithError("las imágenes no son del mismo tamaño");

@@ -12,22 +12,19 @@
 // the other in each iteration. The goal: at most 1.2 times psql ("veces_psql"). The schema is
 // dropped at the end. ASIENTOS_BENCH_PROGRAMA names another build of the program to time there
 // (an earlier one, to compare).
+#include "proceso.h"
+
 #include "search/consultabusqueda.h"
 #include "store/dialectosql.h"
 
 #include <QCoreApplication>
 #include <QDate>
 #include <QDir>
-#include <QElapsedTimer>
 #include <QProcess>
 #include <QTemporaryDir>
 
 #include <benchmark/benchmark.h>
 
-#include <fcntl.h>
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <cstdlib>
 #include <utility>
@@ -80,48 +77,6 @@ Banco &banco()
         return x;
     }();
     return b;
-}
-
-struct Medida
-{
-    double segundos = 0;
-    double memoriaMiB = 0;
-    int estado = -1;
-};
-
-// Runs a program with its output thrown away; its wall time and peak resident memory.
-// entorno: variables set for it alone.
-Medida Correr(const QString &programa, const QStringList &argumentos, const QList<std::pair<QByteArray, QByteArray>> &entorno = {})
-{
-    std::vector<QByteArray> partes{programa.toLocal8Bit()};
-    for (const QString &a : argumentos)
-        partes.push_back(a.toLocal8Bit());
-    std::vector<char *> argv;
-    for (QByteArray &p : partes)
-        argv.push_back(p.data());
-    argv.push_back(nullptr);
-
-    QElapsedTimer reloj;
-    reloj.start();
-    const pid_t hijo = ::fork();
-    if (hijo == 0) {
-        const int nulo = ::open("/dev/null", O_WRONLY);
-        ::dup2(nulo, 1);
-        ::dup2(nulo, 2);
-        ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
-        for (const auto &[nombre, valor] : entorno)
-            ::setenv(nombre.constData(), valor.constData(), 1);
-        ::execv(argv[0], argv.data());
-        ::_exit(127);
-    }
-    int estado = 0;
-    rusage uso{};
-    ::wait4(hijo, &estado, 0, &uso);
-    Medida m;
-    m.segundos = reloj.nsecsElapsed() / 1e9;
-    m.memoriaMiB = uso.ru_maxrss / 1024.0;
-    m.estado = WIFEXITED(estado) ? WEXITSTATUS(estado) : -1;
-    return m;
 }
 
 void Sqlite3CSV(benchmark::State &estado)
