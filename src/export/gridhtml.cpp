@@ -121,18 +121,20 @@ std::optional<Fallo> TablaDatos(const FuenteGrilla &g, double w, QString &html, 
 
             const QString mostrado = g.Texto(r, c);
             const bool fija = r < g.FilasFijas() || c < g.ColumnasFijas();
-            const quint32 fondo = g.ColorFondo(r, c) ? g.ColorFondo(r, c) : fija ? g.ColorFondoFijo() : 0;
-            const quint32 letra = g.ColorTexto(r, c) ? g.ColorTexto(r, c) : fija ? g.ColorTextoFijo() : 0;
-            const bool conLetra = g.ColorTexto(r, c) || fija;
+            // A cell's own colour, or for a fixed cell the fixed cells' colour.
+            const quint32 fondoCelda = g.ColorFondo(r, c);
+            const quint32 letraCelda = g.ColorTexto(r, c);
+            const bool conFondo = fondoCelda || fija;
+            const bool conLetra = letraCelda || fija;
             const bool negrita = g.Negrita(r, c);
             const bool cursiva = g.Cursiva(r, c);
             const bool subrayado = g.Subrayado(r, c);
 
             html += fija ? QLatin1StringView("<td class=\"stTDFixed\"") : QLatin1StringView("<td class=\"stTDFont\"");
             html += anchoDe(rango.columna1, rango.columna2);
-            if (g.ColorFondo(r, c) || fija) {
+            if (conFondo) {
                 html += QLatin1StringView(" BGCOLOR=");
-                html += colorHTML(fondo);
+                html += colorHTML(fondoCelda ? fondoCelda : g.ColorFondoFijo());
             }
             html += Alineacion(g, c, mostrado);
             if (fija) {
@@ -150,7 +152,7 @@ std::optional<Fallo> TablaDatos(const FuenteGrilla &g, double w, QString &html, 
             html += QLatin1Char('>');
             if (conLetra) {
                 html += QLatin1StringView("<FONT COLOR=");
-                html += colorHTML(letra);
+                html += colorHTML(letraCelda ? letraCelda : g.ColorTextoFijo());
                 html += QLatin1Char('>');
             }
             if (negrita)
