@@ -304,7 +304,9 @@ bool ComandosAsiento::GrabarAsientoCompleto(bool asientoCierra)
             DecirRechazo(*fallo, 1924);
             return false;
         }
-        if (!asientoCierra && !sinCuentasCerradas())
+        // A stored entry with an account closed at its stored date cannot change at all,
+        // whatever the grid read before another session closed the account.
+        if (!sinCuentasCerradas())
             return false;
         if (d.FechaModificado != c.AsiFechaModificado) {
             m_datos.Error(1820);

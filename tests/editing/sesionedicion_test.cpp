@@ -292,6 +292,47 @@ TEST_P(Edicion, MoverUnAsientoGuardadoAlCierreDeOtraDeSusCuentas1821YCambiarSolo
     EXPECT_EQ(enBase(primero).mid(1), lineasAntes); // the line waits until the edit ends
 }
 
+// An account closed by another session after the entry was read, on the entry's date: the
+// store refuses to move the entry, as a header alone (1813, the header comes back) or with a
+// line (1811), but a change of the legend alone is written.
+TEST_P(Edicion, UnaCuentaCerradaDespuesDeLeerImpideMoverElAsiento1813Y1811PeroNoLaLeyenda)
+{
+    const qint32 id = registradosSinCuentasCerradas().value(0);
+    ASSERT_GT(id, 0);
+    QDate fecha;
+    const auto cerrarTrasLeer = [&] {
+        ejecutar(QStringLiteral("Update cceCuentas Set CueFechaCerrada = Null Where CueID In"
+                                " (Select ACuCuenta From cceAsientoCuenta Where ACuIDAsiento = ?)"), {id});
+        const int fila = cargar(id);
+        fecha = m_grilla.Dato(fila, 2).toDate();
+        ejecutar(QStringLiteral("Update cceCuentas Set CueFechaCerrada = ? Where CueID = ?"),
+                 {Conexion::ValorFecha(fecha), m_asientos.LineaDeFila(fila + 1).lCta});
+        m_mensajes.mostrados.clear();
+        return fila;
+    };
+    ASSERT_TRUE(m_sesion.EntrarEdicion(cerrarTrasLeer()));
+    const QStringList antes = enBase(id, true);
+    m_vista.cabezal.fecha = fecha.addDays(1);
+    m_mensajes.Responder(R::No);
+    m_sesion.SalirEdicion();
+    EXPECT_EQ(m_mensajes.mostrados, (QStringList{QStringLiteral("error: 1813"), QStringLiteral("pregunta: 1961")}));
+    EXPECT_EQ(enBase(id, true), antes);
+
+    ASSERT_TRUE(m_sesion.EntrarEdicion(cerrarTrasLeer()));
+    m_vista.cabezal.fecha = fecha.addDays(1);
+    m_sesion.AceptarLinea();
+    m_mensajes.Responder(R::No);
+    m_sesion.SalirEdicion();
+    EXPECT_EQ(m_mensajes.mostrados.value(0), QStringLiteral("error: 1811")) << m_mensajes.mostrados.join(u'\n').toStdString();
+    EXPECT_EQ(enBase(id, true), antes);
+
+    ASSERT_TRUE(m_sesion.EntrarEdicion(cerrarTrasLeer()));
+    m_vista.cabezal.leyenda = QStringLiteral("Solo la leyenda");
+    m_sesion.SalirEdicion();
+    EXPECT_TRUE(m_mensajes.mostrados.isEmpty()) << m_mensajes.mostrados.join(u'\n').toStdString();
+    EXPECT_EQ(cabezal(id).section(u'|', 1, 2), QStringLiteral("%1|Solo la leyenda").arg(fecha.toString(Qt::ISODate)));
+}
+
 // 100 dollars at the debit at 40, then 100 at the credit at 42. Question 1832 settles the
 // rate: Sí this line's for all, No the average, Cancelar the one in use. Then 1833: Sí keeps
 // the pesos and recomputes the dollars, No the other way round.
