@@ -152,10 +152,11 @@ TEST_P(Apertura, SinSaldosNada1855YUnSaldoEnDolaresSinSuValorEnPesosSeValoraALaC
     EXPECT_TRUE(aperturas().isEmpty());
     EXPECT_EQ(m_grilla.Filas(), filas);
 
-    // Dollars without their pesos.
+    // Dollars without their pesos, and pesos stored as the account's balance alone.
     ejecutar(QStringLiteral("Update cceCuentas Set CueSaldo = 0, CueSaldoMConta = 0"));
     fijar("CueSaldo = ?, CueSaldoMConta = Null", "1.1.04", {12500});
-    fijar("CueSaldo = ?, CueSaldoMConta = ?", "3.1.01", {500000, 500000});
+    fijar("CueSaldo = ?, CueSaldoMConta = Null", "1.1.01", {2500});
+    fijar("CueSaldo = ?, CueSaldoMConta = ?", "3.1.01", {502500, 502500});
     ejecutar(QStringLiteral("Delete From genCotizacionesMoneda Where CMoFecha >= ? And CMoFecha <= ?"),
              {Conexion::ValorFecha(dia.addDays(-40)), Conexion::ValorFecha(dia)});
     ejecutar(QStringLiteral("Insert Into genCotizacionesMoneda (CMoFecha, CMoMoneda, CMoCotizaEn, CMoTipoCotizacion, CMoCompra, CMoVenta)"
@@ -163,7 +164,8 @@ TEST_P(Apertura, SinSaldosNada1855YUnSaldoEnDolaresSinSuValorEnPesosSeValoraALaC
              {Conexion::ValorFecha(dia.addDays(-2))});
     const qint32 id = m_apertura.HacerAsientoApertura();
     ASSERT_GT(id, 0) << m_mensajes.mostrados.join(QLatin1Char('\n')).toStdString();
-    EXPECT_EQ(lineas(id), (QStringList{QStringLiteral("1.1.04|D|12500|500000"), QStringLiteral("3.1.01|H|500000|500000")}));
+    EXPECT_EQ(lineas(id), (QStringList{QStringLiteral("1.1.01|D|2500|2500"), QStringLiteral("1.1.04|D|12500|500000"),
+                                       QStringLiteral("3.1.01|H|502500|502500")}));
     EXPECT_EQ(cabezal(id).left(2), QStringLiteral("1|"));
 
     // The same balance in a currency nobody quotes, with an account to be opened: it stops

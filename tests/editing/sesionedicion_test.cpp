@@ -294,8 +294,9 @@ TEST_P(Edicion, MoverUnAsientoGuardadoAlCierreDeOtraDeSusCuentas1821YCambiarSolo
 
 // An account closed by another session after the entry was read, on the entry's date: the
 // store refuses to move the entry, as a header alone (1813, the header comes back) or with a
-// line (1811), but a change of the legend alone is written.
-TEST_P(Edicion, UnaCuentaCerradaDespuesDeLeerImpideMoverElAsiento1813Y1811PeroNoLaLeyenda)
+// line (1811), but a change of the legend alone is written. Closed before that date, it
+// closes nothing of the entry.
+TEST_P(Edicion, UnaCuentaCerradaEnLaFechaImpideMoverElAsiento1813Y1811PeroNoLaLeyenda)
 {
     const qint32 id = registradosSinCuentasCerradas().value(0);
     ASSERT_GT(id, 0);
@@ -331,6 +332,17 @@ TEST_P(Edicion, UnaCuentaCerradaDespuesDeLeerImpideMoverElAsiento1813Y1811PeroNo
     m_sesion.SalirEdicion();
     EXPECT_TRUE(m_mensajes.mostrados.isEmpty()) << m_mensajes.mostrados.join(u'\n').toStdString();
     EXPECT_EQ(cabezal(id).section(u'|', 1, 2), QStringLiteral("%1|Solo la leyenda").arg(fecha.toString(Qt::ISODate)));
+
+    // An account closed before the entry's date closes nothing of it: its date may change.
+    const int fila = cerrarTrasLeer();
+    ejecutar(QStringLiteral("Update cceCuentas Set CueFechaCerrada = ? Where CueID = ?"),
+             {Conexion::ValorFecha(fecha.addDays(-10)), m_asientos.LineaDeFila(fila + 1).lCta});
+    ASSERT_TRUE(m_sesion.EntrarEdicion(cargar(id)));
+    EXPECT_TRUE(m_vista.cabezal.fechaHabilitada);
+    m_vista.cabezal.fecha = fecha.addDays(1);
+    m_sesion.SalirEdicion();
+    EXPECT_TRUE(m_mensajes.mostrados.isEmpty()) << m_mensajes.mostrados.join(u'\n').toStdString();
+    EXPECT_EQ(cabezal(id).section(u'|', 1, 1), fecha.addDays(1).toString(Qt::ISODate));
 }
 
 // 100 dollars at the debit at 40, then 100 at the credit at 42. Question 1832 settles the

@@ -44,6 +44,11 @@ TEST(CampoCalculadora, EvaluarLeeCadaNumeroPorLaMismaReglaYFijarValorUsaLaMascar
                 EXPECT_DOUBLE_EQ(v, c.valor);
         }
 
+    // A result too large for a number is refused, not taken as infinite.
+    const QString grande(200, u'9');
+    double infinito = 0;
+    EXPECT_FALSE(CampoCalculadora::Evaluar(grande + u'*' + grande, infinito, QLocale::c()));
+
     // A value set shows with the mask; an empty field is incomplete, not refused.
     CampoCalculadora campo(QStringLiteral("ocImporte"));
     campo.FijarMascara(QStringLiteral("#,##0.00"));
