@@ -15,6 +15,12 @@ std::ostream &operator<<(std::ostream &os, const AsientoEnBase &a)
 Escenario::Escenario()
     : m_base(GetParam(), BaseDePrueba::Contenido::Demo)
 {
+    reiniciar();
+}
+
+void Escenario::reiniciar()
+{
+    m_doc.reset();
     m_doc = Documento(m_host, m_mensajes, m_carpeta, 1);
     QApplication::setActiveWindow(m_doc.get());
     QApplication::processEvents();

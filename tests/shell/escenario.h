@@ -92,6 +92,8 @@ protected:
     // and layout folder.
     std::unique_ptr<lumIngAsiento> Documento(HostDePrueba &host, MensajesGuionados &mensajes, const QTemporaryDir &carpeta,
                                              int usuario);
+    // The administrator's document of the fixture closed and started again, active.
+    void reiniciar();
 
     // Escape in the line editor leaves edit mode once the key's event is over.
     void escape(QWidget *w)

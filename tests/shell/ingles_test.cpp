@@ -175,9 +175,7 @@ protected:
         m_mensajes.mostrados.clear();
         QSettings(m_carpeta.filePath(QStringLiteral("a.ini")), QSettings::IniFormat).setValue(QStringLiteral("LUM01/Idioma"),
                                                                                                QStringLiteral("2"));
-        m_doc = Documento(m_host, m_mensajes, m_carpeta, 1);
-        QApplication::setActiveWindow(m_doc.get());
-        QApplication::processEvents();
+        reiniciar();
     }
 };
 
@@ -245,16 +243,15 @@ TEST_P(EnIngles, NingunTextoQuedaEnEspanol)
     for (const QString &direccion : m_host.comandos)
         r.lineas(QStringLiteral("ayuda ") + ComandoHost::PaginaAyuda(direccion), TextoAyuda(direccion));
     r.lineas(QStringLiteral("ayuda de saldos iniciales"), TextoAyuda(ComandoHost::kAyudaSaldosIniciales));
-    EXPECT_EQ(ConDialogo<RegistroFrecuentes>([&] {
-                  elegir("MnuAFrRegistrar");
-                  QTest::qWait(50);
-              }, enVentana("registro de frecuentes")),
-              1);
-    EXPECT_EQ(ConDialogo<MovimientosFrecuentes>([&] {
-                  elegir("MnuAFrNew");
-                  QTest::qWait(50);
-              }, enVentana("asiento frecuente")),
-              1);
+    // The frequent entries' dialogs open once the menu is over.
+    auto diferido = [&](const char *accion) {
+        return [&, accion] {
+            elegir(accion);
+            QTest::qWaitFor([&] { return m_doc->ComandoDiferido().isEmpty(); });
+        };
+    };
+    EXPECT_EQ(ConDialogo<RegistroFrecuentes>(diferido("MnuAFrRegistrar"), enVentana("registro de frecuentes")), 1);
+    EXPECT_EQ(ConDialogo<MovimientosFrecuentes>(diferido("MnuAFrNew"), enVentana("asiento frecuente")), 1);
     EXPECT_EQ(ConDialogo<GestorLibros>([&] { elegir("MnuEdiLibro"); }, enVentana("libros")), 1);
 
     m_doc->grid()->FijarFilaActual(filaDe(id));

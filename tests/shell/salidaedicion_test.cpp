@@ -144,10 +144,7 @@ TEST_P(SalidaEdicion, EscapePreguntaYUnaLineaSinImporteSeRechaza)
 TEST_P(SalidaEdicion, SinNadieQueAutoriceElAsientoSeGraba)
 {
     m_base.conexion().Ejecutar(QStringLiteral("Update segPermisos Set PerAutoriza = 0"));
-    m_doc.reset();
-    m_doc = Documento(m_host, m_mensajes, m_carpeta, 1);
-    QApplication::setActiveWindow(m_doc.get());
-    QApplication::processEvents();
+    reiniciar();
     nuevoConTeclado(QStringLiteral("Sin autorizante"), QStringLiteral("1.1.01"), QStringLiteral("4.1.01"), QStringLiteral("125"));
     EXPECT_FALSE(m_mensajes.mostrados.contains(Dicho("advertencia", 1953))) << m_mensajes.mostrados.join(u'\n').toStdString();
     EXPECT_EQ(guardados(QStringLiteral("Sin autorizante")), 1);
