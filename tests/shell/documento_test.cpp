@@ -1,4 +1,5 @@
 #include "escenario.h"
+#include "comun/textoscatalogo.h"
 
 #include "dialogs/serviciomensajesqt.h"
 #include "store/esquema.h"
@@ -130,6 +131,23 @@ TEST_F(Documento, AdministradorQuedaListoConTodosLosEnlacesYCadaVistaCargaSusAsi
     EXPECT_FALSE(otro->menus().MnuVieitem[0]->isChecked());
     // The amount columns show the accounting currency's mask.
     EXPECT_EQ(otro->grilla().FormatoColumna(2), QStringLiteral("#,##0.00"));
+    // The entry link's menu is made for the current row each time it opens: a registered
+    // entry may go back to draft, the new-entry row may only be saved.
+    const auto textoGrabar = [&](int fila) {
+        otro->grid()->FijarFilaActual(fila);
+        QTest::mouseClick(otro->findChild<QWidget *>(QStringLiteral("hlRegistro")), Qt::LeftButton);
+        const QString texto = otro->menus().accion(QStringLiteral("MnuEdiSaveNormal"))->text();
+        if (QWidget *menu = QApplication::activePopupWidget())
+            menu->close();
+        return texto;
+    };
+    const QList<int> cabezales = FilasCabezal(*otro);
+    const auto registrado = std::find_if(cabezales.begin(), cabezales.end(), [&](int r) {
+        return otro->asientos().EstadoDeFila(r) == EstadoAsiento::kRegistrado;
+    });
+    ASSERT_NE(registrado, cabezales.end());
+    EXPECT_EQ(textoGrabar(*registrado), TextoEspanol(1036));
+    EXPECT_EQ(textoGrabar(otro->grilla().Filas() - 1), TextoEspanol(1023));
 
     // The user's preferences survive a restart; another user keeps their own.
     otro.reset();
