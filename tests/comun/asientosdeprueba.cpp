@@ -6,6 +6,19 @@
 
 #include <gtest/gtest.h>
 
+LineaDatos Linea(qint32 cuenta, bool debe, double importe, double mc, qint16 pry, qint16 dep)
+{
+    LineaDatos l;
+    l.Cuenta = cuenta;
+    l.AlDebe = debe;
+    l.Importe = Importe::DesdeDouble(importe);
+    l.ImporteMC = Importe::DesdeDouble(mc < 0 ? importe : mc);
+    l.Tasa = importe != 0 ? l.ImporteMC.aDouble() / importe : 0;
+    l.Proyecto = pry;
+    l.Departamento = dep;
+    return l;
+}
+
 QVector<LineaDatos> LineasDePrueba(BaseDePrueba &base, const QList<LineaDePrueba> &lineas)
 {
     QVector<LineaDatos> r;

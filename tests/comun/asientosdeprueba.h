@@ -25,6 +25,10 @@ qint32 IdGrabado(AsientoDatos &datos);
 // Sends the entry to the trash; answers the ids sent, joined by ",", empty when refused.
 QString Papelera(AsientoDatos &datos, qint32 asiID, const QDateTime &sello);
 
+// A line as the data services take it, by account id; the rate is the one of the two
+// amounts (mc, the accounting amount, is the amount itself when left out).
+LineaDatos Linea(qint32 cuenta, bool debe, double importe, double mc = -1, qint16 pry = 0, qint16 dep = 0);
+
 // A line of a test entry: the demo account's code, whether it is at the debit, and the
 // amount in the accounting currency.
 using LineaDePrueba = std::tuple<const char *, bool, double>;

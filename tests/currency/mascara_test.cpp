@@ -86,27 +86,6 @@ TEST(Lecturas, UnaReglaQueNuncaEscala)
            {"1.2.3,4", "1,23,4", "1.500,5", "1,5,0"});
 }
 
-// Whatever a mask prints in any of the four locales reads back as the value it shows.
-TEST(Lecturas, LoQueImprimeUnaMascaraSeLeeEnLosCuatroLocales)
-{
-    const char *const mascaras[] = {"#,##0.00", "#,##0.000", "#,##0", "0", "#.000", "#,##0.##", "0.0000", ""};
-    const double valores[] = {0, 0.004, 2.675, -2.675, 12.5, 999.995, 1234.5, -1234567.891, 1500000.25, 0.333333};
-    for (const char *l : {"es_UY", "es_ES", "en_US", "C"}) {
-        const QLocale locale = LocaleDe(l);
-        for (const char *m : mascaras) {
-            const Mascara mascara(QString::fromLatin1(m));
-            for (double v : valores) {
-                const QString texto = mascara.Formatear(v, locale);
-                double leido = 0;
-                ASSERT_TRUE(LeerNumero(texto, leido, locale)) << l << " " << m << " " << texto.toStdString();
-                const double esperado = mascara.valida() ? RedondearADecimales(v, mascara.decimales()) : v;
-                EXPECT_DOUBLE_EQ(leido, esperado) << l << " " << m << " " << texto.toStdString();
-                EXPECT_DOUBLE_EQ(RedondearConMascara(v, QString::fromLatin1(m), locale), esperado) << l << " " << m;
-            }
-        }
-    }
-}
-
 // An amount prints from its own digits: past 2^53 ten-thousandths a double no longer holds
 // them (922337203685477.5807 is 922337203685477.625 as a double).
 TEST(Mascaras, UnImporteSeImprimeYRedondeaDesdeSusDigitos)

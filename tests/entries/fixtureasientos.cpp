@@ -79,19 +79,6 @@ void DatosAsientos::Cargar(qint32 id)
     ADD_FAILURE() << "entry " << id << " not in the grid";
 }
 
-LineaDatos Linea(qint32 cuenta, bool debe, double importe, double mc, qint16 pry, qint16 dep)
-{
-    LineaDatos l;
-    l.Cuenta = cuenta;
-    l.AlDebe = debe;
-    l.Importe = Importe::DesdeDouble(importe);
-    l.ImporteMC = Importe::DesdeDouble(mc < 0 ? importe : mc);
-    l.Tasa = importe != 0 ? l.ImporteMC.aDouble() / importe : 0;
-    l.Proyecto = pry;
-    l.Departamento = dep;
-    return l;
-}
-
 QString FilaComoTexto(const Grilla &g, int fila)
 {
     QStringList textos;

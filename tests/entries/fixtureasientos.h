@@ -37,9 +37,6 @@ private:
     BaseDePrueba m_base;
 };
 
-// A line as the data services take it; the rate is the one of the two amounts.
-LineaDatos Linea(qint32 cuenta, bool debe, double importe, double mc = -1, qint16 pry = 0, qint16 dep = 0);
-
 // One grid row as text, so a test compares whole rows: the cells' texts joined by "|",
 // then " #" and the hidden data joined by "|".
 QString FilaComoTexto(const Grilla &g, int fila);

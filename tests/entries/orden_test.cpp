@@ -69,13 +69,15 @@ TEST(OrdenCuentas, IgualAlOrdenDeIntercambioEnAmbosModosConYSinBlancos)
     }
 }
 
-TEST(OrdenCuentas, UnaFilaEnBlancoSeparaLasCuentasAlHaber)
+// Worked cases with their expected order, checked against the exchange sort too.
+TEST(OrdenCuentas, UnaFilaEnBlancoSeparaLasCuentasAlHaberYUnaCuentaQuedaEnElOrdenDeIngreso)
 {
-    auto fila = [](const char *texto0, const char *texto1) {
+    auto fila = [](const char *texto0, const char *texto1, int orden = 0) {
         ClaveOrden k;
         k.texto0 = QString::fromLatin1(texto0);
         k.texto1 = QString::fromLatin1(texto1);
         k.alDebe = !k.texto0.isEmpty();
+        k.orden = orden;
         return k;
     };
     struct Caso
@@ -92,28 +94,16 @@ TEST(OrdenCuentas, UnaFilaEnBlancoSeparaLasCuentasAlHaber)
         {{fila("", "Z"), fila("", "Y"), fila("", ""), fila("", "C"), fila("", "B"), fila("Caja", "")}, {5, 1, 0, 2, 4, 3}},
         // A sort would carry "C" above the blank rows and "d", since it is less than "d".
         {{fila("", "d"), fila("", ""), fila("", ""), fila("b", ""), fila("", "C"), fila("", "d")}, {3, 0, 1, 2, 4, 5}},
+        // Lines of one account keep the order they were entered in, whatever order the
+        // database hands them in: the same entry reads alike in every view and engine.
+        {{fila("5.3.14 - Amortizaciones", "", 3), fila("5.3.14 - amortizaciones", "", 1), fila("", "1.4.04 - Amortizaciones acumuladas", 5),
+          fila("5.3.14 - Amortizaciones", "", 2), fila("", "1.4.04 - Amortizaciones acumuladas", 4)},
+         {1, 3, 0, 4, 2}},
     };
     for (const Caso &c : casos) {
         EXPECT_EQ(ordenDeIntercambio(c.filas, 0), c.orden);
         EXPECT_EQ(OrdenCuentas(c.filas, 0), c.orden);
     }
-}
-
-// Lines of one account keep the order they were entered in, whatever order the database
-// hands them in: the same entry reads alike in every view and on both engines.
-TEST(OrdenCuentas, LasLineasDeUnaCuentaQuedanEnElOrdenDeIngreso)
-{
-    auto fila = [](bool alDebe, const char *texto, int orden) {
-        ClaveOrden k;
-        (alDebe ? k.texto0 : k.texto1) = QString::fromLatin1(texto);
-        k.alDebe = alDebe;
-        k.orden = orden;
-        return k;
-    };
-    const std::vector<ClaveOrden> filas{fila(true, "5.3.14 - Amortizaciones", 3), fila(true, "5.3.14 - amortizaciones", 1),
-                                        fila(false, "1.4.04 - Amortizaciones acumuladas", 5), fila(true, "5.3.14 - Amortizaciones", 2),
-                                        fila(false, "1.4.04 - Amortizaciones acumuladas", 4)};
-    EXPECT_EQ(OrdenCuentas(filas, 0), (std::vector<int>{1, 3, 0, 4, 2}));
 }
 
 // An opening-balance entry may have thousands of lines, where the exchange sort would need

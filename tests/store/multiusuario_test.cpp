@@ -61,16 +61,11 @@ void SinTocar(BaseDePrueba &base, const QMap<QString, qint64> &antes)
     }
 }
 
-LineaDatos linea(qint32 cuenta, bool debe, double importe)
-{
-    return {cuenta, 0, 0, debe, Importe::DesdeDouble(importe), 1, Importe::DesdeDouble(importe)};
-}
-
 // Writes a balanced entry through the given AsientoDatos; answers why it was refused.
 std::optional<Fallo> Escribir(AsientoDatos &a, const QString &leyenda, double importe, qint16 libro = Demo::kLibroDiario)
 {
     a.Cabezal() = CabezalDatos{0, Demo::kEmpresa, 1, QDate(2026, 5, 4), leyenda, libro};
-    a.Lineas() = {linea(22, true, importe), linea(11, false, importe)};
+    a.Lineas() = {Linea(22, true, importe), Linea(11, false, importe)};
     return a.GrabarTodo();
 }
 
@@ -197,7 +192,7 @@ TEST_P(Multiusuario, CadaEscrituraDejaUnaFilaDeHistorial)
     AsientoDatos viejo(c);
     ASSERT_TRUE(Bien(viejo.CargarAsiento(id)));
 
-    a.Lineas() = {linea(22, true, 450.25), linea(11, false, 450.25)};
+    a.Lineas() = {Linea(22, true, 450.25), Linea(11, false, 450.25)};
     ASSERT_GT(IdGrabado(a), 0);
     a.Cabezal().Estado = 0;
     ASSERT_TRUE(Bien(a.Grabar()));
