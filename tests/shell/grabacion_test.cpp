@@ -277,6 +277,15 @@ TEST_P(Grabacion, EliminarCopiarOcultarYUnificarLaTasa)
     EXPECT_EQ(estadoEnBase(id), 9);
     EXPECT_EQ(filaDe(id), -1);
     EXPECT_TRUE(m_doc->grilla().Redibujar()); // the grid is drawn again without it
+    // Deleting the row of an entry's header deletes it whole, after the same question.
+    const qint32 entero = asiento(-2, 1, 50);
+    mostrarUltimos();
+    enFila(entero);
+    m_mensajes.mostrados.clear();
+    m_mensajes.Responder(R::Si);
+    m_doc->asientoEntero().EliminarAsiento(true);
+    EXPECT_EQ(m_mensajes.mostrados, QStringList{Dicho("pregunta", 1804)});
+    EXPECT_EQ(estadoEnBase(entero), 9);
 
     m_mensajes.mostrados.clear();
     enFila(cierre, 1);
