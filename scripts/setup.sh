@@ -9,7 +9,7 @@ source scripts/comun.sh
 
 paquetes=(g++ cmake ninja-build qt6-base-dev libqt6sql6-sqlite libsqlite3-dev libqt6sql6-psql libpq-dev qt6-l10n-tools qt6-translations-l10n
           libgtest-dev libbenchmark-dev fonts-dejavu-core postgresql
-          libxlsxwriter-dev pkg-config python3-openpyxl poppler-utils faketime libfaketime)
+          zlib1g-dev pkg-config python3-openpyxl poppler-utils faketime libfaketime)
 faltan=()
 for p in "${paquetes[@]}"; do
     dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed' || faltan+=("$p")

@@ -1,28 +1,18 @@
 #include "escritores.h"
 
-#include "bibliotecalibro.h"
 #include "fuentegrilla.h"
 #include "gridhtml.h"
+#include "libroxlsx.h"
 
 #include "entries/grilla.h"
 
-#include <QDir>
 #include <QFileInfo>
 #include <QSaveFile>
 #include <QStringEncoder>
-#include <QTemporaryFile>
-
 
 #include <algorithm>
-#include <cerrno>
+#include <array>
 #include <cmath>
-#include <cstdio>
-#include <cstring>
-#include <locale.h>
-
-#include <sys/stat.h>
-#include <map>
-#include <tuple>
 #include <utility>
 
 namespace {
@@ -221,51 +211,6 @@ QString FormatoNumeroLibro(const QString &mascara)
 
 namespace {
 
-// The workbook's cell formats, made once per combination.
-class FormatosLibro
-{
-public:
-    FormatosLibro(lxw_workbook *libro, QString formatoFecha)
-        : m_libro(libro)
-        , m_fecha(std::move(formatoFecha))
-    {
-    }
-
-    lxw_format *Formato(const QString &numero, quint32 texto, quint32 fondo, bool fija)
-    {
-        const auto clave = std::make_tuple(numero, texto, fondo, fija);
-        auto it = m_formatos.find(clave);
-        if (it != m_formatos.end())
-            return it->second;
-        lxw_format *f = Xlsx().workbook_add_format(m_libro);
-        if (!numero.isEmpty())
-            Xlsx().format_set_num_format(f, numero.toUtf8().constData());
-        if (texto)
-            Xlsx().format_set_font_color(f, Rgb(texto));
-        if (fondo)
-            Xlsx().format_set_bg_color(f, Rgb(fondo));
-        if (fija) {
-            Xlsx().format_set_bold(f);
-            Xlsx().format_set_bottom(f, LXW_BORDER_THIN);
-        }
-        m_formatos.emplace(clave, f);
-        return f;
-    }
-
-    const QString &FormatoFecha() const { return m_fecha; }
-
-private:
-    static lxw_color_t Rgb(quint32 valor)
-    {
-        const QColor c = ColorVista::AColor(valor);
-        return lxw_color_t((c.red() << 16) | (c.green() << 8) | c.blue());
-    }
-
-    lxw_workbook *m_libro;
-    QString m_fecha;
-    std::map<std::tuple<QString, quint32, quint32, bool>, lxw_format *> m_formatos;
-};
-
 QString FormatoFechaLibro(const QString &formatoSuite)
 {
     // The suite's "dd/mm/yyyy" notation reads the same in a spreadsheet; minutes ("nn")
@@ -275,136 +220,92 @@ QString FormatoFechaLibro(const QString &formatoSuite)
     return f.isEmpty() ? QStringLiteral("dd/mm/yyyy") : f;
 }
 
-// The workbook library prints numbers with the C library's printf, which follows the
-// process's numeric locale: under a Spanish one, 4703.31 would be written "4703,31" and the
-// workbook would not open. The C locale holds on this thread while the workbook is made.
-class LocaleNumericoC
+quint32 Rgb(quint32 valor)
 {
-public:
-    LocaleNumericoC()
-        : m_c(::newlocale(LC_NUMERIC_MASK, "C", static_cast<locale_t>(nullptr)))
-        , m_anterior(m_c ? ::uselocale(m_c) : static_cast<locale_t>(nullptr))
-    {
-    }
-    ~LocaleNumericoC()
-    {
-        if (m_c) {
-            ::uselocale(m_anterior);
-            ::freelocale(m_c);
-        }
-    }
-    LocaleNumericoC(const LocaleNumericoC &) = delete;
-    LocaleNumericoC &operator=(const LocaleNumericoC &) = delete;
-
-private:
-    locale_t m_c;
-    locale_t m_anterior;
-};
+    if (!valor)
+        return LibroXlsx::kSinColor;
+    const QColor c = ColorVista::AColor(valor);
+    return (quint32(c.red()) << 16) | (quint32(c.green()) << 8) | quint32(c.blue());
+}
 
 } // namespace
 
 std::optional<Fallo> EscribirLibro(const FuenteDeGrilla &g, const QString &ruta, const QString &formatoFecha,
                                      const AvanceExportacion &avance, const SiguienteParte &siguiente)
 {
-    // The workbook is written under a temporary name in the same folder and renamed.
-    const QFileInfo destino(ruta);
-    QTemporaryFile provisorio(destino.absolutePath() + QStringLiteral("/.") + destino.fileName()
-                              + QStringLiteral(".XXXXXX"));
-    if (!Xlsx().error.isEmpty())
-        return noSeEscribio(Xlsx().error);
-    if (!provisorio.open())
-        return noSeEscribio(provisorio.errorString());
-    const QByteArray rutaProvisoria = QFile::encodeName(provisorio.fileName());
-    provisorio.close();
-
-    const LocaleNumericoC numerosC;
-    lxw_workbook_options opciones{};
-    opciones.constant_memory = LXW_TRUE;
-    const QByteArray carpetaTemporal = QFile::encodeName(QDir::tempPath());
-    opciones.tmpdir = const_cast<char *>(carpetaTemporal.constData());
-    lxw_workbook *libro = Xlsx().workbook_new_opt(rutaProvisoria.constData(), &opciones);
-    if (!libro)
-        return Fallo{kNoSeCreoLibro, QString()};
-    // However the export ends, the workbook is let go.
-    struct Cierre
-    {
-        lxw_workbook *&libro;
-        ~Cierre()
-        {
-            if (libro)
-                Xlsx().workbook_close(libro);
-        }
-    } cierre{libro};
-    lxw_worksheet *hoja = Xlsx().workbook_add_worksheet(libro, "Asientos");
-    FormatosLibro formatos(libro, FormatoFechaLibro(formatoFecha));
-
-    if (g.FilasFijas() > 0)
-        Xlsx().worksheet_freeze_panes(hoja, lxw_row_t(g.FilasFijas()), 0);
+    QSaveFile archivo(ruta);
+    if (!archivo.open(QIODevice::WriteOnly))
+        return noSeEscribio(archivo.errorString());
+    LibroXlsx libro(archivo);
     const std::vector<int> columnas = ColumnasVisibles(g);
-    for (size_t i = 0; i < columnas.size(); ++i)
-        Xlsx().worksheet_set_column(hoja, lxw_col_t(i), lxw_col_t(i), g.AnchoColumna(columnas[i]) / g.TwipsPorPixel() / 7.0,
-                             nullptr);
+    std::vector<double> anchos;
+    for (const int c : columnas)
+        anchos.push_back(g.AnchoColumna(c) / g.TwipsPorPixel() / 7.0);
+    bool escrito = libro.Empezar(QStringLiteral("Asientos"), g.FilasFijas(), anchos);
+    const QString fechas = FormatoFechaLibro(formatoFecha);
 
-    lxw_error error = LXW_NO_ERROR;
-    lxw_row_t filaLibro = 0;
+    // A column's cells mostly share one style: the last one asked is kept for each column
+    // and kind of cell, so the style table is looked up only when something changes.
+    struct Ultimo
+    {
+        QString mascara;
+        quint32 texto = 0, fondo = 0;
+        bool fija = false;
+        int estilo = -1;
+    };
+    std::vector<std::array<Ultimo, 3>> ultimos(columnas.size());
+    const auto estilo = [&](size_t columna, CeldaArchivo::Tipo tipo, const QString &mascara, quint32 texto, quint32 fondo, bool fija) {
+        Ultimo &u = ultimos[columna][size_t(tipo)];
+        if (u.estilo < 0 || u.texto != texto || u.fondo != fondo || u.fija != fija || u.mascara != mascara) {
+            const QString numero = tipo == CeldaArchivo::Tipo::Numero ? FormatoNumeroLibro(mascara)
+                                 : tipo == CeldaArchivo::Tipo::Fecha  ? fechas
+                                                                      : QString();
+            u = {mascara, texto, fondo, fija, libro.Estilo(numero, texto, fondo, fija)};
+        }
+        return u.estilo;
+    };
+
     const int total = siguiente ? 0 : g.Filas();
     int hechas = 0;
     const auto filas = RecorrerFilas(g, siguiente, [&](int r) {
         if (!FilaVisible(g, r))
             return true;
         const bool fija = r < g.FilasFijas();
-        const quint32 fondo = fija ? g.ColorFondoFijo() : g.ColorFondo(r, 0);
-        for (size_t i = 0; i < columnas.size() && error == LXW_NO_ERROR; ++i) {
-            const int c = columnas[i];
-            const CeldaArchivo celda = CeldaParaArchivo(g, r, c);
-            const quint32 texto = g.ColorTexto(r, c);
-            const lxw_col_t col = lxw_col_t(i);
+        const quint32 fondo = Rgb(fija ? g.ColorFondoFijo() : g.ColorFondo(r, 0));
+        for (size_t i = 0; i < columnas.size(); ++i) {
+            const CeldaArchivo celda = CeldaParaArchivo(g, r, columnas[i]);
+            const quint32 texto = Rgb(g.ColorTexto(r, columnas[i]));
+            const int col = int(i);
             switch (celda.tipo) {
             case CeldaArchivo::Tipo::Numero:
-                error = Xlsx().worksheet_write_number(hoja, filaLibro, col, celda.numero,
-                                               formatos.Formato(FormatoNumeroLibro(celda.mascara), texto, fondo, fija));
+                libro.Numero(col, celda.numero, estilo(i, celda.tipo, celda.mascara, texto, fondo, fija));
                 break;
-            case CeldaArchivo::Tipo::Fecha: {
-                lxw_datetime fecha{celda.fecha.year(), celda.fecha.month(), celda.fecha.day(), 0, 0, 0};
-                error = Xlsx().worksheet_write_datetime(hoja, filaLibro, col, &fecha,
-                                                 formatos.Formato(formatos.FormatoFecha(), texto, fondo, fija));
+            case CeldaArchivo::Tipo::Fecha:
+                libro.Fecha(col, celda.fecha, estilo(i, celda.tipo, {}, texto, fondo, fija));
                 break;
-            }
             case CeldaArchivo::Tipo::Texto:
-                if (celda.texto.isEmpty())
-                    error = fondo ? Xlsx().worksheet_write_blank(hoja, filaLibro, col, formatos.Formato({}, 0, fondo, fija))
-                                  : LXW_NO_ERROR;
-                else
-                    error = Xlsx().worksheet_write_string(hoja, filaLibro, col, celda.texto.toUtf8().constData(),
-                                                   formatos.Formato({}, texto, fondo, fija));
+                // An empty cell is written only to show its background.
+                if (!celda.texto.isEmpty())
+                    libro.Texto(col, celda.texto, estilo(i, celda.tipo, {}, texto, fondo, fija));
+                else if (fondo != LibroXlsx::kSinColor)
+                    libro.Vacia(col, estilo(i, celda.tipo, {}, LibroXlsx::kSinColor, fondo, fija));
                 break;
             }
         }
-        ++filaLibro;
+        escrito = libro.TerminarFila() && escrito;
         if (avance && ++hechas % kFilasPorAvance == 0)
             avance(hechas, total);
-        return error == LXW_NO_ERROR;
+        return escrito;
     });
-    const lxw_error alCerrar = Xlsx().workbook_close(std::exchange(libro, nullptr));
-    // A part that cannot be read leaves no file: the temporary one goes with provisorio.
+    // A part that cannot be read leaves no file.
     if (!filas)
         return filas.fallo();
-    if (error == LXW_NO_ERROR)
-        error = alCerrar;
-    if (error != LXW_NO_ERROR) {
-        QFile::remove(QFile::decodeName(rutaProvisoria));
-        return noSeEscribio(QString::fromUtf8(Xlsx().lxw_strerror(error)));
+    if (!escrito || !libro.Terminar()) {
+        archivo.cancelWriting();
+        return Fallo{kNoSeEscribioEntero, QString()};
     }
-    // The temporary file is private; the workbook gets the permissions of any new file.
-    const mode_t mascara = ::umask(0);
-    ::umask(mascara);
-    ::chmod(rutaProvisoria.constData(), 0666 & ~mascara);
-    if (std::rename(rutaProvisoria.constData(), QFile::encodeName(destino.absoluteFilePath()).constData()) != 0) {
-        const QString motivo = QString::fromLocal8Bit(std::strerror(errno));
-        QFile::remove(QFile::decodeName(rutaProvisoria));
-        return noSeEscribio(motivo);
-    }
-    provisorio.setAutoRemove(false);
+    if (!archivo.commit())
+        return noSeEscribio(archivo.errorString());
     if (avance)
         avance(*filas, *filas);
     return std::nullopt;

@@ -4,6 +4,8 @@
 csv  FILE: a list of records (lists of fields).
 xlsx FILE: a list of rows; each cell is null, a string, a number, or {"fecha": "yyyy-mm-dd"}.
 html FILE: the rows of the data table; each cell is {"texto", "colspan", "align"}.
+xlsx-detalle FILE: the archive checked, the sheet's name, frozen cell, column widths, row count,
+    the first rows' cells with their styles and the last row's values.
 """
 import csv
 import datetime
@@ -33,6 +35,31 @@ def leer_xlsx(ruta):
             celdas.append(v)
         filas.append(celdas)
     return filas
+
+
+def leer_xlsx_detalle(ruta):
+    import openpyxl
+    import zipfile
+    with zipfile.ZipFile(ruta) as z:
+        roto = z.testzip()
+    libro = openpyxl.load_workbook(ruta)
+    hoja = libro.worksheets[0]
+
+    def color(c):
+        return c.rgb if c is not None and c.type == 'rgb' else None
+
+    def celda(c):
+        if c.value is None and c.fill.fill_type is None:
+            return None
+        v = c.value.date().isoformat() if isinstance(c.value, datetime.datetime) else c.value
+        return {"valor": v, "formato": c.number_format, "color": color(c.font.color), "negrita": bool(c.font.b),
+                "fondo": color(c.fill.fgColor) if c.fill.fill_type == 'solid' else None,
+                "linea": c.border.bottom.style}
+
+    filas = [[celda(c) for c in fila] for fila in hoja.iter_rows(max_row=min(hoja.max_row, 6))]
+    return {"roto": roto, "hoja": hoja.title, "fijas": hoja.freeze_panes, "filas": filas, "total": hoja.max_row,
+            "anchos": [hoja.column_dimensions[l].width for l in "ABC"],
+            "ultima": [c.value for c in next(hoja.iter_rows(min_row=hoja.max_row))]}
 
 
 class Tabla(HTMLParser):
@@ -71,5 +98,5 @@ def leer_html(ruta):
 
 if __name__ == '__main__':
     modo, ruta = sys.argv[1], sys.argv[2]
-    datos = {"csv": leer_csv, "xlsx": leer_xlsx, "html": leer_html}[modo](ruta)
+    datos = {"csv": leer_csv, "xlsx": leer_xlsx, "xlsx-detalle": leer_xlsx_detalle, "html": leer_html}[modo](ruta)
     json.dump(datos, sys.stdout, ensure_ascii=False)

@@ -1,0 +1,144 @@
+#include "export/libroxlsx.h"
+
+#include <QBuffer>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+// The workbook as openpyxl reads it, and whether python's zip reader finds it sound.
+QJsonObject Leido(const QString &ruta)
+{
+    QProcess p;
+    p.start(QStringLiteral("/usr/bin/python3"), {QStringLiteral(ASIENTOS_LEER_ARCHIVO), QStringLiteral("xlsx-detalle"), ruta});
+    p.waitForFinished(60000);
+    EXPECT_EQ(p.exitCode(), 0) << p.readAllStandardError().toStdString();
+    return QJsonDocument::fromJson(p.readAllStandardOutput()).object();
+}
+
+QJsonObject Celda(const QJsonObject &libro, int fila, int columna)
+{
+    return libro.value(QLatin1String("filas")).toArray().at(fila).toArray().at(columna).toObject();
+}
+
+// A device that takes only so many bytes, as a full disk does.
+class DispositivoLleno : public QIODevice
+{
+public:
+    explicit DispositivoLleno(qint64 cabe)
+        : m_cabe(cabe)
+    {
+        open(QIODevice::WriteOnly);
+    }
+
+protected:
+    qint64 readData(char *, qint64) override { return -1; }
+    qint64 writeData(const char *, qint64 largo) override
+    {
+        if (largo > m_cabe)
+            return -1;
+        m_cabe -= largo;
+        return largo;
+    }
+
+private:
+    qint64 m_cabe;
+};
+
+} // namespace
+
+// What is written reads back the same in a standard reader: values, dates, number formats,
+// colours, the caption row in bold over a line and frozen, column widths, texts with what XML
+// reserves, accents, a character outside the basic plane and blanks at their ends; skipped
+// rows and columns stay empty. Enough rows go in to cross many blocks of the compressed sheet.
+TEST(LibroXlsx, LoEscritoSeLeeIgualConSusEstilos)
+{
+    QTemporaryDir carpeta;
+    const QString ruta = carpeta.filePath(QStringLiteral("libro.xlsx"));
+    QFile archivo(ruta);
+    ASSERT_TRUE(archivo.open(QIODevice::WriteOnly));
+    constexpr int kFilas = 9000;
+    {
+        LibroXlsx libro(archivo);
+        ASSERT_TRUE(libro.Empezar(QStringLiteral("Asientos <1>"), 1, {10, 25.5, 3}));
+        const int titulo = libro.Estilo({}, LibroXlsx::kSinColor, 0xc0c0c0, true);
+        libro.Texto(0, u"Fecha", titulo);
+        libro.Texto(1, u"Leyenda & <más>", titulo);
+        ASSERT_TRUE(libro.TerminarFila());
+        libro.Fecha(0, QDate(2026, 11, 25), libro.Estilo(QStringLiteral("dd/mm/yyyy"), 0xff0000, LibroXlsx::kSinColor, false));
+        libro.Numero(1, 1234567.89, libro.Estilo(QStringLiteral("\"U$S \"#,##0.00"), LibroXlsx::kSinColor, 0x00ff00, false));
+        libro.Numero(2, 0.1 + 0.2, 0);
+        ASSERT_TRUE(libro.TerminarFila());
+        ASSERT_TRUE(libro.TerminarFila()); // an empty row
+        libro.Texto(1, u"  ñandú \x01 \U0001F600 a\tb  ", 0);
+        libro.Vacia(2, libro.Estilo({}, LibroXlsx::kSinColor, 0x00ff00, false));
+        ASSERT_TRUE(libro.TerminarFila());
+        for (int i = 0; i < kFilas; ++i) {
+            libro.Numero(0, -i - 0.25, 0);
+            libro.Texto(1, QStringLiteral("Línea %1 de una leyenda larga como las de todos los días, con su cuenta").arg(i), 0);
+            ASSERT_TRUE(libro.TerminarFila());
+        }
+        ASSERT_TRUE(libro.Terminar());
+    }
+    archivo.close();
+    ASSERT_GT(archivo.size(), 1 << 16);
+
+    const QJsonObject leido = Leido(ruta);
+    EXPECT_TRUE(leido.value(QLatin1String("roto")).isNull());
+    EXPECT_EQ(leido.value(QLatin1String("hoja")).toString(), QStringLiteral("Asientos <1>"));
+    EXPECT_EQ(leido.value(QLatin1String("fijas")).toString(), QStringLiteral("A2"));
+    EXPECT_EQ(leido.value(QLatin1String("anchos")).toArray(), (QJsonArray{10.7109375, 26.28515625, 3.7109375}));
+    EXPECT_EQ(leido.value(QLatin1String("total")).toInt(), 4 + kFilas);
+    EXPECT_EQ(leido.value(QLatin1String("ultima")).toArray(),
+              (QJsonArray{-(kFilas - 1) - 0.25,
+                          QStringLiteral("Línea %1 de una leyenda larga como las de todos los días, con su cuenta").arg(kFilas - 1),
+                          QJsonValue()}));
+
+    const QJsonObject fecha = Celda(leido, 0, 0);
+    EXPECT_EQ(fecha.value(QLatin1String("valor")).toString(), QStringLiteral("Fecha"));
+    EXPECT_TRUE(fecha.value(QLatin1String("negrita")).toBool());
+    EXPECT_EQ(fecha.value(QLatin1String("linea")).toString(), QStringLiteral("thin"));
+    EXPECT_EQ(fecha.value(QLatin1String("fondo")).toString(), QStringLiteral("FFC0C0C0"));
+    EXPECT_EQ(Celda(leido, 0, 1).value(QLatin1String("valor")).toString(), QStringLiteral("Leyenda & <más>"));
+
+    const QJsonObject dia = Celda(leido, 1, 0);
+    EXPECT_EQ(dia.value(QLatin1String("valor")).toString(), QStringLiteral("2026-11-25"));
+    EXPECT_EQ(dia.value(QLatin1String("formato")).toString(), QStringLiteral("dd/mm/yyyy"));
+    EXPECT_EQ(dia.value(QLatin1String("color")).toString(), QStringLiteral("FFFF0000"));
+    EXPECT_FALSE(dia.value(QLatin1String("negrita")).toBool());
+    EXPECT_TRUE(dia.value(QLatin1String("linea")).isNull());
+    const QJsonObject importe = Celda(leido, 1, 1);
+    EXPECT_EQ(importe.value(QLatin1String("valor")).toDouble(), 1234567.89);
+    EXPECT_EQ(importe.value(QLatin1String("formato")).toString(), QStringLiteral("\"U$S \"#,##0.00"));
+    EXPECT_EQ(importe.value(QLatin1String("fondo")).toString(), QStringLiteral("FF00FF00"));
+    EXPECT_EQ(Celda(leido, 1, 2).value(QLatin1String("valor")).toDouble(), 0.1 + 0.2);
+
+    const QJsonArray vacia = leido.value(QLatin1String("filas")).toArray().at(2).toArray();
+    EXPECT_TRUE(std::all_of(vacia.begin(), vacia.end(), [](const QJsonValue &v) { return v.isNull(); }));
+    EXPECT_TRUE(leido.value(QLatin1String("filas")).toArray().at(3).toArray().at(0).isNull());
+    EXPECT_EQ(Celda(leido, 3, 1).value(QLatin1String("valor")).toString(), QStringLiteral("  ñandú  \U0001F600 a\tb  "));
+    EXPECT_TRUE(Celda(leido, 3, 2).value(QLatin1String("valor")).isNull());
+    EXPECT_EQ(Celda(leido, 3, 2).value(QLatin1String("fondo")).toString(), QStringLiteral("FF00FF00"));
+}
+
+// A device that stops taking bytes, at the start or within the sheet, makes the workbook fail
+// rather than end as if whole.
+TEST(LibroXlsx, UnDispositivoLlenoLoHaceFallar)
+{
+    for (const qint64 cabe : {qint64(10), qint64(4000), qint64(60000)}) {
+        SCOPED_TRACE(cabe);
+        DispositivoLleno lleno(cabe);
+        LibroXlsx libro(lleno);
+        bool bien = libro.Empezar(QStringLiteral("Hoja"), 0, {});
+        for (int i = 0; i < 20000 && bien; ++i) {
+            libro.Texto(0, QStringLiteral("fila %1 con un texto que ocupa").arg(i * 7919 % 10007), 0);
+            bien = libro.TerminarFila();
+        }
+        EXPECT_FALSE(bien && libro.Terminar());
+    }
+}
