@@ -1,5 +1,6 @@
 #include "exportacionlinea.h"
 
+#include "export/escritores.h"
 #include "export/exportacion.h"
 #include "export/fuentegrilla.h"
 #include "export/impresiongrilla.h"
@@ -208,8 +209,10 @@ int ExportarDesdeLinea(const PedidoExportacion &pedido, Conexion &conexion, qint
             if (!pdf.ok())
                 error = Fallo{1938, pedido.archivo + QStringLiteral(": ") + texto(2168)};
         }
-        if (!error && !archivo.commit())
-            error = Fallo{1938, pedido.archivo + QStringLiteral(": ") + archivo.errorString()};
+        if (!error)
+            if (const auto fallo = Escritores::Confirmar(archivo))
+                error = Fallo{1938, pedido.archivo + QStringLiteral(": ")
+                                        + (fallo->detalle.isEmpty() ? texto(fallo->numeroTexto) : fallo->detalle)};
     } else {
         // The file is written as the entries are read, a part at a time: memory stays the
         // same however many there are.

@@ -85,6 +85,17 @@ Fallo noSeEscribio(const QString &motivo)
 
 namespace Escritores {
 
+std::optional<Fallo> Confirmar(QSaveFile &archivo)
+{
+    if (!archivo.flush()) {
+        archivo.cancelWriting();
+        return Fallo{kNoSeEscribioEntero, QString()};
+    }
+    if (!archivo.commit())
+        return noSeEscribio(archivo.errorString());
+    return std::nullopt;
+}
+
 QString CampoCSV(const QString &texto)
 {
     QString campo;
@@ -131,9 +142,7 @@ std::optional<Fallo> EscribirHTML(const FuenteDeGrilla &g, const QString &ruta, 
         archivo.cancelWriting();
         return Fallo{kNoSeEscribioEntero, QString()};
     }
-    if (!archivo.commit())
-        return noSeEscribio(archivo.errorString());
-    return std::nullopt;
+    return Confirmar(archivo);
 }
 
 std::optional<Fallo> EscribirCSV(const FuenteDeGrilla &g, const QString &ruta, const AvanceExportacion &avance,
@@ -180,8 +189,8 @@ std::optional<Fallo> EscribirCSV(const FuenteDeGrilla &g, const QString &ruta, c
         return filas.fallo();
     if (!escrito || archivo.write(bloque) != bloque.size())
         return Fallo{kNoSeEscribioEntero, QString()};
-    if (!archivo.commit())
-        return noSeEscribio(archivo.errorString());
+    if (auto fallo = Confirmar(archivo))
+        return fallo;
     if (avance)
         avance(*filas, *filas);
     return std::nullopt;
@@ -281,7 +290,11 @@ std::optional<Fallo> EscribirLibro(const FuenteDeGrilla &g, const QString &ruta,
                 libro.Numero(col, celda.numero, estilo(i, celda.tipo, celda.mascara, texto, fondo, fija));
                 break;
             case CeldaArchivo::Tipo::Fecha:
-                libro.Fecha(col, celda.fecha, estilo(i, celda.tipo, {}, texto, fondo, fija));
+                // A sheet's dates start in 1900: an earlier one goes as it shows.
+                if (celda.fecha.year() < 1900)
+                    libro.Texto(col, celda.texto, estilo(i, CeldaArchivo::Tipo::Texto, {}, texto, fondo, fija));
+                else
+                    libro.Fecha(col, celda.fecha, estilo(i, celda.tipo, {}, texto, fondo, fija));
                 break;
             case CeldaArchivo::Tipo::Texto:
                 // An empty cell is written only to show its background.
@@ -302,10 +315,10 @@ std::optional<Fallo> EscribirLibro(const FuenteDeGrilla &g, const QString &ruta,
         return filas.fallo();
     if (!escrito || !libro.Terminar()) {
         archivo.cancelWriting();
-        return Fallo{kNoSeEscribioEntero, QString()};
+        return Fallo{libro.DemasiadasFilas() ? kDemasiadasFilas : kNoSeEscribioEntero, QString()};
     }
-    if (!archivo.commit())
-        return noSeEscribio(archivo.errorString());
+    if (auto fallo = Confirmar(archivo))
+        return fallo;
     if (avance)
         avance(*filas, *filas);
     return std::nullopt;

@@ -5,6 +5,8 @@
 #include <QDate>
 #include <QString>
 
+class QSaveFile;
+
 #include <functional>
 #include <optional>
 
@@ -39,6 +41,7 @@ namespace Escritores {
 
 inline constexpr int kNoSeEscribioEntero = 2177; // the file could not be written whole (a full disk?)
 inline constexpr int kNoSeCreoLibro = 2178;      // the workbook could not be made
+inline constexpr int kDemasiadasFilas = 2179;    // more rows than a sheet holds
 
 // Comma-separated text, RFC 4180: the visible rows and columns, the caption row included,
 // fields with a comma, a quote or a line break quoted, quotes doubled, CRLF between
@@ -56,6 +59,10 @@ std::optional<Fallo> EscribirHTML(const FuenteDeGrilla &g, const QString &ruta, 
                                     const QString &empresa, const QString &edicion, const QString &formatoFecha,
                                     const QDateTime &ahora, const SiguienteParte &siguiente = {});
 
+// Puts a file written through a QSaveFile in its place. The last bytes written wait in the
+// file's buffer, and a commit that cannot write them does not say so: they are written, and
+// checked, first. On failure nothing replaces what was there.
+std::optional<Fallo> Confirmar(QSaveFile &archivo);
 // A field quoted as RFC 4180 asks when it must be.
 QString CampoCSV(const QString &texto);
 // The same field appended to a record.

@@ -7,6 +7,7 @@
 #include "entries/grilla.h"
 
 #include <QDir>
+#include <QFileInfo>
 #include <QStandardPaths>
 
 namespace {
@@ -113,7 +114,8 @@ std::optional<Fallo> ExportacionGrilla::Escribir(int formato, const GrillaEnPant
         break;
     }
     // A writer's own reason is told in the user's words, under text 1938.
-    if (fallo && (fallo->numeroTexto == Escritores::kNoSeEscribioEntero || fallo->numeroTexto == Escritores::kNoSeCreoLibro)) {
+    if (fallo && (fallo->numeroTexto == Escritores::kNoSeEscribioEntero || fallo->numeroTexto == Escritores::kNoSeCreoLibro
+                  || fallo->numeroTexto == Escritores::kDemasiadasFilas)) {
         fallo->detalle = entorno.texto ? entorno.texto(fallo->numeroTexto) : QString::number(fallo->numeroTexto);
         fallo->numeroTexto = 1938;
     }
@@ -130,6 +132,14 @@ void ExportacionGrilla::Exportar(int formato, const GrillaEnPantalla &g)
     if (ruta.isEmpty())
         return;
     const QString destino = ConExtension(ruta, formato);
+    // The dialog asked about replacing the name as typed; a file the extension names instead
+    // is asked about here.
+    if (destino != ruta && QFileInfo(destino).isFile() && m_entorno.confirmar) {
+        QString pregunta = m_entorno.texto(2180);
+        pregunta.replace(QLatin1String("[p]"), QDir::toNativeSeparators(destino));
+        if (!m_entorno.confirmar(pregunta))
+            return;
+    }
     if (const auto fallo = Escribir(formato, g, destino, m_entorno)) {
         m_entorno.error(fallo->numeroTexto, fallo->detalle);
     } else if (m_entorno.informar) {

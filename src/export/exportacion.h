@@ -28,6 +28,7 @@ struct EntornoExportacion
     std::function<QString(int)> texto;                     // catalogue text by its number
     std::function<void(int, const QString &)> error;       // a catalogue error with its detail
     std::function<void(const QString &)> informar;         // tells the user a text; may be empty
+    std::function<bool(const QString &)> confirmar;        // a yes-or-no question; empty: yes
     SelectorArchivo *selector = nullptr;
     QString carpetaDatos;   // the user's data folder; empty: the program's own data folder
     QString formatoFecha;   // the user's date format, suite notation

@@ -6,10 +6,13 @@
 namespace {
 
 constexpr qsizetype kBloque = 1 << 19;
-// Excel's serial day 0; days after February 1900 count from here.
+// Serial day 0 of a spreadsheet's dates: days after February 1900 count from here. Its count
+// holds a 29 February 1900 that never was, so the days before March 1900 count from a day later.
 const QDate kEpoca(1899, 12, 30);
-// A cell holds at most this many characters.
+const QDate kMarzo1900(1900, 3, 1);
+// A cell holds at most this many characters, a sheet this many rows.
 constexpr qsizetype kMaximoTexto = 32767;
+constexpr qint64 kMaximoFilas = 1048576;
 
 const char kCabeceraXml[] = "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\n";
 const char kEspacioPrincipal[] = "http://schemas.openxmlformats.org/spreadsheetml/2006/main";
@@ -217,16 +220,18 @@ void LibroXlsx::Fecha(int columna, const QDate &fecha, int estilo)
     }
     abrirCelda(columna, estilo, nullptr, 40);
     char *p = Copiar(m_xml.data() + m_usados, "<v>");
-    p = ponerEntero(p, kEpoca.daysTo(fecha));
+    p = ponerEntero(p, kEpoca.daysTo(fecha) - (fecha < kMarzo1900 ? 1 : 0));
     p = Copiar(p, "</v></c>");
     m_usados = p - m_xml.data();
 }
 
 void LibroXlsx::Texto(int columna, QStringView texto, int estilo)
 {
-    texto = texto.left(kMaximoTexto);
-    // At most five bytes for each character: "&amp;", or four of UTF-8 for two halves.
-    abrirCelda(columna, estilo, "inlineStr", 64 + 5 * texto.size());
+    // Cut where the cell ends, never between the two halves of a character.
+    if (texto.size() > kMaximoTexto)
+        texto = texto.left(texto[kMaximoTexto - 1].isHighSurrogate() ? kMaximoTexto - 1 : kMaximoTexto);
+    // At most seven bytes for each character: "_x000D_".
+    abrirCelda(columna, estilo, "inlineStr", 64 + 7 * texto.size());
     const auto blanco = [](QChar c) { return c == u' ' || c == u'\t' || c == u'\n' || c == u'\r'; };
     char *p = m_xml.data() + m_usados;
     if (!texto.isEmpty() && (blanco(texto.front()) || blanco(texto.back())))
@@ -245,10 +250,22 @@ void LibroXlsx::Vacia(int columna, int estilo)
     m_xml[m_usados++] = '>';
 }
 
-// UTF-8, with the characters XML reserves escaped and the control characters it does not
-// admit left out.
+// UTF-8, with the characters XML reserves escaped. A carriage return and the control
+// characters XML does not admit go as the sheet's own escape "_xHHHH_", and an underscore that
+// would start such an escape is escaped itself, so each text reads back as it was.
 char *LibroXlsx::ponerEscapado(char *p, QStringView texto)
 {
+    static const char kHex[] = "0123456789ABCDEF";
+    const auto escape = [&p](char16_t c) {
+        p = Copiar(p, "_x00");
+        *p++ = kHex[c >> 4];
+        *p++ = kHex[c & 0xf];
+        *p++ = '_';
+    };
+    const auto hex = [](QChar q) {
+        const char16_t c = q.unicode();
+        return (c >= u'0' && c <= u'9') || (c >= u'a' && c <= u'f') || (c >= u'A' && c <= u'F');
+    };
     const qsizetype n = texto.size();
     for (qsizetype i = 0; i < n; ++i) {
         const char16_t c = texto[i].unicode();
@@ -263,9 +280,18 @@ char *LibroXlsx::ponerEscapado(char *p, QStringView texto)
             case u'>':
                 p = Copiar(p, "&gt;");
                 break;
+            case u'_':
+                if (i + 6 < n && texto[i + 1] == u'x' && hex(texto[i + 2]) && hex(texto[i + 3]) && hex(texto[i + 4])
+                    && hex(texto[i + 5]) && texto[i + 6] == u'_')
+                    escape(c);
+                else
+                    *p++ = '_';
+                break;
             default:
-                if (c >= 0x20 || c == u'\t' || c == u'\n' || c == u'\r')
+                if (c >= 0x20 || c == u'\t' || c == u'\n')
                     *p++ = char(c);
+                else
+                    escape(c);
             }
         } else if (c < 0x800) {
             *p++ = char(0xc0 | (c >> 6));
@@ -295,6 +321,10 @@ bool LibroXlsx::volcar()
 
 bool LibroXlsx::TerminarFila()
 {
+    if (m_fila > kMaximoFilas) {
+        m_demasiadasFilas = true;
+        return false;
+    }
     if (m_filaAbierta)
         poner("</row>");
     m_filaAbierta = false;

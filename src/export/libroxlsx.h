@@ -34,8 +34,10 @@ public:
     void Fecha(int columna, const QDate &fecha, int estilo);
     void Texto(int columna, QStringView texto, int estilo);
     void Vacia(int columna, int estilo);
-    // Ends the current row (an empty one too) and hands the XML on now and then.
+    // Ends the current row (an empty one too) and hands the XML on now and then. False past
+    // the last row a sheet can hold (DemasiadasFilas), or when the device refused bytes.
     bool TerminarFila();
+    bool DemasiadasFilas() const { return m_demasiadasFilas; }
     // The rest of the sheet, its styles and the archive's directory.
     bool Terminar();
 
@@ -61,6 +63,7 @@ private:
     qsizetype m_usados = 0;
     qint64 m_fila = 1;
     bool m_filaAbierta = false;
+    bool m_demasiadasFilas = false;
     std::vector<QByteArray> m_letras; // each column's letters, "A" to "ZZ"
 
     struct Formato

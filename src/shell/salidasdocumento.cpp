@@ -71,6 +71,9 @@ ExportacionGrilla &lumIngAsiento::exportacion()
         e.texto = m_datos.texto;
         e.error = [this](int numero, const QString &detalle) { m_datos.Error(numero, detalle); };
         e.informar = [this](const QString &texto) { m_datos.mensajes->Informar(texto); };
+        e.confirmar = [this](const QString &texto) {
+            return m_datos.mensajes->Preguntar(texto, ServicioMensajes::Botones::SiNo) == ServicioMensajes::Respuesta::Si;
+        };
         e.selector = selector;
         e.carpetaDatos = ServicioConexion(m_entorno.ajustes).LeerAjuste(QStringLiteral("CarpetaDatos"));
         e.formatoFecha = m_datos.formatoFecha;

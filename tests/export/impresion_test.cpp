@@ -11,12 +11,16 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QImage>
 #include <QTemporaryDir>
 #include <QPainter>
 
 #include <gtest/gtest.h>
 
+#include <sys/resource.h>
+
+#include <csignal>
 #include <functional>
 #include <optional>
 
@@ -205,6 +209,18 @@ TEST(Escritores, CamposCSVYFormatosDeLibro)
     EXPECT_EQ(FormatoNumeroLibro(QStringLiteral("#,##0.000 ds")), QStringLiteral("#,##0.000\" ds\""));
 }
 
+using Escribir = std::function<std::optional<Fallo>(const QString &, const SiguienteParte &)>;
+
+// The three file writers of a grid, each with a file name of its kind.
+std::vector<std::pair<const char *, Escribir>> LosTresEscritores(const FuenteDeGrilla &fuente)
+{
+    return {{"a.csv", [&](const QString &r, const SiguienteParte &s) { return Escritores::EscribirCSV(fuente, r, {}, s); }},
+            {"a.xlsx", [&](const QString &r, const SiguienteParte &s) { return Escritores::EscribirLibro(fuente, r, QStringLiteral("dd/mm/yyyy"), {}, s); }},
+            {"a.htm", [&](const QString &r, const SiguienteParte &s) {
+                 return Escritores::EscribirHTML(fuente, r, QString(), QString(), QString(), QStringLiteral("dd/mm/yyyy"), QDateTime(), s);
+             }}};
+}
+
 // A part that cannot be read ends a long export: each writer answers the reading's failure
 // as it came, and leaves no file, not even half of one over a file of that name.
 TEST(Escritores, UnaParteQueNoSePuedeLeerNoDejaArchivo)
@@ -219,14 +235,7 @@ TEST(Escritores, UnaParteQueNoSePuedeLeerNoDejaArchivo)
         grilla.FijarDato(grilla.FilasFijas(), 2, QDate(2026, 11, 25));
     };
     const FuenteDeGrilla fuente(grilla);
-    using Escribir = std::function<std::optional<Fallo>(const QString &, const SiguienteParte &)>;
-    const std::pair<const char *, Escribir> escritores[] = {
-        {"a.csv", [&](const QString &r, const SiguienteParte &s) { return Escritores::EscribirCSV(fuente, r, {}, s); }},
-        {"a.xlsx", [&](const QString &r, const SiguienteParte &s) { return Escritores::EscribirLibro(fuente, r, QStringLiteral("dd/mm/yyyy"), {}, s); }},
-        {"a.htm", [&](const QString &r, const SiguienteParte &s) {
-             return Escritores::EscribirHTML(fuente, r, QString(), QString(), QString(), QStringLiteral("dd/mm/yyyy"), QDateTime(), s);
-         }}};
-    for (const auto &[nombre, escribir] : escritores) {
+    for (const auto &[nombre, escribir] : LosTresEscritores(fuente)) {
         SCOPED_TRACE(nombre);
         const QString ruta = carpeta.filePath(QString::fromLatin1(nombre));
         QFile anterior(ruta);
@@ -243,6 +252,45 @@ TEST(Escritores, UnaParteQueNoSePuedeLeerNoDejaArchivo)
         ASSERT_TRUE(fallo);
         EXPECT_EQ(fallo->detalle, QStringLiteral("la base se fue"));
         EXPECT_TRUE(fallo->deLaBase);
+        ASSERT_TRUE(anterior.open(QIODevice::ReadOnly));
+        EXPECT_EQ(anterior.readAll(), QByteArray("antes"));
+        anterior.close();
+        EXPECT_EQ(QDir(carpeta.path()).entryList(QDir::Files | QDir::Hidden).size(), 1) << "a temporary file was left";
+        QFile::remove(ruta);
+    }
+}
+
+// A disk that fills up as the last bytes go out: the writers say the file could not be written
+// whole and leave what was there, though the last bytes wait in a buffer until the very end.
+TEST(Escritores, UnDiscoQueSeLlenaAlFinalNoDejaArchivoYLoDice)
+{
+    QTemporaryDir carpeta;
+    Grilla grilla;
+    PrepararGrillaAsientos(grilla, QStringLiteral("Fecha|Leyenda|Debe|Haber|Libro|Estado"));
+    grilla.FijarFilas(grilla.FilasFijas() + 1);
+    grilla.FijarDato(grilla.FilasFijas(), 0, 1);
+    grilla.FijarDato(grilla.FilasFijas(), 2, QDate(2026, 11, 25));
+    const FuenteDeGrilla fuente(grilla);
+    // Writes past the file size limit fail with EFBIG instead of stopping the process.
+    std::signal(SIGXFSZ, SIG_IGN);
+    rlimit antes{};
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &antes), 0);
+    for (const auto &[nombre, escribir] : LosTresEscritores(fuente)) {
+        SCOPED_TRACE(nombre);
+        const QString ruta = carpeta.filePath(QString::fromLatin1(nombre));
+        ASSERT_FALSE(escribir(ruta, {}));
+        const qint64 entero = QFileInfo(ruta).size();
+        QFile anterior(ruta);
+        ASSERT_TRUE(anterior.open(QIODevice::WriteOnly) && anterior.write("antes") == 5);
+        anterior.close();
+
+        rlimit limite = antes;
+        limite.rlim_cur = rlim_t(entero - 1);
+        ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limite), 0);
+        const auto fallo = escribir(ruta, {});
+        setrlimit(RLIMIT_FSIZE, &antes);
+        ASSERT_TRUE(fallo);
+        EXPECT_EQ(fallo->numeroTexto, Escritores::kNoSeEscribioEntero);
         ASSERT_TRUE(anterior.open(QIODevice::ReadOnly));
         EXPECT_EQ(anterior.readAll(), QByteArray("antes"));
         anterior.close();

@@ -10,6 +10,7 @@ xlsx-detalle FILE: the archive checked, the sheet's name, frozen cell, column wi
 import csv
 import datetime
 import json
+import re
 import sys
 from html.parser import HTMLParser
 
@@ -17,6 +18,13 @@ from html.parser import HTMLParser
 def leer_csv(ruta):
     with open(ruta, newline='', encoding='utf-8-sig') as f:
         return list(csv.reader(f, strict=True))
+
+
+def sin_escapes(v):
+    """A text as a spreadsheet reads it: "_xHHHH_" is the character of that code."""
+    if isinstance(v, str):
+        return re.sub(r'_x([0-9A-Fa-f]{4})_', lambda m: chr(int(m.group(1), 16)), v)
+    return v
 
 
 def leer_xlsx(ruta):
@@ -32,7 +40,7 @@ def leer_xlsx(ruta):
                 v = {"fecha": v.date().isoformat(), "formato": c.number_format}
             elif isinstance(v, (int, float)):
                 v = {"numero": v, "formato": c.number_format}
-            celdas.append(v)
+            celdas.append(sin_escapes(v))
         filas.append(celdas)
     return filas
 
@@ -51,7 +59,7 @@ def leer_xlsx_detalle(ruta):
     def celda(c):
         if c.value is None and c.fill.fill_type is None:
             return None
-        v = c.value.date().isoformat() if isinstance(c.value, datetime.datetime) else c.value
+        v = c.value.date().isoformat() if isinstance(c.value, datetime.datetime) else sin_escapes(c.value)
         return {"valor": v, "formato": c.number_format, "color": color(c.font.color), "negrita": bool(c.font.b),
                 "fondo": color(c.fill.fgColor) if c.fill.fill_type == 'solid' else None,
                 "linea": c.border.bottom.style}

@@ -63,6 +63,7 @@ TEST(LibroXlsx, LoEscritoSeLeeIgualConSusEstilos)
     QFile archivo(ruta);
     ASSERT_TRUE(archivo.open(QIODevice::WriteOnly));
     constexpr int kFilas = 9000;
+    constexpr qsizetype kMaximo = 32767; // characters in a cell
     {
         LibroXlsx libro(archivo);
         ASSERT_TRUE(libro.Empezar(QStringLiteral("Asientos <1>"), 1, {10, 25.5, 3}));
@@ -77,6 +78,15 @@ TEST(LibroXlsx, LoEscritoSeLeeIgualConSusEstilos)
         ASSERT_TRUE(libro.TerminarFila()); // an empty row
         libro.Texto(1, u"  ñandú \x01 \U0001F600 a\tb  ", 0);
         libro.Vacia(2, libro.Estilo({}, LibroXlsx::kSinColor, 0x00ff00, false));
+        ASSERT_TRUE(libro.TerminarFila());
+        // Texts the sheet's own escapes would change, and dates around its false 29 February 1900.
+        const int dia = libro.Estilo(QStringLiteral("dd/mm/yyyy"), LibroXlsx::kSinColor, LibroXlsx::kSinColor, false);
+        libro.Fecha(0, QDate(1900, 1, 1), dia);
+        libro.Texto(1, u"_x0041_ y _x00e9_ con a\r\nb y \x1f", 0);
+        libro.Texto(2, QString(kMaximo - 1, u'a') + QStringLiteral("\U0001F600 y más"), 0);
+        ASSERT_TRUE(libro.TerminarFila());
+        libro.Fecha(0, QDate(1900, 2, 28), dia);
+        libro.Fecha(1, QDate(1900, 3, 1), dia);
         ASSERT_TRUE(libro.TerminarFila());
         for (int i = 0; i < kFilas; ++i) {
             libro.Numero(0, -i - 0.25, 0);
@@ -93,7 +103,7 @@ TEST(LibroXlsx, LoEscritoSeLeeIgualConSusEstilos)
     EXPECT_EQ(leido.value(QLatin1String("hoja")).toString(), QStringLiteral("Asientos <1>"));
     EXPECT_EQ(leido.value(QLatin1String("fijas")).toString(), QStringLiteral("A2"));
     EXPECT_EQ(leido.value(QLatin1String("anchos")).toArray(), (QJsonArray{10.7109375, 26.28515625, 3.7109375}));
-    EXPECT_EQ(leido.value(QLatin1String("total")).toInt(), 4 + kFilas);
+    EXPECT_EQ(leido.value(QLatin1String("total")).toInt(), 6 + kFilas);
     EXPECT_EQ(leido.value(QLatin1String("ultima")).toArray(),
               (QJsonArray{-(kFilas - 1) - 0.25,
                           QStringLiteral("Línea %1 de una leyenda larga como las de todos los días, con su cuenta").arg(kFilas - 1),
@@ -121,9 +131,34 @@ TEST(LibroXlsx, LoEscritoSeLeeIgualConSusEstilos)
     const QJsonArray vacia = leido.value(QLatin1String("filas")).toArray().at(2).toArray();
     EXPECT_TRUE(std::all_of(vacia.begin(), vacia.end(), [](const QJsonValue &v) { return v.isNull(); }));
     EXPECT_TRUE(leido.value(QLatin1String("filas")).toArray().at(3).toArray().at(0).isNull());
-    EXPECT_EQ(Celda(leido, 3, 1).value(QLatin1String("valor")).toString(), QStringLiteral("  ñandú  \U0001F600 a\tb  "));
+    EXPECT_EQ(Celda(leido, 3, 1).value(QLatin1String("valor")).toString(), QStringLiteral("  ñandú \x01 \U0001F600 a\tb  "));
     EXPECT_TRUE(Celda(leido, 3, 2).value(QLatin1String("valor")).isNull());
     EXPECT_EQ(Celda(leido, 3, 2).value(QLatin1String("fondo")).toString(), QStringLiteral("FF00FF00"));
+
+    EXPECT_EQ(Celda(leido, 4, 0).value(QLatin1String("valor")).toString(), QStringLiteral("1900-01-01"));
+    EXPECT_EQ(Celda(leido, 4, 1).value(QLatin1String("valor")).toString(), QStringLiteral("_x0041_ y _x00e9_ con a\r\nb y \x1f"));
+    // Cut at the cell's limit, never between the halves of a character.
+    EXPECT_EQ(Celda(leido, 4, 2).value(QLatin1String("valor")).toString(), QString(kMaximo - 1, u'a'));
+    EXPECT_EQ(Celda(leido, 5, 0).value(QLatin1String("valor")).toString(), QStringLiteral("1900-02-28"));
+    EXPECT_EQ(Celda(leido, 5, 1).value(QLatin1String("valor")).toString(), QStringLiteral("1900-03-01"));
+}
+
+// A sheet holds 1,048,576 rows: the next one is refused, and said to be the reason.
+TEST(LibroXlsx, MasFilasDeLasQueCabenEnUnaHojaSeRechazan)
+{
+    QBuffer salida;
+    salida.open(QIODevice::WriteOnly);
+    LibroXlsx libro(salida);
+    ASSERT_TRUE(libro.Empezar(QStringLiteral("Hoja"), 0, {}));
+    bool bien = true;
+    for (int i = 0; i < 1048575 && bien; ++i)
+        bien = libro.TerminarFila();
+    libro.Texto(0, u"la última que cabe", 0);
+    EXPECT_TRUE(bien && libro.TerminarFila());
+    EXPECT_FALSE(libro.DemasiadasFilas());
+    libro.Texto(0, u"una de más", 0);
+    EXPECT_FALSE(libro.TerminarFila());
+    EXPECT_TRUE(libro.DemasiadasFilas());
 }
 
 // A device that stops taking bytes, at the start or within the sheet, makes the workbook fail

@@ -112,6 +112,21 @@ TEST_P(Salidas, ArchivosEImpresionSonLaGrillaQueVuelveComoEstaba)
     elegir("MnuExpExcell");
     EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("información: Se exportó a %1.").arg(ruta("mes.xlsx"))});
     EXPECT_EQ(LeerArchivoExportado("xlsx", ruta("mes.xlsx")).size(), celdasVistas().size());
+    // The dialog asked about the name as typed: a file the added extension names is asked
+    // about before it is replaced, and No leaves it.
+    const auto contenido = [](const QString &r) {
+        QFile f(r);
+        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+    };
+    const QByteArray libro = contenido(ruta("mes.xlsx"));
+    m_mensajes.mostrados.clear();
+    m_mensajes.Responder(ServicioMensajes::Respuesta::No);
+    m_selector.respuesta = ruta("mes.xls");
+    elegir("MnuExpExcell");
+    ASSERT_EQ(m_mensajes.mostrados.size(), 1) << m_mensajes.mostrados.join(u'\n').toStdString();
+    EXPECT_TRUE(m_mensajes.mostrados[0].startsWith(QStringLiteral("pregunta: El archivo %1 ya existe.").arg(ruta("mes.xlsx"))))
+        << m_mensajes.mostrados[0].toStdString();
+    EXPECT_EQ(contenido(ruta("mes.xlsx")), libro);
 
     // The print preview and the printout, and the grid afterwards. The printer, made when
     // first needed, starts on a landscape A4 page.
