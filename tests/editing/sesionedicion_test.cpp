@@ -255,6 +255,21 @@ TEST_P(Edicion, UnaCuentaCerradaEnUnAsientoGuardado1815Y1821)
     EXPECT_EQ(enBase(id, true), antes);
 }
 
+// Leaving with a line typed that balances the entry: Sí takes it, the entry is stored
+// registered, and the edit is over, so whatever was leaving goes on.
+TEST_P(Edicion, SalirConUnaLineaQueCierraYSiLaGuardaYTermina1956)
+{
+    nuevo(kFecha, QStringLiteral("Al salir"));
+    teclear(cuenta("1.1.01", 70));
+    m_vista.debe = std::nullopt;
+    m_vista.haber = cuenta("4.1.01", 70);
+    m_mensajes.Responder(R::Si);
+    EXPECT_TRUE(m_sesion.SalirEdicion(SesionEdicion::Salida::Escape));
+    EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("pregunta: 1956")});
+    EXPECT_EQ(m_sesion.FilaEdicion(), 0);
+    EXPECT_EQ(cabezal(ultimoId()), QStringLiteral("1|%1|Al salir|1").arg(kDia));
+}
+
 // Moving a stored entry to a date on which another of its accounts is closed: the date goes
 // back to the stored one.
 TEST_P(Edicion, MoverUnAsientoGuardadoAlCierreDeOtraDeSusCuentas1821YCambiarSoloLaLeyenda)

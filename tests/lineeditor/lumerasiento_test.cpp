@@ -239,6 +239,7 @@ TEST_F(EditorDeLinea, CuentasRechazadas)
     m_busqueda.respuesta = {13, 0, 0};
     escribir(debe(), QStringLiteral("Activo"));
     EXPECT_FALSE(m_editor->CuentaIngresadaAlDebe());
+    EXPECT_EQ(QApplication::focusWidget(), debe()) << "the box keeps the focus until an account is taken";
 }
 
 TEST_F(EditorDeLinea, LaMismaCuentaEnAmbosLados)

@@ -112,6 +112,7 @@ TEST_P(Salidas, ArchivosEImpresionSonLaGrillaQueVuelveComoEstaba)
     elegir("MnuExpExcell");
     EXPECT_EQ(m_mensajes.mostrados, QStringList{QStringLiteral("información: Se exportó a %1.").arg(ruta("mes.xlsx"))});
     EXPECT_EQ(LeerArchivoExportado("xlsx", ruta("mes.xlsx")).size(), celdasVistas().size());
+    EXPECT_TRUE(m_selector.filtros.last().endsWith(QStringLiteral("(*.xlsx)"))) << m_selector.filtros.last().toStdString();
     // The dialog asked about the name as typed: a file the added extension names is asked
     // about before it is replaced, and No leaves it.
     const auto contenido = [](const QString &r) {
