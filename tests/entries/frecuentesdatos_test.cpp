@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+
 namespace {
 
 class Frecuentes : public ::testing::TestWithParam<Motor>
@@ -119,6 +121,19 @@ TEST_P(Frecuentes, GuardarYLeerConservanCabezalLineasYMonedasYReemplazarCambiaLa
     EXPECT_EQ(nuevo.MFrID, 0);
     d.conexion().Ejecutar(QStringLiteral("Alter Table lineasAparte Rename To genMovimientosFrecuentesLineas"));
     EXPECT_TRUE(Bien(f.Guardar(nuevo)));
+
+    // A line beyond what a line may hold in its own currency or in the accounting one, or at a
+    // rate that is no number, refuses the whole template, naming its account (2142).
+    LineaDatos sinTasa = Linea(11, false, 10, 400);
+    sinTasa.Tasa = std::numeric_limits<double>::infinity();
+    for (const LineaDatos &mala : {Linea(22, true, 2e11, 100), Linea(11, true, 100, 2e11), sinTasa}) {
+        SCOPED_TRACE(mala.Cuenta);
+        MovimientoFrecuente demasiado = plantilla(QStringLiteral("Demasiado"), {mala, Linea(10, false, 10)});
+        const auto fallo = f.Guardar(demasiado);
+        ASSERT_TRUE(fallo);
+        EXPECT_EQ(fallo->detalle, TextoEspanol(2142).arg(mala.Cuenta));
+    }
+    EXPECT_EQ(contar("genMovimientosFrecuentes"), 1);
 }
 
 TEST_P(Frecuentes, RegistrarSegunCuadreYRelojRegistradoBorradorOInconcluso)

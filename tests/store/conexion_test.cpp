@@ -41,6 +41,7 @@ TEST_P(ConexionEnMotor, CamposPorNombreSinMayusculasNulosFechasYErrores)
     rs->MoverSiguiente();
     EXPECT_TRUE(rs->Fin());
     EXPECT_THROW(rs->MoverSiguiente(), ErrorBaseDatos);
+    EXPECT_THROW(rs->Campo(0), ErrorBaseDatos); // no row to read past the end
 
     // Typed reads by position, as a fill of the grid makes them.
     auto tipados = c.Abrir(QStringLiteral("Select '12.50', 2.5, Null, -7, 'x', 9007199254740993"));
