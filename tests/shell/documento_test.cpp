@@ -169,6 +169,12 @@ TEST_F(Documento, AdministradorQuedaListoConTodosLosEnlacesYCadaVistaCargaSusAsi
 
     otro.reset();
     EXPECT_FALSE(abrir(usuario(Demo::kUsuarioContador))->AsiSaveB());
+
+    // A company whose entries carry no authoriser shows no list of them.
+    m_base.conexion().Ejecutar(QStringLiteral("Update cceEmpresas Set EmpValoresUsuarioYAuroriza = '10'"));
+    auto sinAutoriza = abrir(usuario(Demo::kUsuarioAdministrador));
+    ASSERT_EQ(sinAutoriza->estado(), lumIngAsiento::Estado::Listo);
+    EXPECT_TRUE(sinAutoriza->findChild<QComboBox *>(QStringLiteral("cfAutoriza"))->isHidden());
 }
 
 TEST_F(Documento, UsuarioDeConsultaSoloBuscaYCambiaVistaYCadaLetraSusEnlaces)
