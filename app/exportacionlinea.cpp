@@ -86,7 +86,8 @@ bool PedidoExportacion::SinFuentes() const
 
 bool PedidoExportacion::SinPantalla() const
 {
-    return Formato() == ExportacionGrilla::CSV;
+    // Text and the workbook need neither fonts nor a screen; the page and the PDF lay out text.
+    return Formato() == ExportacionGrilla::CSV || Formato() == ExportacionGrilla::Libro;
 }
 
 QString PedidoExportacion::Validar(const std::function<QString(int)> &texto) const

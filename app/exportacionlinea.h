@@ -33,8 +33,9 @@ struct PedidoExportacion
     // their own, so the blanks that line legends up on screen are not measured and no font
     // is loaded. A page (HTML, PDF) is laid out in the document's font.
     bool SinFuentes() const;
-    // True for CSV, plain text without colours: written without a display platform. A
-    // workbook takes the caption row's system colours from the application's palette.
+    // True for CSV and the workbook: written without a display platform, whose palette and
+    // fonts would cost more than the file. With no display there is no desktop palette to
+    // follow: the caption row's system colours are the usual defaults.
     bool SinPantalla() const;
 };
 

@@ -177,7 +177,7 @@ int main(int argc, char *argv[])
     }
     if (!opciones.exportar.isEmpty() && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
-    // A CSV file is written without a display: no platform to load.
+    // A CSV file or a workbook is written without a display: no platform to load.
     PedidoExportacion formato;
     formato.archivo = opciones.exportar;
     std::unique_ptr<QCoreApplication> app;

@@ -39,17 +39,20 @@ protected:
     QTemporaryDir m_carpeta;
 };
 
-// The month's entries, lines and sums in the file are the database's. A CSV file needs no
-// display nor fonts: it is written where no display platform can be loaded.
+// The month's entries, lines and sums in the file are the database's. A CSV file and a
+// workbook need no display nor fonts: they are written where no display platform can be loaded.
 TEST_P(ExportarDesdeLinea, MesEnCSVCuadraConLaBase)
 {
     const QDate hoy = BaseDePrueba::Hoy();
-    const Salida s = Correr({QStringLiteral("--db"), m_base.direccion(), QStringLiteral("--exportar"), ruta("mes.csv"),
-                             QStringLiteral("--mes"), hoy.toString(QStringLiteral("yyyy-MM"))},
-                            m_carpeta.path(),
-                            {QStringLiteral("env"), QStringLiteral("QT_QPA_PLATFORM=ninguna")});
-    ASSERT_EQ(s.estado, 0) << s.errores.toStdString();
+    for (const char *archivo : {"mes.csv", "mes.xlsx"}) {
+        const Salida s = Correr({QStringLiteral("--db"), m_base.direccion(), QStringLiteral("--exportar"), ruta(archivo),
+                                 QStringLiteral("--mes"), hoy.toString(QStringLiteral("yyyy-MM"))},
+                                m_carpeta.path(),
+                                {QStringLiteral("env"), QStringLiteral("QT_QPA_PLATFORM=ninguna")});
+        ASSERT_EQ(s.estado, 0) << archivo << s.errores.toStdString();
+    }
     const QJsonArray filas = LeerArchivoExportado("csv", ruta("mes.csv"));
+    EXPECT_EQ(LeerArchivoExportado("xlsx", ruta("mes.xlsx")).size(), filas.size());
     ASSERT_GT(filas.size(), 1);
     EXPECT_EQ(filas.at(0).toArray().at(2).toString(), QStringLiteral("Debe"));
     auto centavos = [](const QJsonValue &v) {
