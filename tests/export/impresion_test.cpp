@@ -2,6 +2,8 @@
 // the file writers.
 #include "grillafalsa.h"
 
+#include "comun/archivosleidos.h"
+
 #include "entries/asientosgrilla.h"
 #include "entries/grilla.h"
 #include "export/escritores.h"
@@ -297,6 +299,33 @@ TEST(Escritores, UnDiscoQueSeLlenaAlFinalNoDejaArchivoYLoDice)
         EXPECT_EQ(QDir(carpeta.path()).entryList(QDir::Files | QDir::Hidden).size(), 1) << "a temporary file was left";
         QFile::remove(ruta);
     }
+}
+
+// A sheet's dates start in 1900: an entry dated before goes to the workbook as the date it
+// shows, a later one as a date.
+TEST(Escritores, UnaFechaAnteriorA1900VaAlLibroComoTexto)
+{
+    QTemporaryDir carpeta;
+    Grilla grilla;
+    PrepararGrillaAsientos(grilla, QStringLiteral("Fecha|Leyenda|Debe|Haber|Libro|Estado"));
+    const std::pair<QDate, const char *> cabezales[] = {{QDate(1899, 12, 31), "31/12/1899  Antigua"},
+                                                        {QDate(1900, 1, 1), "01/01/1900  Nueva"}};
+    for (const auto &[fecha, texto] : cabezales) {
+        const int r = grilla.Filas();
+        grilla.FijarFilas(r + 1);
+        grilla.FijarDato(r, 0, r);
+        grilla.FijarDato(r, 2, fecha);
+        grilla.FijarTexto(r, 1, QString::fromUtf8(texto));
+    }
+    const QString ruta = carpeta.filePath(QStringLiteral("a.xlsx"));
+    ASSERT_FALSE(Escritores::EscribirLibro(FuenteDeGrilla(grilla), ruta, QStringLiteral("dd/mm/yyyy")));
+    const QJsonArray filas = LeerArchivoExportado("xlsx", ruta);
+    ASSERT_EQ(filas.size(), grilla.FilasFijas() + 2);
+    const QJsonArray antigua = filas.at(grilla.FilasFijas()).toArray();
+    EXPECT_EQ(antigua.at(0).toString(), QStringLiteral("31/12/1899"));
+    EXPECT_EQ(antigua.at(1).toString(), QStringLiteral("Antigua"));
+    EXPECT_EQ(filas.at(grilla.FilasFijas() + 1).toArray().at(0).toObject().value(QLatin1String("fecha")).toString(),
+              QStringLiteral("1900-01-01"));
 }
 
 } // namespace
