@@ -223,6 +223,38 @@ std::vector<std::pair<const char *, Escribir>> LosTresEscritores(const FuenteDeG
              }}};
 }
 
+// An entry's header row at the end of the grid: its date and, when given, the text it shows.
+void AgregarCabezal(Grilla &grilla, const QDate &fecha, const QString &texto = {})
+{
+    const int r = grilla.Filas();
+    grilla.FijarFilas(r + 1);
+    grilla.FijarDato(r, 0, r);
+    grilla.FijarDato(r, 2, fecha);
+    if (!texto.isEmpty())
+        grilla.FijarTexto(r, 1, texto);
+}
+
+// A file there before an export: its path.
+QString ArchivoAnterior(const QTemporaryDir &carpeta, const char *nombre)
+{
+    const QString ruta = carpeta.filePath(QString::fromLatin1(nombre));
+    QFile anterior(ruta);
+    EXPECT_TRUE(anterior.open(QIODevice::WriteOnly) && anterior.write("antes") == 5);
+    return ruta;
+}
+
+// After a failed export the file there before is whole and alone: no temporary file is left.
+// It goes, for the next writer.
+void QuedaElAnterior(const QTemporaryDir &carpeta, const QString &ruta)
+{
+    QFile anterior(ruta);
+    ASSERT_TRUE(anterior.open(QIODevice::ReadOnly));
+    EXPECT_EQ(anterior.readAll(), QByteArray("antes"));
+    anterior.close();
+    EXPECT_EQ(QDir(carpeta.path()).entryList(QDir::Files | QDir::Hidden).size(), 1) << "a temporary file was left";
+    QFile::remove(ruta);
+}
+
 // A part that cannot be read ends a long export: each writer answers the reading's failure
 // as it came, and leaves no file, not even half of one over a file of that name.
 TEST(Escritores, UnaParteQueNoSePuedeLeerNoDejaArchivo)
@@ -232,17 +264,13 @@ TEST(Escritores, UnaParteQueNoSePuedeLeerNoDejaArchivo)
     PrepararGrillaAsientos(grilla, QStringLiteral("Fecha|Leyenda|Debe|Haber|Libro|Estado"));
     // Each part is one entry's header row.
     auto parte = [&] {
-        grilla.FijarFilas(grilla.FilasFijas() + 1);
-        grilla.FijarDato(grilla.FilasFijas(), 0, 1);
-        grilla.FijarDato(grilla.FilasFijas(), 2, QDate(2026, 11, 25));
+        grilla.FijarFilas(grilla.FilasFijas());
+        AgregarCabezal(grilla, QDate(2026, 11, 25));
     };
     const FuenteDeGrilla fuente(grilla);
     for (const auto &[nombre, escribir] : LosTresEscritores(fuente)) {
         SCOPED_TRACE(nombre);
-        const QString ruta = carpeta.filePath(QString::fromLatin1(nombre));
-        QFile anterior(ruta);
-        ASSERT_TRUE(anterior.open(QIODevice::WriteOnly) && anterior.write("antes") == 5);
-        anterior.close();
+        const QString ruta = ArchivoAnterior(carpeta, nombre);
         int leidas = 0;
         parte();
         const auto fallo = escribir(ruta, [&]() -> Resultado<bool> {
@@ -254,11 +282,7 @@ TEST(Escritores, UnaParteQueNoSePuedeLeerNoDejaArchivo)
         ASSERT_TRUE(fallo);
         EXPECT_EQ(fallo->detalle, QStringLiteral("la base se fue"));
         EXPECT_TRUE(fallo->deLaBase);
-        ASSERT_TRUE(anterior.open(QIODevice::ReadOnly));
-        EXPECT_EQ(anterior.readAll(), QByteArray("antes"));
-        anterior.close();
-        EXPECT_EQ(QDir(carpeta.path()).entryList(QDir::Files | QDir::Hidden).size(), 1) << "a temporary file was left";
-        QFile::remove(ruta);
+        QuedaElAnterior(carpeta, ruta);
     }
 }
 
@@ -269,9 +293,7 @@ TEST(Escritores, UnDiscoQueSeLlenaAlFinalNoDejaArchivoYLoDice)
     QTemporaryDir carpeta;
     Grilla grilla;
     PrepararGrillaAsientos(grilla, QStringLiteral("Fecha|Leyenda|Debe|Haber|Libro|Estado"));
-    grilla.FijarFilas(grilla.FilasFijas() + 1);
-    grilla.FijarDato(grilla.FilasFijas(), 0, 1);
-    grilla.FijarDato(grilla.FilasFijas(), 2, QDate(2026, 11, 25));
+    AgregarCabezal(grilla, QDate(2026, 11, 25));
     const FuenteDeGrilla fuente(grilla);
     // Writes past the file size limit fail with EFBIG instead of stopping the process.
     std::signal(SIGXFSZ, SIG_IGN);
@@ -279,12 +301,11 @@ TEST(Escritores, UnDiscoQueSeLlenaAlFinalNoDejaArchivoYLoDice)
     ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &antes), 0);
     for (const auto &[nombre, escribir] : LosTresEscritores(fuente)) {
         SCOPED_TRACE(nombre);
-        const QString ruta = carpeta.filePath(QString::fromLatin1(nombre));
-        ASSERT_FALSE(escribir(ruta, {}));
-        const qint64 entero = QFileInfo(ruta).size();
-        QFile anterior(ruta);
-        ASSERT_TRUE(anterior.open(QIODevice::WriteOnly) && anterior.write("antes") == 5);
-        anterior.close();
+        const QString completo = carpeta.filePath(QStringLiteral("completo"));
+        ASSERT_FALSE(escribir(completo, {}));
+        const qint64 entero = QFileInfo(completo).size();
+        QFile::remove(completo);
+        const QString ruta = ArchivoAnterior(carpeta, nombre);
 
         rlimit limite = antes;
         limite.rlim_cur = rlim_t(entero - 1);
@@ -293,11 +314,7 @@ TEST(Escritores, UnDiscoQueSeLlenaAlFinalNoDejaArchivoYLoDice)
         setrlimit(RLIMIT_FSIZE, &antes);
         ASSERT_TRUE(fallo);
         EXPECT_EQ(fallo->numeroTexto, Escritores::kNoSeEscribioEntero);
-        ASSERT_TRUE(anterior.open(QIODevice::ReadOnly));
-        EXPECT_EQ(anterior.readAll(), QByteArray("antes"));
-        anterior.close();
-        EXPECT_EQ(QDir(carpeta.path()).entryList(QDir::Files | QDir::Hidden).size(), 1) << "a temporary file was left";
-        QFile::remove(ruta);
+        QuedaElAnterior(carpeta, ruta);
     }
 }
 
@@ -310,13 +327,8 @@ TEST(Escritores, UnaFechaAnteriorA1900VaAlLibroComoTexto)
     PrepararGrillaAsientos(grilla, QStringLiteral("Fecha|Leyenda|Debe|Haber|Libro|Estado"));
     const std::pair<QDate, const char *> cabezales[] = {{QDate(1899, 12, 31), "31/12/1899  Antigua"},
                                                         {QDate(1900, 1, 1), "01/01/1900  Nueva"}};
-    for (const auto &[fecha, texto] : cabezales) {
-        const int r = grilla.Filas();
-        grilla.FijarFilas(r + 1);
-        grilla.FijarDato(r, 0, r);
-        grilla.FijarDato(r, 2, fecha);
-        grilla.FijarTexto(r, 1, QString::fromUtf8(texto));
-    }
+    for (const auto &[fecha, texto] : cabezales)
+        AgregarCabezal(grilla, fecha, QString::fromUtf8(texto));
     const QString ruta = carpeta.filePath(QStringLiteral("a.xlsx"));
     ASSERT_FALSE(Escritores::EscribirLibro(FuenteDeGrilla(grilla), ruta, QStringLiteral("dd/mm/yyyy")));
     const QJsonArray filas = LeerArchivoExportado("xlsx", ruta);
