@@ -84,12 +84,6 @@ bool PedidoExportacion::SinFuentes() const
     return formato == ExportacionGrilla::CSV || formato == ExportacionGrilla::Libro;
 }
 
-bool PedidoExportacion::SinPantalla() const
-{
-    // Text and the workbook need neither fonts nor a screen; the page and the PDF lay out text.
-    return Formato() == ExportacionGrilla::CSV || Formato() == ExportacionGrilla::Libro;
-}
-
 QString PedidoExportacion::Validar(const std::function<QString(int)> &texto) const
 {
     if (archivo.isEmpty())

@@ -30,13 +30,11 @@ struct PedidoExportacion
     // catalogue's words (texto: a catalogue text by its number).
     QString Validar(const std::function<QString(int)> &texto) const;
     // True for the files of rows (CSV, workbook): a header's date and legend go in cells of
-    // their own, so the blanks that line legends up on screen are not measured and no font
-    // is loaded. A page (HTML, PDF) is laid out in the document's font.
+    // their own, so the blanks that line legends up on screen are not measured, and the file
+    // is written without a display platform, whose palette and fonts would cost more than the
+    // file (with no desktop palette to follow, a caption row's system colours are the usual
+    // defaults). A page (HTML, PDF) is laid out in the document's font.
     bool SinFuentes() const;
-    // True for CSV and the workbook: written without a display platform, whose palette and
-    // fonts would cost more than the file. With no display there is no desktop palette to
-    // follow: the caption row's system colours are the usual defaults.
-    bool SinPantalla() const;
 };
 
 // Loads the entries into a journal grid with the document's own loading code, without a

@@ -181,7 +181,7 @@ int main(int argc, char *argv[])
     PedidoExportacion formato;
     formato.archivo = opciones.exportar;
     std::unique_ptr<QCoreApplication> app;
-    if (!opciones.exportar.isEmpty() && formato.SinPantalla())
+    if (!opciones.exportar.isEmpty() && formato.SinFuentes())
         app = std::make_unique<QCoreApplication>(argc, argv);
     else
         app = std::make_unique<QApplication>(argc, argv);

@@ -24,6 +24,8 @@ public:
     bool Escribir(const QByteArray &datos) { return Escribir(datos.constData(), datos.size()); }
     // Ends the last entry and writes the directory. False when anything could not be written.
     bool Terminar();
+    // False when the compressor could not be made: nothing can be written.
+    bool Listo() const { return m_zIniciado; }
 
 private:
     struct Registro

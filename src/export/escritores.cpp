@@ -246,6 +246,10 @@ std::optional<Fallo> EscribirLibro(const FuenteDeGrilla &g, const QString &ruta,
     if (!archivo.open(QIODevice::WriteOnly))
         return noSeEscribio(archivo.errorString());
     LibroXlsx libro(archivo);
+    if (!libro.Listo()) {
+        archivo.cancelWriting();
+        return Fallo{kNoSeCreoLibro, QString()};
+    }
     const std::vector<int> columnas = ColumnasVisibles(g);
     std::vector<double> anchos;
     for (const int c : columnas)

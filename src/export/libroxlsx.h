@@ -21,6 +21,7 @@ public:
     static constexpr quint32 kSinColor = 0xffffffff;
 
     explicit LibroXlsx(QIODevice &salida);
+    bool Listo() const { return m_zip.Listo(); }
 
     // Before the first row: the sheet's name, the rows frozen at its top and each column's
     // width in characters.
