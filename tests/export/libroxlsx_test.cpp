@@ -1,3 +1,8 @@
+#include "grillafalsa.h"
+
+#include "entries/grilla.h"
+#include "export/escritores.h"
+#include "export/fuentegrilla.h"
 #include "export/libroxlsx.h"
 
 #include <QBuffer>
@@ -175,5 +180,32 @@ TEST(LibroXlsx, UnDispositivoLlenoLoHaceFallar)
             bien = libro.TerminarFila();
         }
         EXPECT_FALSE(bien && libro.Terminar());
+    }
+}
+
+// A grid's workbook: the caption row bold over its line and no other row, and each cell in its
+// own text colour even where the column changes colour from one row to the next.
+TEST(LibroXlsx, LaGrillaDaSuFilaDeTitulosYElColorDeCadaCelda)
+{
+    QTemporaryDir carpeta;
+    Grilla grilla;
+    PrepararGrillaAsientos(grilla, QStringLiteral("Cuenta|Leyenda|Debe|Haber|Libro|Estado"));
+    const int primera = grilla.Filas();
+    const QRgb colores[] = {qRgb(0xff, 0, 0), qRgb(0, 0, 0xff), qRgb(0, 0, 0xff)};
+    grilla.FijarFilas(primera + 3);
+    for (int i = 0; i < 3; ++i) {
+        grilla.FijarTexto(primera + i, 0, QStringLiteral("Cuenta %1").arg(i));
+        grilla.FijarColorTexto(primera + i, 0, colores[i]);
+    }
+    const QString ruta = carpeta.filePath(QStringLiteral("g.xlsx"));
+    ASSERT_FALSE(Escritores::EscribirLibro(FuenteDeGrilla(grilla), ruta, QStringLiteral("dd/mm/yyyy")));
+    const QJsonObject leido = Leido(ruta);
+    EXPECT_TRUE(Celda(leido, primera - 1, 0).value(QLatin1String("negrita")).toBool());
+    for (int i = 0; i < 3; ++i) {
+        SCOPED_TRACE(i);
+        const QJsonObject c = Celda(leido, primera + i, 0);
+        EXPECT_EQ(c.value(QLatin1String("valor")).toString(), QStringLiteral("Cuenta %1").arg(i));
+        EXPECT_FALSE(c.value(QLatin1String("negrita")).toBool());
+        EXPECT_EQ(c.value(QLatin1String("color")).toString(), QStringLiteral("FF") + QColor(colores[i]).name().mid(1).toUpper());
     }
 }
