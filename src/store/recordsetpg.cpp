@@ -4,12 +4,82 @@
 
 #include <libpq-fe.h>
 
+#include <dlfcn.h>
+
 #include <charconv>
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <type_traits>
 
 namespace {
+
+// libpq's functions, looked up at first use in the library that Qt's PostgreSQL driver has
+// loaded. The program does not link it: a start on SQLite then loads neither it nor the twenty
+// libraries it needs. None is set when the library cannot be found.
+struct Libpq
+{
+    decltype(&::PQclear) clear = nullptr;
+    decltype(&::PQerrorMessage) errorMessage = nullptr;
+    decltype(&::PQfname) fname = nullptr;
+    decltype(&::PQfreemem) freemem = nullptr;
+    decltype(&::PQftype) ftype = nullptr;
+    decltype(&::PQgetResult) getResult = nullptr;
+    decltype(&::PQgetisnull) getisnull = nullptr;
+    decltype(&::PQgetlength) getlength = nullptr;
+    decltype(&::PQgetvalue) getvalue = nullptr;
+    decltype(&::PQnfields) nfields = nullptr;
+    decltype(&::PQntuples) ntuples = nullptr;
+    decltype(&::PQresultErrorField) resultErrorField = nullptr;
+    decltype(&::PQresultErrorMessage) resultErrorMessage = nullptr;
+    decltype(&::PQresultStatus) resultStatus = nullptr;
+    decltype(&::PQsendQuery) sendQuery = nullptr;
+    decltype(&::PQsendQueryParams) sendQueryParams = nullptr;
+    decltype(&::PQsetSingleRowMode) setSingleRowMode = nullptr;
+    decltype(&::PQstatus) status = nullptr;
+    decltype(&::PQunescapeBytea) unescapeBytea = nullptr;
+    bool lista = false;
+};
+
+Libpq buscarLibpq()
+{
+    Libpq l;
+    void *biblioteca = dlopen("libpq.so.5", RTLD_NOW | RTLD_NOLOAD);
+    if (!biblioteca)
+        biblioteca = dlopen("libpq.so.5", RTLD_NOW);
+    if (!biblioteca)
+        return l;
+    auto cargar = [biblioteca](auto &funcion, const char *nombre) {
+        funcion = reinterpret_cast<std::remove_reference_t<decltype(funcion)>>(dlsym(biblioteca, nombre));
+        return funcion != nullptr;
+    };
+    l.lista = cargar(l.clear, "PQclear")
+        && cargar(l.errorMessage, "PQerrorMessage")
+        && cargar(l.fname, "PQfname")
+        && cargar(l.freemem, "PQfreemem")
+        && cargar(l.ftype, "PQftype")
+        && cargar(l.getResult, "PQgetResult")
+        && cargar(l.getisnull, "PQgetisnull")
+        && cargar(l.getlength, "PQgetlength")
+        && cargar(l.getvalue, "PQgetvalue")
+        && cargar(l.nfields, "PQnfields")
+        && cargar(l.ntuples, "PQntuples")
+        && cargar(l.resultErrorField, "PQresultErrorField")
+        && cargar(l.resultErrorMessage, "PQresultErrorMessage")
+        && cargar(l.resultStatus, "PQresultStatus")
+        && cargar(l.sendQuery, "PQsendQuery")
+        && cargar(l.sendQueryParams, "PQsendQueryParams")
+        && cargar(l.setSingleRowMode, "PQsetSingleRowMode")
+        && cargar(l.status, "PQstatus")
+        && cargar(l.unescapeBytea, "PQunescapeBytea");
+    return l;
+}
+
+const Libpq &pq()
+{
+    static const Libpq l = buscarLibpq();
+    return l;
+}
 
 // The types of the server's catalogue that the Qt driver reads as something other than text.
 enum : Oid {
@@ -151,8 +221,8 @@ bool leer(const char *t, int largo, T &valor)
 
 QString textoDe(const PGresult *r)
 {
-    QString texto = QString::fromUtf8(PQresultErrorMessage(r)).trimmed();
-    if (const char *codigo = PQresultErrorField(r, PG_DIAG_SQLSTATE))
+    QString texto = QString::fromUtf8(pq().resultErrorMessage(r)).trimmed();
+    if (const char *codigo = pq().resultErrorField(r, PG_DIAG_SQLSTATE))
         texto += QStringLiteral(" (%1)").arg(QLatin1String(codigo));
     return texto;
 }
@@ -168,7 +238,7 @@ void RecordsetPG::Turno::Liberar()
 
 PGconn *RecordsetPG::Manejador(const QVariant &manejador)
 {
-    if (!manejador.isValid() || qstrcmp(manejador.typeName(), "pg_conn*") != 0)
+    if (!manejador.isValid() || qstrcmp(manejador.typeName(), "pg_conn*") != 0 || !pq().lista)
         return nullptr;
     return *static_cast<PGconn *const *>(manejador.constData());
 }
@@ -197,13 +267,13 @@ std::unique_ptr<RecordsetPG> RecordsetPG::Enviar(PGconn *conexion, std::shared_p
     Q_ASSERT(!turno->lector);
     // Whatever the driver's last statement left unread is dropped first, as the driver does
     // before each of its own: libpq sends nothing while a result is pending.
-    while (PGresult *r = PQgetResult(conexion))
-        PQclear(r);
+    while (PGresult *r = pq().getResult(conexion))
+        pq().clear(r);
     const QByteArray texto = sql.toUtf8();
     int enviado;
     if (valores.isEmpty()) {
         // Without values the statement goes as the Qt driver sends it, as a plain query.
-        enviado = PQsendQuery(conexion, texto.constData());
+        enviado = pq().sendQuery(conexion, texto.constData());
     } else {
         // "?" is numbered as the Qt driver numbers it when it prepares the statement.
         QByteArray numerado;
@@ -228,43 +298,43 @@ std::unique_ptr<RecordsetPG> RecordsetPG::Enviar(PGconn *conexion, std::shared_p
             textos[size_t(i)] = textoParametro(v);
             punteros[size_t(i)] = textos[size_t(i)].constData();
         }
-        enviado = PQsendQueryParams(conexion, numerado.constData(), int(valores.size()), nullptr, punteros.data(), nullptr,
+        enviado = pq().sendQueryParams(conexion, numerado.constData(), int(valores.size()), nullptr, punteros.data(), nullptr,
                                     nullptr, 0);
     }
     if (!enviado) {
-        rechazo.texto = QString::fromUtf8(PQerrorMessage(conexion)).trimmed();
-        rechazo.sinConexion = PQstatus(conexion) != CONNECTION_OK;
+        rechazo.texto = QString::fromUtf8(pq().errorMessage(conexion)).trimmed();
+        rechazo.sinConexion = pq().status(conexion) != CONNECTION_OK;
         return nullptr;
     }
     // Row by row: the first rows are worked on while the server still sends the rest, and
     // memory holds one row. The whole result at once took longer for the export of two years
     // (1.8 s against 1.5 s) and held 140 MiB.
-    PQsetSingleRowMode(conexion);
+    pq().setSingleRowMode(conexion);
 
     std::unique_ptr<RecordsetPG> rs(new RecordsetPG(conexion, turno, esperaMs));
     rs->m_enCurso = true;
     turno->lector = rs.get();
-    PGresult *primero = PQgetResult(conexion);
+    PGresult *primero = pq().getResult(conexion);
     if (turno->avisos)
         turno->avisos();
-    const ExecStatusType estado = primero ? PQresultStatus(primero) : PGRES_FATAL_ERROR;
+    const ExecStatusType estado = primero ? pq().resultStatus(primero) : PGRES_FATAL_ERROR;
     if (estado != PGRES_SINGLE_TUPLE && estado != PGRES_TUPLES_OK && estado != PGRES_COMMAND_OK) {
-        rechazo.texto = primero ? textoDe(primero) : QString::fromUtf8(PQerrorMessage(conexion)).trimmed();
-        rechazo.codigo = QString::fromLatin1(primero ? PQresultErrorField(primero, PG_DIAG_SQLSTATE) : nullptr);
-        PQclear(primero);
+        rechazo.texto = primero ? textoDe(primero) : QString::fromUtf8(pq().errorMessage(conexion)).trimmed();
+        rechazo.codigo = QString::fromLatin1(primero ? pq().resultErrorField(primero, PG_DIAG_SQLSTATE) : nullptr);
+        pq().clear(primero);
         rs->terminar();
-        rechazo.sinConexion = PQstatus(conexion) != CONNECTION_OK;
+        rechazo.sinConexion = pq().status(conexion) != CONNECTION_OK;
         return nullptr;
     }
-    const int columnas = PQnfields(primero);
+    const int columnas = pq().nfields(primero);
     rs->m_nombres.reserve(columnas);
     rs->m_tipos.reserve(size_t(columnas));
     for (int i = 0; i < columnas; ++i) {
-        rs->m_nombres << QString::fromUtf8(PQfname(primero, i));
-        rs->m_tipos.push_back(PQftype(primero, i));
+        rs->m_nombres << QString::fromUtf8(pq().fname(primero, i));
+        rs->m_tipos.push_back(pq().ftype(primero, i));
     }
     rs->m_resultado = primero;
-    rs->m_filas = PQntuples(primero);
+    rs->m_filas = pq().ntuples(primero);
     if (estado != PGRES_SINGLE_TUPLE)
         rs->terminar(); // the whole result is in, or the statement gives no rows
     if (rs->m_filas == 0)
@@ -280,8 +350,8 @@ RecordsetPG::~RecordsetPG()
 void RecordsetPG::terminar()
 {
     if (m_enCurso) {
-        while (PGresult *r = PQgetResult(m_conexion))
-            PQclear(r);
+        while (PGresult *r = pq().getResult(m_conexion))
+            pq().clear(r);
         m_enCurso = false;
         if (m_turno->avisos)
             m_turno->avisos();
@@ -295,36 +365,36 @@ void RecordsetPG::Soltar()
     // The rows still to come are kept as they arrive; an error among them is told when the
     // reader gets there, as it would have been.
     while (m_enCurso && !m_error) {
-        PGresult *r = PQgetResult(m_conexion);
+        PGresult *r = pq().getResult(m_conexion);
         if (!r)
             break;
-        const ExecStatusType estado = PQresultStatus(r);
+        const ExecStatusType estado = pq().resultStatus(r);
         if (estado == PGRES_SINGLE_TUPLE) {
-            const int columnas = PQnfields(r);
+            const int columnas = pq().nfields(r);
             qsizetype bytes = 8 * columnas;
             for (int i = 0; i < columnas; ++i)
-                bytes += PQgetlength(r, 0, i) + 1;
+                bytes += pq().getlength(r, 0, i) + 1;
             QByteArray fila(bytes, Qt::Uninitialized);
             auto *cabecera = reinterpret_cast<qint32 *>(fila.data());
             qint32 desde = 8 * columnas;
             for (int i = 0; i < columnas; ++i) {
-                const qint32 n = PQgetlength(r, 0, i);
-                const bool esNulo = PQgetisnull(r, 0, i);
+                const qint32 n = pq().getlength(r, 0, i);
+                const bool esNulo = pq().getisnull(r, 0, i);
                 cabecera[2 * i] = esNulo ? -1 : desde;
                 cabecera[2 * i + 1] = n;
-                std::memcpy(fila.data() + desde, PQgetvalue(r, 0, i), size_t(n));
+                std::memcpy(fila.data() + desde, pq().getvalue(r, 0, i), size_t(n));
                 fila[desde + n] = '\0';
                 desde += n + 1;
             }
-            PQclear(r);
+            pq().clear(r);
             m_guardados.push_back(std::move(fila));
             continue;
         }
         if (estado == PGRES_TUPLES_OK || estado == PGRES_COMMAND_OK)
-            PQclear(r);
+            pq().clear(r);
         else {
             m_error = r;
-            m_errorSinConexion = PQstatus(m_conexion) != CONNECTION_OK;
+            m_errorSinConexion = pq().status(m_conexion) != CONNECTION_OK;
         }
         break;
     }
@@ -333,7 +403,7 @@ void RecordsetPG::Soltar()
 
 bool RecordsetPG::recibir()
 {
-    PQclear(m_resultado);
+    pq().clear(m_resultado);
     m_resultado = nullptr;
     m_guardada.clear();
     m_fila = m_filas = 0;
@@ -349,21 +419,21 @@ bool RecordsetPG::recibir()
         r = m_error;
         m_error = nullptr;
     } else if (m_enCurso) {
-        r = PQgetResult(m_conexion);
-        sinConexion = PQstatus(m_conexion) != CONNECTION_OK;
+        r = pq().getResult(m_conexion);
+        sinConexion = pq().status(m_conexion) != CONNECTION_OK;
     }
     if (!r) {
         terminar();
         return false;
     }
-    switch (PQresultStatus(r)) {
+    switch (pq().resultStatus(r)) {
     case PGRES_SINGLE_TUPLE:
         m_resultado = r;
-        m_filas = PQntuples(r);
+        m_filas = pq().ntuples(r);
         return true;
     case PGRES_TUPLES_OK: // the end of the rows in single-row mode
     case PGRES_COMMAND_OK:
-        PQclear(r);
+        pq().clear(r);
         terminar();
         return false;
     default:
@@ -373,9 +443,9 @@ bool RecordsetPG::recibir()
 
 void RecordsetPG::fallar(PGresult *resultado, bool sinConexion)
 {
-    const QString codigo = QString::fromLatin1(PQresultErrorField(resultado, PG_DIAG_SQLSTATE));
+    const QString codigo = QString::fromLatin1(pq().resultErrorField(resultado, PG_DIAG_SQLSTATE));
     const QString texto = textoDe(resultado);
-    PQclear(resultado);
+    pq().clear(resultado);
     Cerrar();
     if (sinConexion)
         throw ErrorBaseDatos(texto, -1, ErrorBaseDatos::Causa::ConexionPerdida);
@@ -403,11 +473,11 @@ void RecordsetPG::Cerrar()
 {
     // Rows not read are dropped as they come: the connection is free once this returns.
     terminar();
-    PQclear(m_resultado);
+    pq().clear(m_resultado);
     m_resultado = nullptr;
     m_guardados.clear();
     m_guardada.clear();
-    PQclear(m_error);
+    pq().clear(m_error);
     m_error = nullptr;
     m_fila = m_filas = 0;
     m_fin = true;
@@ -416,14 +486,14 @@ void RecordsetPG::Cerrar()
 bool RecordsetPG::nulo(int indice) const
 {
     if (m_resultado)
-        return PQgetisnull(m_resultado, m_fila, indice);
+        return pq().getisnull(m_resultado, m_fila, indice);
     return reinterpret_cast<const qint32 *>(m_guardada.constData())[2 * indice] < 0;
 }
 
 const char *RecordsetPG::valor(int indice) const
 {
     if (m_resultado)
-        return PQgetvalue(m_resultado, m_fila, indice);
+        return pq().getvalue(m_resultado, m_fila, indice);
     const qint32 desde = reinterpret_cast<const qint32 *>(m_guardada.constData())[2 * indice];
     return desde < 0 ? "" : m_guardada.constData() + desde;
 }
@@ -431,7 +501,7 @@ const char *RecordsetPG::valor(int indice) const
 int RecordsetPG::largo(int indice) const
 {
     if (m_resultado)
-        return PQgetlength(m_resultado, m_fila, indice);
+        return pq().getlength(m_resultado, m_fila, indice);
     return reinterpret_cast<const qint32 *>(m_guardada.constData())[2 * indice + 1];
 }
 
@@ -540,9 +610,9 @@ QVariant RecordsetPG::Campo(int indice) const
     }
     case QMetaType::QByteArray: {
         size_t bytes = 0;
-        unsigned char *datos = PQunescapeBytea(reinterpret_cast<const unsigned char *>(t), &bytes);
+        unsigned char *datos = pq().unescapeBytea(reinterpret_cast<const unsigned char *>(t), &bytes);
         const QByteArray b(reinterpret_cast<const char *>(datos), qsizetype(bytes));
-        PQfreemem(datos);
+        pq().freemem(datos);
         return b;
     }
     default:
