@@ -8,6 +8,8 @@
 #include <QFontMetrics>
 #include <QHash>
 
+#include <algorithm>
+
 
 const QString AsientosGrilla::kClaveDiferencia = QStringLiteral("-1|0|0|0|999");
 const QString AsientosGrilla::kTextoDiferencia = QStringLiteral("................?");
@@ -124,17 +126,28 @@ RangoCeldas RangoCombinado(const Grilla &g, int fila, int columna)
 
 int CampoDeClave(const QString &clave, int campo)
 {
-    qsizetype inicio = 0;
+    // Read by hand: the balance test and the order read fields of every line's key, and
+    // searching and converting through QString cost more than the rest of either.
+    const char16_t *p = reinterpret_cast<const char16_t *>(clave.utf16());
+    const char16_t *const fin = p + clave.size();
     for (int i = 0; i < campo; ++i) {
-        inicio = clave.indexOf(u'|', inicio);
-        if (inicio < 0)
+        p = std::find(p, fin, u'|');
+        if (p == fin)
             return 0;
-        ++inicio;
+        ++p;
     }
-    qsizetype fin = clave.indexOf(u'|', inicio);
-    if (fin < 0)
-        fin = clave.size();
-    return QStringView(clave).mid(inicio, fin - inicio).toInt();
+    const char16_t *const hasta = std::find(p, fin, u'|');
+    // A short number of plain digits, as keys are written; anything else as QString reads it.
+    const bool negativo = p != hasta && *p == u'-';
+    const char16_t *cifra = negativo ? p + 1 : p;
+    if (cifra != hasta && hasta - cifra <= 9) {
+        int valor = 0;
+        for (; cifra != hasta && *cifra >= u'0' && *cifra <= u'9'; ++cifra)
+            valor = valor * 10 + (*cifra - u'0');
+        if (cifra == hasta)
+            return negativo ? -valor : valor;
+    }
+    return QStringView(p, hasta).toInt();
 }
 
 void AsientosGrilla::FilaCabezalAsiento(const QString &libro)

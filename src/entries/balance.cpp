@@ -12,6 +12,7 @@
 void AsientosGrilla::CierreAsiento(bool &bDebeMenor, Importe &cDiferenciaMC, Importe &cDiferenciaME, bool &bCierra)
 {
     QVector<LineaBalance> lineas;
+    lineas.reserve(8);
     const int cabezal = Cabezal.FilaCabezal;
     for (int r = cabezal + 1; r >= m_g.FilasFijas() && r < m_g.Filas(); ++r) {
         if (EsFilaCabezal(r) || !m_g.HayDato(r, 0) || m_g.Dato(r, 0).toInt() != Cabezal.AsiID)

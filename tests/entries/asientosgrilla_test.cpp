@@ -359,4 +359,20 @@ TEST_P(Llenado, BalanceConMascaraEnBlancoOSinDecimales)
 
 INSTANCIAR_EN_MOTORES(Llenado);
 
+// A line's key is read field by field, by hand; each field reads as QString would read it,
+// and a field the key lacks is 0.
+TEST(ClaveDeLinea, CadaCampoSeLeeComoLoLeeQString)
+{
+    const QStringList claves{QStringLiteral("1201|0|0|2|3"), AsientosGrilla::kClaveDiferencia, QStringLiteral("7|-12|+4| 5 |"),
+                             QStringLiteral("123456789|-123456789|1234567890|2147483647|2147483648"),
+                             QStringLiteral("-2147483648|-|1x|x1|--1"), QStringLiteral("12"), QString(), QStringLiteral("|||"), QStringLiteral("|9|5")};
+    for (const QString &clave : claves) {
+        const QStringList campos = clave.split(QLatin1Char('|'));
+        for (int i = 0; i < 6; ++i)
+            EXPECT_EQ(CampoDeClave(clave, i), i < campos.size() ? campos[i].toInt() : 0) << qPrintable(clave) << " campo " << i;
+    }
+    EXPECT_EQ(CampoDeClave(QStringLiteral("7|-12|+4| 5 |"), 1), -12);
+    EXPECT_EQ(CampoDeClave(QStringLiteral("123456789|-123456789|1234567890"), 2), 1234567890);
+}
+
 } // namespace
