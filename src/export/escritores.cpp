@@ -239,7 +239,7 @@ quint32 Rgb(quint32 valor)
 
 } // namespace
 
-std::optional<Fallo> EscribirLibro(const FuenteDeGrilla &g, const QString &ruta, const QString &formatoFecha,
+std::optional<Fallo> EscribirLibro(const FuenteDeGrilla &g, const QString &ruta, const QString &formatoFecha, const QString &hoja,
                                      const AvanceExportacion &avance, const SiguienteParte &siguiente)
 {
     QSaveFile archivo(ruta);
@@ -254,7 +254,7 @@ std::optional<Fallo> EscribirLibro(const FuenteDeGrilla &g, const QString &ruta,
     std::vector<double> anchos;
     for (const int c : columnas)
         anchos.push_back(g.AnchoColumna(c) / g.TwipsPorPixel() / 7.0);
-    bool escrito = libro.Empezar(QStringLiteral("Asientos"), g.FilasFijas(), anchos);
+    bool escrito = libro.Empezar(hoja, g.FilasFijas(), anchos);
     const QString fechas = FormatoFechaLibro(formatoFecha);
 
     // A column's cells mostly share one style: the last one asked is kept for each column

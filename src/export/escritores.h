@@ -50,8 +50,9 @@ inline constexpr int kDemasiadasFilas = 2179;    // more rows than a sheet holds
 std::optional<Fallo> EscribirCSV(const FuenteDeGrilla &g, const QString &ruta, const AvanceExportacion &avance = {},
                                  const SiguienteParte &siguiente = {});
 // An Office Open XML workbook of the same cells: amounts as numbers with their mask,
-// header dates as dates in the user's date format (suite notation), colours kept.
-std::optional<Fallo> EscribirLibro(const FuenteDeGrilla &g, const QString &ruta, const QString &formatoFecha,
+// header dates as dates in the user's date format (suite notation), colours kept; the sheet
+// is named hoja.
+std::optional<Fallo> EscribirLibro(const FuenteDeGrilla &g, const QString &ruta, const QString &formatoFecha, const QString &hoja,
                                    const AvanceExportacion &avance = {}, const SiguienteParte &siguiente = {});
 // The grid as an HTML page (modGridHTML), written as it is made; ahora is the moment its
 // footer shows.

@@ -103,7 +103,9 @@ std::optional<Fallo> ExportacionGrilla::Escribir(int formato, const GrillaEnPant
     std::optional<Fallo> fallo;
     switch (formato) {
     case Libro:
-        fallo = Escritores::EscribirLibro(fuente, ruta, entorno.formatoFecha, avance, siguiente);
+        // The sheet takes the name of the entries in the user's language.
+        fallo = Escritores::EscribirLibro(fuente, ruta, entorno.formatoFecha, entorno.texto ? entorno.texto(1010) : QStringLiteral("Asientos"),
+                                          avance, siguiente);
         break;
     case CSV:
         fallo = Escritores::EscribirCSV(fuente, ruta, avance, siguiente);

@@ -217,7 +217,7 @@ using Escribir = std::function<std::optional<Fallo>(const QString &, const Sigui
 std::vector<std::pair<const char *, Escribir>> LosTresEscritores(const FuenteDeGrilla &fuente)
 {
     return {{"a.csv", [&](const QString &r, const SiguienteParte &s) { return Escritores::EscribirCSV(fuente, r, {}, s); }},
-            {"a.xlsx", [&](const QString &r, const SiguienteParte &s) { return Escritores::EscribirLibro(fuente, r, QStringLiteral("dd/mm/yyyy"), {}, s); }},
+            {"a.xlsx", [&](const QString &r, const SiguienteParte &s) { return Escritores::EscribirLibro(fuente, r, QStringLiteral("dd/mm/yyyy"), QStringLiteral("Asientos"), {}, s); }},
             {"a.htm", [&](const QString &r, const SiguienteParte &s) {
                  return Escritores::EscribirHTML(fuente, r, QString(), QString(), QString(), QStringLiteral("dd/mm/yyyy"), QDateTime(), s);
              }}};
@@ -330,7 +330,7 @@ TEST(Escritores, UnaFechaAnteriorA1900VaAlLibroComoTexto)
     for (const auto &[fecha, texto] : cabezales)
         AgregarCabezal(grilla, fecha, QString::fromUtf8(texto));
     const QString ruta = carpeta.filePath(QStringLiteral("a.xlsx"));
-    ASSERT_FALSE(Escritores::EscribirLibro(FuenteDeGrilla(grilla), ruta, QStringLiteral("dd/mm/yyyy")));
+    ASSERT_FALSE(Escritores::EscribirLibro(FuenteDeGrilla(grilla), ruta, QStringLiteral("dd/mm/yyyy"), QStringLiteral("Asientos")));
     const QJsonArray filas = LeerArchivoExportado("xlsx", ruta);
     ASSERT_EQ(filas.size(), grilla.FilasFijas() + 2);
     const QJsonArray antigua = filas.at(grilla.FilasFijas()).toArray();

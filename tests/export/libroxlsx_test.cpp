@@ -2,6 +2,7 @@
 
 #include "entries/grilla.h"
 #include "export/escritores.h"
+#include "export/exportacion.h"
 #include "export/fuentegrilla.h"
 #include "export/libroxlsx.h"
 
@@ -183,8 +184,9 @@ TEST(LibroXlsx, UnDispositivoLlenoLoHaceFallar)
     }
 }
 
-// A grid's workbook: the caption row bold over its line and no other row, and each cell in its
-// own text colour even where the column changes colour from one row to the next.
+// A grid's workbook: its sheet named in the user's language, the caption row bold over its line
+// and no other row, and each cell in its own text colour even where the column changes colour
+// from one row to the next.
 TEST(LibroXlsx, LaGrillaDaSuFilaDeTitulosYElColorDeCadaCelda)
 {
     QTemporaryDir carpeta;
@@ -192,14 +194,18 @@ TEST(LibroXlsx, LaGrillaDaSuFilaDeTitulosYElColorDeCadaCelda)
     PrepararGrillaAsientos(grilla, QStringLiteral("Cuenta|Leyenda|Debe|Haber|Libro|Estado"));
     const int primera = grilla.Filas();
     const QRgb colores[] = {qRgb(0xff, 0, 0), qRgb(0, 0, 0xff), qRgb(0, 0, 0xff)};
-    grilla.FijarFilas(primera + 3);
+    grilla.FijarFilas(primera + 4); // the last, the new-entry row the screen ends with
     for (int i = 0; i < 3; ++i) {
         grilla.FijarTexto(primera + i, 0, QStringLiteral("Cuenta %1").arg(i));
         grilla.FijarColorTexto(primera + i, 0, colores[i]);
     }
     const QString ruta = carpeta.filePath(QStringLiteral("g.xlsx"));
-    ASSERT_FALSE(Escritores::EscribirLibro(FuenteDeGrilla(grilla), ruta, QStringLiteral("dd/mm/yyyy")));
+    EntornoExportacion ingles;
+    ingles.texto = [](int n) { return n == 1010 ? QStringLiteral("Entries") : QStringLiteral("texto %1").arg(n); };
+    ingles.formatoFecha = QStringLiteral("dd/mm/yyyy");
+    ASSERT_FALSE(ExportacionGrilla::Escribir(ExportacionGrilla::Libro, GrillaEnPantalla{&grilla}, ruta, ingles, {}, {}));
     const QJsonObject leido = Leido(ruta);
+    EXPECT_EQ(leido.value(QLatin1String("hoja")).toString(), QStringLiteral("Entries"));
     EXPECT_TRUE(Celda(leido, primera - 1, 0).value(QLatin1String("negrita")).toBool());
     for (int i = 0; i < 3; ++i) {
         SCOPED_TRACE(i);
