@@ -190,7 +190,7 @@ int ExportarDesdeLinea(const PedidoExportacion &pedido, Conexion &conexion, qint
         // Laid out as the print command does it, written beside the final name and renamed.
         QSaveFile archivo(pedido.archivo);
         if (!archivo.open(QIODevice::WriteOnly))
-            return fallar(texto(1938) + QStringLiteral(" ") + pedido.archivo + QStringLiteral(": ") + archivo.errorString());
+            return fallar(texto(1938) + QStringLiteral(" ") + Escritores::ConArchivo(pedido.archivo, archivo.errorString()));
         {
             QPdfWriter escritor(&archivo);
             escritor.setPageSize(QPageSize(QPageSize::A4));
@@ -202,12 +202,12 @@ int ExportarDesdeLinea(const PedidoExportacion &pedido, Conexion &conexion, qint
             ImpresionGrilla impresion(grilla, pdf, {});
             impresion.MnuPriPrint(texto(1001), config.NombreEmpresa);
             if (!pdf.ok())
-                error = Fallo{1938, pedido.archivo + QStringLiteral(": ") + texto(2168)};
+                error = Fallo{1938, Escritores::ConArchivo(pedido.archivo, texto(2168))};
         }
         if (!error)
             if (const auto fallo = Escritores::Confirmar(archivo))
-                error = Fallo{1938, pedido.archivo + QStringLiteral(": ")
-                                        + (fallo->detalle.isEmpty() ? texto(fallo->numeroTexto) : fallo->detalle)};
+                error = Fallo{1938, Escritores::ConArchivo(pedido.archivo, fallo->detalle.isEmpty() ? texto(fallo->numeroTexto)
+                                                                                                       : fallo->detalle)};
     } else {
         // The file is written as the entries are read, a part at a time: memory stays the
         // same however many there are.

@@ -6,6 +6,7 @@
 
 #include "entries/grilla.h"
 
+#include <QDir>
 #include <QFileInfo>
 #include <QSaveFile>
 #include <QStringEncoder>
@@ -94,6 +95,12 @@ std::optional<Fallo> Confirmar(QSaveFile &archivo)
     if (!archivo.commit())
         return noSeEscribio(archivo.errorString());
     return std::nullopt;
+}
+
+QString ConArchivo(const QString &ruta, const QString &motivo)
+{
+    const QString nombre = QDir::toNativeSeparators(ruta);
+    return motivo.contains(nombre) ? motivo : nombre + QStringLiteral(": ") + motivo;
 }
 
 QString CampoCSV(const QString &texto)

@@ -64,6 +64,8 @@ std::optional<Fallo> EscribirHTML(const FuenteDeGrilla &g, const QString &ruta, 
 // file's buffer, and a commit that cannot write them does not say so: they are written, and
 // checked, first. On failure nothing replaces what was there.
 std::optional<Fallo> Confirmar(QSaveFile &archivo);
+// Why a file was not written, naming the file once: the system's reason may name it already.
+QString ConArchivo(const QString &ruta, const QString &motivo);
 // A field quoted as RFC 4180 asks when it must be.
 QString CampoCSV(const QString &texto);
 // The same field appended to a record.

@@ -121,11 +121,10 @@ std::optional<Fallo> ExportacionGrilla::Escribir(int formato, const GrillaEnPant
         fallo->detalle = entorno.texto ? entorno.texto(fallo->numeroTexto) : QString::number(fallo->numeroTexto);
         fallo->numeroTexto = 1938;
     }
-    // A file that could not be written names itself, once (the system's reason may name it
-    // already); a part that could not be read is the database's failure, told by the caller
+    // A file that could not be written names itself; a part that could not be read is the database's failure, told by the caller
     // with its own text.
-    if (fallo && !fallo->deLaBase && !fallo->detalle.contains(QDir::toNativeSeparators(ruta)))
-        fallo->detalle = QDir::toNativeSeparators(ruta) + QStringLiteral(": ") + fallo->detalle;
+    if (fallo && !fallo->deLaBase)
+        fallo->detalle = Escritores::ConArchivo(ruta, fallo->detalle);
     return fallo;
 }
 

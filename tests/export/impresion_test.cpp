@@ -340,4 +340,14 @@ TEST(Escritores, UnaFechaAnteriorA1900VaAlLibroComoTexto)
               QStringLiteral("1900-01-01"));
 }
 
+
+// Why a file was not written names the file, once, whether or not the system's reason does.
+TEST(Escritores, ElMotivoNombraElArchivoUnaVez)
+{
+    const QString ruta = QStringLiteral("/tmp/salida/mes.pdf");
+    EXPECT_EQ(Escritores::ConArchivo(ruta, QStringLiteral("No such file or directory")),
+              QStringLiteral("/tmp/salida/mes.pdf: No such file or directory"));
+    EXPECT_EQ(Escritores::ConArchivo(ruta, QStringLiteral("Existing file /tmp/salida/mes.pdf is not writable")),
+              QStringLiteral("Existing file /tmp/salida/mes.pdf is not writable"));
+}
 } // namespace
