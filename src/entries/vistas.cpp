@@ -171,6 +171,12 @@ std::optional<Fallo> CargarAsientos(AsientosGrilla &a, Conexion &conexion, int v
         if (filaElegida)
             *filaElegida = primera;
     } catch (const ErrorBaseDatos &e) {
+        // A view that could not be read shows none of it, not a part that looks whole, and
+        // still offers a new entry.
+        g.FijarFilas(g.FilasFijas());
+        a.FilaNuevoAsiento();
+        if (filaElegida)
+            *filaElegida = g.FilasFijas();
         return FalloDe(1917, e);
     }
     return std::nullopt;

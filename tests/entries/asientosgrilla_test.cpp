@@ -180,6 +180,9 @@ TEST_P(Llenado, LineasEnMonedaExtranjeraSinImporteNiLibroLaTasaQueUsanYErroresDe
     ASSERT_TRUE(vista.has_value());
     EXPECT_EQ(vista->numeroTexto, 1917);
     EXPECT_TRUE(d.grilla.Redibujar()); // switched back on after the error
+    // ... showing none of the view, and a new entry still offered
+    ASSERT_EQ(d.grilla.Filas(), d.grilla.FilasFijas() + 1);
+    EXPECT_TRUE(d.asientos.EsFilaNuevoAsiento(d.grilla.FilasFijas()));
 }
 
 // A currency worth less than the accounting currency: a yen at a quarter of a peso, shown by
