@@ -7,6 +7,7 @@
 #include "entries/asientosgrilla.h"
 #include "entries/grilla.h"
 #include "export/escritores.h"
+#include "export/exportacion.h"
 #include "export/fuentegrilla.h"
 #include "export/impresiongrilla.h"
 #include "export/paginasgrilla.h"
@@ -349,5 +350,19 @@ TEST(Escritores, ElMotivoNombraElArchivoUnaVez)
               QStringLiteral("/tmp/salida/mes.pdf: No such file or directory"));
     EXPECT_EQ(Escritores::ConArchivo(ruta, QStringLiteral("Existing file /tmp/salida/mes.pdf is not writable")),
               QStringLiteral("Existing file /tmp/salida/mes.pdf is not writable"));
+}
+
+// The save dialog's filter from a catalogue one: the pattern after the description, unless the
+// description already ends with it; "(csv)" is no pattern, and a filter may have none.
+TEST(Escritores, FiltroDelDialogoDeGuardar)
+{
+    const std::pair<const char *, const char *> casos[] = {
+        {"Libro de Microsoft Excel|*.xlsx", "Libro de Microsoft Excel (*.xlsx)"},
+        {"Archivo de texto (csv)|*.csv", "Archivo de texto (csv) (*.csv)"},
+        {"Archivo html (*.htm)|*.htm", "Archivo html (*.htm)"},
+        {"Todos|", "Todos"},
+    };
+    for (const auto &[filtro, esperado] : casos)
+        EXPECT_EQ(ExportacionGrilla::FiltroQt(QString::fromUtf8(filtro)), QString::fromUtf8(esperado)) << filtro;
 }
 } // namespace
