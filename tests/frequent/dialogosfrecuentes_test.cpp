@@ -187,7 +187,8 @@ TEST_F(DialogosFrecuentes, UnaPlantillaGuardadaSeCambiaYCancelarNoGuardaNada)
 // unbalanced one, said beforehand, as an incomplete entry.
 TEST_F(DialogosFrecuentes, SeBuscaPorNombreYSeRegistraALaFechaElegidaOLaDeSuAgenda)
 {
-    const qint32 alquiler = plantilla(QStringLiteral("Alquiler"), {{"5.3.01", true, 1500}, {"1.1.01", false, 1500}});
+    // Three lines: the entry keeps their order.
+    const qint32 alquiler = plantilla(QStringLiteral("Alquiler"), {{"5.3.01", true, 1000}, {"5.2.01", true, 500}, {"1.1.01", false, 1500}});
     const qint32 parcial = plantilla(QStringLiteral("Sueldos parcial"), {{"5.2.01", true, 900}, {"1.1.01", false, 400}});
     const QDate dia = BaseDePrueba::Hoy().addDays(-3);
 
@@ -197,7 +198,7 @@ TEST_F(DialogosFrecuentes, SeBuscaPorNombreYSeRegistraALaFechaElegidaOLaDeSuAgen
         EXPECT_EQ(nombres(d), (QStringList{QStringLiteral("Alquiler"), QStringLiteral("Sueldos parcial")}));
         teclear(hijo(d, "tBuscar"), QStringLiteral("ALQ"));
         EXPECT_EQ(nombres(d), QStringList{QStringLiteral("Alquiler")});
-        EXPECT_EQ(hijo<QTreeWidget>(d, "lvLineas")->topLevelItemCount(), 2);
+        EXPECT_EQ(hijo<QTreeWidget>(d, "lvLineas")->topLevelItemCount(), 3);
         EXPECT_TRUE(hijo<QLabel>(d, "lEstado")->text().isEmpty());
         ASSERT_EQ(QApplication::focusWidget(), hijo(d, "lvFrecuentes"));
         QTest::keyClick(hijo(d, "lvFrecuentes"), Qt::Key_Return);
@@ -298,7 +299,10 @@ TEST_F(DialogosFrecuentes, DesdeElBuscadorSeModificaYSeEliminaTrasPreguntar)
         hijo<QPushButton>(d, "bfEliminar")->click();
         EXPECT_EQ(nombres(d), QStringList{QStringLiteral("Gas")});
         teclear(hijo(d, "tBuscar"), QStringLiteral("ninguno"));
-        EXPECT_FALSE(hijo<QPushButton>(d, "bfModificar")->isEnabled()); // nothing chosen, nothing to change
+        // nothing chosen: nothing to register, change or delete
+        EXPECT_FALSE(hijo<QPushButton>(d, "bfOK")->isEnabled());
+        EXPECT_FALSE(hijo<QPushButton>(d, "bfModificar")->isEnabled());
+        EXPECT_FALSE(hijo<QPushButton>(d, "bfEliminar")->isEnabled());
     });
     EXPECT_EQ(m_mensajes.mostrados, (QStringList{QStringLiteral("pregunta: ¿Elimina el asiento frecuente «Agua corriente»?"),
                                                  QStringLiteral("pregunta: ¿Elimina el asiento frecuente «Agua corriente»?")}));
