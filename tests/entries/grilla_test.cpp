@@ -264,6 +264,7 @@ TEST(DisenoGrilla, ArchivosDanadosSeIgnoranSinTocarLaGrilla)
         EXPECT_FALSE(error.isEmpty()) << ruta.toStdString();
         EXPECT_EQ(g.Filas(), 3);
         EXPECT_EQ(g.Texto(2, 0), QStringLiteral("queda"));
+        EXPECT_FALSE(Grilla().Cargar(ruta)) << ruta.toStdString(); // nor when the reason is not asked for
     }
     struct rusage despues {};
     getrusage(RUSAGE_SELF, &despues);
