@@ -202,6 +202,8 @@ TEST_F(Documento, UsuarioDeConsultaSoloBuscaYCambiaVistaYCadaLetraSusEnlaces)
     doc->resize(900, 500);
     QTest::mouseClick(doc->grid()->viewport(), Qt::RightButton, {}, QPoint(20, doc->grid()->rowViewportPosition(1) + 2));
     EXPECT_EQ(doc->grid()->FilaActual(), doc->grilla().FilasFijas() + 1); // the menu is the clicked row's
+    doc->grid()->FijarFilaActual(doc->grilla().Filas());                  // no such row: the current one stays
+    EXPECT_EQ(doc->grid()->FilaActual(), doc->grilla().FilasFijas() + 1);
     for (const char *a : {"MnuEdiNew", "MnuEdiDel", "MnuEdiDelRow", "MnuEdiAddCta", "MnuEdiSaveNormal", "MnuEdiCopy",
                           "MnuEdiHacerFrecuente", "MnuEdiAgendarAsiento", "MnuEdiLibro", "MnuUnificarTCCta", "MnuEdiAPA",
                           "MnuEdiASI", "MnuEdiDeshacer"})
