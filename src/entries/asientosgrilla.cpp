@@ -55,7 +55,7 @@ bool AsientosGrilla::EsFilaCabezal(int fila) const
 
 bool AsientosGrilla::EsFilaDiferencia(int fila) const
 {
-    return m_g.Dato(fila, 1).toString() == kClaveDiferencia;
+    return m_g.DatoTexto(fila, 1) == kClaveDiferencia;
 }
 
 bool AsientosGrilla::EsFilaNuevoAsiento(int fila) const
@@ -65,7 +65,7 @@ bool AsientosGrilla::EsFilaNuevoAsiento(int fila) const
 
 qint32 AsientosGrilla::IdDeFila(int fila) const
 {
-    return m_g.Dato(fila, 0).toInt();
+    return m_g.DatoEntero(fila, 0);
 }
 
 int AsientosGrilla::FilaCabezalDe(int fila) const
@@ -79,10 +79,9 @@ int AsientosGrilla::FilaCabezalDe(int fila) const
 
 int AsientosGrilla::UltimaFilaAsiento(int filaCabezal) const
 {
-    const QVariant id = m_g.Dato(filaCabezal, 0);
+    const int id = m_g.DatoEntero(filaCabezal, 0);
     int r = filaCabezal;
-    while (r + 1 < m_g.Filas() && !EsFilaCabezal(r + 1) && m_g.HayDato(r + 1, 0)
-           && m_g.Dato(r + 1, 0).toInt() == id.toInt())
+    while (r + 1 < m_g.Filas() && !EsFilaCabezal(r + 1) && m_g.HayDato(r + 1, 0) && m_g.DatoEntero(r + 1, 0) == id)
         ++r;
     return r;
 }
@@ -246,17 +245,17 @@ void AsientosGrilla::ClaveEstado(int fila, qint16 estado)
 qint16 AsientosGrilla::EstadoDeFila(int fila) const
 {
     const int cabezal = FilaCabezalDe(fila);
-    return cabezal < 0 ? 0 : qint16(m_g.Dato(cabezal, 3).toInt());
+    return cabezal < 0 ? 0 : qint16(m_g.DatoEntero(cabezal, 3));
 }
 
 qint16 AsientosGrilla::LibroDeFila(int fila) const
 {
-    return qint16(m_g.Dato(fila, 5).toString().section(QLatin1Char(':'), 0, 0).toInt());
+    return qint16(m_g.DatoTexto(fila, 5).section(QLatin1Char(':'), 0, 0).toInt());
 }
 
 qint16 AsientosGrilla::AutorizaDeFila(int fila) const
 {
-    return qint16(m_g.Dato(fila, 5).toString().section(QLatin1Char(':'), 1, 1).toInt());
+    return qint16(m_g.DatoTexto(fila, 5).section(QLatin1Char(':'), 1, 1).toInt());
 }
 
 void AsientosGrilla::FijarLibroAutoriza(int fila, qint16 tipo, qint16 autoriza)
@@ -271,9 +270,9 @@ void AsientosGrilla::TomarAsientoDeFila(int fila)
     if (r < 0)
         return;
     Cabezal.FilaCabezal = qint16(r);
-    Cabezal.AsiID = m_g.Dato(r, 0).toInt();
+    Cabezal.AsiID = m_g.DatoEntero(r, 0);
     Cabezal.AsiFechaAsiento = m_g.Dato(r, 2).toDate();
-    Cabezal.AsiEstado = qint16(m_g.Dato(r, 3).toInt());
+    Cabezal.AsiEstado = qint16(m_g.DatoEntero(r, 3));
     Cabezal.AsiFechaModificado = m_g.Dato(r, 4).toDateTime();
     Cabezal.AsiTipo = LibroDeFila(r);
     Cabezal.AsiUsuarioVerificador = AutorizaDeFila(r);
@@ -319,17 +318,17 @@ QString AsientosGrilla::TextoAccesible(int fila) const
         agregar(FormatoFechaSuite(m_g.Dato(fila, 2).toDate(), QTime(0, 0), m_ctx.formatoFecha));
         agregar(LeyendaDeFila(fila));
         agregar(m_g.Texto(fila, 4));
-        agregar(NombreEstado(qint16(m_g.Dato(fila, 3).toInt())));
+        agregar(NombreEstado(qint16(m_g.DatoEntero(fila, 3))));
         return partes.join(QStringLiteral(", "));
     }
-    if (EsFilaNuevoAsiento(fila) || m_g.Dato(fila, 1).toString().isEmpty()) {
+    if (EsFilaNuevoAsiento(fila) || m_g.DatoTexto(fila, 1).isEmpty()) {
         for (int c = 0; c < m_g.Columnas(); ++c)
             agregar(m_g.Texto(fila, c));
         return partes.join(QStringLiteral(", "));
     }
     // A line: its side by the column its amount is in, then its account and amounts.
     const bool alDebe = !m_g.Valor(fila, 2).esCero() || m_g.Valor(fila, 3).esCero();
-    const qint16 moneda = qint16(CampoDeClave(m_g.Dato(fila, 1).toString(), 3));
+    const qint16 moneda = qint16(CampoDeClave(m_g.DatoTexto(fila, 1), 3));
     auto simbolo = [this](qint16 m) {
         return m_ctx.monedas ? m_ctx.monedas->DatoMoneda(m, 2).toString().trimmed() : QString();
     };
@@ -349,7 +348,7 @@ QString AsientosGrilla::TextoAccesible(int fila) const
 RegistroLinea AsientosGrilla::LineaDeFila(int fila) const
 {
     RegistroLinea l;
-    const QString clave = m_g.Dato(fila, 1).toString();
+    const QString clave = m_g.DatoTexto(fila, 1);
     if (clave.isEmpty())
         return l;
     l.lCta = CampoDeClave(clave, 0);
@@ -357,7 +356,7 @@ RegistroLinea AsientosGrilla::LineaDeFila(int fila) const
     l.iDep = qint16(CampoDeClave(clave, 2));
     l.iMon = qint16(CampoDeClave(clave, 3));
     l.ACuOrden = qint16(CampoDeClave(clave, 4));
-    l.dFechaCierre = m_g.Dato(fila, 2).toString();
+    l.dFechaCierre = m_g.DatoTexto(fila, 2);
     l.bEsAlDebe = tieneTexto(fila, 2) || (!tieneTexto(fila, 3) && !m_g.Texto(fila, 0).isEmpty());
     l.sTextDisplay = m_g.Texto(fila, l.bEsAlDebe ? 0 : 1);
     const Importe mc = m_g.Valor(fila, l.bEsAlDebe ? 2 : 3);
@@ -382,7 +381,7 @@ QVector<LineaDatos> AsientosGrilla::LineasParaGrabar(QVector<qint16> *monedas) c
     if (cabezal < 0)
         return lineas;
     for (int r = cabezal + 1; r <= UltimaFilaAsiento(cabezal); ++r) {
-        if (EsFilaDiferencia(r) || m_g.Dato(r, 1).toString().isEmpty())
+        if (EsFilaDiferencia(r) || m_g.DatoTexto(r, 1).isEmpty())
             continue;
         const RegistroLinea l = LineaDeFila(r);
         if (l.lCta <= 0)
@@ -600,7 +599,7 @@ int AsientosGrilla::LlenarGrilla(Conexion &conexion, const QString &sql, int fil
     }
 
     const int ultima = m_g.Filas() - 1;
-    if (m_g.Filas() == m_g.FilasFijas() || m_g.Dato(ultima, 0).toInt() > 0)
+    if (m_g.Filas() == m_g.FilasFijas() || m_g.DatoEntero(ultima, 0) > 0)
         FilaNuevoAsiento();
     ResetCabezal();
 

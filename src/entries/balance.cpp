@@ -15,9 +15,9 @@ void AsientosGrilla::CierreAsiento(bool &bDebeMenor, Importe &cDiferenciaMC, Imp
     lineas.reserve(8);
     const int cabezal = Cabezal.FilaCabezal;
     for (int r = cabezal + 1; r >= m_g.FilasFijas() && r < m_g.Filas(); ++r) {
-        if (EsFilaCabezal(r) || !m_g.HayDato(r, 0) || m_g.Dato(r, 0).toInt() != Cabezal.AsiID)
+        if (EsFilaCabezal(r) || !m_g.HayDato(r, 0) || m_g.DatoEntero(r, 0) != Cabezal.AsiID)
             break;
-        const QString clave = m_g.Dato(r, 1).toString();
+        const QString clave = m_g.DatoTexto(r, 1);
         if (clave.isEmpty() || clave == kClaveDiferencia)
             continue;
         LineaBalance l;
@@ -46,9 +46,9 @@ bool AsientosGrilla::Cierra()
 double AsientosGrilla::BuscarTCMonedaCuenta(qint16 iMoneda) const
 {
     for (int r = Cabezal.FilaCabezal + 1; r >= m_g.FilasFijas() && r < m_g.Filas(); ++r) {
-        if (m_g.Dato(r, 0).toInt() != Cabezal.AsiID || EsFilaCabezal(r) || EsFilaNuevoAsiento(r))
+        if (m_g.DatoEntero(r, 0) != Cabezal.AsiID || EsFilaCabezal(r) || EsFilaNuevoAsiento(r))
             return 0;
-        const QString clave = m_g.Dato(r, 1).toString();
+        const QString clave = m_g.DatoTexto(r, 1);
         if (clave.isEmpty() || CampoDeClave(clave, 3) != iMoneda)
             continue;
         const Importe importe = m_g.Valor(r, 5);
@@ -241,7 +241,7 @@ void AsientosGrilla::OrdenarCuentas()
         k.texto0 = m_g.Texto(r, 0);
         k.texto1 = m_g.Texto(r, 1);
         k.alDebe = !k.texto0.isEmpty();
-        const QString clave = m_g.Dato(r, 1).toString();
+        const QString clave = m_g.DatoTexto(r, 1);
         k.orden = CampoDeClave(clave, 4);
         k.esDiferencia = clave == kClaveDiferencia;
         claves.push_back(std::move(k));

@@ -385,6 +385,35 @@ QVariant Grilla::Dato(int fila, int columna) const
     return {};
 }
 
+int Grilla::DatoEntero(int fila, int columna) const
+{
+    using Tipo = CeldaGrilla::TipoDato;
+    const CeldaGrilla &c = celda(fila, columna);
+    switch (c.tipoDato) {
+    case Tipo::Nulo:
+        return 0;
+    case Tipo::Entero:
+    case Tipo::Corto:
+        return int(c.carga);
+    default:
+        return Dato(fila, columna).toInt();
+    }
+}
+
+QString Grilla::DatoTexto(int fila, int columna) const
+{
+    using Tipo = CeldaGrilla::TipoDato;
+    const CeldaGrilla &c = celda(fila, columna);
+    switch (c.tipoDato) {
+    case Tipo::Nulo:
+        return {};
+    case Tipo::Texto:
+        return m_textos[size_t(c.carga)];
+    default:
+        return Dato(fila, columna).toString();
+    }
+}
+
 void Grilla::FijarDato(int fila, int columna, const QVariant &dato)
 {
     guardarDato(celdaEditable(fila, columna), dato);

@@ -94,6 +94,10 @@ public:
     Importe Valor(int fila, int columna) const;
     bool EsNumero(int fila, int columna) const { return celda(fila, columna).mascara != -1; }
     QVariant Dato(int fila, int columna) const;
+    // Dato(fila, columna).toInt() and .toString(), without making a QVariant for the kinds
+    // the entry rows keep their ids and keys in: the fill reads them back for every line.
+    int DatoEntero(int fila, int columna) const;
+    QString DatoTexto(int fila, int columna) const;
     // Whether the cell holds a datum: Dato(fila, columna).isValid() without making it.
     bool HayDato(int fila, int columna) const { return celda(fila, columna).tipoDato != CeldaGrilla::TipoDato::Nulo; }
     void FijarDato(int fila, int columna, const QVariant &dato);

@@ -98,6 +98,7 @@ TEST(Grilla, TextosYDatosSobrevivenAMovimientosYCompactaciones)
                                 QString(),
                                 QStringLiteral(""),
                                 QStringLiteral("10|0|0|1|1"),
+                                QStringLiteral(" 42 "),
                                 true};
     Grilla g;
     const int filas = 6000;
@@ -118,6 +119,9 @@ TEST(Grilla, TextosYDatosSobrevivenAMovimientosYCompactaciones)
         EXPECT_EQ(leido, datos[i]) << i;
         EXPECT_EQ(leido.isNull(), datos[i].isNull()) << i;
         EXPECT_EQ(g.HayDato(i == 0 ? int(datos.size()) : i, 3), datos[i].isValid()) << i;
+        // ... and read as a number or a text the way the datum itself reads
+        EXPECT_EQ(g.DatoEntero(i == 0 ? int(datos.size()) : i, 3), datos[i].toInt()) << i;
+        EXPECT_EQ(g.DatoTexto(i == 0 ? int(datos.size()) : i, 3), datos[i].toString()) << i;
     }
     EXPECT_EQ(g.ColorTexto(1, 5), 0xff000080u);
     EXPECT_EQ(g.ColorTexto(3, 5), 0u);
