@@ -27,14 +27,17 @@ void SesionEdicion::NuevoAsiento()
     EntrarEdicion(m_grilla.Filas() - 1);
 }
 
-// The books the header offers; false when there is none (a failure to read them is said).
-bool SesionEdicion::leerLibros()
+// Whether there are books for the header to offer; none when they could not be read, which
+// is said (1910): a failure is not an empty list.
+std::optional<bool> SesionEdicion::leerLibros()
 {
     if (m_libros.isEmpty()) {
-        if (const auto libros = m_datos.LeerLibros(true))
-            m_libros = *libros;
-        else
+        const auto libros = m_datos.LeerLibros(true);
+        if (!libros) {
             m_datos.Error(1910, libros.fallo().detalle);
+            return std::nullopt;
+        }
+        m_libros = *libros;
         m_vista.FijarLibros(m_libros);
     }
     return !m_libros.isEmpty();
@@ -137,9 +140,11 @@ bool SesionEdicion::EntrarEdicion(int fila)
         }
     }
     m_grilla.FijarImagen(cabezal, QStringLiteral("edicion"));
-    if (!leerLibros()) {
+    const auto hayLibros = leerLibros();
+    if (!hayLibros || !*hayLibros) {
         terminarEdicion(false);
-        m_datos.Informar(1828);
+        if (hayLibros)
+            m_datos.Informar(1828);
         return false;
     }
     const auto valores = valoresDelCabezal(cabezal);

@@ -68,7 +68,7 @@ public:
 
 private:
     void cargarLineaEnEditor(int fila);
-    bool leerLibros();
+    std::optional<bool> leerLibros();
     // None after telling (1928) that the store could not be read.
     std::optional<ValoresCabezal> valoresDelCabezal(int cabezal);
     void escribirLinea(int fila, const RegistroLinea &linea);

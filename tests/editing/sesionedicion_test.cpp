@@ -171,6 +171,23 @@ TEST_P(Edicion, UnaLineaQueNoCierraProponeLoQueFaltaYAlSalirQuedaInconclusaODesc
 
 // A new entry whose date cannot be read, or on which an account typed is closed (the demo's
 // closed bank account, on its closing date): nothing is taken and the date has the focus.
+// Books that cannot be read are said as that (1910), not as there being none (1828); no edit
+// opens, and one opens once they can be read again.
+TEST_P(Edicion, LibrosIlegiblesNoSonLibrosQueNoHay1910)
+{
+    m_base.conexion().Ejecutar(QStringLiteral("Alter Table genLibros Rename To genLibrosAparte"));
+    m_vista.fila = m_grilla.Filas() - 1;
+    EXPECT_FALSE(m_sesion.EntrarEdicion(m_vista.fila));
+    ASSERT_EQ(m_mensajes.mostrados.size(), 1) << m_mensajes.mostrados.join(u'\n').toStdString();
+    EXPECT_TRUE(m_mensajes.mostrados[0].startsWith(QStringLiteral("error: 1910"))) << m_mensajes.mostrados[0].toStdString();
+    EXPECT_EQ(m_sesion.FilaEdicion(), 0);
+
+    m_base.conexion().Ejecutar(QStringLiteral("Alter Table genLibrosAparte Rename To genLibros"));
+    m_mensajes.mostrados.clear();
+    EXPECT_TRUE(m_sesion.EntrarEdicion(m_vista.fila));
+    EXPECT_TRUE(m_mensajes.mostrados.isEmpty()) << m_mensajes.mostrados.join(u'\n').toStdString();
+}
+
 TEST_P(Edicion, UnAsientoNuevoConFechaIlegibleOCuentaCerradaVuelveALaFecha1821YImporteCero1819)
 {
     const ValorLinea cerrada = cuenta("1.1.07", 100);
