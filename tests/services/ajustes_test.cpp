@@ -1,6 +1,7 @@
 #include "comun/sinesperar.h"
 #include "services/servicioconexion.h"
 
+#include <QColor>
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
@@ -51,6 +52,11 @@ TEST(ArchivoDeAjustes, SoloSeLeeUnArchivoComun)
         EXPECT_TRUE(avisos.size() == 1 && avisos[0].contains(ruta)) << avisos.join(QLatin1Char('\n')).toStdString();
     }
     qInstallMessageHandler(anterior);
+
+    // With no scheme chosen, a button face darker than the middle grey means the dark scheme.
+    const ServicioConexion sinEsquema({dir.filePath(QStringLiteral("no-existe.ini")), {}, {}});
+    EXPECT_EQ(sinEsquema.EsquemaColor(QColor::fromHsl(0, 0, 127)), 2);
+    EXPECT_EQ(sinEsquema.EsquemaColor(QColor::fromHsl(0, 0, 128)), 1);
 }
 
 } // namespace

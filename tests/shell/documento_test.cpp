@@ -5,6 +5,7 @@
 #include "store/esquema.h"
 
 #include <QDir>
+#include <QHeaderView>
 #include <QMainWindow>
 #include <QMenu>
 #include <QMessageBox>
@@ -204,6 +205,11 @@ TEST_F(Documento, UsuarioDeConsultaSoloBuscaYCambiaVistaYCadaLetraSusEnlaces)
     EXPECT_EQ(doc->grid()->FilaActual(), doc->grilla().FilasFijas() + 1); // the menu is the clicked row's
     doc->grid()->FijarFilaActual(doc->grilla().Filas());                  // no such row: the current one stays
     EXPECT_EQ(doc->grid()->FilaActual(), doc->grilla().FilasFijas() + 1);
+    doc->grid()->horizontalHeader()->sectionClicked(0);                   // a caption goes to the first row
+    EXPECT_EQ(doc->grid()->FilaActual(), doc->grilla().FilasFijas());
+    const QString vista = doc->VistaActual();
+    doc->ElegirVista(Vista::kPrimerMes + int(doc->menus().MnuViewMItem.size())); // no such month: the view stays
+    EXPECT_EQ(doc->VistaActual(), vista);
     for (const char *a : {"MnuEdiNew", "MnuEdiDel", "MnuEdiDelRow", "MnuEdiAddCta", "MnuEdiSaveNormal", "MnuEdiCopy",
                           "MnuEdiHacerFrecuente", "MnuEdiAgendarAsiento", "MnuEdiLibro", "MnuUnificarTCCta", "MnuEdiAPA",
                           "MnuEdiASI", "MnuEdiDeshacer"})
