@@ -202,12 +202,11 @@ int ExportarDesdeLinea(const PedidoExportacion &pedido, Conexion &conexion, qint
             ImpresionGrilla impresion(grilla, pdf, {});
             impresion.MnuPriPrint(texto(1001), config.NombreEmpresa);
             if (!pdf.ok())
-                error = Fallo{1938, Escritores::ConArchivo(pedido.archivo, texto(2168))};
+                error = ExportacionGrilla::EnPalabras({1938, texto(2168)}, pedido.archivo, texto);
         }
         if (!error)
             if (const auto fallo = Escritores::Confirmar(archivo))
-                error = Fallo{1938, Escritores::ConArchivo(pedido.archivo, fallo->detalle.isEmpty() ? texto(fallo->numeroTexto)
-                                                                                                       : fallo->detalle)};
+                error = ExportacionGrilla::EnPalabras(*fallo, pedido.archivo, texto);
     } else {
         // The file is written as the entries are read, a part at a time: memory stays the
         // same however many there are.

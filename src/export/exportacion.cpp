@@ -115,16 +115,21 @@ std::optional<Fallo> ExportacionGrilla::Escribir(int formato, const GrillaEnPant
                                          entorno.reloj->Ahora(), siguiente);
         break;
     }
-    // A writer's own reason is told in the user's words, under text 1938.
-    if (fallo && (fallo->numeroTexto == Escritores::kNoSeEscribioEntero || fallo->numeroTexto == Escritores::kNoSeCreoLibro
-                  || fallo->numeroTexto == Escritores::kDemasiadasFilas)) {
-        fallo->detalle = entorno.texto ? entorno.texto(fallo->numeroTexto) : QString::number(fallo->numeroTexto);
-        fallo->numeroTexto = 1938;
+    if (fallo)
+        return EnPalabras(*fallo, ruta, entorno.texto);
+    return std::nullopt;
+}
+
+Fallo ExportacionGrilla::EnPalabras(Fallo fallo, const QString &ruta, const std::function<QString(int)> &texto)
+{
+    if (fallo.deLaBase)
+        return fallo;
+    if (fallo.numeroTexto == Escritores::kNoSeEscribioEntero || fallo.numeroTexto == Escritores::kNoSeCreoLibro
+        || fallo.numeroTexto == Escritores::kDemasiadasFilas) {
+        fallo.detalle = texto ? texto(fallo.numeroTexto) : QString::number(fallo.numeroTexto);
+        fallo.numeroTexto = 1938;
     }
-    // A file that could not be written names itself; a part that could not be read is the database's failure, told by the caller
-    // with its own text.
-    if (fallo && !fallo->deLaBase)
-        fallo->detalle = Escritores::ConArchivo(ruta, fallo->detalle);
+    fallo.detalle = Escritores::ConArchivo(ruta, fallo.detalle);
     return fallo;
 }
 

@@ -79,6 +79,10 @@ public:
     static std::optional<Fallo> Escribir(int formato, const GrillaEnPantalla &g, const QString &ruta,
                                          const EntornoExportacion &entorno, const std::function<void(int, int)> &avance = {},
                                          const std::function<Resultado<bool>()> &siguiente = {});
+    // A failure to write the file at ruta in the user's words: a writer's own reason becomes
+    // text 1938 with that reason's text, and the file is named once. A failure to read the
+    // database is left as it came, for the caller's own text.
+    static Fallo EnPalabras(Fallo fallo, const QString &ruta, const std::function<QString(int)> &texto);
 
 private:
     void Exportar(int formato, const GrillaEnPantalla &g);
